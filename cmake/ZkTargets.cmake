@@ -1,0 +1,85 @@
+# What every target of the project shares: language level, warnings, sanitizers, places of the outputs,
+# staged headers for the cross build, and the way a test program is declared.
+include_guard(GLOBAL)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+set(ZK_BIN_DIR ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${ZK_BIN_DIR})
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${ZK_BIN_DIR})
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+if(WIN32)
+  set(CMAKE_SHARED_LIBRARY_PREFIX "")
+  set(CMAKE_SHARED_MODULE_PREFIX "")
+endif()
+
+find_program(ZK_CCACHE ccache)
+if(ZK_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${ZK_CCACHE})
+  set(CMAKE_C_COMPILER_LAUNCHER ${ZK_CCACHE})
+endif()
+
+find_package(Threads REQUIRED)
+
+add_library(zk_options INTERFACE)
+target_compile_options(zk_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+target_link_libraries(zk_options INTERFACE Threads::Threads)
+if(WIN32)
+  # Windows 10; wide entry points are named explicitly where they are meant.
+  target_compile_definitions(zk_options INTERFACE
+    WINVER=0x0A00 _WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX)
+endif()
+if(ZK_SANITIZE)
+  add_compile_options(-fsanitize=${ZK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${ZK_SANITIZE})
+endif()
+
+# Header-only libraries of Debian (standalone Asio, CLI11, nlohmann/json) lie in /usr/include, which a cross
+# compiler must not see as a whole: the ones in use are staged into the build tree.
+add_library(zk_third_party_headers INTERFACE)
+if(CMAKE_CROSSCOMPILING)
+  set(ZK_STAGED_INCLUDE ${CMAKE_BINARY_DIR}/staged-include)
+  foreach(item asio.hpp asio CLI nlohmann)
+    if(NOT EXISTS ${ZK_STAGED_INCLUDE}/${item})
+      file(COPY /usr/include/${item} DESTINATION ${ZK_STAGED_INCLUDE})
+    endif()
+  endforeach()
+  target_include_directories(zk_third_party_headers SYSTEM INTERFACE ${ZK_STAGED_INCLUDE})
+  target_link_libraries(zk_third_party_headers INTERFACE ws2_32 mswsock)
+endif()
+target_compile_definitions(zk_third_party_headers INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED)
+
+# zk_library(name SOURCES... [LIBS...]) - a static layer library. Includes are written from the top of the
+# tree ("K4NHardWare/K4NManager.h"); a target sees only the layers that it links.
+function(zk_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;PRIVATE_LIBS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${ARG_LIBS} PRIVATE zk_options ${ARG_PRIVATE_LIBS})
+endfunction()
+
+# zk_test(name SOURCES... LIBS... [ENV NAME=VALUE...] [TIMEOUT s]) - a GoogleTest program, one CTest entry. Test
+# programs live in bin/tests, away from the modules, so that a module is found only where a test puts it.
+set(ZK_TEST_DIR ${ZK_BIN_DIR}/tests)
+function(zk_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS;ENV;DEPENDS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${ZK_TEST_DIR})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} zk_options gmock_main)
+  if(ARG_DEPENDS)
+    add_dependencies(${name} ${ARG_DEPENDS})
+  endif()
+  add_test(NAME ${name} COMMAND ${name} --gtest_brief=1 WORKING_DIRECTORY ${ZK_TEST_DIR})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 300)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "${ARG_ENV}")
+endfunction()

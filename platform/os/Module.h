@@ -1,0 +1,47 @@
+// Modules loaded at run time.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace os {
+
+/// One loaded module; unloaded by the destructor or Unload.
+class Module {
+ public:
+  Module() = default;
+  ~Module();
+  Module(Module&& other) noexcept;
+  Module& operator=(Module&& other) noexcept;
+  Module(const Module&) = delete;
+  Module& operator=(const Module&) = delete;
+
+  /// Loads "name.dll" by the system's search, or from the folder that the name carries. Elsewhere than on
+  /// Windows the file is libname.so, its name in lower case: "zevisa64.dll" is libzevisa64.so, and
+  /// "/opt/driver/ZeVISA.dll" is /opt/driver/libzevisa.so. A module held before is unloaded first.
+  /// Returns false, holding nothing, when there is no such module or it cannot be loaded.
+  bool Load(std::string_view name);
+
+  /// Unloads the module; nothing to do when none is held.
+  void Unload();
+
+  [[nodiscard]] bool IsLoaded() const { return handle_ != nullptr; }
+
+  /// The address of an exported function or object; null when the module lacks it or none is held.
+  [[nodiscard]] void* Symbol(const char* name) const;
+
+  /// The address of an exported function as a pointer of its type.
+  template <typename Function>
+  [[nodiscard]] Function* FunctionOf(const char* name) const {
+    return reinterpret_cast<Function*>(Symbol(name));
+  }
+
+ private:
+  void* handle_ = nullptr;
+};
+
+/// The folder of the module that holds this code, with a trailing separator, as narrow text in the ANSI
+/// code page; empty when the system does not tell or the path is longer than 260 characters.
+std::string ThisModuleFolder();
+
+}  // namespace os
