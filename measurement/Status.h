@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-/// 0 to 6 is success (1 to 6 are instrument notices); negative instrument codes are sign-extended from 16 bits;
-/// VISA statuses are 0xBFFFxxxx; 10057 means that there is no session; a few operations return an
-/// HRESULT of the driver's own (0x8004xxxx).
+/// 0 to 6 is success (1 to 6 are instrument notices); negative instrument codes are sign-extended
+/// from 16 bits; VISA statuses are 0xBFFFxxxx; 10057 means that there is no session; a few
+/// operations return an HRESULT of the driver's own (0x8004xxxx).
 using Status = std::int32_t;
 
 constexpr bool IsSuccess(Status status) { return status >= 0 && status <= 6; }
@@ -24,12 +24,12 @@ inline constexpr Status kWrongInstrumentKind = 20503;
 inline constexpr Status kInstrumentRepeat = 1;
 inline constexpr Status kInstrumentFormNotUsable = 2;
 inline constexpr Status kInstrumentLevelNotSettled = 6;
-inline constexpr Status kInstrumentNoIdentity = -32767;      // 0x8001
-inline constexpr Status kInstrumentNotSupported = -32766;    // 0x8002
-inline constexpr Status kInstrumentFormUnknown = -32765;     // 0x8003
-inline constexpr Status kInstrumentPllUnlocked = -32761;     // 0x8007
-inline constexpr Status kInstrumentErgFault = -32740;        // 0x801C
-inline constexpr Status kInstrumentFileMissing = -32509;     // 0x8103
+inline constexpr Status kInstrumentNoIdentity = -32767;    // 0x8001
+inline constexpr Status kInstrumentNotSupported = -32766;  // 0x8002
+inline constexpr Status kInstrumentFormUnknown = -32765;   // 0x8003
+inline constexpr Status kInstrumentPllUnlocked = -32761;   // 0x8007
+inline constexpr Status kInstrumentErgFault = -32740;      // 0x801C
+inline constexpr Status kInstrumentFileMissing = -32509;   // 0x8103
 
 // VISA statuses that the driver tests or returns itself.
 inline constexpr Status kVisaTimeout = FromBits(0xBFFF0015);
