@@ -1,4 +1,5 @@
-// The instrument model: one operation per instrument setting, each a transaction of one numbered parameter.
+// The instrument model: one operation per instrument setting, each a transaction of one numbered
+// parameter.
 #pragma once
 
 #include <array>
@@ -23,7 +24,8 @@ struct IdentityDate {
   [[nodiscard]] bool IsKnown() const { return year != 0 || month != 0 || day != 0; }
   /// The number by which dates compare: year x 65536 + month x 256 + day.
   [[nodiscard]] std::uint32_t Ordinal() const {
-    return (static_cast<std::uint32_t>(year) << 16) + (static_cast<std::uint32_t>(month) << 8) + day;
+    return (static_cast<std::uint32_t>(year) << 16) + (static_cast<std::uint32_t>(month) << 8) +
+           day;
   }
 };
 
@@ -33,15 +35,15 @@ struct IdentityRecord {
   IdentityDate dsp_program;
 };
 
-/// Reads "day.month.year" or the compiler's "Mmm dd yyyy"; zero when the text is not a date. Kept: a date
-/// in December is never accepted.
+/// Reads "day.month.year" or the compiler's "Mmm dd yyyy"; zero when the text is not a date. Kept:
+/// a date in December is never accepted.
 IdentityDate ParseIdentityDate(std::string_view text);
 
 /// The five elements of a trigger parameter, input and output alike.
 struct TriggerElements {
   std::uint32_t code = 0;
-  bool edge = false;        ///< input: falling edge detected; output: inverse polarity
-  std::uint8_t value = 0;   ///< input: a flag; output: pulse width, microseconds
+  bool edge = false;       ///< input: falling edge detected; output: inverse polarity
+  std::uint8_t value = 0;  ///< input: a flag; output: pulse width, microseconds
   std::uint32_t flag = 0;
   std::uint32_t last = 0;
 };
@@ -56,17 +58,18 @@ struct AveragingFeatures {
 
 enum class ListAxis { kFrequency, kPower };
 
-/// One per session. It holds no lock: the manager calls one operation at a time. Every setting operation returns 0 or a
-/// negative status (after a negative answer the recovery command has been sent); on success the variables that
-/// it was given hold what the instrument set, which may be clamped or rounded.
+/// One per session. It holds no lock: the manager calls one operation at a time. Every setting
+/// operation returns 0 or a negative status (after a negative answer the recovery command has been
+/// sent); on success the variables that it was given hold what the instrument set, which may be
+/// clamped or rounded.
 class D3THardWare final : public uIEvent::EventProcessor {
  public:
   /// Registers itself as the exchanger's manager. The exchanger must outlive the model.
   explicit D3THardWare(CommandExchanger& exchanger);
   ~D3THardWare();
 
-  /// Learns the frequency limits, the command forms and the identity. Codes -32765 and -32766 mean an
-  /// instrument that does not know the requests.
+  /// Learns the frequency limits, the command forms and the identity. Codes -32765 and -32766 mean
+  /// an instrument that does not know the requests.
   Status Initialize();
   /// Sends the recovery command (command 1) and returns the status of its answer.
   Status Recover();
@@ -91,10 +94,12 @@ class D3THardWare final : public uIEvent::EventProcessor {
   Status SetDwellThousands(double& thousands);
   /// Factor 1 to 14 (clamped); the feature mask is written first.
   Status SetAveraging(std::int32_t& factor, const AveragingFeatures& features = {});
-  /// Group 1 is the second trigger line; without it on the instrument nothing is sent and 0 returned.
+  /// Group 1 is the second trigger line; without it on the instrument nothing is sent and 0
+  /// returned.
   Status SetTriggerInput(unsigned group, TriggerElements& elements);
   Status SetTriggerOutput(unsigned group, TriggerElements& elements);
-  /// Mode 2 starts the train, 0 stops it; source 0 internal, 1 external; nanoseconds. The two arrays have one length.
+  /// Mode 2 starts the train, 0 stops it; source 0 internal, 1 external; nanoseconds. The two
+  /// arrays have one length.
   Status TransferPulseTrain(std::uint32_t mode, std::uint32_t& source, std::span<double> widths,
                             std::span<double> gaps, bool inverse);
   /// Nanoseconds; the second element carries the time from the end of a pulse to the next one.
@@ -108,16 +113,20 @@ class D3THardWare final : public uIEvent::EventProcessor {
   Status ReadPllState(bool& locked);
   Status ReadErgState(bool& good);
   Status ReadLevelState(bool& settled);
-  /// Reads a text file of the instrument, for example "\FRAM\SERIAL.TXT", without blanks and tabs, up to the first line end.
+  /// Reads a text file of the instrument, for example "\FRAM\SERIAL.TXT", without blanks and tabs,
+  /// up to the first line end.
   Status ReadInstrumentFile(std::string_view path, std::string& text);
-  /// Asks for the serial number, whose answer is scrambled with a random key; -1 when its checksum is wrong.
+  /// Asks for the serial number, whose answer is scrambled with a random key; -1 when its checksum
+  /// is wrong.
   Status QuerySerialNumber(std::string& serial_number);
 
-  /// Reads one data block and waits for it. `length` receives the bytes in `buffer`; `format` is the wanted format mark
-  /// ("A" raw with 8 fractional bits, else integers) and receives the block's. A negative status word of
-  /// the block raises a "Data processing error" event and is returned.
+  /// Reads one data block and waits for it. `length` receives the bytes in `buffer`; `format` is
+  /// the wanted format mark
+  /// ("A" raw with 8 fractional bits, else integers) and receives the block's. A negative status
+  /// word of the block raises a "Data processing error" event and is returned.
   Status ReadDataBlock(std::span<std::uint8_t> buffer, std::uint32_t& length, char& format);
-  /// The same without waiting for the end: VI_ERROR_TMO while the block is not complete; call again.
+  /// The same without waiting for the end: VI_ERROR_TMO while the block is not complete; call
+  /// again.
   Status PollDataBlock(std::span<std::uint8_t> buffer, std::uint32_t& length, char& format);
 
   /// The VISA library's text for one of its statuses.

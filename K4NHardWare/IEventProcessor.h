@@ -1,4 +1,5 @@
-// The upward path of errors and notices: exchanger -> model -> manager, synchronous, without a queue.
+// The upward path of errors and notices: exchanger -> model -> manager, synchronous, without a
+// queue.
 #pragma once
 
 namespace uIEvent {
@@ -6,7 +7,8 @@ namespace uIEvent {
 class Event;
 class EventProcessor;
 
-/// Takes events from the layer below. Without a virtual destructor: owners delete the concrete classes.
+/// Takes events from the layer below. Without a virtual destructor: owners delete the concrete
+/// classes.
 class IEventProcessor {
  public:
   /// Takes an event; the final handler keeps it.

@@ -1,5 +1,6 @@
-// The settings that the driver keeps for one instrument: what was last sent, in the instrument's own codes
-// and units. Getters answer from here; a snapshot of it travels with every measurement block.
+// The settings that the driver keeps for one instrument: what was last sent, in the instrument's
+// own codes and units. Getters answer from here; a snapshot of it travels with every measurement
+// block.
 #pragma once
 
 #include <array>
@@ -20,8 +21,8 @@ enum class SweepMode : std::uint32_t {
   kList = 3,
 };
 
-/// What the instrument is: 1 a generator without detectors, 18 a scalar analyser, 2 an older one whose
-/// readings are scaled.
+/// What the instrument is: 1 a generator without detectors, 18 a scalar analyser, 2 an older one
+/// whose readings are scaled.
 enum class InstrumentKind : std::uint32_t { kGenerator = 1, kScaledReadings = 2, kAnalyser = 18 };
 
 /// The source of a sweep trigger; same values as the COM enumeration.
@@ -49,8 +50,9 @@ struct SyncGeneratorSettings {
   double delay = 0.0;
 };
 
-/// The settings that go with every programming of the power axis. `level_control` is the RF output switch: the output
-/// is on exactly when it is 1. The two further settings are passed through as the instrument reported them.
+/// The settings that go with every programming of the power axis. `level_control` is the RF output
+/// switch: the output is on exactly when it is 1. The two further settings are passed through as
+/// the instrument reported them.
 struct LevelSettings {
   std::uint32_t level_control = 0;
   std::uint32_t atten_mode = 0;  ///< 0: no selectable modes; 2..5
@@ -65,8 +67,8 @@ struct StepSettings {
   double step = 0.0;
 };
 
-/// Everything that the getters answer from and that a block's snapshot copies. The initial values are the
-/// defaults that a new connection starts from.
+/// Everything that the getters answer from and that a block's snapshot copies. The initial values
+/// are the defaults that a new connection starts from.
 struct InstrumentSettings {
   SweepMode sweep_mode = SweepMode::kContinuousWave;
   double cw_frequency = 1e7;  ///< Hz

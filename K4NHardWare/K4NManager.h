@@ -1,4 +1,5 @@
-// The instrument manager: the single owner of everything that belongs to one open instrument session.
+// The instrument manager: the single owner of everything that belongs to one open instrument
+// session.
 #pragma once
 
 #include <cstddef>
@@ -13,11 +14,12 @@
 #include "measurement/TraceMatrix.h"
 #include "platform/com/Com.h"
 
-/// One per root object. Operations may be called from any thread; those that talk to the instrument run one at a time, each
-/// pausing the measurement worker first and resuming it at the end. All of them return 10057 without a session
-/// (unless said otherwise), 0 to 6 on success and any other status on failure; a failure of the instrument
-/// also goes into the error trail. Arguments passed by reference come back as the instrument set them.
-/// Getters of cached settings never wait for the instrument.
+/// One per root object. Operations may be called from any thread; those that talk to the instrument
+/// run one at a time, each pausing the measurement worker first and resuming it at the end. All of
+/// them return 10057 without a session (unless said otherwise), 0 to 6 on success and any other
+/// status on failure; a failure of the instrument also goes into the error trail. Arguments passed
+/// by reference come back as the instrument set them. Getters of cached settings never wait for the
+/// instrument.
 class CK4NManager final : public uIEvent::IEventProcessor {
  public:
   CK4NManager();
@@ -25,28 +27,32 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   CK4NManager(const CK4NManager&) = delete;
   CK4NManager& operator=(const CK4NManager&) = delete;
 
-  // --- Session ---------------------------------------------------------------------------------------
-  /// Opens a session, closing one that is open. Narrow texts in the thread's ANSI code page; only the option
-  /// "GENERATOR" has an effect: no detector channels.
+  // --- Session
+  // ---------------------------------------------------------------------------------------
+  /// Opens a session, closing one that is open. Narrow texts in the thread's ANSI code page; only
+  /// the option "GENERATOR" has an effect: no detector channels.
   Status Initialize(const std::string& resource_name, const std::string& option_string);
   /// Switches the RF output off and ends the session; 10057 when there was none.
   Status Close();
   /// True while the model, the VISA session and the exchanger are all present. Never waits.
   [[nodiscard]] bool IsConnected() const;
-  /// Takes the oldest record from the error trail: its status, and its text (VISA library, protocol library or
-  /// decimal number). Code 0 and no text when the trail is empty. Returns 0, also without a session.
+  /// Takes the oldest record from the error trail: its status, and its text (VISA library, protocol
+  /// library or decimal number). Code 0 and no text when the trail is empty. Returns 0, also
+  /// without a session.
   Status ErrorQuery(std::int32_t& code, std::optional<std::string>& message);
 
-  // --- RF output -------------------------------------------------------------------------------------
-  Status SetFrequency(double frequency);          ///< Hz
+  // --- RF output
+  // -------------------------------------------------------------------------------------
+  Status SetFrequency(double frequency);  ///< Hz
   Status GetFrequency(double& frequency) const;
-  Status SetLevel(double level);                  ///< dBm
+  Status SetLevel(double level);  ///< dBm
   Status GetLevel(double& level) const;
   Status SetOutputEnabled(bool enabled);
   /// Also discards a block that has not been fetched (kept: a client polling the output loses it).
   Status GetOutputEnabled(bool& enabled);
 
-  // --- Sweep -----------------------------------------------------------------------------------------
+  // --- Sweep
+  // -----------------------------------------------------------------------------------------
   Status SetSweepMode(SweepMode mode);
   /// Always 0; the stored code as it stands.
   Status GetSweepMode(SweepMode& mode) const;
@@ -62,9 +68,10 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   /// Marks a software trigger as pending and resumes the worker, which then reads one sweep.
   void RequestSoftwareTrigger();
 
-  // --- Lists -----------------------------------------------------------------------------------------
-  /// Replaces the list by the array's values and writes the instrument's corrections back into the array. A null
-  /// array clears the list. SAFEARRAY failures are returned as they are.
+  // --- Lists
+  // -----------------------------------------------------------------------------------------
+  /// Replaces the list by the array's values and writes the instrument's corrections back into the
+  /// array. A null array clears the list. SAFEARRAY failures are returned as they are.
   Status SetFrequencyList(SAFEARRAY* frequencies);  ///< Hz
   Status SetPowerList(SAFEARRAY* levels);           ///< dBm
   Status ClearFrequencyList();                      ///< always 0
@@ -72,8 +79,9 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   [[nodiscard]] bool HasFrequencyList() const;
   [[nodiscard]] bool HasPowerList() const;
 
-  // --- Pulse generator and pulse modulation: nanoseconds -----------------------------------------------
-  // The settings are stored without a session too, and sent while the modulator is on.
+  // --- Pulse generator and pulse modulation: nanoseconds
+  // ----------------------------------------------- The settings are stored without a session too,
+  // and sent while the modulator is on.
   Status SetPulseWidth(double width);
   Status SetPulsePeriod(double period);
   Status SetDoublePulseEnabled(bool enabled);
@@ -86,14 +94,16 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status SetPulseModPolarity(bool inverse);
   [[nodiscard]] PulseSettings GetPulseSettings() const;
 
-  // --- Trigger output, sync generator ----------------------------------------------------------------
+  // --- Trigger output, sync generator
+  // ----------------------------------------------------------------
   Status SetTriggerOutput(TriggerOutputSettings& settings);
   /// Without a session 10057, and the record is left untouched.
   Status GetTriggerOutput(TriggerOutputSettings& settings) const;
   Status SetSyncGenerator(SyncGeneratorSettings& settings);
   Status GetSyncGenerator(SyncGeneratorSettings& settings) const;
 
-  // --- System ----------------------------------------------------------------------------------------
+  // --- System
+  // ----------------------------------------------------------------------------------------
   Status GetSerialNumber(std::string& serial_number);
   Status GetInstrumentType(std::string& type);
   Status GetRfButton(bool& pressed);
@@ -111,24 +121,27 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status SetCompensMode(std::uint32_t mode);
   Status GetCompensMode(std::uint32_t& mode) const;
 
-  // --- Measurement -----------------------------------------------------------------------------------
+  // --- Measurement
+  // -----------------------------------------------------------------------------------
   /// 0x80047012 for a generator without detectors.
   Status SetAveraging(std::int32_t count);
   Status GetAveraging(std::int32_t& count) const;
-  /// Loads a detector file (narrow name, see os::NativePath) into the table of one channel, 0 to 2. A failed load
-  /// keeps the table that the channel had.
+  /// Loads a detector file (narrow name, see os::NativePath) into the table of one channel, 0 to 2.
+  /// A failed load keeps the table that the channel had.
   Status LoadDetectorData(std::size_t channel, const std::string& file_name);
   /// Converts the newest block, each block once; VI_ERROR_TMO when there is none.
   Status FetchData(TraceMatrix& trace);
   // Channel index 3 or more: ignored, 0. They work without a session.
-  Status SetChannelOffset(std::size_t channel, double offset);  ///< Hz; magnitude over 1e11: 0x80047010
+  Status SetChannelOffset(std::size_t channel,
+                          double offset);  ///< Hz; magnitude over 1e11: 0x80047010
   Status GetChannelOffset(std::size_t channel, double& offset) const;
   Status SetChannelMultiplier(std::size_t channel, double multiplier);
   Status GetChannelMultiplier(std::size_t channel, double& multiplier) const;
   Status SetChannelDivider(std::size_t channel, double divider);  ///< below 1.0: 0x80047010
   Status GetChannelDivider(std::size_t channel, double& divider) const;
 
-  // --- IEventProcessor: the top of the chain, events are only remembered --------------------------------
+  // --- IEventProcessor: the top of the chain, events are only remembered
+  // --------------------------------
   void ProcessEvent(uIEvent::Event* event) override;
   uIEvent::IEventProcessor* SetManager(uIEvent::IEventProcessor* manager) override;
   uIEvent::EventProcessor* GetProcessor() override;

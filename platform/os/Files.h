@@ -1,5 +1,6 @@
-// Folders and narrow file names. A narrow file name is text in the code page of the locale in effect
-// (LocaleSwitch) and may use backslashes; it becomes a native path only here, where a file is opened.
+// Folders and narrow file names. A narrow file name is text in the code page of the locale in
+// effect (LocaleSwitch) and may use backslashes; it becomes a native path only here, where a file
+// is opened.
 #pragma once
 
 #include <filesystem>
@@ -11,13 +12,13 @@
 
 namespace os {
 
-/// The code page in which narrow file names are read now: the thread's ANSI code page, or the one of
-/// the innermost LocaleSwitch.
+/// The code page in which narrow file names are read now: the thread's ANSI code page, or the one
+/// of the innermost LocaleSwitch.
 CodePage FileNameCodePage();
 
-/// Switches the process locale (all categories) for its life time and restores the previous one: "Russian"
-/// makes file names Windows-1251, "English" Windows-1252. The switch is process-wide; it does not
-/// touch how the driver parses or prints numbers.
+/// Switches the process locale (all categories) for its life time and restores the previous one:
+/// "Russian" makes file names Windows-1251, "English" Windows-1252. The switch is process-wide; it
+/// does not touch how the driver parses or prints numbers.
 class LocaleSwitch {
  public:
   explicit LocaleSwitch(const char* locale_name);
@@ -33,16 +34,16 @@ class LocaleSwitch {
 /// A narrow file name as a native path; backslashes become separators on every system.
 std::filesystem::path NativePath(std::string_view narrow_name);
 
-/// Opens a file for reading in binary mode. A folder, a missing or an unreadable file gives a stream
-/// that is not open.
+/// Opens a file for reading in binary mode. A folder, a missing or an unreadable file gives a
+/// stream that is not open.
 std::ifstream OpenForReading(std::string_view narrow_name);
 
 /// Creates or truncates a file for writing in binary mode; other processes may read it meanwhile.
 std::ofstream OpenForWriting(std::string_view narrow_name);
 
-/// The system's common files folder without a trailing separator, as narrow text in the ANSI code page; empty when
-/// the system does not tell. Elsewhere than on Windows: ZENTREL_COMMON_FILES, or a folder below the
-/// user's XDG data home.
+/// The system's common files folder without a trailing separator, as narrow text in the ANSI code
+/// page; empty when the system does not tell. Elsewhere than on Windows: ZENTREL_COMMON_FILES, or a
+/// folder below the user's XDG data home.
 std::string CommonFilesFolder();
 
 /// The user's documents folder, likewise. Elsewhere than on Windows: ZENTREL_DOCUMENTS, or XDG's.

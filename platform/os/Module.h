@@ -16,8 +16,9 @@ class Module {
   Module(const Module&) = delete;
   Module& operator=(const Module&) = delete;
 
-  /// Loads "name.dll" by the system's search, or from the folder that the name carries. Elsewhere than on
-  /// Windows the file is libname.so, its name in lower case: "zevisa64.dll" is libzevisa64.so, and
+  /// Loads "name.dll" by the system's search, or from the folder that the name carries. Elsewhere
+  /// than on Windows the file is libname.so, its name in lower case: "zevisa64.dll" is
+  /// libzevisa64.so, and
   /// "/opt/driver/ZeVISA.dll" is /opt/driver/libzevisa.so. A module held before is unloaded first.
   /// Returns false, holding nothing, when there is no such module or it cannot be loaded.
   bool Load(std::string_view name);
@@ -40,8 +41,8 @@ class Module {
   void* handle_ = nullptr;
 };
 
-/// The folder of the module that holds this code, with a trailing separator, as narrow text in the ANSI
-/// code page; empty when the system does not tell or the path is longer than 260 characters.
+/// The folder of the module that holds this code, with a trailing separator, as narrow text in the
+/// ANSI code page; empty when the system does not tell or the path is longer than 260 characters.
 std::string ThisModuleFolder();
 
 }  // namespace os

@@ -33,8 +33,8 @@ class Semaphore {
   std::unique_ptr<Impl> impl_;
 };
 
-/// Waits until one of the semaphores is signalled and takes that one signal; when several are, the first
-/// in the order given. Returns its index, or nothing after the time-out.
+/// Waits until one of the semaphores is signalled and takes that one signal; when several are, the
+/// first in the order given. Returns its index, or nothing after the time-out.
 std::optional<std::size_t> WaitAny(std::span<Semaphore* const> semaphores,
                                    std::chrono::milliseconds timeout);
 

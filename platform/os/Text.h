@@ -1,5 +1,5 @@
-// Text in the two forms that the driver uses: wide (UTF-16, the COM side) and narrow (the inside, in a
-// single-byte ANSI code page or UTF-8).
+// Text in the two forms that the driver uses: wide (UTF-16, the COM side) and narrow (the inside,
+// in a single-byte ANSI code page or UTF-8).
 #pragma once
 
 #include <cstdint>
@@ -26,7 +26,8 @@ inline constexpr CodePage kUtf8CodePage = 65001;
 /// ZENTREL_ANSI_CODE_PAGE (1252, 1251 or 65001), read once; 1252 when it is unset or unknown.
 CodePage ThreadAnsiCodePage();
 
-/// Wide to narrow. A character that the code page does not have becomes '?', an unpaired surrogate too.
+/// Wide to narrow. A character that the code page does not have becomes '?', an unpaired surrogate
+/// too.
 std::string ToNarrow(WideView text, CodePage code_page);
 /// As above in the thread's ANSI code page.
 std::string ToNarrow(WideView text);

@@ -1,0 +1,92 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+
+#include "zk4n/TraceFiles.h"
+#include "zk4n/TraceSvg.h"
+
+namespace {
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+Trace ThreePoints() {
+  Trace trace;
+  trace.x = {1e9, 1.5e9, 2e9};
+  trace.channels = {{{-10.0, -2.5, -30.0}, {-1.0, -20.0, -0.5}, {0.0, 0.5, 0.25}}};
+  return trace;
+}
+
+TEST(Ticks, StandAtRoundValuesInsideTheRange) {
+  EXPECT_THAT(TicksFor(0.0, 10.0, 10).values, testing::SizeIs(11));
+  EXPECT_THAT(
+      TicksFor(1e9, 3e9, 10).values,
+      testing::ElementsAre(1e9, 1.2e9, 1.4e9, 1.6e9, 1.8e9, 2e9, 2.2e9, 2.4e9, 2.6e9, 2.8e9, 3e9));
+  EXPECT_THAT(TicksFor(-61.0, 4.0, 9).values,
+              testing::ElementsAre(-60, -50, -40, -30, -20, -10, 0));
+  EXPECT_THAT(TicksFor(1.0, 1.0, 9).values, testing::IsEmpty());
+  EXPECT_THAT(TicksFor(kNan, 1.0, 9).values, testing::IsEmpty());
+}
+
+TEST(Summary, TakesExtremesAndMeanWithTheirPlaces) {
+  const Trace trace = ThreePoints();
+  const ChannelSummary summary = Summarise(trace.x, trace.channels[0]);
+  EXPECT_EQ(summary.minimum, -30.0);
+  EXPECT_EQ(summary.minimum_at, 2e9);
+  EXPECT_EQ(summary.maximum, -2.5);
+  EXPECT_EQ(summary.maximum_at, 1.5e9);
+  EXPECT_DOUBLE_EQ(summary.mean, -42.5 / 3);
+  EXPECT_TRUE(std::isnan(Summarise({}, {}).mean)) << "an empty trace has no mean";
+  EXPECT_TRUE(std::isnan(Summarise({1.0, 2.0}, {kNan, 0.0}).minimum))
+      << "an uncalibrated point must not be hidden";
+  EXPECT_THAT(TransmissionOf(trace), testing::ElementsAre(-10.0, -3.0, -30.25));
+}
+
+TEST(Csv, KeepsEveryDigit) {
+  Trace trace = ThreePoints();
+  trace.channels[0][0] = 0.1;
+  const std::string csv = TraceAsCsv(trace, {"K4N", "7*", "R", "D"});
+  EXPECT_THAT(
+      csv, testing::StartsWith(
+               "# instrument: K4N\n# serial: 7*\n# resource: R\n# date: D\nfrequency_hz,A,B,R\n"));
+  EXPECT_THAT(csv, testing::HasSubstr("1000000000,0.10000000000000001,-1,0\n"));
+}
+
+TEST(Json, WritesNullForWhatIsNoNumber) {
+  Trace trace = ThreePoints();
+  trace.channels[1][2] = kNan;
+  const std::string json = TraceAsJson(trace, {"\xC7", "", "", ""});  // a byte that is not UTF-8
+  EXPECT_THAT(json, testing::HasSubstr("null"));
+  EXPECT_THAT(json, testing::HasSubstr("\"points\": 3"));
+}
+
+TEST(Svg, SurvivesWhatAnInstrumentSends) {
+  Trace trace = ThreePoints();
+  trace.channels[0][1] = kNan;
+  trace.channels[2] = {kNan, kNan, kNan};
+  const std::string svg = TraceAsSvg(trace, {"<K4N & \x01\">", "1", "r", "d"});
+  EXPECT_THAT(svg, testing::HasSubstr("&lt;K4N &amp; &quot;&gt;"));
+  EXPECT_THAT(svg, testing::Not(testing::HasSubstr("nan")));
+  EXPECT_THAT(svg, testing::HasSubstr("Frequency (GHz)"));
+  EXPECT_THAT(TraceAsSvg(Trace{}, {}), testing::HasSubstr("</svg>")) << "no points at all";
+}
+
+TEST(Files, AreWrittenWholeOrNotAtAll) {
+  const auto folder = std::filesystem::temp_directory_path() / "zk4n-report-test";
+  std::filesystem::create_directories(folder);
+  const auto file = folder / "trace.csv";
+  ASSERT_TRUE(WriteWholeFile(file, "first"));
+  ASSERT_TRUE(WriteWholeFile(file, "second"));
+  std::ifstream stream(file);
+  std::string content;
+  std::getline(stream, content);
+  EXPECT_EQ(content, "second");
+  stream.close();
+  EXPECT_FALSE(WriteWholeFile(folder / "absent" / "trace.csv", "x"));
+  std::filesystem::remove_all(folder);
+}
+
+}  // namespace

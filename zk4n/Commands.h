@@ -1,0 +1,26 @@
+// The commands of zk4n. Each adds itself to the program's command line and leaves its exit status
+// when it ran.
+#pragma once
+
+#include <CLI/App.hpp>
+#include <stdexcept>
+#include <string>
+
+namespace exit_status {
+inline constexpr int kOk = 0;
+inline constexpr int kFailed = 1;  ///< the driver or the instrument said no
+inline constexpr int kUsage = 2;   ///< bad arguments, or a file that cannot be read or written
+inline constexpr int kInterrupted = 130;
+}  // namespace exit_status
+
+/// Bad arguments or files: one line for the user, exit status 2, nothing written.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// `zk4n measure`: one stepped measurement, as a table, CSV, SVG or JSON.
+void AddMeasureCommand(CLI::App& app, int& status);
+
+/// `zk4n simulate`: the instrument simulator, listening until Ctrl-C.
+void AddSimulateCommand(CLI::App& app, int& status);

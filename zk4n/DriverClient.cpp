@@ -1,0 +1,74 @@
+#include "zk4n/DriverClient.h"
+
+#include <utility>
+
+#include "platform/os/Text.h"
+#include "server/interface/Guids.h"
+#include "zk4n/HresultName.h"
+
+namespace {
+
+constexpr HRESULT kNoSession = 10057;
+constexpr int kTrailRecordsShown = 3;
+
+/// The calling thread's error description, which is taken away with it; empty when there is none.
+std::string TakeDescription() {
+  ComPtr<IErrorInfo> info;
+  if (GetErrorInfo(0, info.Put()) != S_OK || !info) return {};
+  Bstr description;
+  if (info->GetDescription(description.Put()) != S_OK) return {};
+  return DriverClient::Utf8(description);
+}
+
+}  // namespace
+
+std::string DefaultDriverModule() { return os::ThisModuleFolder() + ZK_DRIVER_FILE_NAME; }
+
+DriverClient::DriverClient(const std::string& module_file) {
+  using GetClassObject = HRESULT STDMETHODCALLTYPE(REFCLSID, REFIID, void**);
+  if (!module_.Load(module_file)) {
+    throw DriverError(E_FAIL, "cannot load the driver module " + module_file);
+  }
+  auto* const get_class_object = module_.FunctionOf<GetClassObject>("DllGetClassObject");
+  if (get_class_object == nullptr) {
+    throw DriverError(E_FAIL,
+                      module_file + " is not the driver module: it has no DllGetClassObject");
+  }
+  ComPtr<IClassFactory> factory;
+  Check(get_class_object(CLSID_ZentrelK4N, __uuidof(IClassFactory),
+                         reinterpret_cast<void**>(factory.Put())),
+        "DllGetClassObject");
+  Check(factory->CreateInstance(nullptr, __uuidof(IZentrelK4N),
+                                reinterpret_cast<void**>(root_.Put())),
+        "CreateInstance");
+}
+
+std::string DriverClient::Utf8(const Bstr& text) {
+  return os::ToNarrow(text.View(), os::kUtf8CodePage);
+}
+
+void DriverClient::Check(HRESULT result, const char* member) const {
+  if (result >= 0 && result != kNoSession) return;
+  const std::string description = TakeDescription();
+  std::string text = std::string(member) + ": " + HresultText(result) + " (" +
+                     std::string(HresultName(result)) + ")";
+  if (!description.empty()) text += ": " + description;
+  throw DriverError(result, text + ErrorTrail());
+}
+
+std::string DriverClient::ErrorTrail() const {
+  if (!root_) return {};
+  ComPtr<IIviDriverUtility> utility;
+  if (root_->get_Utility(utility.Put()) != S_OK) return {};
+  std::string trail;
+  for (int record = 0; record < kTrailRecordsShown; ++record) {
+    LONG code = 0;
+    Bstr message;
+    if (utility->ErrorQuery(&code, message.Put()) != S_OK || code == 0) break;
+    trail += trail.empty() ? " [error trail: " : "; ";
+    trail += HresultText(static_cast<std::int32_t>(code)) + " " + Utf8(message);
+  }
+  // The look at the trail must not leave error information of its own behind.
+  SetErrorInfo(0, nullptr);
+  return trail.empty() ? trail : trail + "]";
+}

@@ -1,0 +1,58 @@
+// The driver as a COM client sees it: the module loaded, one root object created through its class
+// factory.
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "platform/com/Com.h"
+#include "platform/com/Raii.h"
+#include "platform/os/Module.h"
+#include "server/interface/ZentrelK4NLib.h"
+
+/// A failed member of the driver. what() is one line for a person: the member, the result, its
+/// name, the driver's own description, and what the error trail holds.
+class DriverError : public std::runtime_error {
+ public:
+  DriverError(HRESULT result, const std::string& text)
+      : std::runtime_error(text), result_(result) {}
+  [[nodiscard]] HRESULT result() const { return result_; }
+
+ private:
+  HRESULT result_;
+};
+
+/// Owns the module and its root object; both go with it. Not for use by several threads.
+class DriverClient {
+ public:
+  /// Throws DriverError when the module cannot be loaded or the object not be created.
+  explicit DriverClient(const std::string& module_file);
+
+  IZentrelK4N* operator->() const { return root_.Get(); }
+
+  /// Another interface of the root object.
+  template <typename Interface>
+  [[nodiscard]] ComPtr<Interface> As() const {
+    ComPtr<Interface> pointer;
+    Check(root_->QueryInterface(__uuidof(Interface), reinterpret_cast<void**>(pointer.Put())),
+          "QueryInterface");
+    return pointer;
+  }
+
+  /// Throws DriverError for a failure, and for 10057 (no session), which COM takes for success.
+  void Check(HRESULT result, const char* member) const;
+
+  /// Texts of the driver are UTF-16; the console's are UTF-8.
+  static std::string Utf8(const Bstr& text);
+
+ private:
+  [[nodiscard]] std::string ErrorTrail() const;
+
+  os::Module module_;  // released last: the objects' code lives in it
+  ComPtr<IZentrelK4N> root_;
+};
+
+/// The driver module beside this program.
+std::string DefaultDriverModule();

@@ -1,0 +1,118 @@
+#include "zk4n/TraceFiles.h"
+
+#include <cmath>
+#include <fstream>
+#include <iomanip>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <system_error>
+
+namespace {
+
+std::string_view AxisColumn(const Trace& trace) {
+  return trace.axis == SweptAxis::kFrequency ? "frequency_hz" : "level_dbm";
+}
+
+nlohmann::ordered_json NumberOrNull(double value) {
+  return std::isfinite(value) ? nlohmann::ordered_json(value) : nlohmann::ordered_json(nullptr);
+}
+
+nlohmann::ordered_json ChannelAsJson(const std::vector<double>& x,
+                                     const std::vector<double>& values) {
+  const ChannelSummary summary = Summarise(x, values);
+  auto list = nlohmann::ordered_json::array();
+  for (const double value : values) list.push_back(NumberOrNull(value));
+  return {{"minimum", NumberOrNull(summary.minimum)},
+          {"maximum", NumberOrNull(summary.maximum)},
+          {"mean", NumberOrNull(summary.mean)},
+          {"values", std::move(list)}};
+}
+
+void AppendRow(std::ostringstream& table, const std::string& name, const Trace& trace,
+               const std::vector<double>& values) {
+  const ChannelSummary summary = Summarise(trace.x, values);
+  const auto number = [](double value) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(3) << value;
+    return text.str();
+  };
+  table << "  " << std::left << std::setw(8) << name << std::right << std::setw(10)
+        << number(summary.minimum) << std::setw(14)
+        << FormatQuantity(summary.minimum_at, trace.XUnit()) << std::setw(10)
+        << number(summary.maximum) << std::setw(14)
+        << FormatQuantity(summary.maximum_at, trace.XUnit()) << std::setw(10)
+        << number(summary.mean) << '\n';
+}
+
+}  // namespace
+
+std::string TraceAsCsv(const Trace& trace, const TraceOrigin& origin) {
+  std::ostringstream csv;
+  csv << std::setprecision(17);
+  csv << "# instrument: " << origin.instrument << "\n# serial: " << origin.serial
+      << "\n# resource: " << origin.resource << "\n# date: " << origin.date << '\n';
+  csv << AxisColumn(trace) << ",A,B,R\n";
+  for (std::size_t i = 0; i < trace.x.size(); ++i) {
+    csv << trace.x[i];
+    for (const auto& channel : trace.channels) csv << ',' << channel[i];
+    csv << '\n';
+  }
+  return csv.str();
+}
+
+std::string TraceAsJson(const Trace& trace, const TraceOrigin& origin) {
+  nlohmann::ordered_json channels;
+  for (std::size_t c = 0; c < kTraceChannels; ++c) {
+    channels[std::string(kTraceChannelLetters[c])] = ChannelAsJson(trace.x, trace.channels[c]);
+  }
+  channels["A-R"] = ChannelAsJson(trace.x, TransmissionOf(trace));
+  const nlohmann::ordered_json document{
+      {"instrument", origin.instrument},
+      {"serial", origin.serial},
+      {"resource", origin.resource},
+      {"date", origin.date},
+      {"points", trace.x.size()},
+      {"axis", {{"name", AxisColumn(trace)}, {"values", trace.x}}},
+      {"channels", std::move(channels)}};
+  return document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+std::string TraceSummaryTable(const Trace& trace, const TraceOrigin& origin) {
+  std::ostringstream table;
+  table << "Instrument " << (origin.instrument.empty() ? "(no type text)" : origin.instrument)
+        << ", serial " << (origin.serial.empty() ? "(none)" : origin.serial) << ", "
+        << origin.resource << '\n';
+  table << "Points " << trace.x.size();
+  if (!trace.x.empty()) {
+    table << ", " << FormatQuantity(trace.x.front(), trace.XUnit(), 10) << " to "
+          << FormatQuantity(trace.x.back(), trace.XUnit(), 10);
+  }
+  table << "\n  channel        min            at       max            at      mean\n";
+  for (std::size_t c = 0; c < kTraceChannels; ++c) {
+    AppendRow(table, std::string(kTraceChannelLetters[c]), trace, trace.channels[c]);
+  }
+  AppendRow(table, "A-R", trace, TransmissionOf(trace));
+  return table.str();
+}
+
+bool WriteWholeFile(const std::filesystem::path& path, const std::string& content) {
+  std::filesystem::path temporary = path;
+  temporary += ".part";
+  {
+    std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
+    file.write(content.data(), static_cast<std::streamsize>(content.size()));
+    file.close();
+    if (!file) {
+      std::error_code ignored;
+      std::filesystem::remove(temporary, ignored);
+      return false;
+    }
+  }
+  std::error_code error;
+  std::filesystem::rename(temporary, path, error);
+  if (error) {
+    std::error_code ignored;
+    std::filesystem::remove(temporary, ignored);
+  }
+  return !error;
+}
