@@ -8,13 +8,16 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "K4NHardWare/EventProcessor.h"
+#include "K4NHardWare/HardWareParametr.h"
 #include "K4NHardWare/InstrumentSettings.h"
+#include "K4NHardWare/ParameterTable.h"
+#include "K4NHardWare/ProtocolMessage.h"
 #include "measurement/Status.h"
 
 class CommandExchanger;
-class HardWareParametr;
 
 /// Calendar date of the identity record; all zero when unknown.
 struct IdentityDate {
@@ -29,6 +32,7 @@ struct IdentityDate {
   }
 };
 
+/// What the instrument tells of itself.
 struct IdentityRecord {
   IdentityDate manufactured;
   IdentityDate fpga_firmware;
@@ -66,7 +70,9 @@ class D3THardWare final : public uIEvent::EventProcessor {
  public:
   /// Registers itself as the exchanger's manager. The exchanger must outlive the model.
   explicit D3THardWare(CommandExchanger& exchanger);
-  ~D3THardWare();
+  ~D3THardWare() = default;
+  D3THardWare(const D3THardWare&) = delete;
+  D3THardWare& operator=(const D3THardWare&) = delete;
 
   /// Learns the frequency limits, the command forms and the identity. Codes -32765 and -32766 mean
   /// an instrument that does not know the requests.
@@ -132,14 +138,63 @@ class D3THardWare final : public uIEvent::EventProcessor {
   /// The VISA library's text for one of its statuses.
   Status DescribeStatus(Status code, std::string& text);
 
-  [[nodiscard]] const IdentityRecord& identity() const;
-  [[nodiscard]] double minimum_frequency() const;
-  [[nodiscard]] double maximum_frequency() const;
-  [[nodiscard]] std::uint32_t power_variant() const;
+  [[nodiscard]] const IdentityRecord& identity() const { return identity_; }
+  [[nodiscard]] double minimum_frequency() const { return minimum_frequency_; }
+  [[nodiscard]] double maximum_frequency() const { return maximum_frequency_; }
+  /// 1 for instruments up to 4 GHz, else 2; 0 before Initialize.
+  [[nodiscard]] std::uint32_t frequency_class() const { return frequency_class_; }
+  /// Which generation of the power commands the instrument speaks, 0 to 5.
+  [[nodiscard]] std::uint32_t power_variant() const { return power_variant_; }
+
+  // Parameters that no setting of the driver uses yet.
+  Status WritePulseTrainFixed(std::array<std::uint32_t, 3>& elements);
+  Status WriteSwitchSetting(bool& enabled, std::uint32_t& value);
+  /// The frequency is in MHz; the value has 1/256 steps and 16 bits.
+  Status WriteScaledSetting(double& megahertz, std::uint32_t& number, double& value);
+  Status WriteFixedConfiguration(bool flag);
+  /// Values in place, 1/256 steps and 16 bits; at most 3499 of them, else -1.
+  Status TransferFrequencyTable(std::span<double> values);
 
   // The transactions, for parameters that have no operation of their own.
+  /// Command 3. Returns 0 for every answer that is not negative; its code stays in the parameter's
+  /// status.
   Status WriteParameter(HardWareParametr& parameter);
+  /// Command 4. Returns the answer's code.
   Status ReadParameter(HardWareParametr& parameter);
 
-  // (data and private helpers: see the implementation's owner)
+ private:
+  struct PowerPoint;
+
+  HardWareParametr& At(Parameter parameter) {
+    return parameters_[static_cast<std::size_t>(parameter)];
+  }
+  Status Transact(Command command, HardWareParametr& parameter, std::uint16_t reserved);
+  Status FinishDataRead(const ProtocolMessage& message, std::uint32_t& length, char& format);
+
+  Status ReadIdentity();
+  Status ProbeFrequencyRange();
+  Status ProbeFrequencyForm(Parameter form, double span);
+  [[nodiscard]] double ClampFrequency(double frequency) const;
+
+  Status ProbePowerVariant(const PowerPoint& point);
+  [[nodiscard]] Parameter LevelParameter() const;
+  Status WriteTriggerGroup(Parameter one_group, Parameter two_groups, unsigned group,
+                           TriggerElements& elements);
+  /// Reads a parameter for one of its result codes: that code gives false and 0.
+  Status ReadStateCode(Parameter parameter, Status bad_code, bool& good);
+
+  CommandExchanger& exchanger_;
+  ProtocolMessage message_;  // one for every transaction, so that none allocates a body
+  std::vector<HardWareParametr> parameters_;  // in the order of kParameterTable
+
+  std::uint32_t frequency_class_ = 0;
+  IdentityRecord identity_;
+  std::uint32_t power_variant_ = 3;
+  bool power_variant_known_ = false;
+  bool two_trigger_groups_ = true;
+  bool pulse_polarity_ = false;  // the pulse train carries a polarity element
+  double minimum_frequency_ = 0.0;
+  double maximum_frequency_ = 0.0;
+  bool wide_frequency_ = false;
+  bool four_element_frequency_ = false;
 };
