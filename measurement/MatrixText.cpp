@@ -1,0 +1,171 @@
+#include "measurement/MatrixText.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <fstream>
+#include <system_error>
+
+#include "measurement/Gost341194.h"
+#include "platform/os/Files.h"
+
+namespace {
+
+constexpr std::streamoff kLargestFile = std::streamoff{1} << 30;
+constexpr std::string_view kLineStartsOfHeaders = "!#[";
+
+bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f'; }
+
+/// A whole token as a decimal that may have a decimal comma or a leading plus sign.
+bool ParseUnusualNumber(std::string token, double& value) {
+  std::replace(token.begin(), token.end(), ',', '.');
+  const bool has_plus = token.size() > 1 && token[0] == '+' && token[1] != '-';
+  const char* begin = token.data() + (has_plus ? 1 : 0);
+  const char* end = token.data() + token.size();
+  const auto [stop, error] = std::from_chars(begin, end, value);
+  return error == std::errc() && stop == end && std::isfinite(value);
+}
+
+}  // namespace
+
+std::string_view Trimmed(std::string_view text, std::string_view margin) {
+  const std::size_t begin = text.find_first_not_of(margin);
+  if (begin == std::string_view::npos) {
+    return {};
+  }
+  return text.substr(begin, text.find_last_not_of(margin) - begin + 1);
+}
+
+bool IsHeaderLine(std::string_view trimmed_line) {
+  return !trimmed_line.empty() &&
+         kLineStartsOfHeaders.find(trimmed_line.front()) != std::string_view::npos;
+}
+
+bool LineReader::Next(std::string_view& line) {
+  while (!rest_.empty()) {
+    const std::size_t length = std::min(rest_.find('\n'), rest_.size());
+    line = Trimmed(rest_.substr(0, length));
+    rest_.remove_prefix(std::min(length + 1, rest_.size()));
+    if (!line.empty()) {
+      return true;
+    }
+  }
+  return false;
+}
+
+void ParseNumbers(std::string_view line, std::vector<double>& numbers) {
+  const char* position = line.data();
+  const char* const end = position + line.size();
+  while (true) {
+    position = std::find_if_not(position, end, IsBlank);
+    if (position == end) {
+      return;
+    }
+    double value = 0.0;
+    const auto [stop, error] = std::from_chars(position, end, value);
+    if (error == std::errc() && (stop == end || IsBlank(*stop))) {
+      if (!std::isfinite(value)) {
+        return;
+      }
+      position = stop;
+    } else {
+      const char* const token_end = std::find_if(position, end, IsBlank);
+      if (!ParseUnusualNumber({position, token_end}, value)) {
+        return;
+      }
+      position = token_end;
+    }
+    numbers.push_back(value);
+  }
+}
+
+Status MatrixText::Read(const std::string& path) {
+  std::ifstream file = os::OpenForReading(path);
+  if (!file.is_open()) {
+    return status::kCannotOpenFile;
+  }
+  file.seekg(0, std::ios::end);
+  const std::streamoff size = file.tellg();
+  file.seekg(0);
+  if (!file || size < 0) {
+    return status::kCannotOpenFile;
+  }
+  if (size > kLargestFile) {
+    return status::kInvalidFileFormat;
+  }
+  text_.resize(static_cast<std::size_t>(size));
+  file.read(text_.data(), size);
+  text_.resize(static_cast<std::size_t>(file.gcount()));
+  return Parse() ? status::kOk : status::kInvalidFileFormat;
+}
+
+bool MatrixText::Parse() {
+  LineReader lines(text_);
+  std::string_view line;
+  while (lines.Next(line)) {
+    if (!IsHeaderLine(line)) {
+      data_follows_digest_ = has_digest_;
+      if (!TakeDataLine(line)) {
+        return false;
+      }
+      continue;
+    }
+    if (!has_digest_ && line.starts_with(kDigestMark)) {
+      has_digest_ = true;
+      signed_header_size_ = header_.size();
+    }
+    if (!header_.empty()) {
+      header_ += '\n';
+    }
+    header_ += line;
+  }
+  return rows_ != 0;
+}
+
+/// False when the line has another count of numbers than the lines before it.
+bool MatrixText::TakeDataLine(std::string_view line) {
+  const std::size_t before = numbers_.size();
+  ParseNumbers(line, numbers_);
+  const std::size_t count = numbers_.size() - before;
+  if (count == 0) {
+    return true;
+  }
+  if (rows_ == 0) {
+    columns_ = static_cast<std::uint32_t>(count);
+  }
+  ++rows_;
+  return count == columns_;
+}
+
+bool MatrixText::IsSigned() const {
+  if (!has_digest_ || data_follows_digest_) {
+    return false;
+  }
+  Gost341194 hash;
+  LineReader lines(text_);
+  std::string_view line;
+  while (lines.Next(line) && !line.starts_with(kDigestMark)) {
+    hash.Update(line);
+  }
+  const std::string_view stored =
+      line.size() > kDigestMark.size() ? Trimmed(line.substr(kDigestMark.size() + 1)) : "";
+  return stored == ToHexText(hash.Finish());
+}
+
+std::string_view MatrixText::SignedHeader() const {
+  return has_digest_ ? std::string_view(header_).substr(0, signed_header_size_) : header_;
+}
+
+Status MatrixText::Fill(ICustomMatrix<double>& matrix) const {
+  Status result = matrix.Resize(columns_, rows_);
+  if (result == status::kOk) {
+    result = matrix.EndLoad(columns_, rows_);
+  }
+  const double* number = numbers_.data();
+  for (std::uint32_t row = 0; row < rows_ && result == status::kOk; ++row) {
+    for (std::uint32_t column = 0; column < columns_; ++column) {
+      matrix.SetItem(column, row, *number++);
+    }
+  }
+  return result;
+}

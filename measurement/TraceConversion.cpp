@@ -1,0 +1,112 @@
+#include "measurement/TraceConversion.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+/// Readings up to this one have no logarithm worth having.
+constexpr double kSmallestReading = 0.001;
+constexpr double kLevelFloor = -3.0;
+
+/// Points are worked on in pieces that stay in the first-level cache.
+constexpr std::size_t kPiece = 512;
+
+/// What a reading is multiplied by in the end; both steps are exact but for one rounding.
+struct ReadingScale {
+  double divisor = 1.0;  // a power of two
+  double multiplier = 1.0;
+};
+
+ReadingScale ScaleOf(const RawBlock& block) {
+  constexpr std::uint32_t kOwnUnitKind = 2;
+  ReadingScale scale;
+  if (block.format_mark == 'A') {
+    scale.divisor = 256.0;
+  }
+  if (block.instrument_kind == kOwnUnitKind) {
+    scale.divisor *= 16777216.0;
+    scale.multiplier = 5e6;
+  }
+  return scale;
+}
+
+double ReadingAt(const std::uint8_t* bytes) {
+  const std::uint32_t bits =
+      static_cast<std::uint32_t>(bytes[0]) | (static_cast<std::uint32_t>(bytes[1]) << 8) |
+      (static_cast<std::uint32_t>(bytes[2]) << 16) | (static_cast<std::uint32_t>(bytes[3]) << 24);
+  return static_cast<double>(static_cast<std::int32_t>(bits));
+}
+
+/// The generator's frequencies at the points first, first + 1 ..., Hz.
+void PlanFrequencies(const FrequencyPlan& plan, std::size_t first, std::span<double> frequencies) {
+  switch (plan.mode) {
+    case FrequencyPlan::Mode::kFixed:
+      std::fill(frequencies.begin(), frequencies.end(), plan.cw);
+      break;
+    case FrequencyPlan::Mode::kStep:
+      for (std::size_t i = 0; i < frequencies.size(); ++i) {
+        frequencies[i] = plan.start + plan.step * static_cast<double>(first + i);
+      }
+      break;
+    case FrequencyPlan::Mode::kList:
+      for (std::size_t i = 0; i < frequencies.size(); ++i) {
+        frequencies[i] = first + i < plan.list.size() ? plan.list[first + i] : plan.cw;
+      }
+      break;
+  }
+}
+
+/// From the generator's frequency, Hz, to the detector's, MHz.
+void TransformFrequencies(const ChannelTransform& transform, std::span<const double> generator,
+                          std::span<double> detector_mhz) {
+  for (std::size_t i = 0; i < generator.size(); ++i) {
+    detector_mhz[i] =
+        (generator[i] * transform.multiplier / transform.divider + transform.offset) / 1e6;
+  }
+}
+
+/// The levels of one channel; `bytes` points at its first reading.
+void Levels(const std::uint8_t* bytes, const ReadingScale& scale, std::span<double> levels) {
+  for (std::size_t i = 0; i < levels.size(); ++i) {
+    levels[i] = ReadingAt(bytes + i * kBytesPerPoint) * scale.multiplier / scale.divisor;
+  }
+  for (double& level : levels) {
+    level = level <= kSmallestReading ? kLevelFloor : std::log10(level);
+  }
+}
+
+}  // namespace
+
+void ConvertBlock(const RawBlock& block, const FrequencyPlan& plan,
+                  const std::array<ChannelCalibration, kTraceChannels>& channels,
+                  TraceMatrix& trace) {
+  const std::size_t points = block.PointCount();
+  if (trace.Resize(static_cast<std::int32_t>(kTraceChannels), static_cast<std::int32_t>(points)) !=
+      status::kOk) {
+    return;
+  }
+  const ReadingScale scale = ScaleOf(block);
+  std::array<double, kPiece> generator;
+  std::array<double, kPiece> detector;
+  std::array<double, kPiece> levels;
+  for (std::size_t first = 0; first < points; first += kPiece) {
+    const std::size_t count = std::min(kPiece, points - first);
+    PlanFrequencies(plan, first, std::span(generator).first(count));
+    for (std::size_t channel = 0; channel < kTraceChannels; ++channel) {
+      const std::span<double> values =
+          trace.Row(static_cast<std::int32_t>(channel)).subspan(first, count);
+      const ChannelCalibration& calibration = channels[channel];
+      if (calibration.table == nullptr) {
+        std::fill(values.begin(), values.end(), std::numeric_limits<double>::quiet_NaN());
+        continue;
+      }
+      TransformFrequencies(calibration.transform, std::span(generator).first(count), detector);
+      Levels(&block.bytes[first * kBytesPerPoint + channel * 4], scale,
+             std::span(levels).first(count));
+      calibration.table->Interpolate(std::span(detector).first(count),
+                                     std::span(levels).first(count), values);
+    }
+  }
+}
