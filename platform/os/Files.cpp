@@ -1,0 +1,56 @@
+#include "platform/os/Files.h"
+
+#include <algorithm>
+#include <atomic>
+#include <clocale>
+#include <cstring>
+
+namespace os {
+namespace {
+
+/// The code page of the innermost LocaleSwitch; 0 while there is none.
+std::atomic<CodePage> switched_code_page{0};
+
+CodePage CodePageOfLocale(const char* locale_name) {
+  return std::strcmp(locale_name, "Russian") == 0 ? kCyrillicCodePage : kWesternCodePage;
+}
+
+}  // namespace
+
+CodePage FileNameCodePage() {
+  const CodePage switched = switched_code_page.load();
+  return switched != 0 ? switched : ThreadAnsiCodePage();
+}
+
+LocaleSwitch::LocaleSwitch(const char* locale_name)
+    : previous_code_page_(switched_code_page.exchange(CodePageOfLocale(locale_name))) {
+  if (const char* const previous = std::setlocale(LC_ALL, nullptr)) previous_locale_ = previous;
+  // A system without a locale of that name keeps its own; the file names are switched all the same.
+  std::setlocale(LC_ALL, locale_name);
+}
+
+LocaleSwitch::~LocaleSwitch() {
+  std::setlocale(LC_ALL, previous_locale_.c_str());
+  switched_code_page.store(previous_code_page_);
+}
+
+std::filesystem::path NativePath(std::string_view narrow_name) {
+  WideString wide = ToWide(narrow_name, FileNameCodePage());
+  constexpr auto kBackslash = static_cast<WideChar>('\\');
+  std::replace(wide.begin(), wide.end(), kBackslash, static_cast<WideChar>('/'));
+  return std::filesystem::path(wide).make_preferred();
+}
+
+std::ifstream OpenForReading(std::string_view narrow_name) {
+  const std::filesystem::path path = NativePath(narrow_name);
+  std::error_code error;
+  // Some systems open a folder and fail only at the first read.
+  if (std::filesystem::is_directory(path, error)) return {};
+  return std::ifstream(path, std::ios::binary);
+}
+
+std::ofstream OpenForWriting(std::string_view narrow_name) {
+  return std::ofstream(NativePath(narrow_name), std::ios::binary | std::ios::trunc);
+}
+
+}  // namespace os

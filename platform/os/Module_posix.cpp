@@ -1,0 +1,53 @@
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "platform/os/Files.h"
+#include "platform/os/Module.h"
+
+namespace os {
+namespace {
+
+constexpr std::size_t kLongestModulePath = 260;
+
+/// "ZeVISA.dll" is libzevisa.so; a name that ends in .so is a file's own.
+std::string FileNameOf(std::string name) {
+  if (name.ends_with(".so")) return name;
+  std::transform(name.begin(), name.end(), name.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  if (name.ends_with(".dll")) name.resize(name.size() - 4);
+  return "lib" + name + ".so";
+}
+
+}  // namespace
+
+bool Module::Load(std::string_view name) {
+  Unload();
+  const std::filesystem::path path = NativePath(name);
+  const std::filesystem::path file = path.parent_path() / FileNameOf(path.filename().string());
+  handle_ = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+  return handle_ != nullptr;
+}
+
+void Module::Unload() {
+  if (handle_ != nullptr) dlclose(handle_);
+  handle_ = nullptr;
+}
+
+void* Module::Symbol(const char* name) const {
+  return handle_ == nullptr ? nullptr : dlsym(handle_, name);
+}
+
+std::string ThisModuleFolder() {
+  Dl_info info{};
+  if (dladdr(reinterpret_cast<void*>(&ThisModuleFolder), &info) == 0 || info.dli_fname == nullptr) {
+    return {};
+  }
+  std::error_code error;
+  const std::filesystem::path file = std::filesystem::absolute(info.dli_fname, error);
+  if (error || file.native().size() > kLongestModulePath) return {};
+  return ToNarrow(ToWide(file.parent_path().native() + "/", kUtf8CodePage));
+}
+
+}  // namespace os

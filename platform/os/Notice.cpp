@@ -1,0 +1,39 @@
+#include "platform/os/Notice.h"
+
+#include <mutex>
+#include <utility>
+
+namespace os {
+namespace {
+
+std::mutex hook_mutex;
+
+NoticeHook& Hook() {
+  static NoticeHook hook;
+  return hook;
+}
+
+}  // namespace
+
+/// What a person sees when no hook is set; one per system.
+void ShowSystemWarning(const std::string& text, const std::string& caption);
+
+void SetNoticeHook(NoticeHook hook) {
+  const std::lock_guard lock(hook_mutex);
+  Hook() = std::move(hook);
+}
+
+void ShowWarning(const std::string& text, const std::string& caption) {
+  NoticeHook hook;
+  {
+    const std::lock_guard lock(hook_mutex);
+    hook = Hook();
+  }
+  if (hook) {
+    hook(text, caption);
+  } else {
+    ShowSystemWarning(text, caption);
+  }
+}
+
+}  // namespace os
