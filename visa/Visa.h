@@ -1,0 +1,230 @@
+// The VISA library's binary interface (VPP-4.3.2): types, the constants in use, and the entry
+// points that clients look up by name. Included by the library itself and by those who load it; it
+// drags nothing else in.
+#pragma once
+
+#include <stdarg.h>
+#include <stdint.h>
+
+using ViInt16 = int16_t;
+using ViUInt8 = uint8_t;
+using ViUInt16 = uint16_t;
+using ViUInt32 = uint32_t;
+using ViUInt64 = uint64_t;
+using ViByte = uint8_t;
+using ViBoolean = uint16_t;
+using ViStatus = int32_t;
+using ViObject = uint32_t;
+using ViSession = ViObject;
+using ViFindList = ViObject;
+using ViEvent = ViObject;
+using ViAttr = uint32_t;
+/// Wide enough for a pointer or a 64-bit value on x64.
+using ViAttrState = uint64_t;
+using ViAccessMode = uint32_t;
+using ViEventType = uint32_t;
+using ViEventFilter = uint32_t;
+using ViJobId = uint32_t;
+using ViBusAddress = uint64_t;
+using ViBusAddress64 = uint64_t;
+using ViBusSize = uint64_t;
+using ViVAList = va_list;
+using ViHndlr = ViStatus (*)(ViSession session, ViEventType type, ViEvent context, void* user);
+
+// Access modes of viOpen and lock types of viLock.
+inline constexpr ViAccessMode VI_EXCLUSIVE_LOCK = 1;
+inline constexpr ViAccessMode VI_SHARED_LOCK = 2;
+inline constexpr ViAccessMode VI_LOAD_CONFIG = 4;
+
+inline constexpr ViAttr VI_ATTR_TMO_VALUE = 0x3FFF001A;  ///< milliseconds
+
+// Statuses that clients test.
+inline constexpr ViStatus VI_SUCCESS = 0;
+inline constexpr ViStatus VI_SUCCESS_TERM_CHAR = 0x3FFF0005;
+inline constexpr ViStatus VI_SUCCESS_MAX_CNT = 0x3FFF0006;
+inline constexpr ViStatus VI_ERROR_RSRC_LOCKED = static_cast<ViStatus>(0xBFFF000F);
+inline constexpr ViStatus VI_ERROR_RSRC_NFOUND = static_cast<ViStatus>(0xBFFF0011);
+inline constexpr ViStatus VI_ERROR_INV_RSRC_NAME = static_cast<ViStatus>(0xBFFF0012);
+inline constexpr ViStatus VI_ERROR_TMO = static_cast<ViStatus>(0xBFFF0015);
+inline constexpr ViStatus VI_ERROR_INP_PROT_VIOL = static_cast<ViStatus>(0xBFFF0037);
+inline constexpr ViStatus VI_ERROR_IO = static_cast<ViStatus>(0xBFFF003E);
+inline constexpr ViStatus VI_ERROR_NSUP_OPER = static_cast<ViStatus>(0xBFFF0067);
+inline constexpr ViStatus VI_ERROR_LIBRARY_NFOUND = static_cast<ViStatus>(0xBFFF009E);
+inline constexpr ViStatus VI_ERROR_CONN_LOST = static_cast<ViStatus>(0xBFFF00A6);
+
+#ifdef _WIN32
+#define ZK_VISA_EXPORT __declspec(dllexport)
+#else
+#define ZK_VISA_EXPORT __attribute__((visibility("default")))
+#endif
+
+#ifdef ZK_VISA_LIBRARY
+#define ZK_VISA ZK_VISA_EXPORT
+#else
+#define ZK_VISA
+#endif
+
+extern "C" {
+ZK_VISA ViStatus viOpenDefaultRM(ViSession* manager);
+ZK_VISA ViStatus viParseRsrcEx(ViSession manager, const char* name, ViUInt16* interface_type,
+                               ViUInt16* interface_number, char* resource_class,
+                               char* expanded_name, char* alias);
+ZK_VISA ViStatus viOpen(ViSession manager, const char* name, ViAccessMode mode, ViUInt32 timeout,
+                        ViSession* session);
+ZK_VISA ViStatus viFindRsrc(ViSession manager, const char* expression, ViFindList* list,
+                            ViUInt32* count, char* description);
+ZK_VISA ViStatus viFindNext(ViFindList list, char* description);
+ZK_VISA ViStatus viParseRsrc(ViSession manager, const char* name, ViUInt16* interface_type,
+                             ViUInt16* interface_number);
+ZK_VISA ViStatus viClose(ViObject object);
+ZK_VISA ViStatus viSetAttribute(ViObject object, ViAttr attribute, ViAttrState value);
+ZK_VISA ViStatus viGetAttribute(ViObject object, ViAttr attribute, void* value);
+ZK_VISA ViStatus viStatusDesc(ViObject object, ViStatus status, char* description);
+ZK_VISA ViStatus viTerminate(ViObject object, ViUInt16 degree, ViJobId job);
+ZK_VISA ViStatus viLock(ViSession session, ViAccessMode type, ViUInt32 timeout,
+                        const char* requested_key, char* access_key);
+ZK_VISA ViStatus viUnlock(ViSession session);
+ZK_VISA ViStatus viEnableEvent(ViSession session, ViEventType type, ViUInt16 mechanism,
+                               ViEventFilter context);
+ZK_VISA ViStatus viDisableEvent(ViSession session, ViEventType type, ViUInt16 mechanism);
+ZK_VISA ViStatus viDiscardEvents(ViSession session, ViEventType type, ViUInt16 mechanism);
+ZK_VISA ViStatus viWaitOnEvent(ViSession session, ViEventType type, ViUInt32 timeout,
+                               ViEventType* out_type, ViEvent* out_context);
+ZK_VISA ViStatus viInstallHandler(ViSession session, ViEventType type, ViHndlr handler, void* user);
+ZK_VISA ViStatus viUninstallHandler(ViSession session, ViEventType type, ViHndlr handler,
+                                    void* user);
+ZK_VISA ViStatus viRead(ViSession session, ViByte* buffer, ViUInt32 count, ViUInt32* returned);
+ZK_VISA ViStatus viReadAsync(ViSession session, ViByte* buffer, ViUInt32 count, ViJobId* job);
+ZK_VISA ViStatus viReadToFile(ViSession session, const char* file_name, ViUInt32 count,
+                              ViUInt32* returned);
+ZK_VISA ViStatus viWrite(ViSession session, const ViByte* buffer, ViUInt32 count,
+                         ViUInt32* returned);
+ZK_VISA ViStatus viWriteAsync(ViSession session, const ViByte* buffer, ViUInt32 count,
+                              ViJobId* job);
+ZK_VISA ViStatus viWriteFromFile(ViSession session, const char* file_name, ViUInt32 count,
+                                 ViUInt32* returned);
+ZK_VISA ViStatus viAssertTrigger(ViSession session, ViUInt16 protocol);
+ZK_VISA ViStatus viReadSTB(ViSession session, ViUInt16* status);
+ZK_VISA ViStatus viClear(ViSession session);
+ZK_VISA ViStatus viSetBuf(ViSession session, ViUInt16 mask, ViUInt32 size);
+ZK_VISA ViStatus viFlush(ViSession session, ViUInt16 mask);
+ZK_VISA ViStatus viBufWrite(ViSession session, const ViByte* buffer, ViUInt32 count,
+                            ViUInt32* returned);
+ZK_VISA ViStatus viBufRead(ViSession session, ViByte* buffer, ViUInt32 count, ViUInt32* returned);
+ZK_VISA ViStatus viPrintf(ViSession session, const char* format, ...);
+ZK_VISA ViStatus viVPrintf(ViSession session, const char* format, ViVAList parameters);
+ZK_VISA ViStatus viSPrintf(ViSession session, ViByte* buffer, const char* format, ...);
+ZK_VISA ViStatus viVSPrintf(ViSession session, ViByte* buffer, const char* format,
+                            ViVAList parameters);
+ZK_VISA ViStatus viScanf(ViSession session, const char* format, ...);
+ZK_VISA ViStatus viVScanf(ViSession session, const char* format, ViVAList parameters);
+ZK_VISA ViStatus viSScanf(ViSession session, const ViByte* buffer, const char* format, ...);
+ZK_VISA ViStatus viVSScanf(ViSession session, const ViByte* buffer, const char* format,
+                           ViVAList parameters);
+ZK_VISA ViStatus viQueryf(ViSession session, const char* write_format, const char* read_format,
+                          ...);
+ZK_VISA ViStatus viVQueryf(ViSession session, const char* write_format, const char* read_format,
+                           ViVAList parameters);
+ZK_VISA ViStatus viIn8(ViSession session, ViUInt16 space, ViBusAddress offset, ViUInt8* value);
+ZK_VISA ViStatus viOut8(ViSession session, ViUInt16 space, ViBusAddress offset, ViUInt8 value);
+ZK_VISA ViStatus viIn16(ViSession session, ViUInt16 space, ViBusAddress offset, ViUInt16* value);
+ZK_VISA ViStatus viOut16(ViSession session, ViUInt16 space, ViBusAddress offset, ViUInt16 value);
+ZK_VISA ViStatus viIn32(ViSession session, ViUInt16 space, ViBusAddress offset, ViUInt32* value);
+ZK_VISA ViStatus viOut32(ViSession session, ViUInt16 space, ViBusAddress offset, ViUInt32 value);
+ZK_VISA ViStatus viIn64(ViSession session, ViUInt16 space, ViBusAddress offset, ViUInt64* value);
+ZK_VISA ViStatus viOut64(ViSession session, ViUInt16 space, ViBusAddress offset, ViUInt64 value);
+ZK_VISA ViStatus viIn8Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset, ViUInt8* value);
+ZK_VISA ViStatus viOut8Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset, ViUInt8 value);
+ZK_VISA ViStatus viIn16Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                          ViUInt16* value);
+ZK_VISA ViStatus viOut16Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                           ViUInt16 value);
+ZK_VISA ViStatus viIn32Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                          ViUInt32* value);
+ZK_VISA ViStatus viOut32Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                           ViUInt32 value);
+ZK_VISA ViStatus viIn64Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                          ViUInt64* value);
+ZK_VISA ViStatus viOut64Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                           ViUInt64 value);
+ZK_VISA ViStatus viMoveIn8(ViSession session, ViUInt16 space, ViBusAddress offset, ViBusSize length,
+                           ViUInt8* buffer);
+ZK_VISA ViStatus viMoveOut8(ViSession session, ViUInt16 space, ViBusAddress offset,
+                            ViBusSize length, ViUInt8* buffer);
+ZK_VISA ViStatus viMoveIn16(ViSession session, ViUInt16 space, ViBusAddress offset,
+                            ViBusSize length, ViUInt16* buffer);
+ZK_VISA ViStatus viMoveOut16(ViSession session, ViUInt16 space, ViBusAddress offset,
+                             ViBusSize length, ViUInt16* buffer);
+ZK_VISA ViStatus viMoveIn32(ViSession session, ViUInt16 space, ViBusAddress offset,
+                            ViBusSize length, ViUInt32* buffer);
+ZK_VISA ViStatus viMoveOut32(ViSession session, ViUInt16 space, ViBusAddress offset,
+                             ViBusSize length, ViUInt32* buffer);
+ZK_VISA ViStatus viMoveIn64(ViSession session, ViUInt16 space, ViBusAddress offset,
+                            ViBusSize length, ViUInt64* buffer);
+ZK_VISA ViStatus viMoveOut64(ViSession session, ViUInt16 space, ViBusAddress offset,
+                             ViBusSize length, ViUInt64* buffer);
+ZK_VISA ViStatus viMoveIn8Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                             ViBusSize length, ViUInt8* buffer);
+ZK_VISA ViStatus viMoveOut8Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                              ViBusSize length, ViUInt8* buffer);
+ZK_VISA ViStatus viMoveIn16Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                              ViBusSize length, ViUInt16* buffer);
+ZK_VISA ViStatus viMoveOut16Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                               ViBusSize length, ViUInt16* buffer);
+ZK_VISA ViStatus viMoveIn32Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                              ViBusSize length, ViUInt32* buffer);
+ZK_VISA ViStatus viMoveOut32Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                               ViBusSize length, ViUInt32* buffer);
+ZK_VISA ViStatus viMoveIn64Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                              ViBusSize length, ViUInt64* buffer);
+ZK_VISA ViStatus viMoveOut64Ex(ViSession session, ViUInt16 space, ViBusAddress64 offset,
+                               ViBusSize length, ViUInt64* buffer);
+ZK_VISA ViStatus viMove(ViSession session, ViUInt16 source_space, ViBusAddress source,
+                        ViUInt16 source_width, ViUInt16 target_space, ViBusAddress target,
+                        ViUInt16 target_width, ViBusSize length);
+ZK_VISA ViStatus viMoveAsync(ViSession session, ViUInt16 source_space, ViBusAddress source,
+                             ViUInt16 source_width, ViUInt16 target_space, ViBusAddress target,
+                             ViUInt16 target_width, ViBusSize length, ViJobId* job);
+ZK_VISA ViStatus viMoveEx(ViSession session, ViUInt16 source_space, ViBusAddress64 source,
+                          ViUInt16 source_width, ViUInt16 target_space, ViBusAddress64 target,
+                          ViUInt16 target_width, ViBusSize length);
+ZK_VISA ViStatus viMoveAsyncEx(ViSession session, ViUInt16 source_space, ViBusAddress64 source,
+                               ViUInt16 source_width, ViUInt16 target_space, ViBusAddress64 target,
+                               ViUInt16 target_width, ViBusSize length, ViJobId* job);
+ZK_VISA ViStatus viMapAddress(ViSession session, ViUInt16 space, ViBusAddress base, ViBusSize size,
+                              ViBoolean access, void* suggested, void** address);
+ZK_VISA ViStatus viUnmapAddress(ViSession session);
+ZK_VISA ViStatus viMapAddressEx(ViSession session, ViUInt16 space, ViBusAddress64 base,
+                                ViBusSize size, ViBoolean access, void* suggested, void** address);
+ZK_VISA void viPeek8(ViSession session, void* address, ViUInt8* value);
+ZK_VISA void viPoke8(ViSession session, void* address, ViUInt8 value);
+ZK_VISA void viPeek16(ViSession session, void* address, ViUInt16* value);
+ZK_VISA void viPoke16(ViSession session, void* address, ViUInt16 value);
+ZK_VISA void viPeek32(ViSession session, void* address, ViUInt32* value);
+ZK_VISA void viPoke32(ViSession session, void* address, ViUInt32 value);
+ZK_VISA void viPeek64(ViSession session, void* address, ViUInt64* value);
+ZK_VISA void viPoke64(ViSession session, void* address, ViUInt64 value);
+ZK_VISA ViStatus viMemAlloc(ViSession session, ViBusSize size, ViBusAddress* offset);
+ZK_VISA ViStatus viMemFree(ViSession session, ViBusAddress offset);
+ZK_VISA ViStatus viMemAllocEx(ViSession session, ViBusSize size, ViBusAddress64* offset);
+ZK_VISA ViStatus viMemFreeEx(ViSession session, ViBusAddress64 offset);
+ZK_VISA ViStatus viGpibControlREN(ViSession session, ViUInt16 mode);
+ZK_VISA ViStatus viGpibControlATN(ViSession session, ViUInt16 mode);
+ZK_VISA ViStatus viGpibSendIFC(ViSession session);
+ZK_VISA ViStatus viGpibCommand(ViSession session, const ViByte* command, ViUInt32 count,
+                               ViUInt32* returned);
+ZK_VISA ViStatus viGpibPassControl(ViSession session, ViUInt16 primary, ViUInt16 secondary);
+ZK_VISA ViStatus viVxiCommandQuery(ViSession session, ViUInt16 mode, ViUInt32 command,
+                                   ViUInt32* response);
+ZK_VISA ViStatus viAssertUtilSignal(ViSession session, ViUInt16 line);
+ZK_VISA ViStatus viAssertIntrSignal(ViSession session, ViInt16 mode, ViUInt32 status_id);
+ZK_VISA ViStatus viMapTrigger(ViSession session, ViInt16 source, ViInt16 destination,
+                              ViUInt16 mode);
+ZK_VISA ViStatus viUnmapTrigger(ViSession session, ViInt16 source, ViInt16 destination);
+ZK_VISA ViStatus viUsbControlOut(ViSession session, ViInt16 request_type, ViInt16 request,
+                                 ViUInt16 value, ViUInt16 index, ViUInt16 length,
+                                 const ViByte* buffer);
+ZK_VISA ViStatus viUsbControlIn(ViSession session, ViInt16 request_type, ViInt16 request,
+                                ViUInt16 value, ViUInt16 index, ViUInt16 length, ViByte* buffer,
+                                ViUInt16* returned);
+}  // extern "C"
