@@ -33,7 +33,7 @@ struct FrequencyPlan {
   double cw = 0.0;
   double start = 0.0;
   double step = 0.0;
-  std::span<const double> list;
+  std::span<const double> list{};
 };
 
 /// The data block of one sweep, as it came from the instrument.

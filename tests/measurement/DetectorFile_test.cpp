@@ -1,0 +1,95 @@
+#include "measurement/DetectorFile.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+#include "measurement/Gost341194.h"
+#include "measurement/MatrixFile.h"
+#include "platform/os/Files.h"
+#include "tests/measurement/TempFile.h"
+
+namespace {
+
+std::string Signed(const std::string& lines) {
+  Gost341194 hash;
+  for (const char c : lines) {
+    if (c != '\n') hash.Update({&c, 1});
+  }
+  return lines + "#CRC " + ToHexText(hash.Finish()) + "\n";
+}
+
+struct VersionCase {
+  const char* fault;
+  std::string content;
+  std::uint32_t columns;  // 0: 0x8004705C
+};
+
+class DetectorVersion : public testing::TestWithParam<VersionCase> {};
+
+TEST_P(DetectorVersion, DecidesTheLayout) {
+  const TempFile file(GetParam().content);
+  CSimpleMatrix matrix;
+  std::string header = "before";
+  const Status result = LoadDetectorFile(matrix, file.Path(), &header);
+  EXPECT_EQ(result, GetParam().columns == 0 ? status::kInvalidFileFormat : status::kOk);
+  EXPECT_EQ(matrix.GetCols(), GetParam().columns);
+  EXPECT_EQ(header == "before", GetParam().columns == 0) << header;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Headers, DetectorVersion,
+    testing::Values(VersionCase{"NoneIsZero", "1 2\n3 4\n", 3},
+                    VersionCase{"EmptyIsZero", "#VERSION\n1 2\n3 4\n", 3},
+                    VersionCase{"WordIsZero", "#VERSION three\n1 2\n3 4\n", 3},
+                    VersionCase{"ZeroNeedsNoDigest", "#VERSION 0\n1 2\n3 4\n#CRC 12\n", 3},
+                    VersionCase{"Three", Signed("#VERSION 3\n1 2\n3 4\n"), 2},
+                    VersionCase{"ThreeBehindTab", Signed("#VERSION\t3\n1 2\n3 4\n"), 2},
+                    VersionCase{"ThreePointOne", Signed("#VERSION 3.1\n1 2\n3 4\n"), 2},
+                    VersionCase{"FirstCounts", Signed("#VERSION 3\n#VERSION 2\n1 2\n3 4\n"), 2},
+                    VersionCase{"ThreeUnsigned", "#VERSION 3\n1 2\n3 4\n", 0},
+                    VersionCase{"ThreeWithMoreData", Signed("#VERSION 3\n1 2\n") + "3 4\n", 0},
+                    VersionCase{"Two", Signed("#VERSION 2\n1 2\n3 4\n"), 0},
+                    VersionCase{"Thirty", Signed("#VERSION 30\n1 2\n3 4\n"), 0},
+                    VersionCase{"NoWrapAround", Signed("#VERSION 4294967299\n1 2\n3 4\n"), 0},
+                    VersionCase{"RaggedRows", "1 2\n3\n", 0}),
+    [](const auto& tested) { return tested.param.fault; });
+
+TEST(DetectorFile, VersionZeroGetsALevelColumn) {
+  const TempFile file("0 10 20 30\n1 11 21 31\n2 12 22 32\n");
+  CSimpleMatrix matrix;
+  std::string header;
+  ASSERT_EQ(LoadDetectorFile(matrix, file.Path(), &header), status::kOk);
+  ASSERT_EQ(matrix.GetCols(), 5U);
+  ASSERT_EQ(matrix.GetRows(), 3U);
+  EXPECT_EQ(matrix.GetItem(0, 0), 0.0);
+  EXPECT_EQ(matrix.GetItem(0, 1), 5e6 / 16777216);
+  EXPECT_DOUBLE_EQ(matrix.GetItem(0, 2), 5e6 * 1.0442737824274138 / 16777216);
+  EXPECT_EQ(matrix.GetItem(1, 2), 2.0);
+  EXPECT_EQ(matrix.GetItem(4, 1), 31.0);
+
+  ConvertLevelAxisToLog10(matrix);
+  EXPECT_EQ(matrix.GetItem(0, 0), 0.0) << "the corner is no level";
+  EXPECT_EQ(matrix.GetItem(0, 1), std::log10(5e6 / 16777216));
+  EXPECT_EQ(matrix.GetItem(1, 1), 1.0) << "values are not converted";
+}
+
+TEST(DetectorFile, FailedLoadKeepsTheTable) {
+  const TempFile good(Signed("#VERSION 3\n0 10 20\n10 1 2\n100 3 4\n"));
+  const TempFile bad("#VERSION 3\n0 10 20\n10 5 5\n100 5 5\n");
+  std::shared_ptr<const DetectorTable> table;
+  ASSERT_EQ(LoadDetectorTable(good.Path(), table), status::kOk);
+  EXPECT_EQ(table->Interpolate(10, 2), 3.0) << "level 100 lies at 2";
+  const auto previous = table;
+  EXPECT_EQ(LoadDetectorTable(bad.Path(), table), status::kInvalidFileFormat);
+  EXPECT_EQ(LoadDetectorTable(bad.Path() + ".missing", table), status::kCannotOpenFile);
+  EXPECT_EQ(table, previous);
+}
+
+TEST(DetectorFile, FolderIsBelowTheCommonFiles) {
+  EXPECT_EQ(GetDetectorFolder(), os::CommonFilesFolder() + "\\Zentrel Shared\\Detectors\\");
+}
+
+}  // namespace

@@ -1,0 +1,170 @@
+#include "measurement/TraceConversion.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace {
+
+using testing::ElementsAre;
+
+constexpr std::uint32_t kAnalyser = 18;
+
+std::vector<std::uint8_t> Block(const std::vector<std::array<std::int32_t, 3>>& points) {
+  std::vector<std::uint8_t> bytes;
+  for (const auto& point : points) {
+    for (const std::int32_t reading : point) {
+      for (int shift = 0; shift < 32; shift += 8) {
+        bytes.push_back(static_cast<std::uint8_t>(static_cast<std::uint32_t>(reading) >> shift));
+      }
+    }
+  }
+  bytes.insert(bytes.end(), {0xff, 0x7f});  // status word
+  return bytes;
+}
+
+/// A table whose values are the frequency (1 to 1e6 MHz) or the level (-5 to 10).
+std::shared_ptr<const DetectorTable> TableOf(bool frequency) {
+  CSimpleMatrix matrix;
+  matrix.Resize(3, 3);
+  const double axis_f[] = {1, 1e6};
+  const double axis_p[] = {-5, 10};
+  for (std::uint32_t i = 0; i < 2; ++i) {
+    matrix.SetItem(i + 1, 0, axis_f[i]);
+    matrix.SetItem(0, i + 1, axis_p[i]);
+    for (std::uint32_t j = 0; j < 2; ++j) {
+      matrix.SetItem(i + 1, j + 1, frequency ? axis_f[i] : axis_p[j]);
+    }
+  }
+  return std::make_shared<const DetectorTable>(matrix);
+}
+
+std::array<ChannelCalibration, kTraceChannels> Channels(bool frequency) {
+  const ChannelCalibration channel{{}, TableOf(frequency)};
+  return {channel, channel, channel};
+}
+
+struct LevelCase {
+  const char* fault;
+  std::int32_t reading;
+  char mark;
+  std::uint32_t kind;
+  double level;
+};
+
+class ReadingLevel : public testing::TestWithParam<LevelCase> {};
+
+TEST_P(ReadingLevel, IsTheLogarithm) {
+  const auto bytes = Block({{0, GetParam().reading, 0}});
+  TraceMatrix trace;
+  ConvertBlock({bytes, GetParam().mark, GetParam().kind}, {.cw = 1e9}, Channels(false), trace);
+  ASSERT_EQ(trace.ColumnCount(), 1);
+  EXPECT_NEAR(trace.Item(1, 0), GetParam().level, 1e-12);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Readings, ReadingLevel,
+    testing::Values(LevelCase{"Zero", 0, 'A', kAnalyser, -3},
+                    LevelCase{"Negative", -2147483647 - 1, 'A', kAnalyser, -3},
+                    LevelCase{"EightFractionalBits", 256, 'A', kAnalyser, 0},
+                    LevelCase{"Integer", 256, '@', kAnalyser, 2.408239965311849},
+                    LevelCase{"SmallestFraction", 1, 'A', kAnalyser, -2.408239965311849},
+                    LevelCase{"LargestReading", 2147483647, '@', kAnalyser, 9.331929865381182},
+                    LevelCase{"OwnUnit", 16777216, '@', 2, 6.698970004336019},
+                    LevelCase{"OwnUnitWithFraction", 1, 'A', 2, -2.9339898569113805},
+                    LevelCase{"OtherKindsAreNotScaled", 16777216, '@', 3, 7.224719895935548}),
+    [](const auto& tested) { return tested.param.fault; });
+
+struct PlanCase {
+  const char* fault;
+  FrequencyPlan plan;
+  ChannelTransform transform;
+  std::array<double, 3> mhz;
+};
+
+class PointFrequency : public testing::TestWithParam<PlanCase> {};
+
+TEST_P(PointFrequency, ReachesTheTable) {
+  const auto bytes = Block({{1, 1, 1}, {1, 1, 1}, {1, 1, 1}});
+  auto channels = Channels(true);
+  channels[2].transform = GetParam().transform;
+  TraceMatrix trace;
+  ConvertBlock({bytes, 'A', kAnalyser}, GetParam().plan, channels, trace);
+  ASSERT_EQ(trace.ColumnCount(), 3);
+  for (std::int32_t i = 0; i < 3; ++i) {
+    const double expected = GetParam().mhz[static_cast<std::size_t>(i)];
+    EXPECT_NEAR(trace.Item(2, i), expected, 1e-9 * expected) << "point " << i;
+  }
+}
+
+using Mode = FrequencyPlan::Mode;
+const std::vector<double> kList = {5e7, 3e7, 9e9, 1e8};
+
+INSTANTIATE_TEST_SUITE_P(
+    Plans, PointFrequency,
+    testing::Values(PlanCase{"Fixed", {Mode::kFixed, 1e9, 2e9, 1e6, kList}, {}, {1000, 1000, 1000}},
+                    PlanCase{"Step", {Mode::kStep, 1e9, 2e9, 1e6, kList}, {}, {2000, 2001, 2002}},
+                    PlanCase{"List", {Mode::kList, 1e9, 2e9, 1e6, kList}, {}, {50, 30, 9000}},
+                    PlanCase{"ShortList",
+                             {Mode::kList, 1e9, 2e9, 1e6, std::span(kList).first(2)},
+                             {},
+                             {50, 30, 1000}},
+                    PlanCase{
+                        "OffsetInHertzAfterTheRatio", {.cw = 1e9}, {1e6, 2, 1}, {2001, 2001, 2001}},
+                    PlanCase{"Divider", {.cw = 1e9}, {-5e5, 3, 4}, {749.5, 749.5, 749.5}},
+                    PlanCase{"MultiplierZero", {.cw = 1e9}, {7e6, 0, 1}, {7, 7, 7}},
+                    PlanCase{"NegativeIsClamped", {.cw = 1e9}, {0, -1, 1}, {1, 1, 1}}),
+    [](const auto& tested) { return tested.param.fault; });
+
+TEST(TraceConversion, OverflowingFrequencyStaysInTheTable) {
+  const auto bytes = Block({{1, 1, 1}});
+  auto channels = Channels(true);
+  channels[0].transform.multiplier = std::numeric_limits<double>::max();
+  channels[1].transform.offset = std::nan("");
+  TraceMatrix trace;
+  ConvertBlock({bytes, 'A', kAnalyser}, {.cw = 1e9}, channels, trace);
+  EXPECT_EQ(trace.Item(0, 0), 1e6);
+  EXPECT_TRUE(std::isnan(trace.Item(1, 0)));
+  EXPECT_NEAR(trace.Item(2, 0), 1000, 1e-6);
+}
+
+TEST(TraceConversion, ChannelsKeepTheirPlacesInALongTrace) {
+  std::vector<std::array<std::int32_t, 3>> points;
+  for (std::int32_t i = 0; i < 2000; ++i) points.push_back({i + 1, 10 * (i + 1), 100 * (i + 1)});
+  const auto bytes = Block(points);
+  TraceMatrix trace;
+  ConvertBlock({bytes, '@', kAnalyser}, {.cw = 1e9}, Channels(false), trace);
+  ASSERT_EQ(trace.ColumnCount(), 2000);
+  for (std::int32_t c = 0; c < 3; ++c) {
+    for (std::int32_t i = 0; i < 2000; ++i) {
+      ASSERT_NEAR(trace.Item(c, i), c + std::log10(i + 1), 1e-12) << c << ", " << i;
+    }
+  }
+}
+
+TEST(TraceConversion, ChannelWithoutTableGivesNan) {
+  const auto bytes = Block({{1, 1, 1}, {2, 2, 2}});
+  auto channels = Channels(false);
+  channels[1].table = nullptr;
+  channels[2].table = std::make_shared<const DetectorTable>();
+  TraceMatrix trace;
+  ConvertBlock({bytes, 'A', kAnalyser}, {}, channels, trace);
+  EXPECT_FALSE(std::isnan(trace.Item(0, 1)));
+  EXPECT_TRUE(std::isnan(trace.Item(1, 1)));
+  EXPECT_TRUE(std::isnan(trace.Item(2, 1)));
+}
+
+TEST(TraceConversion, StatusWordAloneEmptiesTheTrace) {
+  TraceMatrix trace;
+  trace.Resize(3, 4);
+  const auto bytes = Block({});
+  ConvertBlock({bytes, 'A', kAnalyser}, {}, Channels(false), trace);
+  EXPECT_EQ(trace.RowCount(), 0);
+  EXPECT_EQ(trace.ColumnCount(), 0);
+}
+
+}  // namespace
