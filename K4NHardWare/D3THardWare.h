@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <span>
 #include <string>
 #include <string_view>
@@ -59,6 +60,9 @@ struct AveragingFeatures {
   bool bit_4 = true;
   bool bit_5 = true;
 };
+
+/// Whether a result is the instrument's own code (16 bits) and not a failure of the link.
+constexpr bool IsInstrumentCode(Status result) { return result >= -32768 && result <= 32767; }
 
 enum class ListAxis { kFrequency, kPower };
 
@@ -163,20 +167,34 @@ class D3THardWare final : public uIEvent::EventProcessor {
   Status ReadParameter(HardWareParametr& parameter);
 
  private:
-  struct PowerPoint;
+  struct ElementValue {
+    std::size_t element;
+    double* value;
+  };
 
   HardWareParametr& At(Parameter parameter) {
     return parameters_[static_cast<std::size_t>(parameter)];
   }
-  Status Transact(Command command, HardWareParametr& parameter, std::uint16_t reserved);
+  /// Sends the message and waits for its answer, which takes its place. The answer's code, or the
+  /// link's failure.
+  Status Exchange();
+  Status Transact(HardWareParametr& parameter);
+  /// Fills the elements from the values, writes, and on success copies the instrument's elements
+  /// back.
+  Status WriteElements(HardWareParametr& parameter, std::initializer_list<ElementValue> values);
   Status FinishDataRead(const ProtocolMessage& message, std::uint32_t& length, char& format);
 
+  Status WriteFeatureMask(std::uint16_t mask);
   Status ReadIdentity();
   Status ProbeFrequencyRange();
   Status ProbeFrequencyForm(Parameter form, double span);
   [[nodiscard]] double ClampFrequency(double frequency) const;
 
-  Status ProbePowerVariant(const PowerPoint& point);
+  Status ProbePowerVariant(const LevelSettings& settings, double level);
+  Status ProbeWideSweep(const LevelSettings& settings, double level);
+  Status ProbeNarrowSweep(const LevelSettings& settings, double level);
+  Status WritePowerProbe(Parameter form, const LevelSettings& settings, double level);
+  [[nodiscard]] bool IsUsable(Parameter form);
   [[nodiscard]] Parameter LevelParameter() const;
   Status WriteTriggerGroup(Parameter one_group, Parameter two_groups, unsigned group,
                            TriggerElements& elements);

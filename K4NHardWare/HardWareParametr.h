@@ -29,6 +29,8 @@ class HardWareParametr {
 
   /// An element's value. Throws std::out_of_range ("Debug...") when there is no such element.
   [[nodiscard]] double GetValue(std::size_t element) const;
+  /// An element's value as a code of 32 bits, without its fraction.
+  [[nodiscard]] std::uint32_t GetCode(std::size_t element) const;
   /// Rounds to the nearest step, halves away from zero. What does not fit is cut to the element's
   /// width.
   void SetValue(double value, std::size_t element);

@@ -1,0 +1,75 @@
+// What the model learns of its instrument at connection.
+#include "K4NHardWare/D3THardWare.h"
+
+namespace {
+
+constexpr double kWideSpan = 1e11;               // Hz, beyond every instrument
+constexpr double kNarrowSpan = 4'001'000'000.0;  // Hz, the most that the narrow form is asked for
+constexpr double kFirstClassLimit = 4e9;         // Hz
+constexpr Status kLargestNotice = 10000;
+constexpr std::uint16_t kFeaturesAtConnection = 0xFFFB;  // all but bit 2
+
+}  // namespace
+
+Status D3THardWare::Initialize() {
+  frequency_class_ = 0;
+  if (const Status result = Recover(); result < 0) return result;
+  WriteFeatureMask(kFeaturesAtConnection);
+  if (const Status result = ReadIdentity(); result < 0) return result;
+  if (const Status result = ProbeFrequencyRange(); result != 0) return result;
+
+  TriggerElements probe{.code = 0, .edge = false, .value = 255, .flag = 0, .last = 0};
+  Status result = SetTriggerOutput(0, probe);
+  if (result == status::kInstrumentFormUnknown || result == status::kInstrumentFormNotUsable) {
+    two_trigger_groups_ = false;
+    result = status::kOk;
+  }
+  pulse_polarity_ = true;
+  return result;
+}
+
+Status D3THardWare::ProbeFrequencyRange() {
+  // A write answers 0 for every code that is not negative, so that the notices tested here never
+  // come; the tests are kept.
+  Parameter form = Parameter::kFrequencyFourElement;
+  four_element_frequency_ = true;
+  wide_frequency_ = false;
+  Status result = ProbeFrequencyForm(form, kWideSpan);
+  if (result == status::kInstrumentRepeat) result = ProbeFrequencyForm(form, kWideSpan);
+  if (result < 0 && result != status::kInstrumentFormUnknown) return result;
+  if (result == status::kInstrumentFormUnknown || result == status::kInstrumentFormNotUsable) {
+    four_element_frequency_ = false;
+    wide_frequency_ = true;
+    form = Parameter::kFrequencyWide;
+    result = ProbeFrequencyForm(form, kWideSpan);
+    if (result == status::kInstrumentFormUnknown) {
+      wide_frequency_ = false;
+      form = Parameter::kFrequencyNarrow;
+      result = ProbeFrequencyForm(form, kNarrowSpan);
+    }
+  }
+  if (result < 0 || result > kLargestNotice) return result;
+  minimum_frequency_ = At(form).GetValue(FrequencyElement::kStart);
+  maximum_frequency_ = minimum_frequency_ + At(form).GetValue(FrequencyElement::kStep);
+  frequency_class_ = maximum_frequency_ <= kFirstClassLimit ? 1 : 2;
+  return status::kOk;
+}
+
+Status D3THardWare::ProbeFrequencyForm(Parameter form, double span) {
+  HardWareParametr& parameter = At(form);
+  parameter.SetValue(0.0, FrequencyElement::kStart);
+  parameter.SetValue(2.0, FrequencyElement::kPoints);
+  parameter.SetValue(span, FrequencyElement::kStep);
+  if (form == Parameter::kFrequencyFourElement) {
+    parameter.SetValue(span, FrequencyElement::kStop);
+  }
+  return WriteParameter(parameter);
+}
+
+Status D3THardWare::QueryInstrumentKind(std::uint32_t& kind) {
+  HardWareParametr& parameter = At(Parameter::kInstrumentKind);
+  parameter.SetValue(kind, OnlyElement::kValue);
+  const Status result = WriteParameter(parameter);
+  if (result == 0) kind = parameter.GetCode(OnlyElement::kValue);
+  return result;
+}

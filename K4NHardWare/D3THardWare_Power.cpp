@@ -1,0 +1,191 @@
+// The power axis. Generations of the instrument know different forms of its parameters; the variant
+// number tells which one is spoken.
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "K4NHardWare/D3THardWare.h"
+
+namespace {
+
+constexpr Status kLargestNotice = 10000;
+
+/// By variant; variant 0 has no sweep.
+constexpr std::array<Parameter, 6> kLevelForms = {Parameter::kPower0, Parameter::kPower1,
+                                                  Parameter::kPower2, Parameter::kPower3,
+                                                  Parameter::kPower2, Parameter::kPower3};
+constexpr std::array<Parameter, 6> kStateForms = {Parameter::kPower0, Parameter::kPower0,
+                                                  Parameter::kPower2, Parameter::kPower3,
+                                                  Parameter::kPower2, Parameter::kPower3};
+constexpr std::array<Parameter, 6> kSweepForms = {Parameter::kCount,       Parameter::kPowerSweep1,
+                                                  Parameter::kPowerSweep2, Parameter::kPowerSweep3,
+                                                  Parameter::kPowerSweep4, Parameter::kPowerSweep5};
+
+bool IsAccepted(Status result) { return result >= 0 && result <= kLargestNotice; }
+
+/// The forms with the switch and the level alone.
+bool IsSimple(Parameter form) {
+  return form == Parameter::kPower0 || form == Parameter::kPower1 ||
+         form == Parameter::kPowerSweep1;
+}
+
+bool HasStop(Parameter form) {
+  return form == Parameter::kPowerSweep4 || form == Parameter::kPowerSweep5;
+}
+
+bool HasSweep(Parameter form) {
+  return HasStop(form) || form == Parameter::kPowerSweep2 || form == Parameter::kPowerSweep3;
+}
+
+void FillLevel(HardWareParametr& parameter, Parameter form, const LevelSettings& settings,
+               double level) {
+  if (IsSimple(form)) {
+    parameter.SetValue(settings.level_control, SimplePowerElement::kLevelControl);
+    parameter.SetValue(level, SimplePowerElement::kLevel);
+    return;
+  }
+  parameter.SetValue(settings.level_control, PowerElement::kLevelControl);
+  parameter.SetValue(settings.atten_mode, PowerElement::kAttenMode);
+  parameter.SetValue(settings.further_1, PowerElement::kFurther1);
+  parameter.SetValue(settings.further_2, PowerElement::kFurther2);
+  parameter.SetValue(level, PowerElement::kLevel);
+}
+
+void TakeLevel(const HardWareParametr& parameter, Parameter form, LevelSettings& settings,
+               double& level) {
+  if (IsSimple(form)) {
+    settings.level_control = parameter.GetCode(SimplePowerElement::kLevelControl);
+    level = parameter.GetValue(SimplePowerElement::kLevel);
+    return;
+  }
+  settings.level_control = parameter.GetCode(PowerElement::kLevelControl);
+  settings.atten_mode = parameter.GetCode(PowerElement::kAttenMode);
+  settings.further_1 = parameter.GetCode(PowerElement::kFurther1);
+  settings.further_2 = parameter.GetCode(PowerElement::kFurther2);
+  level = parameter.GetValue(PowerElement::kLevel);
+}
+
+/// Number of levels from `start` to `stop`, at most what an element of 16 integer bits holds.
+double LevelCount(double start, double stop, double step) {
+  constexpr double kMostLevels = 32767.0;
+  const double steps = std::trunc(std::fabs(stop - start) / std::fabs(step) + 0.5);
+  return step != 0.0 && steps >= 0.0 ? std::min(steps + 1.0, kMostLevels) : 1.0;
+}
+
+}  // namespace
+
+Parameter D3THardWare::LevelParameter() const { return kLevelForms[power_variant_]; }
+
+Status D3THardWare::SetOutputLevel(LevelSettings& settings, double& level) {
+  if (!power_variant_known_) {
+    const Status probed = ProbePowerVariant(settings, level);
+    if (!IsInstrumentCode(probed)) return probed;
+    power_variant_known_ = true;
+  }
+  const Parameter form = LevelParameter();
+  HardWareParametr& parameter = At(form);
+  FillLevel(parameter, form, settings, level);
+  const Status result = WriteParameter(parameter);
+  if (result == 0) TakeLevel(parameter, form, settings, level);
+  return result;
+}
+
+Status D3THardWare::SetPowerSweep(LevelSettings& settings, double& start, double& stop,
+                                  double& step) {
+  const Parameter form = kSweepForms[power_variant_];
+  if (form == Parameter::kCount) return status::kRefused;
+  const bool simple = IsSimple(form);
+  const std::size_t points_element =
+      simple ? std::size_t{SimplePowerElement::kPoints} : std::size_t{PowerElement::kPoints};
+  const std::size_t step_element =
+      simple ? std::size_t{SimplePowerElement::kStep} : std::size_t{PowerElement::kStep};
+  HardWareParametr& parameter = At(form);
+  FillLevel(parameter, form, settings, start);
+  parameter.SetValue(LevelCount(start, stop, step), points_element);
+  parameter.SetValue(start > stop ? -std::fabs(step) : std::fabs(step), step_element);
+  if (HasStop(form)) parameter.SetValue(stop, PowerElement::kStop);
+
+  const Status result = WriteParameter(parameter);
+  if (result != 0) return result;
+  TakeLevel(parameter, form, settings, start);
+  step = parameter.GetValue(step_element);
+  stop = HasStop(form) ? parameter.GetValue(PowerElement::kStop)
+                       : start + (parameter.GetValue(points_element) - 1.0) * step;
+  return result;
+}
+
+Status D3THardWare::ReadOutputState(LevelSettings& settings, double& level) {
+  Parameter form = LevelParameter();
+  Status result = ReadParameter(At(form));
+  if (!power_variant_known_) {
+    // The state is read before the first level is set, when older instruments have not been told
+    // apart yet.
+    for (const Parameter older : {Parameter::kPower2, Parameter::kPower0}) {
+      if (result != status::kInstrumentFormUnknown && result != status::kInstrumentNotSupported) {
+        break;
+      }
+      form = older;
+      result = ReadParameter(At(form));
+    }
+  }
+  if (result >= 0) TakeLevel(At(form), form, settings, level);
+  return result;
+}
+
+Status D3THardWare::ReadLevelState(bool& settled) {
+  return ReadStateCode(kStateForms[power_variant_], status::kInstrumentLevelNotSettled, settled);
+}
+
+Status D3THardWare::ProbePowerVariant(const LevelSettings& settings, double level) {
+  Status result = WritePowerProbe(Parameter::kPower3, settings, level);
+  if (IsAccepted(result)) return ProbeWideSweep(settings, level);
+  if (!IsInstrumentCode(result)) return result;
+
+  result = WritePowerProbe(Parameter::kPower2, settings, level);
+  if (IsAccepted(result)) return ProbeNarrowSweep(settings, level);
+  if (!IsInstrumentCode(result)) return result;
+
+  // Kept: both tries write the 16-bit form, so that an instrument is taken for variant 0 only when
+  // it refuses the first and accepts the second.
+  for (const std::uint32_t variant : {1U, 0U}) {
+    result = WritePowerProbe(Parameter::kPower0, settings, level);
+    if (IsAccepted(result)) power_variant_ = variant;
+    if (IsAccepted(result) || !IsInstrumentCode(result)) break;
+  }
+  return result;
+}
+
+Status D3THardWare::ProbeWideSweep(const LevelSettings& settings, double level) {
+  const Status result = WritePowerProbe(Parameter::kPowerSweep5, settings, level);
+  if (IsAccepted(result) && IsUsable(Parameter::kPowerSweep5)) power_variant_ = 5;
+  return result;
+}
+
+Status D3THardWare::ProbeNarrowSweep(const LevelSettings& settings, double level) {
+  Status result = WritePowerProbe(Parameter::kPowerSweep4, settings, level);
+  if (IsAccepted(result) && IsUsable(Parameter::kPowerSweep4)) {
+    power_variant_ = 4;
+    return result;
+  }
+  if (result == status::kInstrumentFormUnknown) {
+    result = WritePowerProbe(Parameter::kPowerSweep2, settings, level);
+    if (!IsAccepted(result) || !IsUsable(Parameter::kPowerSweep2)) return result;
+  }
+  power_variant_ = 2;
+  return result;
+}
+
+Status D3THardWare::WritePowerProbe(Parameter form, const LevelSettings& settings, double level) {
+  HardWareParametr& parameter = At(form);
+  FillLevel(parameter, form, settings, level);
+  if (HasSweep(form)) {
+    parameter.SetValue(1.0, PowerElement::kPoints);
+    parameter.SetValue(0.0, PowerElement::kStep);
+  }
+  if (HasStop(form)) parameter.SetValue(level, PowerElement::kStop);
+  return WriteParameter(parameter);
+}
+
+bool D3THardWare::IsUsable(Parameter form) {
+  return At(form).status() != status::kInstrumentFormNotUsable;
+}

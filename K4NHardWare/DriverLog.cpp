@@ -1,0 +1,58 @@
+#include "K4NHardWare/DriverLog.h"
+
+#include <array>
+#include <ctime>
+
+#include "platform/os/Files.h"
+#include "platform/os/Notice.h"
+#include "platform/os/Sync.h"
+
+namespace {
+
+std::string LocalTime(const char* format) {
+  const std::time_t now = std::time(nullptr);
+  std::array<char, 32> text{};
+  if (const std::tm* local = std::localtime(&now)) {
+    std::strftime(text.data(), text.size(), format, local);
+  }
+  return text.data();
+}
+
+std::string TimeOfDay() { return LocalTime("%H:%M:%S"); }
+std::string Date() { return LocalTime("%m/%d/%y"); }
+
+}  // namespace
+
+DriverLog::DriverLog(const std::string& file_name) {
+  const std::string path = os::DocumentsFolder() + "\\zentrel lumigraf\\" + file_name;
+  {
+    // Users' folders carry Cyrillic names.
+    const os::LocaleSwitch cyrillic_names("Russian");
+    last_tick_ = os::TickCount();
+    file_ = os::OpenForWriting(path);
+  }
+  if (!file_.is_open()) {
+    os::ShowWarning("Error creating logfile!", "ZeVISA Error");
+    return;
+  }
+  Write("\r\n\r\n------------------- Log started " + Date() + " [" + TimeOfDay() + "]" +
+        " ----------------------------");
+}
+
+DriverLog::~DriverLog() {
+  if (!file_.is_open()) return;
+  Write("\r\n---------------------------- Log closed ----------------------------");
+}
+
+void DriverLog::TimedLine(const char* message) {
+  if (message == nullptr) return;
+  last_tick_ = os::TickCount();
+  Write("\r\n[" + TimeOfDay() + " -  ms after] " + message);
+}
+
+void DriverLog::DatedLine(const char* message) {
+  if (message == nullptr) return;
+  Write("\r\n" + Date() + " [" + TimeOfDay() + "] " + message);
+}
+
+void DriverLog::Write(const std::string& entry) { file_ << entry << std::flush; }

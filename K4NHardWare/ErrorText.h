@@ -1,0 +1,10 @@
+// The link layer's own texts for statuses.
+#pragma once
+
+#include <string>
+
+#include "measurement/Status.h"
+
+/// The text of a status, looked up by its low 16 bits; "Unknown error: %d(%X)" with those bits when
+/// there is none.
+std::string ErrorText(Status code);

@@ -1,0 +1,221 @@
+// A VISA library that plays a script: it records every call with its bytes and answers each request
+// of the protocol as the test wants it. Tests load it by the name that the driver looks for and so
+// reach the same module; the functions here steer it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/os/Module.h"
+
+namespace scripted {
+
+/// The functions that the module exports.
+enum class Function : std::uint32_t {
+  kOpenDefaultRM,
+  kOpen,
+  kClose,
+  kSetAttribute,
+  kGetAttribute,
+  kRead,
+  kWrite,
+  kClear,
+  kStatusDesc,
+  kCount,
+};
+
+/// One recorded call. `value`: access mode x 65536 + open time-out of viOpen, the value of the
+/// time-out attribute, the count asked for by viRead, the code of viStatusDesc. `bytes`: the name
+/// of viOpen, the bytes of viWrite, the bytes that viRead returned.
+struct CallView {
+  Function function;
+  std::uint32_t session;
+  std::uint64_t value;
+  std::int32_t result;
+  const std::uint8_t* bytes;
+  std::size_t size;
+};
+
+inline constexpr std::int32_t kForEver = -1;
+inline constexpr std::int32_t kThrow = 1;  ///< as a result of SetResult: the call throws
+inline constexpr std::int32_t kTimeout = static_cast<std::int32_t>(0xBFFF0015);
+inline constexpr std::int32_t kConnectionLost = static_cast<std::int32_t>(0xBFFF00A6);
+
+/// What the module offers; safe from any thread. Without a script every request is answered at once
+/// with status 0 and its own body, and data requests (command 6) stay unanswered. A read that finds
+/// too little returns what there is with a time-out, without waiting.
+class Control {
+ public:
+  /// Forgets script, record and sessions.
+  virtual void Reset() = 0;
+
+  /// The next `times` calls of a function return `result` and do nothing.
+  virtual void SetResult(Function function, std::int32_t result, std::int32_t times) = 0;
+  /// Answers the next request that has no answer yet: status and body in a correct frame that
+  /// repeats the request's command, count, type and number.
+  virtual void QueueAnswer(std::int16_t status, const std::uint8_t* body, std::size_t size) = 0;
+  /// As above with exactly these bytes on the wire, also none.
+  virtual void QueueRaw(const std::uint8_t* bytes, std::size_t size) = 0;
+  /// More bytes of the last raw answer, which a read gets only after one time-out.
+  virtual void QueueRawPart(const std::uint8_t* bytes, std::size_t size) = 0;
+  /// Answers every request with this command, identifier (low byte of the body) and type code (0:
+  /// any) that finds no queued answer; with `echo` the request's body is sent back in place of
+  /// `body`.
+  virtual void SetRule(std::uint16_t command, std::uint8_t identifier, std::uint8_t type,
+                       std::int16_t status, bool echo, const std::uint8_t* body, std::size_t size,
+                       std::int32_t times) = 0;
+  /// Completes the data request that waits, or else the next one. `format`: the answer's type byte.
+  virtual void CompleteData(std::int16_t status, char format, const std::uint8_t* body,
+                            std::size_t size) = 0;
+
+  /// The record since the last Reset or ClearRecord, in the order of the calls.
+  virtual std::size_t CallCount() const = 0;
+  /// Valid until the record is cleared. False past the end.
+  virtual bool GetCall(std::size_t index, CallView& call) const = 0;
+  virtual void ClearRecord() = 0;
+  /// Sessions opened and not closed.
+  virtual std::size_t OpenSessions() const = 0;
+
+ protected:
+  ~Control() = default;
+};
+
+/// The one symbol besides VISA's: `Control* ScriptedVisaControl()`.
+using ControlFunction = Control*();
+inline constexpr char kControlName[] = "ScriptedVisaControl";
+
+inline std::string ToHex(std::span<const std::uint8_t> bytes) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string text;
+  for (const std::uint8_t byte : bytes) {
+    if (!text.empty()) text += ' ';
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 15];
+  }
+  return text;
+}
+
+/// Pairs of digits; blanks and the separators | : are skipped.
+inline std::vector<std::uint8_t> FromHex(std::string_view text) {
+  std::vector<std::uint8_t> bytes;
+  std::string digits;
+  for (const char c : text) {
+    if (c == ' ' || c == '|' || c == ':') continue;
+    digits += c;
+    if (digits.size() < 2) continue;
+    bytes.push_back(static_cast<std::uint8_t>(std::stoul(digits, nullptr, 16)));
+    digits.clear();
+  }
+  if (!digits.empty()) throw std::invalid_argument("odd number of hexadecimal digits");
+  return bytes;
+}
+
+/// The test's side: holds the module loaded and speaks hexadecimal. Starts and ends with a fresh
+/// script.
+class Visa {
+ public:
+  Visa() {
+    if (!module_.Load("zevisa64.dll")) throw std::runtime_error("no scripted VISA library found");
+    auto* const control = module_.FunctionOf<ControlFunction>(kControlName);
+    if (control == nullptr)
+      throw std::runtime_error("the VISA library found is not the scripted one");
+    control_ = control();
+    control_->Reset();
+  }
+  ~Visa() { control_->Reset(); }
+  Visa(const Visa&) = delete;
+  Visa& operator=(const Visa&) = delete;
+
+  Control& control() { return *control_; }
+
+  void SetResult(Function function, std::uint32_t result, std::int32_t times = kForEver) {
+    control_->SetResult(function, static_cast<std::int32_t>(result), times);
+  }
+  /// `status` as the 16 bits on the wire.
+  void Answer(std::uint16_t status, std::string_view body_hex = {}) {
+    const auto body = FromHex(body_hex);
+    control_->QueueAnswer(static_cast<std::int16_t>(status), body.data(), body.size());
+  }
+  void AnswerRaw(std::string_view hex) {
+    const auto bytes = FromHex(hex);
+    control_->QueueRaw(bytes.data(), bytes.size());
+  }
+  void ThenRaw(std::string_view hex) {
+    const auto bytes = FromHex(hex);
+    control_->QueueRawPart(bytes.data(), bytes.size());
+  }
+  /// Status and the request's own body for every such request.
+  void Rule(std::uint16_t command, std::uint8_t identifier, std::uint16_t status,
+            std::uint8_t type = 0, std::int32_t times = kForEver) {
+    control_->SetRule(command, identifier, type, static_cast<std::int16_t>(status), true, nullptr,
+                      0, times);
+  }
+  /// Status and this body.
+  void RuleBody(std::uint16_t command, std::uint8_t identifier, std::uint16_t status,
+                std::string_view body_hex, std::uint8_t type = 0, std::int32_t times = kForEver) {
+    const auto body = FromHex(body_hex);
+    control_->SetRule(command, identifier, type, static_cast<std::int16_t>(status), false,
+                      body.data(), body.size(), times);
+  }
+  void CompleteData(std::uint16_t status, char format, std::string_view body_hex) {
+    const auto body = FromHex(body_hex);
+    control_->CompleteData(static_cast<std::int16_t>(status), format, body.data(), body.size());
+  }
+  void CompleteData(char format, std::span<const std::uint8_t> body) {
+    control_->CompleteData(0, format, body.data(), body.size());
+  }
+
+  /// All recorded calls of one function.
+  [[nodiscard]] std::vector<CallView> Calls(Function function) const {
+    std::vector<CallView> calls;
+    CallView call{};
+    for (std::size_t i = 0; control_->GetCall(i, call); ++i) {
+      if (call.function == function) calls.push_back(call);
+    }
+    return calls;
+  }
+  /// Everything that was written since the record was cleared, one text for each header and the
+  /// body behind it.
+  [[nodiscard]] std::vector<std::string> Requests() const {
+    std::vector<std::string> requests;
+    bool header = true;
+    for (const CallView& call : Calls(Function::kWrite)) {
+      const std::string text = ToHex({call.bytes, call.size});
+      if (header) {
+        requests.push_back(text);
+      } else if (!text.empty()) {
+        requests.back() += " | " + text;
+      }
+      header = !header;
+    }
+    return requests;
+  }
+  /// As Requests, shortened to what matters for an order: command, then identifier and type code of
+  /// the parameter, for example "3:12/42"; the command alone without a body.
+  [[nodiscard]] std::vector<std::string> RequestOrder() const {
+    std::vector<std::string> order;
+    const auto writes = Calls(Function::kWrite);
+    for (std::size_t i = 0; i + 1 < writes.size(); i += 2) {
+      if (writes[i].size < 16) continue;
+      std::string text = std::to_string(writes[i].bytes[2]);
+      if (writes[i + 1].size != 0) {
+        text +=
+            ':' + std::to_string(writes[i + 1].bytes[0]) + '/' + ToHex({writes[i].bytes + 9, 1});
+      }
+      order.push_back(text);
+    }
+    return order;
+  }
+  void ClearRecord() { control_->ClearRecord(); }
+
+ private:
+  os::Module module_;
+  Control* control_ = nullptr;
+};
+
+}  // namespace scripted
