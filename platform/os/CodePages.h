@@ -1,4 +1,4 @@
-// The single-byte code pages that the driver meets, for systems that do not bring them.
+// The single-byte code pages that are known on every system.
 #pragma once
 
 #include <array>

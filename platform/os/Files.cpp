@@ -2,17 +2,21 @@
 
 #include <algorithm>
 #include <atomic>
-#include <clocale>
-#include <cstring>
+#include <string_view>
+
+#include "platform/os/System.h"
 
 namespace os {
+
 namespace {
 
 /// The code page of the innermost LocaleSwitch; 0 while there is none.
 std::atomic<CodePage> switched_code_page{0};
 
-CodePage CodePageOfLocale(const char* locale_name) {
-  return std::strcmp(locale_name, "Russian") == 0 ? kCyrillicCodePage : kWesternCodePage;
+/// A locale of another name leaves file names as they were.
+CodePage CodePageOfLocale(std::string_view locale_name) {
+  if (locale_name == "Russian") return kCyrillicCodePage;
+  return locale_name == "English" ? kWesternCodePage : FileNameCodePage();
 }
 
 }  // namespace
@@ -23,14 +27,11 @@ CodePage FileNameCodePage() {
 }
 
 LocaleSwitch::LocaleSwitch(const char* locale_name)
-    : previous_code_page_(switched_code_page.exchange(CodePageOfLocale(locale_name))) {
-  if (const char* const previous = std::setlocale(LC_ALL, nullptr)) previous_locale_ = previous;
-  // A system without a locale of that name keeps its own; the file names are switched all the same.
-  std::setlocale(LC_ALL, locale_name);
-}
+    : previous_locale_(system::SetLocale(locale_name)),
+      previous_code_page_(switched_code_page.exchange(CodePageOfLocale(locale_name))) {}
 
 LocaleSwitch::~LocaleSwitch() {
-  std::setlocale(LC_ALL, previous_locale_.c_str());
+  if (!previous_locale_.empty()) system::SetLocale(previous_locale_.c_str());
   switched_code_page.store(previous_code_page_);
 }
 

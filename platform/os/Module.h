@@ -19,8 +19,9 @@ class Module {
   /// Loads "name.dll" by the system's search, or from the folder that the name carries. Elsewhere
   /// than on Windows the file is libname.so, its name in lower case: "zevisa64.dll" is
   /// libzevisa64.so, and
-  /// "/opt/driver/ZeVISA.dll" is /opt/driver/libzevisa.so. A module held before is unloaded first.
-  /// Returns false, holding nothing, when there is no such module or it cannot be loaded.
+  /// "/opt/driver/ZeVISA.dll" is /opt/driver/libzevisa.so; a name that ends in .so is a file's own.
+  /// A module held before is unloaded first. Returns false, holding nothing, when there is no such
+  /// module or it cannot be loaded.
   bool Load(std::string_view name);
 
   /// Unloads the module; nothing to do when none is held.

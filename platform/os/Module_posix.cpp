@@ -20,6 +20,13 @@ std::string FileNameOf(std::string name) {
   return "lib" + name + ".so";
 }
 
+/// The program itself is known under the name it was called by, which tells no folder when it was
+/// found by search.
+std::filesystem::path FileOf(const std::string& name, std::error_code& error) {
+  return name.find('/') == name.npos ? std::filesystem::read_symlink("/proc/self/exe", error)
+                                     : std::filesystem::absolute(name, error);
+}
+
 }  // namespace
 
 bool Module::Load(std::string_view name) {
@@ -45,7 +52,7 @@ std::string ThisModuleFolder() {
     return {};
   }
   std::error_code error;
-  const std::filesystem::path file = std::filesystem::absolute(info.dli_fname, error);
+  const std::filesystem::path file = FileOf(info.dli_fname, error);
   if (error || file.native().size() > kLongestModulePath) return {};
   return ToNarrow(ToWide(file.parent_path().native() + "/", kUtf8CodePage));
 }

@@ -7,7 +7,11 @@ namespace os {
 
 bool Module::Load(std::string_view name) {
   Unload();
+  // A file that is no module must not bring up a box.
+  DWORD previous_mode = 0;
+  SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &previous_mode);
   handle_ = LoadLibraryW(NativePath(name).c_str());
+  SetThreadErrorMode(previous_mode, nullptr);
   return handle_ != nullptr;
 }
 

@@ -3,6 +3,8 @@
 #include <mutex>
 #include <utility>
 
+#include "platform/os/System.h"
+
 namespace os {
 namespace {
 
@@ -14,9 +16,6 @@ NoticeHook& Hook() {
 }
 
 }  // namespace
-
-/// What a person sees when no hook is set; one per system.
-void ShowSystemWarning(const std::string& text, const std::string& caption);
 
 void SetNoticeHook(NoticeHook hook) {
   const std::lock_guard lock(hook_mutex);
@@ -32,7 +31,7 @@ void ShowWarning(const std::string& text, const std::string& caption) {
   if (hook) {
     hook(text, caption);
   } else {
-    ShowSystemWarning(text, caption);
+    system::ShowWarning(text, caption);
   }
 }
 

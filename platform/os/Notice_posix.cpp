@@ -1,11 +1,15 @@
 #include <cstdio>
 
-#include "platform/os/Notice.h"
+#include "platform/os/System.h"
+#include "platform/os/Text.h"
 
 namespace os {
 
-void ShowSystemWarning(const std::string& text, const std::string& caption) {
-  std::fprintf(stderr, "%s: %s\n", caption.c_str(), text.c_str());
+void system::ShowWarning(const std::string& text, const std::string& caption) {
+  const auto utf8 = [](const std::string& narrow) {
+    return os::ToNarrow(os::ToWide(narrow), kUtf8CodePage);
+  };
+  std::fprintf(stderr, "%s: %s\n", utf8(caption).c_str(), utf8(text).c_str());
 }
 
 }  // namespace os

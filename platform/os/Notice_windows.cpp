@@ -1,11 +1,13 @@
 #include <windows.h>
 
-#include "platform/os/Notice.h"
+#include "platform/os/System.h"
+#include "platform/os/Text.h"
 
 namespace os {
 
-void ShowSystemWarning(const std::string& text, const std::string& caption) {
-  MessageBoxA(nullptr, text.c_str(), caption.c_str(), MB_SYSTEMMODAL | MB_ICONWARNING | MB_OK);
+void system::ShowWarning(const std::string& text, const std::string& caption) {
+  MessageBoxW(nullptr, os::ToWide(text).c_str(), os::ToWide(caption).c_str(),
+              MB_OK | MB_ICONWARNING | MB_SYSTEMMODAL);
 }
 
 }  // namespace os

@@ -10,7 +10,8 @@
 
 namespace os {
 
-/// A binary semaphore, initially not signalled. Every operation may be called from any thread.
+/// A binary semaphore, initially not signalled. Every operation may be called from any thread,
+/// and must have ended everywhere before the semaphore goes.
 class Semaphore {
  public:
   Semaphore();

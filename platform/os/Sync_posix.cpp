@@ -10,7 +10,11 @@
 #include "platform/os/Sync.h"
 
 namespace os {
+
 namespace {
+
+// A longer time-out is cut: the clock could not tell its end.
+constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24 * 365);
 
 /// A thread that waits for one or more semaphores.
 struct Waiter {
@@ -56,7 +60,7 @@ void Semaphore::Release() {
 bool Semaphore::TryAcquire() { return impl_->TryTake(); }
 
 void Semaphore::Acquire() {
-  while (!AcquireFor(std::chrono::hours(1))) {
+  while (!AcquireFor(kLongest)) {
   }
 }
 
@@ -75,7 +79,7 @@ std::optional<std::size_t> WaitAny(std::span<Semaphore* const> semaphores,
   };
   if (auto taken = take_one()) return taken;
 
-  const auto deadline = std::chrono::steady_clock::now() + timeout;
+  const auto deadline = std::chrono::steady_clock::now() + std::min(timeout, kLongest);
   Waiter waiter;
   for (Semaphore* const semaphore : semaphores) semaphore->impl_->Add(waiter);
   std::optional<std::size_t> taken;
