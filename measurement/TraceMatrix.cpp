@@ -71,6 +71,7 @@ void TraceMatrix::SortRows() {
     return;
   }
   std::vector<double> keys;
+  keys.reserve(static_cast<std::size_t>(rows_));
   for (std::int32_t row = 0; row < rows_; ++row) {
     keys.push_back(Item(row, 0));
   }

@@ -28,8 +28,8 @@ Place Find(const std::vector<double>& axis, double x) {
   const std::size_t last = axis.size() - 1;
   if (x >= axis[last]) return {last, last, 0.5};
   if (x <= axis[0]) return {0, 0, 0.5};
-  auto k = static_cast<std::size_t>(
-      static_cast<double>(last) * (x - axis[0]) / (axis[last] - axis[0]) + 0.5);
+  const double nearest = static_cast<double>(last) * (x - axis[0]) / (axis[last] - axis[0]) + 0.5;
+  auto k = static_cast<std::size_t>(nearest);
   while (axis[k] > x) --k;
   while (x >= axis[k + 1]) ++k;
   return {k, k + 1, (axis[k + 1] - x) / (axis[k + 1] - axis[k])};
@@ -62,7 +62,8 @@ struct Sweep {
     std::mt19937 random(1);
     std::uniform_real_distribution<double> noise(0.8, 1.2);
     for (std::size_t i = 0; i < 3 * points; ++i) {
-      const double angle = 6.28 * static_cast<double>(i / 3) / static_cast<double>(points);
+      const std::size_t point = i / 3;
+      const double angle = 6.28 * static_cast<double>(point) / static_cast<double>(points);
       const double reading =
           std::pow(10.0, 3 + 2 * std::sin(angle) - 0.1 * static_cast<double>(i % 3)) *
           noise(random);
@@ -111,7 +112,7 @@ void BM_ConvertStraight(benchmark::State& state) {
   const Sweep sweep(points);
   const ReferenceTable table(LogarithmicTable());
   std::vector<double> trace(3 * points);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     ConvertStraight(sweep, {}, table, trace);
     benchmark::DoNotOptimize(trace.data());
     benchmark::ClobberMemory();
@@ -127,7 +128,7 @@ void BM_ConvertBlock(benchmark::State& state) {
   const std::array<ChannelCalibration, 3> channels = {
       ChannelCalibration{{}, table}, ChannelCalibration{{}, table}, ChannelCalibration{{}, table}};
   TraceMatrix trace;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     ConvertBlock({sweep.block, 'A', 18}, sweep.plan, channels, trace);
     benchmark::ClobberMemory();
   }

@@ -39,7 +39,7 @@ class BenchFile {
 
 void BM_ReadNumbersBare(benchmark::State& state) {
   const BenchFile file(0);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     std::string text(static_cast<std::size_t>(file.Size()), '\0');
     std::ifstream(file.Path(), std::ios::binary).read(text.data(), file.Size());
     std::vector<double> numbers;
@@ -63,7 +63,7 @@ BENCHMARK(BM_ReadNumbersBare)->Unit(benchmark::kMillisecond);
 
 void BM_LoadDetectorFile(benchmark::State& state) {
   const BenchFile file(static_cast<int>(state.range(0)));
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     CSimpleMatrix matrix;
     if (LoadDetectorFile(matrix, file.Path(), nullptr) != status::kOk) {
       state.SkipWithError("not loaded");
@@ -76,7 +76,7 @@ BENCHMARK(BM_LoadDetectorFile)->Arg(0)->Arg(3)->Unit(benchmark::kMillisecond);
 
 void BM_Digest(benchmark::State& state) {
   const std::string bytes(std::size_t{16} << 20, 'x');
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     Gost341194 hash;
     hash.Update(bytes);
     benchmark::DoNotOptimize(hash.Finish());

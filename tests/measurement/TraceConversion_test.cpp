@@ -1,6 +1,5 @@
 #include "measurement/TraceConversion.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -9,8 +8,6 @@
 #include <vector>
 
 namespace {
-
-using testing::ElementsAre;
 
 constexpr std::uint32_t kAnalyser = 18;
 
@@ -134,6 +131,7 @@ TEST(TraceConversion, OverflowingFrequencyStaysInTheTable) {
 
 TEST(TraceConversion, ChannelsKeepTheirPlacesInALongTrace) {
   std::vector<std::array<std::int32_t, 3>> points;
+  points.reserve(2000);
   for (std::int32_t i = 0; i < 2000; ++i) points.push_back({i + 1, 10 * (i + 1), 100 * (i + 1)});
   const auto bytes = Block(points);
   TraceMatrix trace;
