@@ -35,14 +35,16 @@ struct Fault {
   std::chrono::milliseconds pause{0};  ///< kDelay, kPieces
 
   static Fault Refuse(std::uint16_t parameter, std::int16_t status, std::uint32_t times = 0) {
-    Fault fault{.kind = FaultKind::kRefuse};
+    Fault fault;
+    fault.kind = FaultKind::kRefuse;
     fault.parameter = parameter;
     fault.status = status;
     fault.times = times;
     return fault;
   }
   static Fault DropAfter(std::uint32_t messages) {
-    Fault fault{.kind = FaultKind::kDrop};
+    Fault fault;
+    fault.kind = FaultKind::kDrop;
     fault.after = messages;
     fault.times = 1;
     return fault;

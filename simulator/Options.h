@@ -86,4 +86,8 @@ struct Options {
   std::size_t log_capacity = 4096;  ///< requests that are remembered
 };
 
+/// Throws std::invalid_argument, its text names the member, for options that describe no
+/// instrument.
+void Validate(const Options& options);
+
 }  // namespace simulator

@@ -9,22 +9,9 @@
 
 #include "simulator/InstrumentState.h"
 #include "simulator/Options.h"
+#include "simulator/RequestLog.h"
 
 namespace simulator {
-
-/// A request as the instrument understood it, and what it answered.
-struct RequestRecord {
-  std::uint32_t connection = 0;  ///< 1, 2 ... in order of their coming
-  std::uint32_t sequence = 0;    ///< the sender's number
-  std::uint16_t command = 0;     ///< 1 recovery, 3 write, 4 read, 6 data
-  std::uint16_t parameter = 0;   ///< identifier; 0 where there is none
-  std::uint8_t count = 0;
-  std::uint8_t type = 0;
-  std::vector<std::uint8_t> body;  ///< the first 1100 bytes
-  bool answered = true;            ///< a data request is noted before its sweep: not yet
-  std::int16_t status = 0;         ///< of the answer
-  std::string text;                ///< one line: what was asked for, and the answer
-};
 
 /// The instrument is switched on by the constructor and keeps its settings over Stop and Start, as
 /// one does whose cable is pulled. It has one thread of its own between Start and Stop. All members
@@ -33,6 +20,7 @@ class Simulator {
  public:
   using Observer = std::function<void(const RequestRecord&, const InstrumentState&)>;
 
+  /// Throws std::invalid_argument for options that describe no instrument.
   explicit Simulator(Options options = {});
   /// Stops.
   ~Simulator();
