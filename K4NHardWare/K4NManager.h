@@ -2,17 +2,32 @@
 // session.
 #pragma once
 
+#include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
+#include "K4NHardWare/ErrorTrail.h"
 #include "K4NHardWare/IEventProcessor.h"
 #include "K4NHardWare/InstrumentSettings.h"
+#include "K4NHardWare/MeasurementBlock.h"
+#include "K4NHardWare/MeasurementWorker.h"
+#include "K4NHardWare/ProtocolLibrary.h"
+#include "K4NHardWare/Synchronized.h"
+#include "measurement/DetectorTable.h"
 #include "measurement/Status.h"
 #include "measurement/TraceMatrix.h"
 #include "platform/com/Com.h"
+
+class CommandExchanger;
+class D3THardWare;
+enum class ListAxis;
 
 /// One per root object. Operations may be called from any thread; those that talk to the instrument
 /// run one at a time, each pausing the measurement worker first and resuming it at the end. All of
@@ -40,6 +55,11 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   /// library or decimal number). Code 0 and no text when the trail is empty. Returns 0, also
   /// without a session.
   Status ErrorQuery(std::int32_t& code, std::optional<std::string>& message);
+  /// The whole error trail, oldest first; nothing is removed.
+  [[nodiscard]] std::vector<ErrorRecord> ErrorRecords() const { return trail_.Records(); }
+  /// Whether the instrument's DSP program is dated at all. Kept: the reference date that it is
+  /// compared with lies in December, which is not read as a date, so that every date is later.
+  [[nodiscard]] bool IsFirmwareNewer() const { return firmware_newer_; }
 
   // --- RF output
   // -------------------------------------------------------------------------------------
@@ -146,5 +166,83 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   uIEvent::IEventProcessor* SetManager(uIEvent::IEventProcessor* manager) override;
   uIEvent::EventProcessor* GetProcessor() override;
 
-  // (data and private operations: see the implementation's owner)
+ private:
+  /// One operation on the instrument: holds the operation lock and keeps the worker paused.
+  class Operation;
+  enum class Output { kSwitchOff, kLeave };
+
+  /// Runs the body as one operation; 10057 without a session.
+  template <typename Body>
+  Status Guarded(Body&& body);
+  /// Puts the result of an exchange into the trail when it is a failure; returns it.
+  Status Record(Site site, Status result);
+  /// Reads cached settings; 10057 without a session.
+  template <typename Read>
+  Status Cached(Read&& read) const;
+
+  // The rest is called within an operation.
+  Status OpenSession(const std::string& resource_name);
+  Status StartSession(bool generator_only);
+  Status EndSession(Output output);
+  Status ResetAndIdentify();
+  void LoadDefaults();
+  Status Identify();
+  [[nodiscard]] bool MayMeasure() const;
+
+  Status ApplyFrequencyAxis(std::optional<SweepMode> request);
+  Status ApplyPowerAxis(std::optional<SweepMode> request);
+  Status ProgramFrequencyAxis(SweepMode mode);
+  Status ProgramPowerAxis(SweepMode mode, bool trial);
+  Status ProgramList(ListAxis axis, Synchronized<SweepList>& list, double stand_in,
+                     const LevelSettings& level);
+  Status SwitchOutputOff();
+  Status ProgramSweepMode(SweepMode mode);
+  Status ProgramSweepTrigger(SweepTriggerSettings& trigger, bool single_step);
+  template <typename Apply>
+  Status ReplaceList(SAFEARRAY* array, Synchronized<SweepList>& list, Apply&& apply);
+
+  template <typename Change>
+  Status ChangePulse(Change&& change);
+  Status ProgramPulseModulation();
+  Status ProgramSinglePulse(PulseSettings& pulse);
+  Status ProgramDoublePulse(PulseSettings& pulse);
+  Status ProgramPacket(PulseSettings& pulse);
+  Status SwitchPulseModulationOff();
+
+  Status ProgramTriggerOutput(TriggerOutputSettings& settings);
+  Status RouteSyncGenerator(bool routed);
+  Status ProgramAveraging(std::int32_t count);
+  template <typename Read>
+  Status ReadState(std::atomic<bool>& state, Site site, bool& value, Read&& read);
+  Status ReadSingleBlock();
+
+  // Lock order: operation lock, data lock (in the measurement block), session lock; the locks
+  // inside `trail_` and the Synchronized values are leaves.
+  mutable std::recursive_mutex operation_mutex_;
+  // Held where the session's objects come and go, and by ErrorQuery, which needs them while an
+  // operation may be waiting for the instrument.
+  std::mutex session_mutex_;
+  std::atomic<bool> connected_ = false;  // what everybody else asks
+  std::unique_ptr<CommandExchanger> exchanger_;
+  std::unique_ptr<D3THardWare> model_;  // null: no session
+  ProtocolLibrary protocol_;
+
+  ErrorTrail trail_;
+  Synchronized<InstrumentSettings> settings_;
+  Synchronized<PulseSettings> pulse_;
+  Synchronized<SweepList> frequency_list_;
+  Synchronized<SweepList> power_list_;
+  Synchronized<std::array<std::shared_ptr<const DetectorTable>, kChannelCount>> detector_tables_;
+  std::atomic<InstrumentKind> instrument_kind_ = InstrumentKind::kAnalyser;
+  std::atomic<bool> firmware_newer_ = false;
+  // The mode last programmed as a whole; guarded by the operation lock.
+  SweepMode measurement_mode_ = SweepMode::kContinuousWave;
+  std::atomic<bool> sweep_armed_ = false;  // kept: set once and for all
+  bool leave_worker_paused_ = false;       // by the operation that runs
+
+  MeasurementBlock block_;
+  MeasurementWorker worker_{trail_, settings_, block_};
+
+  std::unique_ptr<uIEvent::Event> last_event_;
+  uIEvent::IEventProcessor* manager_ = nullptr;
 };

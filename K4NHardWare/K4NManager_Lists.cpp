@@ -1,0 +1,57 @@
+// The two lists of a list sweep.
+#include <algorithm>
+
+#include "K4NHardWare/K4NManagerOperation.h"
+#include "K4NHardWare/RealArray.h"
+
+/// Kept: an array that cannot be locked leaves the worker paused until the next operation.
+template <typename Apply>
+Status CK4NManager::ReplaceList(SAFEARRAY* array, Synchronized<SweepList>& list, Apply&& apply) {
+  return Guarded([&]() -> Status {
+    block_.Discard();
+    if (array == nullptr) {
+      list.Set(nullptr);
+      return status::kOk;
+    }
+    const RealArray elements(array);
+    if (!elements.HasRightType()) return E_INVALIDARG;
+    if (FAILED(elements.locked())) {
+      leave_worker_paused_ = true;
+      return elements.locked();
+    }
+    const std::span<double> values = elements.values();
+    list.Set(nullptr);
+    if (values.empty()) return status::kOk;
+    list.Set(std::make_shared<std::vector<double>>(values.begin(), values.end()));
+    const Status result = std::forward<Apply>(apply)();
+    std::ranges::copy(*list.Copy(), values.begin());
+    return result;
+  });
+}
+
+Status CK4NManager::SetFrequencyList(SAFEARRAY* frequencies) {
+  return ReplaceList(frequencies, frequency_list_, [this] {
+    return Record(Site::kFrequencyList, ApplyFrequencyAxis(SweepMode::kList));
+  });
+}
+
+Status CK4NManager::SetPowerList(SAFEARRAY* levels) {
+  return ReplaceList(levels, power_list_,
+                     [this] { return Record(Site::kPowerList, ApplyPowerAxis(SweepMode::kList)); });
+}
+
+Status CK4NManager::ClearFrequencyList() {
+  const std::lock_guard lock(operation_mutex_);  // not while the list is being sent
+  frequency_list_.Set(nullptr);
+  return status::kOk;
+}
+
+Status CK4NManager::ClearPowerList() {
+  const std::lock_guard lock(operation_mutex_);
+  power_list_.Set(nullptr);
+  return status::kOk;
+}
+
+bool CK4NManager::HasFrequencyList() const { return frequency_list_.Copy() != nullptr; }
+
+bool CK4NManager::HasPowerList() const { return power_list_.Copy() != nullptr; }

@@ -1,0 +1,133 @@
+// Averaging, detector tables, channel transforms, and the way of a block to a trace.
+#include <cmath>
+
+#include "K4NHardWare/K4NManagerOperation.h"
+#include "measurement/DetectorFile.h"
+
+namespace {
+
+constexpr double kLargestOffset = 1e11;  // Hz
+constexpr double kSmallestDivider = 1.0;
+constexpr char kIntegerReadings = '@';
+
+}  // namespace
+
+Status CK4NManager::SetAveraging(std::int32_t count) {
+  if (instrument_kind_ == InstrumentKind::kGenerator) return status::kPropertyNotSupported;
+  return Guarded([&] { return ProgramAveraging(count); });
+}
+
+/// The count is kept also when the instrument refuses it; an accepted one as the instrument set it.
+Status CK4NManager::ProgramAveraging(std::int32_t count) {
+  const bool is_sent = settings_.With([&](InstrumentSettings& live) {
+    live.averaging = count;
+    return live.averaging_enabled;
+  });
+  if (!is_sent) return status::kOk;
+  block_.Discard();
+  const Status result = Record(Site::kAveraging, model_->SetAveraging(count));
+  if (IsSuccess(result)) {
+    settings_.With([&](InstrumentSettings& live) { live.averaging = count; });
+  }
+  return result;
+}
+
+Status CK4NManager::GetAveraging(std::int32_t& count) const {
+  if (instrument_kind_ == InstrumentKind::kGenerator) return status::kPropertyNotSupported;
+  return Cached([&](const InstrumentSettings& live) { count = live.averaging; });
+}
+
+Status CK4NManager::LoadDetectorData(std::size_t channel, const std::string& file_name) {
+  if (instrument_kind_ == InstrumentKind::kGenerator) return status::kMethodNotSupported;
+  if (channel >= kChannelCount) return status::kOk;
+  return Guarded([&] {
+    std::shared_ptr<const DetectorTable> table;
+    const Status result = LoadDetectorTable(file_name, table);
+    if (result == status::kOk) {
+      detector_tables_.With([&](auto& tables) { tables[channel] = std::move(table); });
+    }
+    return result;
+  });
+}
+
+Status CK4NManager::FetchData(TraceMatrix& trace) {
+  const InstrumentKind kind = instrument_kind_;
+  if (kind == InstrumentKind::kGenerator) return status::kMethodNotSupported;
+  if (!connected_) return status::kNoSession;
+  if (!sweep_armed_) {
+    if (const Status read = ReadSingleBlock(); read != status::kOk) return read;
+  }
+  const auto transforms =
+      settings_.With([](const InstrumentSettings& live) { return live.channels; });
+  const auto tables = detector_tables_.Copy();
+  std::array<ChannelCalibration, kTraceChannels> channels;
+  for (std::size_t c = 0; c < kTraceChannels; ++c) channels[c] = {transforms[c], tables[c]};
+  return block_.Convert(kind, frequency_list_.Copy(), channels, trace) ? status::kOk
+                                                                       : status::kVisaTimeout;
+}
+
+/// Before any sweep was programmed a fetch measures by itself.
+Status CK4NManager::ReadSingleBlock() {
+  return Guarded([this] {
+    const std::span<std::uint8_t> buffer = worker_.receive_buffer();
+    std::uint32_t length = 0;
+    char format_mark = kIntegerReadings;
+    Status result = model_->ReadDataBlock(buffer, length, format_mark);
+    // A notice instead of a block.
+    if (result != status::kOk && IsSuccess(result)) return status::kVisaTimeout;
+    if (result == status::kOk && (!IsWholeBlock(length) || length > buffer.size())) {
+      result = status::kVisaProtocolViolation;
+    }
+    if (Record(Site::kSingleRead, result) == status::kOk) {
+      block_.Store(buffer.first(length), format_mark, settings_);
+    }
+    return result;
+  });
+}
+
+Status CK4NManager::SetChannelOffset(std::size_t channel, double offset) {
+  if (!(std::abs(offset) <= kLargestOffset)) return status::kInvalidValue;
+  if (channel < kChannelCount) {
+    settings_.With([&](InstrumentSettings& live) { live.channels[channel].offset = offset; });
+  }
+  return status::kOk;
+}
+
+Status CK4NManager::GetChannelOffset(std::size_t channel, double& offset) const {
+  if (channel < kChannelCount) {
+    settings_.With([&](const InstrumentSettings& live) { offset = live.channels[channel].offset; });
+  }
+  return status::kOk;
+}
+
+Status CK4NManager::SetChannelMultiplier(std::size_t channel, double multiplier) {
+  if (channel < kChannelCount) {
+    settings_.With(
+        [&](InstrumentSettings& live) { live.channels[channel].multiplier = multiplier; });
+  }
+  return status::kOk;
+}
+
+Status CK4NManager::GetChannelMultiplier(std::size_t channel, double& multiplier) const {
+  if (channel < kChannelCount) {
+    settings_.With(
+        [&](const InstrumentSettings& live) { multiplier = live.channels[channel].multiplier; });
+  }
+  return status::kOk;
+}
+
+Status CK4NManager::SetChannelDivider(std::size_t channel, double divider) {
+  if (!(divider >= kSmallestDivider)) return status::kInvalidValue;
+  if (channel < kChannelCount) {
+    settings_.With([&](InstrumentSettings& live) { live.channels[channel].divider = divider; });
+  }
+  return status::kOk;
+}
+
+Status CK4NManager::GetChannelDivider(std::size_t channel, double& divider) const {
+  if (channel < kChannelCount) {
+    settings_.With(
+        [&](const InstrumentSettings& live) { divider = live.channels[channel].divider; });
+  }
+  return status::kOk;
+}

@@ -1,0 +1,209 @@
+// The pulse generator and the pulse modulator. Times in nanoseconds.
+#include <algorithm>
+#include <array>
+#include <numeric>
+
+#include "K4NHardWare/K4NManagerOperation.h"
+#include "K4NHardWare/RealArray.h"
+
+namespace {
+
+constexpr double kNanosecondsPerSecond = 1e9;
+
+// What the instrument does with a pulse train.
+constexpr std::uint32_t kTrainOff = 0;
+constexpr std::uint32_t kTrainOn = 2;
+
+bool IsTime(double nanoseconds) { return nanoseconds >= 0.0; }
+
+/// The widths and delays of a packet as the client gave them, seconds.
+Status ReadPacket(SAFEARRAY* widths, SAFEARRAY* delays, PulseSettings& pulse) {
+  if (widths != nullptr) {
+    const RealArray elements(widths);
+    if (FAILED(elements.locked())) return elements.locked();
+    if (elements.values().empty()) return status::kInvalidValue;
+    pulse.packet_widths.assign(elements.values().begin(), elements.values().end());
+  }
+  if (delays != nullptr) {
+    const RealArray elements(delays);
+    if (FAILED(elements.locked())) return elements.locked();
+    pulse.packet_gaps.assign(elements.values().begin(), elements.values().end());
+  }
+  return pulse.packet_gaps.size() == pulse.packet_widths.size() ? status::kOk
+                                                                : status::kInvalidValue;
+}
+
+/// Stops at the first time that is none; what was converted before stays so (kept).
+Status ConvertPacket(PulseSettings& pulse) {
+  for (std::size_t i = 0; i < pulse.packet_widths.size(); ++i) {
+    double& width = pulse.packet_widths[i];
+    double& gap = pulse.packet_gaps[i];
+    width *= kNanosecondsPerSecond;
+    gap *= kNanosecondsPerSecond;
+    if (!IsTime(width) || !IsTime(gap)) return status::kInvalidValue;
+  }
+  return status::kOk;
+}
+
+Status WriteBack(std::span<const double> nanoseconds, SAFEARRAY* array) {
+  if (array == nullptr) return status::kOk;
+  const RealArray elements(array);
+  if (FAILED(elements.locked())) return elements.locked();
+  const std::size_t count = std::min(nanoseconds.size(), elements.values().size());
+  std::ranges::transform(nanoseconds.first(count), elements.values().begin(),
+                         [](double time) { return time / kNanosecondsPerSecond; });
+  return status::kOk;
+}
+
+}  // namespace
+
+/// Stores a setting, and sends the train while the modulator is on. Without a session the setting
+/// is stored all the same.
+template <typename Change>
+Status CK4NManager::ChangePulse(Change&& change) {
+  const std::lock_guard lock(operation_mutex_);
+  const bool modulated = pulse_.With([&](PulseSettings& pulse) {
+    std::forward<Change>(change)(pulse);
+    return pulse.modulation_enabled;
+  });
+  return modulated ? Guarded([this] { return ProgramPulseModulation(); }) : status::kOk;
+}
+
+Status CK4NManager::SetPulseWidth(double width) {
+  if (!IsTime(width)) return status::kInvalidValue;
+  return ChangePulse([&](PulseSettings& pulse) { pulse.width = width; });
+}
+
+Status CK4NManager::SetPulsePeriod(double period) {
+  if (!IsTime(period)) return status::kInvalidValue;
+  return ChangePulse([&](PulseSettings& pulse) { pulse.period = period; });
+}
+
+Status CK4NManager::SetDoublePulseEnabled(bool enabled) {
+  return ChangePulse([&](PulseSettings& pulse) {
+    pulse.double_enabled = enabled;
+    if (enabled) pulse.packet_enabled = false;
+  });
+}
+
+Status CK4NManager::SetDoublePulseDelay(double delay) {
+  if (!IsTime(delay)) return status::kInvalidValue;
+  const std::lock_guard lock(operation_mutex_);
+  pulse_.With([&](PulseSettings& pulse) { pulse.double_delay = delay; });
+  return status::kOk;
+}
+
+Status CK4NManager::SetPacketEnabled(bool enabled) {
+  return ChangePulse([&](PulseSettings& pulse) {
+    pulse.packet_enabled = enabled;
+    if (enabled) pulse.double_enabled = false;
+  });
+}
+
+Status CK4NManager::ConfigurePacket(bool enabled, SAFEARRAY* widths, SAFEARRAY* delays) {
+  const std::lock_guard lock(operation_mutex_);
+  PulseSettings packet;
+  Status result = ReadPacket(widths, delays, packet);
+  if (result == status::kOk) {
+    result = ConvertPacket(packet);
+  } else {
+    packet = {};
+  }
+  pulse_.With([&](PulseSettings& pulse) {
+    pulse.packet_widths = packet.packet_widths;
+    pulse.packet_gaps = packet.packet_gaps;
+  });
+  if (result != status::kOk) return result;
+
+  result = SetPacketEnabled(enabled);
+  packet = pulse_.Copy();
+  if (const Status written = WriteBack(packet.packet_widths, widths); written != status::kOk) {
+    return written;
+  }
+  if (const Status written = WriteBack(packet.packet_gaps, delays); written != status::kOk) {
+    return written;
+  }
+  return result;
+}
+
+Status CK4NManager::SetPulseModEnabled(bool enabled) {
+  const std::lock_guard lock(operation_mutex_);
+  pulse_.With([&](PulseSettings& pulse) { pulse.modulation_enabled = enabled; });
+  return Guarded([&] { return enabled ? ProgramPulseModulation() : SwitchPulseModulationOff(); });
+}
+
+Status CK4NManager::SetPulseModSource(std::uint32_t source) {
+  return ChangePulse([&](PulseSettings& pulse) { pulse.modulation_source = source; });
+}
+
+/// An instrument whose modulator is off learns the polarity too.
+Status CK4NManager::SetPulseModPolarity(bool inverse) {
+  const std::lock_guard lock(operation_mutex_);
+  const bool enabled = pulse_.With([&](PulseSettings& pulse) {
+    pulse.modulation_inverse = inverse;
+    return pulse.modulation_enabled;
+  });
+  return SetPulseModEnabled(enabled);
+}
+
+PulseSettings CK4NManager::GetPulseSettings() const { return pulse_.Copy(); }
+
+Status CK4NManager::ProgramPulseModulation() {
+  PulseSettings pulse = pulse_.Copy();
+  Status result;
+  if (pulse.packet_enabled) {
+    result = ProgramPacket(pulse);
+  } else if (pulse.double_enabled) {
+    result = ProgramDoublePulse(pulse);
+  } else {
+    result = ProgramSinglePulse(pulse);
+  }
+  pulse_.Set(std::move(pulse));
+  return result;
+}
+
+Status CK4NManager::ProgramSinglePulse(PulseSettings& pulse) {
+  block_.Discard();
+  std::array widths = {pulse.width};
+  std::array gaps = {std::max(pulse.period - pulse.width, 0.0)};
+  const Status result =
+      Record(Site::kPulseTrain, model_->TransferPulseTrain(kTrainOn, pulse.modulation_source,
+                                                           widths, gaps, pulse.modulation_inverse));
+  // A period shorter than the pulse thus becomes the pulse's width.
+  pulse.period = widths[0] + gaps[0];
+  return result;
+}
+
+Status CK4NManager::ProgramDoublePulse(PulseSettings& pulse) {
+  std::array widths = {pulse.width, pulse.width};
+  std::array gaps = {pulse.double_delay,
+                     std::max(pulse.period - 2 * pulse.width - pulse.double_delay, 0.0)};
+  return Record(Site::kPulseTrain,
+                model_->TransferPulseTrain(kTrainOn, pulse.modulation_source, widths, gaps,
+                                           pulse.modulation_inverse));
+}
+
+/// Kept: the packet always fills exactly one period, so the client's last delay is replaced.
+Status CK4NManager::ProgramPacket(PulseSettings& pulse) {
+  std::vector<double>& widths = pulse.packet_widths;
+  std::vector<double>& gaps = pulse.packet_gaps;
+  if (widths.empty() || widths.size() != gaps.size()) return status::kInvalidValue;
+  const double busy = std::accumulate(widths.begin(), widths.end(), 0.0) +
+                      std::accumulate(gaps.begin(), gaps.end() - 1, 0.0);
+  gaps.back() = std::max(pulse.period - busy, 0.0);
+  return Record(Site::kPulseTrain,
+                model_->TransferPulseTrain(kTrainOn, pulse.modulation_source, widths, gaps,
+                                           pulse.modulation_inverse));
+}
+
+Status CK4NManager::SwitchPulseModulationOff() {
+  block_.Discard();
+  PulseSettings pulse = pulse_.Copy();
+  std::array widths = {0.0};
+  std::array gaps = {0.0};
+  const Status result =
+      Record(Site::kPulseOff, model_->TransferPulseTrain(kTrainOff, pulse.modulation_source, widths,
+                                                         gaps, pulse.modulation_inverse));
+  pulse_.Set(std::move(pulse));
+  return result;
+}

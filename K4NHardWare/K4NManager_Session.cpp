@@ -1,0 +1,148 @@
+// Opening and closing a session: what happens on the wire between the first byte and the last.
+#include <array>
+#include <chrono>
+
+#include "K4NHardWare/K4NManagerOperation.h"
+#include "platform/os/Sync.h"
+
+namespace {
+
+constexpr std::chrono::milliseconds kSettleTime{20};
+constexpr const char* kGeneratorOption = "GENERATOR";
+constexpr const char* kReferenceDate = "28.12.2005";
+
+/// The kinds in the order in which an instrument is asked whether it is one.
+constexpr std::array kKindCandidates = {InstrumentKind::kAnalyser, InstrumentKind::kScaledReadings,
+                                        InstrumentKind::kGenerator};
+
+bool IsNotSupported(Status result) {
+  return result == status::kInstrumentNotSupported || result == status::kInstrumentFormUnknown;
+}
+
+}  // namespace
+
+Status CK4NManager::Initialize(const std::string& resource_name, const std::string& option_string) {
+  os::Sleep(kSettleTime);
+  const Operation operation(*this);
+  EndSession(Output::kSwitchOff);
+  if (const Status opened = OpenSession(resource_name); opened != status::kOk) return opened;
+  const Status started = StartSession(option_string == kGeneratorOption);
+  if (started == status::kOk) {
+    connected_ = true;
+  } else {
+    // The output is the instrument's own affair still.
+    EndSession(Output::kLeave);
+  }
+  return started;
+}
+
+Status CK4NManager::Close() {
+  const Operation operation(*this);
+  return EndSession(Output::kSwitchOff);
+}
+
+Status CK4NManager::OpenSession(const std::string& resource_name) {
+  auto device = std::make_unique<uDevice::Interface>(resource_name);
+  if (const Status opened = device->last_status(); opened != status::kOk) {
+    if (!IsSuccess(opened)) trail_.Append(opened, Site::kOpenSession);
+    return opened;
+  }
+  auto exchanger = std::make_unique<CommandExchanger>(std::move(device));
+  auto model = std::make_unique<D3THardWare>(*exchanger);
+  model->SetManager(this);
+  exchanger->SetManager(model.get());
+
+  const std::lock_guard lock(session_mutex_);
+  exchanger_ = std::move(exchanger);
+  model_ = std::move(model);
+  return status::kOk;
+}
+
+Status CK4NManager::StartSession(bool generator_only) {
+  const Status initialized = Record(Site::kInitializeModel, model_->Initialize());
+  if (IsNotSupported(initialized)) return status::kUnknownResource;
+  instrument_kind_ = generator_only ? InstrumentKind::kGenerator : InstrumentKind::kAnalyser;
+  // Other failures than this one are left in the trail: the steps below decide.
+  if (IsNotSupported(ResetAndIdentify())) return status::kIdentificationFailed;
+
+  firmware_newer_ =
+      model_->identity().dsp_program.Ordinal() > ParseIdentityDate(kReferenceDate).Ordinal();
+  block_.Discard();
+  worker_.Start(*model_, exchanger_->device());
+
+  pulse_.With([](PulseSettings& pulse) { pulse.modulation_enabled = false; });
+  Status modulation_off = SwitchPulseModulationOff();
+  if (IsNotSupported(modulation_off)) {
+    pulse_.With([](PulseSettings& pulse) { pulse.modulation_available = false; });
+    modulation_off = status::kOk;
+  }
+  const std::lock_guard lock(session_mutex_);
+  return protocol_.Open().value_or(modulation_off);
+}
+
+Status CK4NManager::EndSession(Output output) {
+  block_.Discard();
+  if (model_ == nullptr) return status::kNoSession;
+  if (output == Output::kSwitchOff) SwitchOutputOff();
+  worker_.Stop();
+
+  const std::lock_guard lock(session_mutex_);
+  connected_ = false;
+  model_.reset();
+  exchanger_.reset();
+  protocol_.Close();
+  return status::kOk;
+}
+
+Status CK4NManager::ResetAndIdentify() {
+  LoadDefaults();
+  if (const Status identified = Identify(); !IsSuccess(identified)) return identified;
+
+  InstrumentSettings settings = settings_.Copy();
+  const Status read =
+      Record(Site::kOutputState, model_->ReadOutputState(settings.level, settings.cw_level));
+  if (!IsSuccess(read)) return read;
+  settings_.Set(settings);
+
+  if (instrument_kind_ != InstrumentKind::kGenerator) ProgramAveraging(settings.averaging);
+  return ProgramSweepMode(SweepMode::kContinuousWave);
+}
+
+void CK4NManager::LoadDefaults() {
+  block_.Discard();
+  settings_.Set({});
+  pulse_.Set({});
+  ClearFrequencyList();
+  ClearPowerList();
+  measurement_mode_ = SweepMode::kContinuousWave;
+  InstrumentState& state = worker_.state();
+  state.rf_button = false;
+  state.pll_locked = false;
+  state.level_settled = false;
+  state.erg_good = true;
+}
+
+/// Asks for one kind after the other, from the chosen one on, until the instrument confirms one.
+/// Without an answer the chosen one stands.
+Status CK4NManager::Identify() {
+  Status result = status::kOk;
+  const InstrumentKind chosen = instrument_kind_;
+  bool reached = false;
+  for (const InstrumentKind candidate : kKindCandidates) {
+    reached = reached || candidate == chosen;
+    if (!reached) continue;
+    auto kind = static_cast<std::uint32_t>(candidate);
+    result = model_->QueryInstrumentKind(kind);
+    if (result == status::kOk) {
+      if (kind != static_cast<std::uint32_t>(candidate)) {
+        trail_.Append(status::kWrongInstrumentKind, Site::kInstrumentKind);
+        return status::kWrongInstrumentKind;
+      }
+      instrument_kind_ = candidate;
+      return status::kOk;
+    }
+    if (result < 0) result = IsSuccess(model_->Recover()) ? 0 : 1;
+  }
+  if (!IsSuccess(result)) trail_.Append(result, Site::kKindProbe);
+  return result;
+}

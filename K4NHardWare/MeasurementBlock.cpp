@@ -1,0 +1,45 @@
+#include "K4NHardWare/MeasurementBlock.h"
+
+namespace {
+
+FrequencyPlan PlanOf(const InstrumentSettings& settings, const SweepList& list) {
+  FrequencyPlan plan;
+  plan.cw = settings.cw_frequency;
+  if (settings.sweep_mode == SweepMode::kFrequencyStep) {
+    plan.mode = FrequencyPlan::Mode::kStep;
+    plan.start = settings.frequency_step.start;
+    plan.step = settings.frequency_step.step;
+  } else if (settings.sweep_mode == SweepMode::kList && list != nullptr) {
+    plan.mode = FrequencyPlan::Mode::kList;
+    plan.list = *list;
+  }
+  return plan;
+}
+
+}  // namespace
+
+void MeasurementBlock::Store(std::span<const std::uint8_t> bytes, char format_mark,
+                             const Synchronized<InstrumentSettings>& settings) {
+  const std::span<const std::uint8_t> points = bytes.first(bytes.size() - 2);
+  const std::lock_guard lock(mutex_);
+  bytes_.assign(points.begin(), points.end());
+  format_mark_ = format_mark;
+  settings.With([this](const InstrumentSettings& live) { settings_ = live; });
+  ready_ = true;
+}
+
+void MeasurementBlock::Discard() {
+  const std::lock_guard lock(mutex_);
+  ready_ = false;
+}
+
+bool MeasurementBlock::Convert(InstrumentKind kind, const SweepList& list,
+                               const std::array<ChannelCalibration, kTraceChannels>& channels,
+                               TraceMatrix& trace) {
+  const std::lock_guard lock(mutex_);
+  if (!ready_) return false;
+  const RawBlock raw{bytes_, format_mark_, static_cast<std::uint32_t>(kind)};
+  ConvertBlock(raw, PlanOf(settings_, list), channels, trace);
+  ready_ = false;
+  return true;
+}

@@ -1,0 +1,50 @@
+// The newest measurement block, between the thread that reads it and the one that converts it.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <vector>
+
+#include "K4NHardWare/InstrumentSettings.h"
+#include "K4NHardWare/Synchronized.h"
+#include "measurement/TraceConversion.h"
+#include "measurement/TraceMatrix.h"
+
+/// The longest answer that a 16-bit length can announce, rounded up.
+inline constexpr std::size_t kLongestBlock = 65536;
+
+/// Whether a block of so many bytes is whole: its points, then a status word.
+constexpr bool IsWholeBlock(std::size_t length) {
+  return length >= 2 && (length - 2) % kBytesPerPoint == 0;
+}
+
+/// A list of frequencies or levels; null when there is none.
+using SweepList = std::shared_ptr<const std::vector<double>>;
+
+/// Holds at most one block and hands it out once. Its lock, the data lock, is never held while
+/// anybody waits for the instrument. Every operation may be called from any thread.
+class MeasurementBlock {
+ public:
+  MeasurementBlock() { bytes_.reserve(kLongestBlock); }
+
+  /// Replaces the block. `bytes` is a whole block with its status word; `settings` are those in
+  /// force now: the points' frequencies are computed from them.
+  void Store(std::span<const std::uint8_t> bytes, char format_mark,
+             const Synchronized<InstrumentSettings>& settings);
+  /// Forgets a block that nobody has fetched.
+  void Discard();
+  /// Converts the block into the trace and forgets it. `list` gives the frequencies of a list
+  /// sweep. False, leaving the trace alone, when there is no block.
+  bool Convert(InstrumentKind kind, const SweepList& list,
+               const std::array<ChannelCalibration, kTraceChannels>& channels, TraceMatrix& trace);
+
+ private:
+  std::mutex mutex_;
+  bool ready_ = false;
+  char format_mark_ = 'A';
+  std::vector<std::uint8_t> bytes_;  // without the status word
+  InstrumentSettings settings_;      // as they were when the block was stored
+};

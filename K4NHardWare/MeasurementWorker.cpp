@@ -1,0 +1,147 @@
+#include "K4NHardWare/MeasurementWorker.h"
+
+#include <array>
+#include <chrono>
+
+#include "K4NHardWare/D3THardWare.h"
+#include "K4NHardWare/DeviceInterface.h"
+
+namespace {
+
+constexpr std::chrono::milliseconds kIdleWait{1000};
+constexpr std::chrono::milliseconds kStopPoll{5};
+constexpr std::uint32_t kButtonPeriod = 900;  // ms
+constexpr char kRawReadings = 'A';
+
+}  // namespace
+
+MeasurementWorker::MeasurementWorker(ErrorTrail& trail,
+                                     const Synchronized<InstrumentSettings>& settings,
+                                     MeasurementBlock& block)
+    : trail_(trail), settings_(settings), block_(block), receive_buffer_(kLongestBlock) {}
+
+MeasurementWorker::~MeasurementWorker() { Stop(); }
+
+void MeasurementWorker::Start(D3THardWare& model, uDevice::Interface& device) {
+  model_ = &model;
+  device_ = &device;
+  quit_ = false;
+  measuring_ = false;
+  trigger_pending_ = false;
+  thread_ = std::thread([this] { Run(); });
+}
+
+void MeasurementWorker::Stop() {
+  if (!IsRunning()) return;
+  Pause();
+  quit_ = true;
+  run_.Release();  // wakes the idle thread, which then looks at the flag
+  thread_.join();
+  run_.TryAcquire();
+}
+
+void MeasurementWorker::Pause() {
+  if (!IsRunning()) return;
+  stop_request_.Release();
+  stopped_.Acquire();
+}
+
+void MeasurementWorker::Resume() {
+  if (!IsRunning()) return;
+  measuring_ = true;
+  run_.Release();
+}
+
+void MeasurementWorker::Run() {
+  const std::array<os::Semaphore*, 2> wait_set = {&run_, &stop_request_};
+  constexpr std::size_t kRunSignal = 0;
+  while (!quit_) {
+    const std::optional<std::size_t> signal = os::WaitAny(wait_set, kIdleWait);
+    if (!signal || quit_) continue;
+    const bool stop_requested = *signal != kRunSignal || Measure();
+    measuring_ = false;
+    if (stop_requested) stopped_.Release();
+  }
+}
+
+/// Reads block after block. True when a stop request ended it, false at the end of a
+/// software-triggered sweep.
+bool MeasurementWorker::Measure() {
+  button_polled_ = os::TickCount();
+  for (;;) {
+    if (stop_request_.AcquireFor(kStopPoll)) return true;
+    bool stop_requested = false;
+    if (ReadBlock(stop_requested) == status::kOk) {
+      KeepBlock();
+    } else {
+      device_->Clear();
+      model_->Recover();
+    }
+    // A caller who waits need not wait for this too.
+    if (!stop_requested) PollRfButton();
+    const bool triggered = trigger_pending_.exchange(false);
+    if (stop_requested || triggered) return stop_requested;
+  }
+}
+
+/// Waits for the block of a whole sweep, which may take many time-outs, unless a stop is requested.
+Status MeasurementWorker::ReadBlock(bool& stop_requested) {
+  Status status = Poll(Site::kWorkerRead);
+  while (status == status::kVisaTimeout) {
+    stop_requested = stop_request_.AcquireFor(kStopPoll);
+    if (stop_requested) break;
+    status = Poll(Site::kWorkerRepeatedRead);
+  }
+  return status;
+}
+
+Status MeasurementWorker::Poll(Site site) {
+  length_ = 0;
+  format_mark_ = kRawReadings;
+  const Status status = model_->PollDataBlock(receive_buffer_, length_, format_mark_);
+  NoteState(status);
+  if (status != status::kVisaTimeout && !IsSuccess(status)) trail_.Append(status, site);
+  return status;
+}
+
+/// Drops a block that is not whole.
+void MeasurementWorker::KeepBlock() {
+  const bool wanted =
+      settings_.With([](const InstrumentSettings& live) { return live.averaging_enabled; });
+  if (!wanted || !IsWholeBlock(length_) || length_ > receive_buffer_.size()) return;
+  const std::span<const std::uint8_t> bytes(receive_buffer_.data(), length_);
+  block_.Store(bytes, format_mark_, settings_);
+  const auto word = static_cast<std::uint16_t>(bytes[length_ - 2] | (bytes[length_ - 1] << 8));
+  const Status block_status = static_cast<std::int16_t>(word);
+  if (!IsSuccess(block_status)) trail_.Append(block_status, Site::kBlockStatus);
+  NoteState(block_status);
+}
+
+void MeasurementWorker::NoteState(Status status) {
+  switch (status) {
+    case status::kInstrumentLevelNotSettled:
+      state_.level_settled = false;
+      break;
+    case status::kInstrumentPllUnlocked:
+      state_.pll_locked = false;
+      break;
+    case status::kInstrumentErgFault:
+      state_.erg_good = false;
+      break;
+    default:
+      state_.level_settled = true;
+      state_.pll_locked = true;
+  }
+}
+
+void MeasurementWorker::PollRfButton() {
+  if (os::TickCount() - button_polled_ <= kButtonPeriod) return;
+  bool pressed = false;
+  const Status status = model_->ReadRfButton(pressed);
+  if (IsSuccess(status)) {
+    state_.rf_button = pressed;
+  } else {
+    trail_.Append(status, Site::kWorkerRfButton);
+  }
+  button_polled_ = os::TickCount();
+}

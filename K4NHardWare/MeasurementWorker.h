@@ -1,0 +1,100 @@
+// The background thread of a session: reads measurement blocks while the instrument sweeps.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <span>
+#include <thread>
+#include <vector>
+
+#include "K4NHardWare/ErrorTrail.h"
+#include "K4NHardWare/InstrumentSettings.h"
+#include "K4NHardWare/MeasurementBlock.h"
+#include "K4NHardWare/Synchronized.h"
+#include "measurement/Status.h"
+#include "platform/os/Sync.h"
+
+class D3THardWare;
+namespace uDevice {
+class Interface;
+}
+
+/// What the instrument last said of itself, kept current by the worker while it measures.
+struct InstrumentState {
+  std::atomic<bool> rf_button = false;
+  std::atomic<bool> pll_locked = false;
+  std::atomic<bool> level_settled = false;
+  std::atomic<bool> erg_good = true;  // cleared by a fault only
+};
+
+/// Start, Stop, Pause and Resume are called by one thread at a time (the manager's operation lock
+/// sees to it); the rest from any thread. A caller may use the instrument only between Pause and
+/// Resume.
+class MeasurementWorker {
+ public:
+  MeasurementWorker(ErrorTrail& trail, const Synchronized<InstrumentSettings>& settings,
+                    MeasurementBlock& block);
+  /// Ends the thread if it runs.
+  ~MeasurementWorker();
+  MeasurementWorker(const MeasurementWorker&) = delete;
+  MeasurementWorker& operator=(const MeasurementWorker&) = delete;
+
+  /// Starts the thread, paused. Both objects must live until Stop.
+  void Start(D3THardWare& model, uDevice::Interface& device);
+  /// Ends the thread and waits for it; nothing to do when it does not run.
+  void Stop();
+  [[nodiscard]] bool IsRunning() const { return thread_.joinable(); }
+
+  /// Waits until the worker leaves the instrument alone: one stop request, one acknowledgement,
+  /// also when it was paused already. A read that waits for the instrument ends first, at most one
+  /// VISA time-out later; the sweep that it belonged to is given up. Nothing to do when the thread
+  /// does not run.
+  void Pause();
+  /// Lets the paused worker read blocks until the next Pause or, with a software trigger pending,
+  /// until the sweep has ended.
+  void Resume();
+
+  /// From Resume until the worker is seen to have ended its reading.
+  [[nodiscard]] bool IsMeasuring() const { return measuring_; }
+
+  /// Makes the next run one sweep long.
+  void RequestSoftwareTrigger() { trigger_pending_ = true; }
+  [[nodiscard]] bool IsTriggerPending() const { return trigger_pending_; }
+
+  [[nodiscard]] InstrumentState& state() { return state_; }
+  /// Room for the longest block; the worker's own while it is not paused.
+  [[nodiscard]] std::span<std::uint8_t> receive_buffer() { return receive_buffer_; }
+
+ private:
+  void Run();
+  bool Measure();
+  Status ReadBlock(bool& stop_requested);
+  Status Poll(Site site);
+  void KeepBlock();
+  void NoteState(Status status);
+  void PollRfButton();
+
+  ErrorTrail& trail_;
+  const Synchronized<InstrumentSettings>& settings_;
+  MeasurementBlock& block_;
+  D3THardWare* model_ = nullptr;
+  uDevice::Interface* device_ = nullptr;
+
+  // One release of `stopped_` answers each release of `stop_request_`, nothing else does. The end
+  // of a software-triggered sweep shows in `measuring_` alone, so that no acknowledgement can be
+  // left over for a later pause.
+  os::Semaphore run_;
+  os::Semaphore stop_request_;
+  os::Semaphore stopped_;
+  std::atomic<bool> quit_ = false;
+  std::atomic<bool> measuring_ = false;
+  std::atomic<bool> trigger_pending_ = false;
+  InstrumentState state_;
+
+  std::vector<std::uint8_t> receive_buffer_;
+  std::uint32_t length_ = 0;  // of the block in the receive buffer, bytes
+  char format_mark_ = 'A';
+  std::uint32_t button_polled_ = 0;  // tick count
+
+  std::thread thread_;  // last: it uses everything above
+};

@@ -1,0 +1,63 @@
+#include "driver/CallFrame.h"
+
+#include "driver/ErrorMessage.h"
+#include "platform/com/Raii.h"
+#include "platform/os/Text.h"
+
+namespace {
+
+constexpr std::string_view kPutPrefix = "put_";
+constexpr std::string_view kGetPrefix = "get_";
+
+// An unregistered class has no ProgID; its errors then carry no source.
+void SetSource(ICreateErrorInfo& info, const CLSID& class_id) {
+  OLECHAR* prog_id = nullptr;
+  if (SUCCEEDED(ProgIDFromCLSID(class_id, &prog_id))) {
+    info.SetSource(prog_id);
+    CoTaskMemFree(prog_id);
+  }
+}
+
+}  // namespace
+
+HRESULT CallFrame::Error(std::string_view text, REFIID iid, HRESULT code) const {
+  os::WideString description = os::ToWide(text);
+  ComPtr<ICreateErrorInfo> info;
+  if (FAILED(CreateErrorInfo(info.Put()))) {
+    return code;
+  }
+  info->SetGUID(iid);
+  SetSource(*info, class_id_);
+  info->SetDescription(description.data());
+  info->SetHelpContext(0);
+  if (const auto finished = info.As<IErrorInfo>()) {
+    SetErrorInfo(0, finished.Get());
+  }
+  return code;
+}
+
+HRESULT CallFrame::BuiltError(REFIID iid, Status code, std::string_view insert_1,
+                              std::string_view insert_2, std::string_view insert_3) const {
+  return Error(PrefixedMessage(BuildErrorMessage(code, insert_1, insert_2, insert_3)), iid, code);
+}
+
+HRESULT CallFrame::NotSupported(std::string_view qualified_name, REFIID iid) const noexcept {
+  return Frame([&] {
+    const std::string_view member = qualified_name.substr(qualified_name.find("::") + 2);
+    if (member.starts_with(kPutPrefix) || member.starts_with(kGetPrefix)) {
+      return BuiltError(iid, status::kPropertyNotSupported, member.substr(kPutPrefix.size()));
+    }
+    return BuiltError(iid, status::kMethodNotSupported, member);
+  });
+}
+
+HRESULT CallFrame::GetInterface(IUnknown* target, REFIID wanted, REFIID declaring,
+                                std::string_view wanted_name, void** out) const noexcept {
+  return Frame(out, [&]() -> HRESULT {
+    *out = nullptr;
+    if (target != nullptr && target->QueryInterface(wanted, out) == S_OK) {
+      return S_OK;
+    }
+    return BuiltError(declaring, status::kPropertyNotSupported, wanted_name);
+  });
+}

@@ -1,0 +1,72 @@
+// What every member of every COM class goes through: the boundary that no exception passes, the
+// null test of out pointers, error information, and the members that only say that they are not
+// supported.
+#pragma once
+
+#include <new>
+#include <string_view>
+#include <utility>
+
+#include "measurement/Status.h"
+#include "platform/com/Com.h"
+
+/// Runs a member's body: a failed allocation is E_OUTOFMEMORY, any other exception E_FAIL. The body
+/// returns an HRESULT or a status of the manager, which reaches the client unchanged: instrument
+/// notices 1 to 6 and 10057 therefore arrive as success codes.
+template <typename Body>
+HRESULT Frame(Body&& body) noexcept {
+  try {
+    return static_cast<HRESULT>(std::forward<Body>(body)());
+  } catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+  } catch (...) {
+    return E_FAIL;
+  }
+}
+
+/// The same for a member with an out pointer: E_POINTER when it is null.
+template <typename Out, typename Body>
+HRESULT Frame(const Out* out, Body&& body) noexcept {
+  return out == nullptr ? E_POINTER : Frame(std::forward<Body>(body));
+}
+
+/// Base of every COM class of the driver: error reporting under the class's own identity. Its
+/// operations may be called from any thread; error information belongs to the calling thread.
+class CallFrame {
+ public:
+  CallFrame(const CallFrame&) = delete;
+  CallFrame& operator=(const CallFrame&) = delete;
+
+  /// Leaves error information with the thread (the interface, the class's ProgID when it is
+  /// registered, the text) and returns the code.
+  HRESULT Error(std::string_view text, REFIID iid, HRESULT code) const;
+
+  /// Error with the text of the code's template, the library's name in front.
+  HRESULT BuiltError(REFIID iid, Status code, std::string_view insert_1 = {},
+                     std::string_view insert_2 = {}, std::string_view insert_3 = {}) const;
+
+  /// The whole answer of a member that is not supported, given its qualified name
+  /// ("Class::get_Property" or "Class::Method"): 0x80047012 for a property, 0x80047011 for a
+  /// method.
+  HRESULT NotSupported(std::string_view qualified_name, REFIID iid) const noexcept;
+
+  /// The whole body of a property that hands out an interface of `target` (null when that object
+  /// could not be made). A failed query is reported as 0x80047012 with the wanted interface's name,
+  /// against the interface that declares the property.
+  template <typename Interface>
+  HRESULT Getter(IUnknown* target, REFIID declaring, std::string_view wanted_name,
+                 Interface** out) const noexcept {
+    return GetInterface(target, __uuidof(Interface), declaring, wanted_name,
+                        reinterpret_cast<void**>(out));
+  }
+
+ protected:
+  explicit CallFrame(const CLSID& class_id) : class_id_(class_id) {}
+  ~CallFrame() = default;
+
+ private:
+  HRESULT GetInterface(IUnknown* target, REFIID wanted, REFIID declaring,
+                       std::string_view wanted_name, void** out) const noexcept;
+
+  const CLSID class_id_;
+};

@@ -1,0 +1,107 @@
+#include "driver/ErrorMessage.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <span>
+
+namespace {
+
+struct MessageTemplate {
+  Status code;
+  std::string_view text;
+};
+
+// The dash of the first text is an en dash in Windows-1252, one byte.
+constexpr std::array kTemplates{
+    MessageTemplate{status::kCannotRecover, "Failure \x96 cannot recover."},
+    MessageTemplate{status::kCannotOpenFile, "Cannot open file %1."},
+    MessageTemplate{status::kCannotReadFile, "Error reading file %1."},
+    MessageTemplate{status::kInvalidValue, "Invalid value (%1) for method %2, parameter %3."},
+    MessageTemplate{status::kMethodNotSupported,
+                    "Does not support this class-compliant feature: method %1."},
+    MessageTemplate{status::kPropertyNotSupported,
+                    "Does not support this class-compliant feature: property %1."},
+    MessageTemplate{status::kNotConnected, kNotConnectedText},
+    MessageTemplate{status::kUnknownChannelName, "Unknown channel name."},
+    MessageTemplate{status::kOutOfMemory, "Could not allocate necessary memory."},
+    MessageTemplate{status::kOperationInProgress, "Operation in progress."},
+    MessageTemplate{status::kFileNotFound, "File not found %1"},
+    MessageTemplate{status::kUnknownResource, "Unknown resource %1."},
+};
+constexpr std::string_view kUnknownErrorTemplate = "Unknown error %1!X!.";
+constexpr std::string_view kHexadecimalMark = "!X!";
+
+std::string Hexadecimal(Status code) {
+  std::array<char, 8> digits{};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
+                                 static_cast<std::uint32_t>(code), 16)
+                       .ptr;
+  std::string text(digits.data(), end);
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
+  return text;
+}
+
+// FormatMessage's rules, as far as the templates use them: %n is the n-th insert, "%n!X!" the code
+// as a hexadecimal number; what was inserted is not looked at again.
+std::string Format(std::string_view text, Status code, std::span<const std::string_view> inserts) {
+  std::string result;
+  while (!text.empty()) {
+    const std::size_t mark = text.find('%');
+    result += text.substr(0, mark);
+    if (mark == std::string_view::npos || mark + 1 == text.size()) {
+      break;
+    }
+    const auto index = static_cast<std::size_t>(text[mark + 1] - '1');
+    text.remove_prefix(mark + 2);
+    if (text.starts_with(kHexadecimalMark)) {
+      result += Hexadecimal(code);
+      text.remove_prefix(kHexadecimalMark.size());
+    } else if (index < inserts.size()) {
+      result += inserts[index];
+    }
+  }
+  return result;
+}
+
+std::string UnsupportedValue(std::int32_t value, std::string_view kind) {
+  std::string text = "Does not support this class-compliant feature: (enumeration) value ";
+  text += std::to_string(value);
+  text += " passed as the value for ";
+  text += kind;
+  return text;
+}
+
+}  // namespace
+
+std::string BuildErrorMessage(Status code, std::string_view insert_1, std::string_view insert_2,
+                              std::string_view insert_3) {
+  const auto* const row = std::find_if(kTemplates.begin(), kTemplates.end(),
+                                       [code](const auto& entry) { return entry.code == code; });
+  const std::array inserts{insert_1, insert_2, insert_3};
+  return Format(row == kTemplates.end() ? kUnknownErrorTemplate : row->text, code, inserts);
+}
+
+std::string PrefixedMessage(std::string_view message) {
+  std::string text(kLibraryName);
+  text += ": ";
+  text += message;
+  return text;
+}
+
+std::string UnsupportedPropertyValue(std::int32_t value, std::string_view property, FullStop stop) {
+  std::string text = UnsupportedValue(value, "property ");
+  text += property;
+  return stop == FullStop::kYes ? text + "." : text;
+}
+
+std::string UnsupportedParameterValue(std::int32_t value, std::string_view parameter,
+                                      std::string_view method) {
+  std::string text = UnsupportedValue(value, "parameter ");
+  text += parameter;
+  text += " in method ";
+  text += method;
+  return text + ".";
+}

@@ -1,0 +1,11 @@
+// What keeps the module in its process: living objects and locked class factories.
+#pragma once
+
+namespace module_lock {
+
+void Add();
+void Remove();
+/// True while the module must not be unloaded.
+bool IsHeld();
+
+}  // namespace module_lock

@@ -1,0 +1,114 @@
+#include "driver/PulseGenerator.h"
+
+#include "driver/Units.h"
+
+void CZentrelK4NPulseGenerator::FinalConstruct() {
+  double_ = ComPtr<ComObject<CZentrelK4NPulseGeneratorDouble>>::Adopt(
+      ComObject<CZentrelK4NPulseGeneratorDouble>::Create());
+  output_ = ComPtr<ComObject<CZentrelK4NPulseGeneratorOutput>>::Adopt(
+      ComObject<CZentrelK4NPulseGeneratorOutput>::Create());
+  packet_ = ComPtr<ComObject<CZentrelK4NPulsePacketGenerator>>::Adopt(
+      ComObject<CZentrelK4NPulsePacketGenerator>::Create());
+}
+
+void CZentrelK4NPulseGenerator::FinalRelease() {
+  double_.Reset();
+  output_.Reset();
+  packet_.Reset();
+}
+
+void CZentrelK4NPulseGenerator::SetOwner(const std::shared_ptr<OwnerLink>& owner) {
+  Child::SetOwner(owner);
+  double_->SetOwner(owner);
+  output_->SetOwner(owner);
+  packet_->SetOwner(owner);
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::get_Double(IZentrelK4NPulseGeneratorDouble** value) {
+  return Getter(&double_->Unknown(), kInterface, "IZentrelK4NPulseGeneratorDouble", value);
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::get_Output(IZentrelK4NPulseGeneratorOutput** value) {
+  return Getter(&output_->Unknown(), kInterface, "IZentrelK4NPulseGeneratorOutput", value);
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::get_Packet(IZentrelK4NPulsePacketGenerator** value) {
+  return Getter(&packet_->Unknown(), kInterface, "IZentrelK4NPulsePacketGenerator", value);
+}
+
+// Kept: trigger source and gating are taken and ignored.
+STDMETHODIMP CZentrelK4NPulseGenerator::Configure(ZentrelK4NPulseTriggerSourceEnum /*source*/,
+                                                  double pulse_width,
+                                                  VARIANT_BOOL /*gating_enabled*/) {
+  return put_Width(pulse_width);
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::ConfigureExternalTrigger(
+    ZentrelK4NPulseExternalTriggerSlopeEnum /*slope*/, double /*delay*/) {
+  return NotSupported("CZentrelK4NPulseGenerator::ConfigureExternalTrigger", kInterface);
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::put_InternalTriggerPeriod(double period) {
+  return ManagerFrame(
+      [&](CK4NManager& manager) { return manager.SetPulsePeriod(period * kNanosecondsPerSecond); });
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::get_InternalTriggerPeriod(double* value) {
+  return ManagerFrame(value, [&](const CK4NManager& manager) {
+    *value = manager.GetPulseSettings().period / kNanosecondsPerSecond;
+    return S_OK;
+  });
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::put_Width(double width) {
+  return ManagerFrame(
+      [&](CK4NManager& manager) { return manager.SetPulseWidth(width * kNanosecondsPerSecond); });
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::get_Width(double* value) {
+  return ManagerFrame(value, [&](const CK4NManager& manager) {
+    *value = manager.GetPulseSettings().width / kNanosecondsPerSecond;
+    return S_OK;
+  });
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::put_GatingEnabled(VARIANT_BOOL /*enabled*/) {
+  return NotSupported("CZentrelK4NPulseGenerator::put_GatingEnabled", kInterface);
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::get_GatingEnabled(VARIANT_BOOL* /*value*/) {
+  return NotSupported("CZentrelK4NPulseGenerator::get_GatingEnabled", kInterface);
+}
+
+// Kept: the root answers for the trigger source, under a name of its own for the property.
+STDMETHODIMP CZentrelK4NPulseGenerator::put_TriggerSource(
+    ZentrelK4NPulseTriggerSourceEnum /*source*/) {
+  return RootFrame([&](const CZentrelK4N& root) {
+    return root.NotSupported("CZentrelK4N::put_TriggerSource_PGenerator", kInterface);
+  });
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::get_TriggerSource(
+    ZentrelK4NPulseTriggerSourceEnum* /*value*/) {
+  return RootFrame([&](const CZentrelK4N& root) {
+    return root.NotSupported("CZentrelK4N::get_TriggerSource_PGenerator", kInterface);
+  });
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::put_ExternalTriggerSlope(
+    ZentrelK4NPulseExternalTriggerSlopeEnum /*slope*/) {
+  return NotSupported("CZentrelK4NPulseGenerator::put_ExternalTriggerSlope", kInterface);
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::get_ExternalTriggerSlope(
+    ZentrelK4NPulseExternalTriggerSlopeEnum* /*value*/) {
+  return NotSupported("CZentrelK4NPulseGenerator::get_ExternalTriggerSlope", kInterface);
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::put_ExternalTriggerDelay(double /*delay*/) {
+  return NotSupported("CZentrelK4NPulseGenerator::put_ExternalTriggerDelay", kInterface);
+}
+
+STDMETHODIMP CZentrelK4NPulseGenerator::get_ExternalTriggerDelay(double* /*value*/) {
+  return NotSupported("CZentrelK4NPulseGenerator::get_ExternalTriggerDelay", kInterface);
+}

@@ -1,0 +1,49 @@
+// The pulse generator behind the pulse modulator.
+#pragma once
+
+#include <memory>
+
+#include "driver/Child.h"
+#include "driver/PulseGeneratorDouble.h"
+#include "driver/PulseGeneratorOutput.h"
+#include "driver/PulsePacketGenerator.h"
+
+/// Times in seconds. The settings are kept without a session, too; they are sent while the
+/// modulator is on. Owns the objects of the double pulse, the output and the packet.
+class CZentrelK4NPulseGenerator : public Child<IZentrelK4NPulseGenerator> {
+ public:
+  CZentrelK4NPulseGenerator() : Child(__uuidof(ZentrelK4NPulseGenerator)) {}
+  /// Makes the three objects.
+  void FinalConstruct();
+  void FinalRelease();
+  /// Also ties the three objects to the root.
+  void SetOwner(const std::shared_ptr<OwnerLink>& owner);
+
+  STDMETHODIMP get_Double(IZentrelK4NPulseGeneratorDouble** value) override;
+  STDMETHODIMP get_Output(IZentrelK4NPulseGeneratorOutput** value) override;
+  STDMETHODIMP get_Packet(IZentrelK4NPulsePacketGenerator** value) override;
+  STDMETHODIMP Configure(ZentrelK4NPulseTriggerSourceEnum pulse_trigger_source, double pulse_width,
+                         VARIANT_BOOL gating_enabled) override;
+  STDMETHODIMP ConfigureExternalTrigger(ZentrelK4NPulseExternalTriggerSlopeEnum slope,
+                                        double delay) override;
+  STDMETHODIMP put_InternalTriggerPeriod(double period) override;
+  STDMETHODIMP get_InternalTriggerPeriod(double* value) override;
+  STDMETHODIMP put_Width(double width) override;
+  STDMETHODIMP get_Width(double* value) override;
+  STDMETHODIMP put_GatingEnabled(VARIANT_BOOL enabled) override;
+  STDMETHODIMP get_GatingEnabled(VARIANT_BOOL* value) override;
+  STDMETHODIMP put_TriggerSource(ZentrelK4NPulseTriggerSourceEnum source) override;
+  STDMETHODIMP get_TriggerSource(ZentrelK4NPulseTriggerSourceEnum* value) override;
+  STDMETHODIMP put_ExternalTriggerSlope(ZentrelK4NPulseExternalTriggerSlopeEnum slope) override;
+  STDMETHODIMP get_ExternalTriggerSlope(ZentrelK4NPulseExternalTriggerSlopeEnum* value) override;
+  STDMETHODIMP put_ExternalTriggerDelay(double delay) override;
+  STDMETHODIMP get_ExternalTriggerDelay(double* value) override;
+
+ protected:
+  ~CZentrelK4NPulseGenerator() = default;
+
+ private:
+  ComPtr<ComObject<CZentrelK4NPulseGeneratorDouble>> double_;
+  ComPtr<ComObject<CZentrelK4NPulseGeneratorOutput>> output_;
+  ComPtr<ComObject<CZentrelK4NPulsePacketGenerator>> packet_;
+};

@@ -1,0 +1,39 @@
+#include "driver/PulseGeneratorDouble.h"
+
+#include "driver/Units.h"
+
+// Kept: a refused delay does not stop the switch, whose result is the member's.
+STDMETHODIMP CZentrelK4NPulseGeneratorDouble::Configure(VARIANT_BOOL enabled, double delay) {
+  return ManagerFrame([&](CK4NManager& manager) {
+    manager.SetDoublePulseDelay(delay * kNanosecondsPerSecond);
+    return manager.SetDoublePulseEnabled(enabled != VARIANT_FALSE);
+  });
+}
+
+STDMETHODIMP CZentrelK4NPulseGeneratorDouble::put_Enabled(VARIANT_BOOL enabled) {
+  return ManagerFrame([&](CK4NManager& manager) {
+    return manager.SetDoublePulseEnabled(enabled != VARIANT_FALSE);
+  });
+}
+
+STDMETHODIMP CZentrelK4NPulseGeneratorDouble::get_Enabled(VARIANT_BOOL* value) {
+  return ManagerFrame(value, [&](const CK4NManager& manager) {
+    *value = manager.GetPulseSettings().double_enabled ? VARIANT_TRUE : VARIANT_FALSE;
+    return S_OK;
+  });
+}
+
+// Setting the switch as it stands is what sends the new delay.
+STDMETHODIMP CZentrelK4NPulseGeneratorDouble::put_Delay(double delay) {
+  return ManagerFrame([&](CK4NManager& manager) {
+    manager.SetDoublePulseDelay(delay * kNanosecondsPerSecond);
+    return manager.SetDoublePulseEnabled(manager.GetPulseSettings().double_enabled);
+  });
+}
+
+STDMETHODIMP CZentrelK4NPulseGeneratorDouble::get_Delay(double* value) {
+  return ManagerFrame(value, [&](const CK4NManager& manager) {
+    *value = manager.GetPulseSettings().double_delay / kNanosecondsPerSecond;
+    return S_OK;
+  });
+}

@@ -1,0 +1,29 @@
+#include "driver/PulseGeneratorOutput.h"
+
+STDMETHODIMP CZentrelK4NPulseGeneratorOutput::Configure(
+    ZentrelK4NPulseOutputPolarityEnum /*polarity*/, VARIANT_BOOL /*enabled*/) {
+  return RootNotSupported("CZentrelK4N::Configure_PGeneratorOutput");
+}
+
+STDMETHODIMP CZentrelK4NPulseGeneratorOutput::put_Polarity(
+    ZentrelK4NPulseOutputPolarityEnum /*polarity*/) {
+  return RootNotSupported("CZentrelK4N::put_Polarity_PGeneratorOutput");
+}
+
+STDMETHODIMP CZentrelK4NPulseGeneratorOutput::get_Polarity(
+    ZentrelK4NPulseOutputPolarityEnum* /*value*/) {
+  return RootNotSupported("CZentrelK4N::get_Polarity_PGeneratorOutput");
+}
+
+STDMETHODIMP CZentrelK4NPulseGeneratorOutput::put_Enabled(VARIANT_BOOL /*enabled*/) {
+  return RootNotSupported("CZentrelK4N::put_Enabled_PGeneratorOutput");
+}
+
+STDMETHODIMP CZentrelK4NPulseGeneratorOutput::get_Enabled(VARIANT_BOOL* /*value*/) {
+  return RootNotSupported("CZentrelK4N::get_Enabled_PGeneratorOutput");
+}
+
+HRESULT CZentrelK4NPulseGeneratorOutput::RootNotSupported(std::string_view qualified_name) {
+  return RootFrame(
+      [&](const CZentrelK4N& root) { return root.NotSupported(qualified_name, kInterface); });
+}

@@ -1,0 +1,65 @@
+#include "driver/PulseModulation.h"
+
+#include "driver/EnumMap.h"
+
+namespace {
+
+constexpr EnumMap<ZentrelK4NPulseModulationSourceEnum, std::uint32_t, 2> kSources{{
+    {ZentrelK4NPulseModulationSourceInternal, 0},
+    {ZentrelK4NPulseModulationSourceExternal, 1},
+}};
+constexpr std::uint32_t kInternalSource = 0;
+
+}  // namespace
+
+STDMETHODIMP CZentrelK4NPulseModulation::put_Enabled(VARIANT_BOOL enabled) {
+  return ManagerFrame(
+      [&](CK4NManager& manager) { return manager.SetPulseModEnabled(enabled != VARIANT_FALSE); });
+}
+
+STDMETHODIMP CZentrelK4NPulseModulation::get_Enabled(VARIANT_BOOL* value) {
+  return ManagerFrame(value, [&](const CK4NManager& manager) {
+    const PulseSettings pulse = manager.GetPulseSettings();
+    if (!pulse.modulation_available) {
+      return status::kPropertyNotSupported;
+    }
+    *value = pulse.modulation_enabled ? VARIANT_TRUE : VARIANT_FALSE;
+    return status::kOk;
+  });
+}
+
+// Kept: every value but External means Internal.
+STDMETHODIMP CZentrelK4NPulseModulation::put_Source(ZentrelK4NPulseModulationSourceEnum source) {
+  return ManagerFrame([&](CK4NManager& manager) {
+    return manager.SetPulseModSource(CodeOf(kSources, source).value_or(kInternalSource));
+  });
+}
+
+STDMETHODIMP CZentrelK4NPulseModulation::get_Source(ZentrelK4NPulseModulationSourceEnum* value) {
+  return ManagerFrame(value, [&](const CK4NManager& manager) {
+    *value = ValueOf(kSources, manager.GetPulseSettings().modulation_source).value_or(*value);
+    return S_OK;
+  });
+}
+
+// Kept: every value but Inverse means Normal.
+STDMETHODIMP CZentrelK4NPulseModulation::put_ExternalPolarity(
+    ZentrelK4NPulseModulationExternalPolarityEnum polarity) {
+  return ManagerFrame([&](CK4NManager& manager) {
+    return manager.SetPulseModPolarity(polarity ==
+                                       ZentrelK4NPulseModulationExternalPolarityInverse);
+  });
+}
+
+STDMETHODIMP CZentrelK4NPulseModulation::get_ExternalPolarity(
+    ZentrelK4NPulseModulationExternalPolarityEnum* value) {
+  return ManagerFrame(value, [&](const CK4NManager& manager) {
+    const PulseSettings pulse = manager.GetPulseSettings();
+    if (!pulse.modulation_available) {
+      return status::kPropertyNotSupported;
+    }
+    *value = pulse.modulation_inverse ? ZentrelK4NPulseModulationExternalPolarityInverse
+                                      : ZentrelK4NPulseModulationExternalPolarityNormal;
+    return status::kOk;
+  });
+}

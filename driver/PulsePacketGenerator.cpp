@@ -1,0 +1,22 @@
+#include "driver/PulsePacketGenerator.h"
+
+#include "driver/ArrayArgument.h"
+
+STDMETHODIMP CZentrelK4NPulsePacketGenerator::put_Enabled(VARIANT_BOOL enabled) {
+  return ManagerFrame(
+      [&](CK4NManager& manager) { return manager.SetPacketEnabled(enabled != VARIANT_FALSE); });
+}
+
+STDMETHODIMP CZentrelK4NPulsePacketGenerator::get_Enabled(VARIANT_BOOL* value) {
+  return ManagerFrame(value, [&](const CK4NManager& manager) {
+    *value = manager.GetPulseSettings().packet_enabled ? VARIANT_TRUE : VARIANT_FALSE;
+    return S_OK;
+  });
+}
+
+STDMETHODIMP CZentrelK4NPulsePacketGenerator::Configure(VARIANT_BOOL enabled, SAFEARRAY** width,
+                                                        SAFEARRAY** delay) {
+  return ManagerFrame([&](CK4NManager& manager) {
+    return manager.ConfigurePacket(enabled != VARIANT_FALSE, ArrayAt(width), ArrayAt(delay));
+  });
+}

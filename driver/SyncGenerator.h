@@ -1,0 +1,25 @@
+// The synchronisation pulse generator.
+#pragma once
+
+#include "driver/Child.h"
+
+/// Width, period and delay in seconds. Without a session setting one gives 10057, which clients see
+/// as success.
+class CZentrelK4NSyncGenerator : public Child<IZentrelK4NSyncGenerator> {
+ public:
+  CZentrelK4NSyncGenerator() : Child(__uuidof(ZentrelK4NSyncGenerator)) {}
+
+  STDMETHODIMP put_Width(double width) override;
+  STDMETHODIMP get_Width(double* value) override;
+  STDMETHODIMP put_Period(double period) override;
+  STDMETHODIMP get_Period(double* value) override;
+  STDMETHODIMP put_Delay(double delay) override;
+  STDMETHODIMP get_Delay(double* value) override;
+
+ protected:
+  ~CZentrelK4NSyncGenerator() = default;
+
+ private:
+  HRESULT Replace(double SyncGeneratorSettings::*element, double seconds);
+  HRESULT Read(double SyncGeneratorSettings::*element, double* seconds);
+};

@@ -1,0 +1,48 @@
+// Class factories: how COM makes the module's objects.
+#pragma once
+
+#include "driver/CallFrame.h"
+#include "driver/ComObject.h"
+#include "driver/ModuleLock.h"
+#include "platform/com/Com.h"
+
+/// The factory of one class. There is one in the module, for as long as the module is loaded:
+/// references are not counted, only LockServer and the objects made hold the module.
+template <typename Class>
+class ClassFactory final : public IClassFactory {
+ public:
+  STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
+    if (out == nullptr) {
+      return E_POINTER;
+    }
+    const bool answered =
+        IsEqualGUID(iid, __uuidof(IUnknown)) || IsEqualGUID(iid, __uuidof(IClassFactory));
+    *out = answered ? static_cast<IClassFactory*>(this) : nullptr;
+    return answered ? S_OK : E_NOINTERFACE;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return kForever; }
+  STDMETHODIMP_(ULONG) Release() override { return kForever; }
+
+  /// An object inside `outer` must first be asked for its own IUnknown: CLASS_E_NOAGGREGATION for
+  /// any other interface.
+  STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
+    return Frame(out, [&]() -> HRESULT {
+      *out = nullptr;
+      if (outer != nullptr && !IsEqualGUID(iid, __uuidof(IUnknown))) {
+        return CLASS_E_NOAGGREGATION;
+      }
+      IUnknown& object = ComObject<Class>::Create(outer)->Unknown();
+      const HRESULT result = object.QueryInterface(iid, out);
+      object.Release();
+      return result;
+    });
+  }
+
+  STDMETHODIMP LockServer(BOOL lock) override {
+    lock != FALSE ? module_lock::Add() : module_lock::Remove();
+    return S_OK;
+  }
+
+ private:
+  static constexpr ULONG kForever = 1;
+};
