@@ -19,6 +19,7 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::size_t kHeaderSize = 16;
+constexpr std::size_t kComputedCapacity = 7000;
 constexpr std::uint16_t kDataCommand = 6;
 constexpr ViSession kManagerSession = 1;
 
@@ -40,7 +41,23 @@ struct Answer {
   std::optional<char> format;
   Bytes bytes;
   std::vector<Bytes> later_parts;
+  Control::Compute compute = nullptr;
+  void* context = nullptr;
 };
+
+Answer PlainAnswer(std::int16_t status, Bytes body) {
+  Answer answer;
+  answer.status = status;
+  answer.bytes = std::move(body);
+  return answer;
+}
+
+Answer RawAnswer(Bytes bytes) {
+  Answer answer;
+  answer.raw = true;
+  answer.bytes = std::move(bytes);
+  return answer;
+}
 
 struct Rule {
   std::uint16_t command;
@@ -62,6 +79,7 @@ class Script final : public Control {
   void Reset() override;
   void SetResult(Function function, std::int32_t result, std::int32_t times) override;
   void QueueAnswer(std::int16_t status, const std::uint8_t* body, std::size_t size) override;
+  void QueueComputed(Compute compute, void* context) override;
   void QueueRaw(const std::uint8_t* bytes, std::size_t size) override;
   void QueueRawPart(const std::uint8_t* bytes, std::size_t size) override;
   void SetRule(std::uint16_t command, std::uint8_t identifier, std::uint8_t type,
@@ -134,12 +152,20 @@ void Script::SetResult(Function function, std::int32_t result, std::int32_t time
 
 void Script::QueueAnswer(std::int16_t status, const std::uint8_t* body, std::size_t size) {
   const std::lock_guard lock(mutex_);
-  answers_.push_back({false, status, std::nullopt, ToBytes(body, size), {}});
+  answers_.push_back(PlainAnswer(status, ToBytes(body, size)));
+}
+
+void Script::QueueComputed(Compute compute, void* context) {
+  const std::lock_guard lock(mutex_);
+  Answer answer;
+  answer.compute = compute;
+  answer.context = context;
+  answers_.push_back(std::move(answer));
 }
 
 void Script::QueueRaw(const std::uint8_t* bytes, std::size_t size) {
   const std::lock_guard lock(mutex_);
-  answers_.push_back({true, 0, std::nullopt, ToBytes(bytes, size), {}});
+  answers_.push_back(RawAnswer(ToBytes(bytes, size)));
 }
 
 void Script::QueueRawPart(const std::uint8_t* bytes, std::size_t size) {
@@ -152,18 +178,15 @@ void Script::SetRule(std::uint16_t command, std::uint8_t identifier, std::uint8_
                      std::int32_t times) {
   const std::lock_guard lock(mutex_);
   // The newest rule counts.
-  rules_.insert(rules_.begin(), {command,
-                                 identifier,
-                                 type,
-                                 times,
-                                 echo,
-                                 {false, status, std::nullopt, ToBytes(body, size), {}}});
+  rules_.insert(rules_.begin(),
+                {command, identifier, type, times, echo, PlainAnswer(status, ToBytes(body, size))});
 }
 
 void Script::CompleteData(std::int16_t status, char format, const std::uint8_t* body,
                           std::size_t size) {
   const std::lock_guard lock(mutex_);
-  Answer block{false, status, format, ToBytes(body, size), {}};
+  Answer block = PlainAnswer(status, ToBytes(body, size));
+  block.format = format;
   if (data_request_) {
     Send(*data_request_, block);
     data_request_.reset();
@@ -331,8 +354,13 @@ void Script::TakeRequests() {
 void Script::HandleRequest(const Bytes& request) {
   const bool is_data = request[2] == kDataCommand;
   if (!answers_.empty()) {
-    const Answer answer = std::move(answers_.front());
+    Answer answer = std::move(answers_.front());
     answers_.pop_front();
+    if (answer.compute != nullptr) {
+      answer.bytes.resize(kComputedCapacity);
+      answer.bytes.resize(answer.compute(answer.context, request.data(), request.size(),
+                                         answer.bytes.data(), answer.bytes.size()));
+    }
     Send(request, answer);
     return;
   }

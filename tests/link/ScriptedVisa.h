@@ -59,7 +59,12 @@ class Control {
   /// Answers the next request that has no answer yet: status and body in a correct frame that
   /// repeats the request's command, count, type and number.
   virtual void QueueAnswer(std::int16_t status, const std::uint8_t* body, std::size_t size) = 0;
-  /// As above with exactly these bytes on the wire, also none.
+  /// As above with status 0 and a body that is computed from the request, header included:
+  /// `compute` fills `body` and returns its size.
+  using Compute = std::size_t (*)(void* context, const std::uint8_t* request, std::size_t size,
+                                  std::uint8_t* body, std::size_t capacity);
+  virtual void QueueComputed(Compute compute, void* context) = 0;
+  /// As QueueAnswer with exactly these bytes on the wire, also none.
   virtual void QueueRaw(const std::uint8_t* bytes, std::size_t size) = 0;
   /// More bytes of the last raw answer, which a read gets only after one time-out.
   virtual void QueueRawPart(const std::uint8_t* bytes, std::size_t size) = 0;
@@ -195,17 +200,18 @@ class Visa {
     }
     return requests;
   }
-  /// As Requests, shortened to what matters for an order: command, then identifier and type code of
-  /// the parameter, for example "3:12/42"; the command alone without a body.
+  /// As Requests, shortened to what matters for an order: command, then identifier, type code and
+  /// count of the parameter, for example "3:12/42x4"; the command alone without a body.
   [[nodiscard]] std::vector<std::string> RequestOrder() const {
     std::vector<std::string> order;
     const auto writes = Calls(Function::kWrite);
     for (std::size_t i = 0; i + 1 < writes.size(); i += 2) {
       if (writes[i].size < 16) continue;
-      std::string text = std::to_string(writes[i].bytes[2]);
+      const std::uint8_t* const header = writes[i].bytes;
+      std::string text = std::to_string(header[2]);
       if (writes[i + 1].size != 0) {
-        text +=
-            ':' + std::to_string(writes[i + 1].bytes[0]) + '/' + ToHex({writes[i].bytes + 9, 1});
+        text += ':' + std::to_string(writes[i + 1].bytes[0]) + '/' + ToHex({header + 9, 1}) + 'x' +
+                std::to_string(header[8]);
       }
       order.push_back(text);
     }

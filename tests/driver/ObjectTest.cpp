@@ -1,0 +1,235 @@
+// Identity, aggregation, life times and error support of the objects.
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "tests/driver/DriverModule.h"
+
+namespace driver_test {
+namespace {
+
+struct ClassRow {
+  const char* name;
+  CLSID class_id;
+  std::vector<IID> interfaces;  ///< the first supports error information
+};
+
+const ClassRow kClasses[] = {
+    {"ZentrelK4N",
+     __uuidof(ZentrelK4N),
+     {__uuidof(IZentrelK4N), __uuidof(IProvideClassInfo), __uuidof(IProvideClassInfo2),
+      __uuidof(ISupportErrorInfo), __uuidof(IIviDriverIdentity), __uuidof(IIviDriverOperation),
+      __uuidof(IIviDriverUtility), __uuidof(IIviComponentIdentity), __uuidof(IZentrelK4NRF),
+      __uuidof(IZentrelK4NSweep), __uuidof(IZentrelK4NFrequencyStep), __uuidof(IZentrelK4NChannels),
+      __uuidof(IZentrelK4NList), __uuidof(IZentrelK4NAcquisition), __uuidof(IZentrelK4NSystem)}},
+    {"Channel", __uuidof(ZentrelK4NChannel), {__uuidof(IZentrelK4NChannel)}},
+    {"PowerStep", __uuidof(ZentrelK4NPowerStep), {__uuidof(IZentrelK4NPowerStep)}},
+    {"PulseGenerator", __uuidof(ZentrelK4NPulseGenerator), {__uuidof(IZentrelK4NPulseGenerator)}},
+    {"PulseGeneratorOutput",
+     __uuidof(ZentrelK4NPulseGeneratorOutput),
+     {__uuidof(IZentrelK4NPulseGeneratorOutput)}},
+    {"PulseGeneratorDouble",
+     __uuidof(ZentrelK4NPulseGeneratorDouble),
+     {__uuidof(IZentrelK4NPulseGeneratorDouble)}},
+    {"PulsePacketGenerator",
+     __uuidof(ZentrelK4NPulsePacketGenerator),
+     {__uuidof(IZentrelK4NPulsePacketGenerator)}},
+    {"PulseModulation",
+     __uuidof(ZentrelK4NPulseModulation),
+     {__uuidof(IZentrelK4NPulseModulation)}},
+    {"TriggerOutput", __uuidof(ZentrelK4NTriggerOutput), {__uuidof(IZentrelK4NTriggerOutput)}},
+    {"SyncGenerator", __uuidof(ZentrelK4NSyncGenerator), {__uuidof(IZentrelK4NSyncGenerator)}},
+};
+
+ComPtr<IUnknown> Query(IUnknown& object, const IID& iid) {
+  ComPtr<IUnknown> found;
+  EXPECT_EQ(object.QueryInterface(iid, found.PutVoid()), S_OK);
+  return found;
+}
+
+TEST(Objects, EveryInterfaceLeadsToEveryOtherAndToOneIdentity) {
+  for (const auto& row : kClasses) {
+    SCOPED_TRACE(row.name);
+    const auto object = SharedModule().Create(row.class_id);
+    for (const auto& from : row.interfaces) {
+      const auto start = Query(*object.Get(), from);
+      for (const auto& to : row.interfaces) {
+        EXPECT_TRUE(Query(*start.Get(), to));
+      }
+      EXPECT_EQ(start.As<IUnknown>().Get(), object.Get());
+    }
+    EXPECT_EQ(Query(*object.Get(), row.interfaces.front()).Get(), object.Get())
+        << "the first interface is the identity";
+  }
+}
+
+TEST(Objects, OneImplementationServesBothIdentityInterfaces) {
+  const auto root = SharedModule().Create(__uuidof(ZentrelK4N));
+  EXPECT_EQ(Query(*root.Get(), __uuidof(IIviComponentIdentity)).Get(),
+            Query(*root.Get(), __uuidof(IIviDriverIdentity)).Get());
+}
+
+TEST(Objects, UnknownInterfacesAreRefusedAndThePointerCleared) {
+  for (const auto& row : kClasses) {
+    const auto object = SharedModule().Create(row.class_id);
+    void* out = &out;
+    EXPECT_EQ(object->QueryInterface(__uuidof(IIviDriver), &out), E_NOINTERFACE) << row.name;
+    EXPECT_EQ(out, nullptr) << row.name;
+    EXPECT_EQ(object->QueryInterface(__uuidof(IUnknown), nullptr), E_POINTER) << row.name;
+  }
+}
+
+TEST(Objects, OneInterfaceOfEachClassSupportsErrorInformation) {
+  for (const auto& row : kClasses) {
+    const auto support = SharedModule().Create(row.class_id).As<ISupportErrorInfo>();
+    ASSERT_TRUE(support) << row.name;
+    EXPECT_EQ(support->InterfaceSupportsErrorInfo(row.interfaces.front()), S_OK) << row.name;
+    for (std::size_t index = 1; index < row.interfaces.size(); ++index) {
+      EXPECT_EQ(support->InterfaceSupportsErrorInfo(row.interfaces[index]), S_FALSE)
+          << row.name << " " << index;
+    }
+    EXPECT_EQ(support->InterfaceSupportsErrorInfo(__uuidof(IUnknown)), S_FALSE) << row.name;
+  }
+}
+
+// An outer object that hands every interface but its own identity on to the inner one.
+class Outer final : public IUnknown {
+ public:
+  STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
+    if (IsEqualGUID(iid, __uuidof(IUnknown))) {
+      *out = static_cast<IUnknown*>(this);
+      AddRef();
+      return S_OK;
+    }
+    return inner->QueryInterface(iid, out);
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
+  STDMETHODIMP_(ULONG) Release() override { return --references; }
+
+  IUnknown* inner = nullptr;
+  ULONG references = 1;
+};
+
+TEST(Objects, AnAggregatedObjectTakesTheOuterIdentity) {
+  for (const auto& row : kClasses) {
+    SCOPED_TRACE(row.name);
+    Outer outer;
+    auto inner = SharedModule().Create(row.class_id, &outer);
+    outer.inner = inner.Get();
+    {
+      auto first = Query(*inner.Get(), row.interfaces.front());
+      EXPECT_EQ(outer.references, 2u) << "references belong to the outer object";
+      EXPECT_EQ(first.As<IUnknown>().Get(), &outer);
+      EXPECT_NE(first.Get(), inner.Get());
+      EXPECT_EQ(inner.As<IUnknown>().Get(), inner.Get()) << "the inner identity is its own";
+    }
+    EXPECT_EQ(outer.references, 1u);
+    inner.Reset();
+  }
+}
+
+TEST(Objects, AggregationAsksForTheInnerIdentityFirst) {
+  Outer outer;
+  void* out = &out;
+  EXPECT_EQ(SharedModule()
+                .Factory(__uuidof(ZentrelK4N))
+                ->CreateInstance(&outer, __uuidof(IZentrelK4N), &out),
+            CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(out, nullptr);
+}
+
+TEST(Objects, UnknownClassesAndInterfacesOfTheFactoryAreRefused) {
+  void* out = &out;
+  EXPECT_EQ(SharedModule().GetClassObject(__uuidof(IZentrelK4N), __uuidof(IClassFactory), &out),
+            CLASS_E_CLASSNOTAVAILABLE);
+  EXPECT_EQ(out, nullptr);
+  EXPECT_EQ(SharedModule().GetClassObject(__uuidof(ZentrelK4N), __uuidof(IZentrelK4N), &out),
+            E_NOINTERFACE);
+  EXPECT_EQ(SharedModule().GetClassObject(__uuidof(ZentrelK4N), __uuidof(IUnknown), nullptr),
+            E_POINTER);
+  EXPECT_EQ(SharedModule()
+                .Factory(__uuidof(ZentrelK4N))
+                ->CreateInstance(nullptr, __uuidof(IUnknown), nullptr),
+            E_POINTER);
+}
+
+TEST(Objects, ObjectsAndLocksKeepTheModule) {
+  const DriverModule driver;
+  EXPECT_EQ(driver.CanUnloadNow(), S_OK);
+  const auto factory = driver.Factory(__uuidof(ZentrelK4N));
+  factory->LockServer(TRUE);
+  EXPECT_EQ(driver.CanUnloadNow(), S_FALSE);
+  factory->LockServer(FALSE);
+  EXPECT_EQ(driver.CanUnloadNow(), S_OK);
+
+  auto root = driver.Create(__uuidof(ZentrelK4N)).As<IZentrelK4N>();
+  ComPtr<IZentrelK4NSyncGenerator> child;
+  EXPECT_EQ(root->get_SyncGenerator(child.Put()), S_OK);
+  root.Reset();
+  EXPECT_EQ(driver.CanUnloadNow(), S_FALSE) << "a child alone keeps the module, too";
+  child.Reset();
+  EXPECT_EQ(driver.CanUnloadNow(), S_OK);
+}
+
+TEST(Objects, ChildrenOutliveTheirRoot) {
+  Surface surface;
+  const auto channel = surface.channel;
+  const auto pulse_double = surface.pulse_double;
+  const auto output = surface.pulse_output;
+  const auto modulation = surface.pulse_modulation;
+  surface = Surface();
+  double value = 0.0;
+  ExpectReported(channel->get_FrequencyOffset(&value), kNotConnectedCode, kNotConnected,
+                 __uuidof(IZentrelK4NChannel));
+  ExpectReported(pulse_double->put_Delay(1.0), kNotConnectedCode, kNotConnected,
+                 __uuidof(IZentrelK4NPulseGeneratorDouble));
+  ExpectReported(output->put_Enabled(VARIANT_TRUE), kNotConnectedCode, kNotConnected,
+                 __uuidof(IZentrelK4NPulseGeneratorOutput));
+  ExpectReported(modulation->put_Enabled(VARIANT_TRUE), kNotConnectedCode, kNotConnected,
+                 __uuidof(IZentrelK4NPulseModulation));
+}
+
+TEST(Objects, AChildWithoutARootAnswersAsWithoutASession) {
+  const auto generator =
+      SharedModule().Create(__uuidof(ZentrelK4NPulseGenerator)).As<IZentrelK4NPulseGenerator>();
+  ExpectReported(generator->put_Width(1e-6), kNotConnectedCode, kNotConnected,
+                 __uuidof(IZentrelK4NPulseGenerator));
+  ComPtr<IZentrelK4NPulsePacketGenerator> packet;
+  EXPECT_EQ(generator->get_Packet(packet.Put()), S_OK);
+  ExpectReported(packet->put_Enabled(VARIANT_TRUE), kNotConnectedCode, kNotConnected,
+                 __uuidof(IZentrelK4NPulsePacketGenerator));
+}
+
+TEST(Objects, ARootMayGoWhileAChildIsInUse) {
+  for (int round = 0; round < 50; ++round) {
+    Surface surface;
+    const auto channel = surface.channel;
+    std::thread user([&channel] {
+      double value = 0.0;
+      while (channel->put_FrequencyOffset(1.0) == S_OK) {
+        channel->get_FrequencyOffset(&value);
+      }
+    });
+    surface = Surface();
+    user.join();
+  }
+}
+
+TEST(Objects, ClassInformationNeedsARegisteredLibrary) {
+  const auto info = SharedModule().Create(__uuidof(ZentrelK4N)).As<IProvideClassInfo2>();
+  ComPtr<ITypeInfo> type;
+  EXPECT_EQ(info->GetClassInfo(type.Put()), TYPE_E_LIBNOTREGISTERED);
+  EXPECT_EQ(info->GetClassInfo(nullptr), E_POINTER);
+}
+
+TEST(Objects, ThereIsNoSourceInterface) {
+  const auto info = SharedModule().Create(__uuidof(ZentrelK4N)).As<IProvideClassInfo2>();
+  GUID guid = __uuidof(IZentrelK4N);
+  EXPECT_EQ(info->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &guid), E_FAIL);
+  EXPECT_EQ(info->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, nullptr), E_INVALIDARG);
+  EXPECT_EQ(info->GetGUID(2, &guid), E_INVALIDARG);
+  EXPECT_TRUE(IsEqualGUID(guid, __uuidof(IZentrelK4N))) << "nothing is written";
+}
+
+}  // namespace
+}  // namespace driver_test

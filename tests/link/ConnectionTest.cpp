@@ -1,0 +1,317 @@
+// What happens at connection, and the axes whose form is chosen there.
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+#include "tests/link/LinkFixture.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+std::string Zeros(int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text += " 00";
+  return text;
+}
+
+constexpr const char* kLimitsAnswer =
+    "00 00 | 80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00";
+
+TEST_F(LinkTest, ConnectionToFourElementInstrumentByteForByte) {
+  visa_.Answer(0);                        // recovery
+  visa_.Answer(0, "17 00 FB FF");         // features
+  visa_.Answer(0, "0F 00" + Zeros(100));  // identity
+  visa_.Answer(0, kLimitsAnswer);
+  EXPECT_EQ(model_.Initialize(), 0);
+  EXPECT_THAT(
+      visa_.Requests(),
+      ElementsAre(
+          "AA 55 01 00 00 80 00 00 00 00 00 00 01 00 00 00",
+          "AA 55 03 00 00 80 04 00 01 20 00 00 02 00 00 00 | 17 00 FB FF",
+          "AA 55 04 00 00 80 66 00 64 10 0F 00 03 00 00 00 | 0F 00" + Zeros(100),
+          "AA 55 03 00 00 80 1A 00 04 60 00 00 04 00 00 00 | 00 00 00 00 00 00 00 00 "
+          "02 00 00 00 00 00 00 E8 76 48 17 00 00 E8 76 48 17 00",
+          "AA 55 04 00 00 80 0C 00 0A 10 08 00 05 00 00 00 | 08 00" + Zeros(10),
+          "AA 55 03 00 00 80 0C 00 0A 10 00 00 06 00 00 00 | 08 00 00 00 FF 00 00" + Zeros(5)));
+  EXPECT_EQ(model_.minimum_frequency(), 1e7);
+  EXPECT_EQ(model_.maximum_frequency(), 2e10);
+  EXPECT_EQ(model_.frequency_class(), 2U);
+  EXPECT_EQ(model_.power_variant(), 3U);
+}
+
+struct FormCase {
+  const char* name;
+  std::vector<std::uint16_t> probe_statuses;  // of the frequency probes, in their order
+  const char* answer;                         // body of the last of them
+  Status result;
+  std::vector<std::string> frequency_requests;
+  double maximum;
+  std::uint32_t frequency_class;
+};
+
+void PrintTo(const FormCase& row, std::ostream* stream) { *stream << row.name; }
+
+class FormTest : public LinkTest, public testing::WithParamInterface<FormCase> {};
+
+TEST_P(FormTest, FindsTheForm) {
+  visa_.Answer(0);
+  visa_.Answer(0, "17 00 FB FF");
+  visa_.Answer(0, "0F 00");
+  const auto& statuses = GetParam().probe_statuses;
+  for (std::size_t i = 0; i < statuses.size(); ++i) {
+    visa_.Answer(statuses[i], i + 1 == statuses.size() ? GetParam().answer : "");
+    if (statuses[i] >= 0x8000) visa_.Answer(0);  // the recovery
+  }
+  EXPECT_EQ(model_.Initialize(), GetParam().result);
+  const auto order = visa_.RequestOrder();
+  std::vector<std::string> probes;
+  std::copy_if(order.begin(), order.end(), std::back_inserter(probes),
+               [](const std::string& text) { return text.starts_with("3:0/"); });
+  EXPECT_THAT(probes, ElementsAreArray(GetParam().frequency_requests));
+  EXPECT_EQ(model_.maximum_frequency(), GetParam().maximum);
+  EXPECT_EQ(model_.frequency_class(), GetParam().frequency_class);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Forms, FormTest,
+    testing::Values(
+        FormCase{"FourElement", {0}, kLimitsAnswer, 0, {"3:0/60x4"}, 2e10, 2},
+        FormCase{"NoticesOfTheProbeDoNotCount", {1}, kLimitsAnswer, 0, {"3:0/60x4"}, 2e10, 2},
+        FormCase{"UnusableNoticeKeepsFourElement", {2}, kLimitsAnswer, 0, {"3:0/60x4"}, 2e10, 2},
+        FormCase{"Wide",
+                 {0x8003, 0},
+                 "00 00 | 80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 91 D2 ED 00 00",
+                 0,
+                 {"3:0/60x4", "3:0/60x3"},
+                 4e9,
+                 1},
+        FormCase{"Narrow",
+                 {0x8003, 0x8003, 0},
+                 "00 00 | 80 96 98 00 | 02 00 00 00 | 80 91 D2 ED",
+                 0,
+                 {"3:0/60x4", "3:0/60x3", "3:0/40x3"},
+                 4e9,
+                 1},
+        FormCase{"OtherRefusalOfFourElementEnds", {0x8002}, "", -32766, {"3:0/60x4"}, 0, 0},
+        FormCase{
+            "OtherRefusalOfWideEnds", {0x8003, 0x8005}, "", -32763, {"3:0/60x4", "3:0/60x3"}, 0, 0},
+        FormCase{"NoFormAtAllEnds",
+                 {0x8003, 0x8003, 0x8003},
+                 "",
+                 -32765,
+                 {"3:0/60x4", "3:0/60x3", "3:0/40x3"},
+                 0,
+                 0}),
+    [](const auto& info) { return info.param.name; });
+
+TEST_F(LinkTest, NarrowProbeAsksForItsLargestSpan) {
+  visa_.Rule(3, 0, 0x8003, 0x60);
+  EXPECT_EQ(model_.Initialize(), 0);
+  EXPECT_LE(model_.maximum_frequency(), 4001000000.0);
+  EXPECT_THAT(Requests(), testing::Contains(WriteRequest(
+                              3, 0x40, "00 00 | 00 00 00 00 | 02 00 00 00 | 40 6A 7A EE")));
+}
+
+TEST_F(LinkTest, FailedRecoveryEndsConnection) {
+  visa_.Answer(0x8005);
+  EXPECT_EQ(model_.Initialize(), -32763);
+  EXPECT_EQ(Requests().size(), 1U);
+}
+
+TEST_F(LinkTest, RefusedFeaturesDoNotEndConnection) {
+  visa_.Rule(3, 23, 0x8002);
+  EXPECT_EQ(model_.Initialize(), 0);
+}
+
+TEST_F(LinkTest, InstrumentWithOneTriggerGroup) {
+  visa_.Rule(4, 8, 0x8003, 0, 1);
+  InitializeModel();
+  TriggerElements output{1, true, 3, 0, 0};
+  EXPECT_EQ(model_.SetTriggerOutput(0, output), 0);
+  TriggerElements input{4, false, 1, 0, 3};
+  EXPECT_EQ(model_.SetTriggerInput(0, input), 0);
+  EXPECT_EQ(model_.SetTriggerInput(1, input), 0);
+  EXPECT_EQ(model_.SetTriggerOutput(1, output), 0);
+  EXPECT_THAT(Requests(), ElementsAre(WriteRequest(5, 0x10, "08 00 | 01 01 03 00 00 00"),
+                                      WriteRequest(5, 0x10, "07 00 | 04 00 01 00 03 00")));
+}
+
+TEST_F(LinkTest, OtherTriggerFailureIsTheResultOfConnection) {
+  visa_.Rule(3, 8, 0x8005);
+  EXPECT_EQ(model_.Initialize(), -32763);
+  // The connection counts nevertheless: trains carry their polarity.
+  visa_.ClearRecord();
+  std::uint32_t source = 1;
+  std::array<double, 1> zero = {0};
+  EXPECT_EQ(model_.TransferPulseTrain(0, source, zero, zero, true), 0);
+  EXPECT_EQ(visa_.RequestOrder().front(), "3:31/40x3");
+}
+
+// --- Identity
+// ------------------------------------------------------------------------------------------
+
+TEST_F(LinkTest, IdentityDatesFollowTheirKeys) {
+  // "Изготовлен 05.11.2010, Программа DSP от Mar 21 2009, Прошивка ПЛИС от 1.2.2003" in
+  // Windows-1251.
+  const std::string text =
+      "\xC8\xE7\xE3\xEE\xF2\xEE\xE2\xEB\xE5\xED 05.11.2010, "
+      "\xCF\xF0\xEE\xE3\xF0\xE0\xEC\xEC\xE0 DSP \xEE\xF2 Mar 21 2009, "
+      "\xCF\xF0\xEE\xF8\xE8\xE2\xEA\xE0 \xCF\xCB\xC8\xD1 \xEE\xF2 1.2.2003";
+  std::vector<std::uint8_t> body = {15, 0};
+  body.insert(body.end(), text.begin(), text.end());
+  body.resize(102);
+  visa_.RuleBody(4, 15, 0, scripted::ToHex(body));
+  InitializeModel();
+  EXPECT_EQ(model_.identity().manufactured.Ordinal(), (2010U << 16) + (11U << 8) + 5);
+  EXPECT_EQ(model_.identity().dsp_program.Ordinal(), (2009U << 16) + (3U << 8) + 21);
+  EXPECT_EQ(model_.identity().fpga_firmware.Ordinal(), (2003U << 16) + (2U << 8) + 1);
+}
+
+TEST_F(LinkTest, LeadingDateIsTheManufacturingDate) {
+  visa_.RuleBody(4, 15, 0, "0F 00 | 37 2E 38 2E 32 30 31 31 00 39");  // "7.8.2011"
+  InitializeModel();
+  EXPECT_EQ(model_.identity().manufactured.Ordinal(), (2011U << 16) + (8U << 8) + 7);
+  EXPECT_FALSE(model_.identity().dsp_program.IsKnown());
+}
+
+TEST_F(LinkTest, InstrumentWithoutIdentityIsRecoveredAndAccepted) {
+  for (const std::uint16_t code : {std::uint16_t{0x8001}, std::uint16_t{0x8002}}) {
+    visa_.Rule(4, 15, code);
+    InitializeModel();
+    EXPECT_FALSE(model_.identity().manufactured.IsKnown());
+  }
+  visa_.Rule(4, 15, 0x8005);
+  EXPECT_EQ(model_.Initialize(), -32763);
+}
+
+TEST(IdentityDateTest, Texts) {
+  struct Case {
+    const char* text;
+    IdentityDate date;
+  };
+  const Case rows[] = {
+      {"28.11.2005", {2005, 11, 28}},
+      {"28.12.2005", {}},  // kept: never December
+      {"Dec 28 2005", {}},
+      {"Jan 28 2005", {2005, 1, 28}},
+      {"Nov  1 2005 tail", {2005, 11, 1}},
+      {"nov  1 2005", {}},
+      {"Nov 1 2005", {}},  // ten characters
+      {"Nov xx 2005", {}},
+      {"31.1.1901 ", {2001 - 100, 1, 31}},
+      {"31.1.1900", {}},
+      {"32.1.2005", {}},
+      {"0.1.2005", {}},
+      {"1.0.2005", {}},
+      {"1.1", {}},
+      {"1.1.", {}},
+      {"1. 1.2005", {}},
+      {"65537.1.2005", {2005, 1, 1}},  // numbers wrap at 16 bits
+      {"1.257.2005", {}},
+      {" 1.1.2005", {}},
+      {"", {}},
+  };
+  for (const Case& row : rows) {
+    EXPECT_EQ(ParseIdentityDate(row.text).Ordinal(), row.date.Ordinal()) << row.text;
+  }
+}
+
+// --- Frequency
+// -----------------------------------------------------------------------------------------
+
+struct CwCase {
+  double wanted;
+  const char* element;
+};
+
+TEST_F(LinkTest, CwFrequencyIsClampedAndWholeHertz) {
+  InitializeModel();
+  for (const CwCase& row :
+       {CwCase{1e9 + 0.9, "00 CA 9A 3B 00 00"}, CwCase{1.0, "80 96 98 00 00 00"},
+        CwCase{-1e9, "80 96 98 00 00 00"}, CwCase{1e12, "00 C8 17 A8 04 00"},
+        CwCase{std::nan(""), "80 96 98 00 00 00"}}) {
+    visa_.ClearRecord();
+    double frequency = row.wanted;
+    visa_.Answer(0, "00 00 | 40 42 0F 00 00 00");
+    EXPECT_EQ(model_.SetCwFrequency(frequency), 0);
+    EXPECT_THAT(Requests(), ElementsAre(WriteRequest(1, 0x60, std::string("00 00") + row.element)));
+    EXPECT_EQ(frequency, 1e6);
+  }
+}
+
+struct SweepCase {
+  const char* name;
+  double start, stop, step;
+  const char* elements;  // start, points, step, stop
+};
+
+void PrintTo(const SweepCase& row, std::ostream* stream) { *stream << row.name; }
+
+class SweepTest : public LinkTest, public testing::WithParamInterface<SweepCase> {};
+
+TEST_P(SweepTest, FourElements) {
+  InitializeModel();
+  double start = GetParam().start;
+  double stop = GetParam().stop;
+  double step = GetParam().step;
+  visa_.Answer(
+      0, "00 00 | 64 00 00 00 00 00 | 03 00 00 00 00 00 | 0A 00 00 00 00 00 | 79 00 00 00 00 00");
+  EXPECT_EQ(model_.SetFrequencySweep(start, stop, step), 0);
+  EXPECT_THAT(Requests(),
+              ElementsAre(WriteRequest(4, 0x60, std::string("00 00") + GetParam().elements)));
+  EXPECT_THAT((std::vector<double>{start, stop, step}), ElementsAre(100, 121, 10));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Sweeps, SweepTest,
+    testing::Values(
+        SweepCase{"Exact", 1e9, 2e9, 1e8,
+                  "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
+        SweepCase{"StepThatDoesNotFitIsSpreadOverThePoints", 1e9, 2e9, 3e8,
+                  "00 CA 9A 3B 00 00 | 04 00 00 00 00 00 | 55 43 DE 13 00 00 | 00 94 35 77 00 00"},
+        SweepCase{"StepZeroIsOnePoint", 1e9, 2e9, 0,
+                  "00 CA 9A 3B 00 00 | 01 00 00 00 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"},
+        SweepCase{"Downward", 2e9, 1e9, -1e8,
+                  "00 94 35 77 00 00 | 0B 00 00 00 00 00 | 00 1F 0A FA FF FF | 00 CA 9A 3B 00 00"},
+        SweepCase{"DownwardWithUpwardStepHasNoPoints", 2e9, 1e9, 1e8,
+                  "00 94 35 77 00 00 | F7 FF FF FF FF FF | 00 00 00 00 00 00 | 00 CA 9A 3B 00 00"},
+        SweepCase{"LimitsClamp", -5, 1e12, 1e12,
+                  "80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00"},
+        SweepCase{"FractionsOfHertzAreCut", 1e9 + 0.7, 2e9, 1e8,
+                  "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
+        SweepCase{"TinyStepDoesNotOverflowTheCount", 1e9, 2e9, 1e-300,
+                  "00 CA 9A 3B 00 00 | FF FF FF 7F 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"}),
+    [](const auto& info) { return info.param.name; });
+
+TEST_F(LinkTest, WideAndNarrowSweepsComputeTheirStop) {
+  struct Case {
+    std::uint8_t refused_probes;
+    std::string request;
+    const char* answer;
+  };
+  const Case rows[] = {
+      {1,
+       WriteRequest(3, 0x60, "00 00 | 00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00"),
+       "00 00 | 64 00 00 00 00 00 | 03 00 00 00 00 00 | F6 FF FF FF FF FF"},
+      {2, WriteRequest(3, 0x40, "00 00 | 00 CA 9A 3B | 0B 00 00 00 | 00 E1 F5 05"),
+       "00 00 | 64 00 00 00 | 03 00 00 00 | 0A 00 00 00"},
+  };
+  for (const Case& row : rows) {
+    visa_.Rule(3, 0, 0x8003, 0x60, row.refused_probes);
+    ASSERT_EQ(model_.Initialize(), 0);
+    visa_.ClearRecord();
+    double start = 1e9;
+    double stop = 2e9;
+    double step = 1e8;
+    visa_.Answer(0, row.answer);
+    EXPECT_EQ(model_.SetFrequencySweep(start, stop, step), 0);
+    EXPECT_THAT(Requests(), ElementsAre(row.request));
+    EXPECT_THAT((std::vector<double>{start, stop, step}),
+                row.refused_probes == 1 ? testing::ElementsAreArray({100., 80., -10.})
+                                        : testing::ElementsAreArray({100., 120., 10.}));
+  }
+}
+
+}  // namespace

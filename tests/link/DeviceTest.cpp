@@ -1,0 +1,101 @@
+// Opening the session, and a library that lacks entry points.
+#include "K4NHardWare/VisaLibrary.h"
+#include "tests/link/LinkFixture.h"
+
+namespace {
+
+using scripted::Function;
+using uDevice::Interface;
+using uDevice::VisaLibrary;
+
+std::vector<Function> Order(scripted::Visa& visa) {
+  std::vector<Function> order;
+  scripted::CallView call{};
+  for (std::size_t i = 0; visa.control().GetCall(i, call); ++i) order.push_back(call.function);
+  return order;
+}
+
+TEST(DeviceTest, OpensExclusivelyUnderTheGivenNameAndClosesTheSessionOnly) {
+  scripted::Visa visa;
+  {
+    const Interface device("tcpip::Odd Name::5025::SOCKET");
+    EXPECT_EQ(device.last_status(), 0);
+    EXPECT_EQ(visa.control().OpenSessions(), 1U);
+  }
+  EXPECT_THAT(Order(visa), testing::ElementsAre(Function::kOpenDefaultRM, Function::kOpen,
+                                                Function::kSetAttribute, Function::kClose));
+  const auto open = visa.Calls(Function::kOpen).at(0);
+  EXPECT_EQ(open.value, (5ULL << 16) + 1000);
+  EXPECT_EQ(std::string(open.bytes, open.bytes + open.size), "tcpip::Odd Name::5025::SOCKET");
+  EXPECT_EQ(visa.Calls(Function::kSetAttribute).at(0).value, 2000U);
+  EXPECT_EQ(visa.control().OpenSessions(), 0U);
+}
+
+TEST(DeviceTest, FailedStepIsTheStatusAndSkipsTheLaterOnes) {
+  struct Case {
+    Function step;
+    std::uint32_t result;
+    std::vector<Function> order;
+  };
+  const Case rows[] = {
+      {Function::kOpenDefaultRM, 0xBFFF0011, {Function::kOpenDefaultRM}},
+      {Function::kOpen, 0xBFFF000F, {Function::kOpenDefaultRM, Function::kOpen}},
+      // Not even a warning counts as open.
+      {Function::kOpen, 0x3FFF0077, {Function::kOpenDefaultRM, Function::kOpen}},
+      {Function::kSetAttribute,
+       0xBFFF001D,
+       {Function::kOpenDefaultRM, Function::kOpen, Function::kSetAttribute}},
+  };
+  for (const Case& row : rows) {
+    scripted::Visa visa;
+    visa.SetResult(row.step, row.result);
+    const Interface device(kResource);
+    EXPECT_EQ(device.last_status(), static_cast<Status>(row.result));
+    EXPECT_EQ(Order(visa), row.order);
+  }
+}
+
+TEST(DeviceTest, ReadsCountCompletionCodesAsZeroAndReportPartialCounts) {
+  scripted::Visa visa;
+  Interface device(kResource);
+  std::vector<std::uint8_t> request(16);
+  std::uint32_t count = 99;
+  visa.AnswerRaw("01 02 03");
+  EXPECT_EQ(device.Write(request, count), 0);
+  EXPECT_EQ(count, 16U);
+  std::array<std::uint8_t, 2> buffer{};
+  EXPECT_EQ(device.Read(buffer, count), 0);
+  EXPECT_EQ(count, 2U);
+  EXPECT_EQ(device.ReadWithTimeout(buffer, count), scripted::kTimeout);
+  EXPECT_EQ(count, 1U);
+  EXPECT_EQ(device.last_status(), scripted::kTimeout);
+  visa.SetResult(Function::kWrite, 0x3FFF0006);
+  EXPECT_EQ(device.Write(request, count), 0x3FFF0006);
+}
+
+TEST(VisaLibraryTest, MissingEntryPointsAnswerLibraryNotFound) {
+  scripted::Visa visa;
+  VisaLibrary library;
+  EXPECT_EQ(library.missing_count(), -1);
+  EXPECT_EQ(library.Bind({}), 105 - 9);
+  EXPECT_EQ(library.viClear(1), 0);
+  EXPECT_EQ(library.viUsbControlIn(1, 0, 0, 0, 0, 0, nullptr, nullptr),
+            status::kVisaLibraryNotFound);
+  EXPECT_EQ(library.viPrintf(1, "%d", 5), status::kVisaLibraryNotFound);
+  EXPECT_EQ(library.viQueryf(1, "a", "b"), status::kVisaLibraryNotFound);
+  ViUInt8 untouched = 7;
+  library.viPeek8(1, nullptr, &untouched);
+  EXPECT_EQ(untouched, 7);
+  library.Reset();
+  EXPECT_EQ(library.missing_count(), -1);
+  EXPECT_EQ(library.viClear(1), status::kVisaLibraryNotFound);
+}
+
+TEST(VisaLibraryTest, NamedFileIsNotReplacedByAnother) {
+  scripted::Visa visa;
+  VisaLibrary library;
+  EXPECT_EQ(library.Bind("no_such_visa.dll"), -1);
+  EXPECT_EQ(library.viClear(1), status::kVisaLibraryNotFound);
+}
+
+}  // namespace

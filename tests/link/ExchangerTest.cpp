@@ -1,0 +1,329 @@
+// Framing, the failure table of the exchanger, the resumable data reads, events on their way up.
+#include <numeric>
+
+#include "tests/link/LinkFixture.h"
+
+namespace {
+
+using scripted::Function;
+using testing::ElementsAre;
+
+constexpr Status kViolation = static_cast<Status>(0xBFFF0037);
+
+class ExchangerTest : public testing::Test {
+ protected:
+  ExchangerTest() { visa_.ClearRecord(); }
+
+  Status Exchange() {
+    message_.Begin(Command::kWriteParameter, 1, 0x10);
+    message_.Append(std::vector<std::uint8_t>{4, 0, 8});
+    const std::array<ProtocolMessage*, 1> messages = {&message_};
+    return exchanger_.SendMessages(messages);
+  }
+  Status Poll() {
+    ProtocolMessage request(buffer_);
+    request.Begin(Command::kReadData, 0, 'A');
+    const Status result = exchanger_.StartRead(request);
+    payload_.assign(request.payload().begin(), request.payload().end());
+    return result;
+  }
+
+  scripted::Visa visa_;
+  CommandExchanger exchanger_{std::make_unique<uDevice::Interface>(kResource)};
+  ProtocolMessage message_;
+  std::array<std::uint8_t, 64> buffer_{};
+  std::vector<std::uint8_t> payload_;
+};
+
+TEST_F(ExchangerTest, OddBodyIsRoundedUpAndNumbersAscend) {
+  EXPECT_EQ(Exchange(), 0);
+  EXPECT_EQ(Exchange(), 0);
+  EXPECT_EQ(Poll(), scripted::kTimeout);
+  EXPECT_THAT(visa_.Requests(),
+              ElementsAre("AA 55 03 00 00 80 04 00 01 10 00 00 01 00 00 00 | 04 00 08 00",
+                          "AA 55 03 00 00 80 04 00 01 10 00 00 02 00 00 00 | 04 00 08 00",
+                          "AA 55 06 00 00 80 00 00 00 41 00 00 03 00 00 00"));
+}
+
+TEST_F(ExchangerTest, SeveralMessagesAreAllSentBeforeTheFirstAnswerIsRead) {
+  ProtocolMessage other;
+  message_.Begin(Command::kRecover);
+  other.Begin(Command::kRecover);
+  visa_.Answer(1);
+  visa_.Answer(2);
+  const std::array<ProtocolMessage*, 2> messages = {&message_, &other};
+  EXPECT_EQ(exchanger_.SendMessages(messages), 0);
+  EXPECT_EQ(message_.status(), 1);
+  EXPECT_EQ(other.status(), 2);
+}
+
+struct FailureCase {
+  const char* name;
+  std::string answer;  // on the wire
+  Status result;
+};
+
+void PrintTo(const FailureCase& row, std::ostream* stream) { *stream << row.name; }
+
+class FailureTest : public ExchangerTest, public testing::WithParamInterface<FailureCase> {};
+
+TEST_P(FailureTest, OfABlockingExchange) {
+  visa_.AnswerRaw(GetParam().answer);
+  EXPECT_EQ(Exchange(), GetParam().result);
+  // A silence between the two is what lets the next answer begin at its beginning.
+  exchanger_.device().Clear();
+  EXPECT_EQ(Exchange(), 0);
+  EXPECT_EQ(message_.status(), 0);
+}
+
+TEST_P(FailureTest, OfAPoll) {
+  visa_.AnswerRaw(GetParam().answer);
+  EXPECT_EQ(Poll(), GetParam().result);
+  exchanger_.device().Clear();
+  EXPECT_EQ(Exchange(), 0);
+  EXPECT_EQ(message_.status(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Headers, FailureTest,
+    testing::Values(
+        FailureCase{"WrongMagic", "AA 54 03 00 00 00 00 00 00 00 00 00 01 00 00 00", kViolation},
+        FailureCase{"MagicTurnedRound", "55 AA 03 00 00 00 00 00 00 00 00 00 01 00 00 00",
+                    kViolation},
+        FailureCase{"HalfAHeader", "AA 55 03 00 00 00 00", scripted::kTimeout},
+        FailureCase{"Silence", "", scripted::kTimeout},
+        FailureCase{"LongerThanAnyBuffer",
+                    "AA 55 03 00 00 00 FF FF 00 00 00 00 01 00 00 00 01 02 03", kViolation}),
+    [](const auto& info) { return info.param.name; });
+
+TEST_F(ExchangerTest, OverlongAnswerIsDroppedAndTheNextExchangeWorks) {
+  visa_.AnswerRaw(
+      "AA 55 03 00 00 00 59 1B 00 00 00 00 01 00 00 00 AA 55 AA 55 AA 55 AA 55");  // 7001
+  EXPECT_EQ(Exchange(), kViolation);
+  EXPECT_EQ(visa_.Calls(Function::kClear).size(), 1U);
+  EXPECT_EQ(Exchange(), 0);
+}
+
+TEST_F(ExchangerTest, AnswerThatFillsTheBufferIsTaken) {
+  visa_.Answer(0, scripted::ToHex(std::vector<std::uint8_t>(7000, 0x5A)));
+  EXPECT_EQ(Exchange(), 0);
+  EXPECT_EQ(message_.payload().size(), 7000U);
+  EXPECT_EQ(message_.payload().back(), 0x5A);
+}
+
+TEST_F(ExchangerTest, BlockLongerThanTheCallersBufferIsDropped) {
+  visa_.CompleteData(0, 'A', scripted::ToHex(std::vector<std::uint8_t>(65, 1)));
+  EXPECT_EQ(Poll(), kViolation);
+  EXPECT_EQ(visa_.Calls(Function::kClear).size(), 1U);
+  visa_.CompleteData(0, 'A', scripted::ToHex(std::vector<std::uint8_t>(64, 2)));
+  EXPECT_EQ(Poll(), 0);
+  EXPECT_EQ(payload_.size(), 64U);
+}
+
+TEST_F(ExchangerTest, BodyInPiecesIsAssembledAndLeavesTheShortTimeout) {
+  visa_.AnswerRaw("AA 55 03 00 00 00 06 00 00 00 00 00 01 00 00 00 01 02");
+  visa_.ThenRaw("03");
+  visa_.ThenRaw("04 05 06");
+  EXPECT_EQ(Exchange(), 0);
+  EXPECT_EQ(scripted::ToHex(message_.payload()), "01 02 03 04 05 06");
+  std::vector<std::uint64_t> timeouts;
+  for (const auto& call : visa_.Calls(Function::kSetAttribute)) timeouts.push_back(call.value);
+  // Set for each part, restored to what the first failure had left.
+  EXPECT_THAT(timeouts, ElementsAre(1000, 1000, 1000, 1000));
+}
+
+TEST_F(ExchangerTest, WholeBodyRestoresTheTimeout) {
+  EXPECT_EQ(Exchange(), 0);
+  std::vector<std::uint64_t> timeouts;
+  for (const auto& call : visa_.Calls(Function::kSetAttribute)) timeouts.push_back(call.value);
+  EXPECT_THAT(timeouts, ElementsAre(1000, 2000));
+}
+
+TEST_F(ExchangerTest, FailuresOfVisaAreReturnedUnchanged) {
+  for (const Function function :
+       {Function::kRead, Function::kGetAttribute, Function::kSetAttribute}) {
+    visa_.SetResult(function, 0xBFFF00A6, 1);
+    EXPECT_EQ(Exchange(), scripted::kConnectionLost);
+    exchanger_.device().Clear();
+  }
+  // A failed write shows up as the missing answer.
+  visa_.SetResult(Function::kWrite, 0xBFFF00A6, 2);
+  EXPECT_EQ(Exchange(), scripted::kTimeout);
+}
+
+TEST_F(ExchangerTest, LibraryThatReadsNothingSuccessfullyIsAnError) {
+  visa_.SetResult(Function::kRead, 0, 1);
+  EXPECT_EQ(Exchange(), kViolation);
+}
+
+// --- Data reads
+// ----------------------------------------------------------------------------------------
+
+TEST_F(ExchangerTest, PollContinuesWhereItStoppedWithoutANewRequest) {
+  EXPECT_EQ(Poll(), scripted::kTimeout);
+  EXPECT_EQ(Poll(), scripted::kTimeout);
+  EXPECT_EQ(visa_.Requests().size(), 1U);
+  visa_.CompleteData(0, 'A', "01 02 03 04");
+  EXPECT_EQ(Poll(), 0);
+  EXPECT_EQ(scripted::ToHex(payload_), "01 02 03 04");
+  EXPECT_EQ(Poll(), scripted::kTimeout);
+  EXPECT_EQ(visa_.Requests().size(), 2U);
+}
+
+TEST_F(ExchangerTest, PollTakesABodyInPieces) {
+  visa_.AnswerRaw("AA 55 06 00 00 00 04 00 00 41 00 00 01 00 00 00");
+  visa_.ThenRaw("01");
+  visa_.ThenRaw("02 03 04");
+  EXPECT_EQ(Poll(), scripted::kTimeout);
+  EXPECT_EQ(Poll(), 0);
+  EXPECT_EQ(scripted::ToHex(payload_), "01 02 03 04");
+  EXPECT_EQ(visa_.Requests().size(), 1U);
+}
+
+TEST_F(ExchangerTest, CommandDropsAPendingReadByClearing) {
+  EXPECT_EQ(Poll(), scripted::kTimeout);
+  EXPECT_EQ(Exchange(), 0);
+  EXPECT_EQ(visa_.Calls(Function::kClear).size(), 1U);
+  EXPECT_EQ(Exchange(), 0);
+  EXPECT_EQ(visa_.Calls(Function::kClear).size(), 1U);
+  visa_.CompleteData(0, 'A', "01 02");
+  EXPECT_EQ(Poll(), 0);
+  EXPECT_THAT(visa_.RequestOrder(), ElementsAre("6", "3:4/10x1", "3:4/10x1", "6"));
+}
+
+TEST_F(ExchangerTest, CommandDropsAReadWhoseHeaderIsIn) {
+  visa_.AnswerRaw("AA 55 06 00 00 00 04 00 00 41 00 00 01 00 00 00 01");
+  EXPECT_EQ(Poll(), scripted::kTimeout);
+  EXPECT_EQ(Exchange(), 0);
+  visa_.CompleteData(0, 'A', "07 08");
+  EXPECT_EQ(Poll(), 0);
+  EXPECT_EQ(scripted::ToHex(payload_), "07 08");
+}
+
+TEST_F(ExchangerTest, FailedClearIsTheResultAndNothingIsSent) {
+  EXPECT_EQ(Poll(), scripted::kTimeout);
+  visa_.SetResult(Function::kClear, 0xBFFF003E, 1);
+  EXPECT_EQ(Exchange(), static_cast<Status>(0xBFFF003E));
+  EXPECT_EQ(visa_.Requests().size(), 1U);
+  EXPECT_EQ(Exchange(), 0);
+}
+
+TEST_F(ExchangerTest, LostLinkEndsThePendingRead) {
+  EXPECT_EQ(Poll(), scripted::kTimeout);
+  visa_.SetResult(Function::kRead, 0xBFFF00A6, 1);
+  EXPECT_EQ(Poll(), scripted::kConnectionLost);
+  EXPECT_EQ(Poll(), scripted::kTimeout);
+  EXPECT_EQ(visa_.Requests().size(), 2U);
+}
+
+TEST_F(ExchangerTest, ExceptionOfTheLibraryEndsThePoll) {
+  visa_.SetResult(Function::kRead, scripted::kThrow, 1);
+  EXPECT_EQ(Poll(), static_cast<Status>(0xBFFF003E));
+  EXPECT_EQ(Poll(), scripted::kTimeout);
+  EXPECT_EQ(visa_.Requests().size(), 2U);
+}
+
+class BlockTest : public LinkTest {
+ protected:
+  std::array<std::uint8_t, 65536> buffer_{};
+  std::uint32_t length_ = 99;
+  char format_ = 'A';
+};
+
+TEST_F(BlockTest, FormatIsAskedForAndHandedBack) {
+  visa_.CompleteData(0, '@', "01 00 00 00 02 00 00 00 03 00 00 00 | 00 00");
+  EXPECT_EQ(model_.ReadDataBlock(buffer_, length_, format_), 0);
+  EXPECT_EQ(length_, 14U);
+  EXPECT_EQ(format_, '@');
+  EXPECT_EQ(buffer_[4], 2);
+  format_ = 'x';
+  visa_.CompleteData(0, 'A', "00 00");
+  EXPECT_EQ(model_.PollDataBlock(buffer_, length_, format_), 0);
+  EXPECT_EQ(format_, 'A');
+  EXPECT_THAT(Requests(), ElementsAre(Request(6, 0, 'A', 0, ""), Request(6, 0, '@', 0, "")));
+}
+
+TEST_F(BlockTest, HeaderStatusIsReturnedBeforeAnythingIsStored) {
+  for (const std::uint16_t code : {std::uint16_t{6}, std::uint16_t{0x8007}}) {
+    visa_.CompleteData(code, '@', "01 02 03 04");
+    EXPECT_EQ(model_.ReadDataBlock(buffer_, length_, format_), static_cast<std::int16_t>(code));
+    EXPECT_EQ(length_, 99U);
+    EXPECT_EQ(format_, 'A');
+  }
+  EXPECT_TRUE(keeper_.events.empty());
+  EXPECT_EQ(Requests().size(), 2U);
+}
+
+TEST_F(BlockTest, NegativeStatusWordRaisesOneEventAndIsReturned) {
+  visa_.CompleteData(0, 'A', "01 00 00 00 02 00 00 00 03 00 00 00 | 1C 80");
+  EXPECT_EQ(model_.PollDataBlock(buffer_, length_, format_), -32740);
+  EXPECT_EQ(length_, 14U);
+  visa_.CompleteData(0, 'A', "07 80");
+  EXPECT_EQ(model_.ReadDataBlock(buffer_, length_, format_), -32761);
+  ASSERT_EQ(keeper_.events.size(), 2U);
+  const uIEvent::Event& event = *keeper_.events[0];
+  EXPECT_EQ(event.name(), "Data processing error");
+  EXPECT_EQ(event.type(), 2U);
+  EXPECT_EQ(event.kind(), 2U);
+  EXPECT_EQ(event.data(), nullptr);
+  EXPECT_EQ(event.source(), &model_);
+}
+
+TEST_F(BlockTest, LengthsFromNothingToTheLargest) {
+  for (const std::size_t size :
+       {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{65535}}) {
+    const std::vector<std::uint8_t> block(size, 1);
+    visa_.CompleteData('A', block);
+    EXPECT_EQ(model_.ReadDataBlock(buffer_, length_, format_), 0);
+    EXPECT_EQ(length_, size);
+    visa_.CompleteData('A', block);
+    EXPECT_EQ(model_.PollDataBlock(buffer_, length_, format_), 0);
+    EXPECT_EQ(length_, size);
+  }
+}
+
+// --- Events
+// --------------------------------------------------------------------------------------------
+
+TEST_F(LinkTest, EventOfTheExchangerReachesTheTopUnchanged) {
+  int payload = 0;
+  uIEvent::Event* const event = uIEvent::MakeErrorEvent(this, "name", &payload);
+  exchanger_.ProcessEvent(event);
+  ASSERT_EQ(keeper_.events.size(), 1U);
+  EXPECT_EQ(keeper_.events[0].get(), event);
+  EXPECT_EQ(event->data(), &payload);
+  event->set_data(nullptr);
+  EXPECT_EQ(event->data(), nullptr);
+  EXPECT_EQ(exchanger_.GetProcessor(), &exchanger_);
+}
+
+TEST_F(ExchangerTest, EventWithoutManagerThrows) {
+  const auto event =
+      std::unique_ptr<uIEvent::Event>(uIEvent::MakeErrorEvent(this, "name", nullptr));
+  try {
+    exchanger_.ProcessEvent(event.get());
+    FAIL() << "no exception";
+  } catch (const std::exception& error) {
+    EXPECT_STREQ(error.what(), "Debug: Manager doesn't set. uIEvent::EventProcessor::ProcessEvent");
+  }
+}
+
+TEST(EventTest, FactoriesSetTypeAndKind) {
+  struct Case {
+    uIEvent::Event* event;
+    std::uint32_t type, kind;
+  };
+  for (const Case& row : {Case{uIEvent::MakeEvent(nullptr, "n", nullptr, 7, 8), 7, 8},
+                          Case{uIEvent::MakeErrorEvent(nullptr, "n", nullptr), 2, 2},
+                          Case{uIEvent::MakeWarningEvent(nullptr, "n", nullptr), 1, 2},
+                          Case{uIEvent::MakeStateEvent(nullptr, "n", nullptr, true), 3, 0},
+                          Case{uIEvent::MakeStateEvent(nullptr, "n", nullptr, false), 0, 0},
+                          Case{uIEvent::MakeNoticeEvent(nullptr, "n", nullptr), 0, 1}}) {
+    const std::unique_ptr<uIEvent::Event> event(row.event);
+    EXPECT_EQ(event->type(), row.type);
+    EXPECT_EQ(event->kind(), row.kind);
+    EXPECT_EQ(event->name(), "n");
+  }
+}
+
+}  // namespace

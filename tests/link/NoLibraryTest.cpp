@@ -1,0 +1,32 @@
+// A machine without any VISA library.
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "K4NHardWare/DeviceInterface.h"
+#include "K4NHardWare/VisaLibrary.h"
+
+namespace {
+
+TEST(NoLibraryTest, EveryCallAnswersLibraryNotFound) {
+  uDevice::Interface device("TCPIP0::127.0.0.1::5025::SOCKET");
+  EXPECT_EQ(device.last_status(), status::kVisaLibraryNotFound);
+  std::array<std::uint8_t, 4> buffer{};
+  std::uint32_t count = 99;
+  EXPECT_EQ(device.Read(buffer, count), status::kVisaLibraryNotFound);
+  EXPECT_EQ(count, 0U);
+  EXPECT_EQ(device.Write(buffer, count), status::kVisaLibraryNotFound);
+  EXPECT_EQ(device.ReadWithTimeout(buffer, count), status::kVisaLibraryNotFound);
+  EXPECT_EQ(device.Clear(), status::kVisaLibraryNotFound);
+  std::string text = "old";
+  EXPECT_EQ(device.StatusDescription(0, text), status::kVisaLibraryNotFound);
+  EXPECT_EQ(text, "");
+}
+
+TEST(NoLibraryTest, BindingFails) {
+  uDevice::VisaLibrary library;
+  EXPECT_EQ(library.Bind({}), -1);
+  EXPECT_EQ(library.missing_count(), -1);
+}
+
+}  // namespace

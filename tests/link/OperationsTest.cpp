@@ -1,0 +1,464 @@
+// Every operation of the model: its exact request, what it makes of the answer, a refusal, a lost
+// link.
+#include <functional>
+
+#include "tests/link/LinkFixture.h"
+
+namespace {
+
+using testing::ElementsAreArray;
+using Values = std::vector<double>;
+
+struct Operation {
+  std::string name;
+  /// Runs it; the values afterwards go to the vector.
+  std::function<Status(D3THardWare&, Values&)> run;
+  std::vector<std::string> requests;
+  std::vector<std::string> answers;  // bodies, status 0
+  Values values;
+};
+
+void PrintTo(const Operation& operation, std::ostream* stream) { *stream << operation.name; }
+
+constexpr const char* kZeros12 = " 00 00 00 00 00 00 00 00 00 00 00 00";
+
+std::vector<Operation> SettingOperations() {
+  return {
+      {"DwellIsNanosecondsWithSelectorZero",
+       [](D3THardWare& model, Values& values) {
+         double dwell = 5e8;
+         const Status result = model.SetDwell(dwell);
+         values = {dwell};
+         return result;
+       },
+       {WriteRequest(2, 0x40, "05 00 | 00 00 00 00 | 00 65 CD 1D")},
+       {"05 00 | 00 00 00 00 | E8 03 00 00"},
+       {1000.0}},
+      {"DwellThousandsScalesBothWays",
+       [](D3THardWare& model, Values& values) {
+         double dwell = 2.5;
+         const Status result = model.SetDwellThousands(dwell);
+         values = {dwell};
+         return result;
+       },
+       {WriteRequest(2, 0x40, "05 00 | 00 00 00 00 | C4 09 00 00")},
+       {"05 00 | 00 00 00 00 | B8 0B 00 00"},
+       {3.0}},
+      {"AveragingClampsAbove14AndSendsMaskFirst",
+       [](D3THardWare& model, Values& values) {
+         std::int32_t factor = 20;
+         const Status result = model.SetAveraging(factor);
+         values = {static_cast<double>(factor)};
+         return result;
+       },
+       {WriteRequest(1, 0x20, "17 00 FF FF"), WriteRequest(1, 0x10, "04 00 0E 00")},
+       {"17 00 FF FF", "04 00 0C"},
+       {12.0}},
+      {"AveragingClampsBelow1AndClearsEachMaskBit",
+       [](D3THardWare& model, Values& values) {
+         std::int32_t factor = 0;
+         const Status result = model.SetAveraging(
+             factor, {.clear_bit_2 = true, .bit_3 = false, .bit_4 = false, .bit_5 = false});
+         values = {static_cast<double>(factor)};
+         return result;
+       },
+       {WriteRequest(1, 0x20, "17 00 C3 FF"), WriteRequest(1, 0x10, "04 00 01 00")},
+       {"17 00 C3 FF", "04 00 01"},
+       {1.0}},
+      {"TriggerInputKeepsTheOtherGroup",
+       [](D3THardWare& model, Values& values) {
+         TriggerElements trigger{3, true, 255, 1, 2};
+         const Status result = model.SetTriggerInput(1, trigger);
+         values = {double(trigger.code), double(trigger.edge), double(trigger.value),
+                   double(trigger.flag), double(trigger.last)};
+         return result;
+       },
+       {ReadRequest(10, 0x10, 7, "07 00 | 00 00 00 00 00 | 00 00 00 00 00"),
+        WriteRequest(10, 0x10, "07 00 | 01 02 03 04 05 | 03 01 FF 01 02")},
+       {"07 00 | 01 02 03 04 05 | 06 07 08 09 0A", "07 00 | 01 02 03 04 05 | 02 00 80 04 05"},
+       {2, 0, 128, 4, 5}},
+      {"TriggerOutputFirstGroup",
+       [](D3THardWare& model, Values& values) {
+         TriggerElements trigger{5, true, 3, 0, 0};
+         const Status result = model.SetTriggerOutput(0, trigger);
+         values = {double(trigger.code), double(trigger.edge), double(trigger.value)};
+         return result;
+       },
+       {ReadRequest(10, 0x10, 8, "08 00 | 00 00 00 00 00 | 00 00 00 00 00"),
+        WriteRequest(10, 0x10, "08 00 | 05 01 03 00 00 | 06 07 08 09 0A")},
+       {"08 00 | 01 02 03 04 05 | 06 07 08 09 0A", "08 00 | 04 02 02 00 00 | 06 07 08 09 0A"},
+       {4, 1, 2}},
+      {"SyncGeneratorCarriesOffTime",
+       [](D3THardWare& model, Values& values) {
+         double width = 1000;
+         double off_time = 2000;
+         double delay = 3000;
+         const Status result = model.SetSyncGenerator(width, off_time, delay);
+         values = {width, off_time, delay};
+         return result;
+       },
+       {WriteRequest(3, 0x40, "25 00 | E8 03 00 00 | D0 07 00 00 | B8 0B 00 00")},
+       {"25 00 | E9 03 00 00 | D1 07 00 00 | B9 0B 00 00"},
+       {1001, 2001, 3001}},
+      {"ExternalReference",
+       [](D3THardWare& model, Values& values) {
+         bool enabled = true;
+         double frequency = 1e7;
+         const Status result = model.SetExternalReference(enabled, frequency);
+         values = {double(enabled), frequency};
+         return result;
+       },
+       {WriteRequest(2, 0x40, "11 00 | 01 00 00 00 | 80 96 98 00")},
+       {"11 00 | 00 00 00 00 | 40 4B 4C 00"},
+       {0, 5e6}},
+      {"PhaseDelayIsSignedFixedPoint",
+       [](D3THardWare& model, Values& values) {
+         double delay = -1.5;
+         const Status result = model.SetPhaseDelay(delay);
+         values = {delay};
+         return result;
+       },
+       {WriteRequest(1, 0x42, "5C 00 | 00 80 FE FF")},
+       {"5C 00 | 00 40 00 00"},
+       {0.25}},
+      {"CompensationModeIsNotChecked",
+       [](D3THardWare& model, Values& values) {
+         std::uint32_t mode = 9;
+         const Status result = model.SetCompensationMode(mode);
+         values = {double(mode)};
+         return result;
+       },
+       {WriteRequest(1, 0x20, "0B 00 09 00")},
+       {"0B 00 04 00"},
+       {4}},
+      {"KindIsTheInstrumentsOwn",
+       [](D3THardWare& model, Values& values) {
+         std::uint32_t kind = 18;
+         const Status result = model.QueryInstrumentKind(kind);
+         values = {double(kind)};
+         return result;
+       },
+       {WriteRequest(1, 0x20, "03 00 12 00")},
+       {"03 00 02 00"},
+       {2}},
+      {"RfButtonCarriesIdentifierInHeader",
+       [](D3THardWare& model, Values& values) {
+         bool pressed = false;
+         const Status result = model.ReadRfButton(pressed);
+         values = {double(pressed)};
+         return result;
+       },
+       {ReadRequest(1, 0x20, 34, "22 00 00 00")},
+       {"22 00 00 01"},
+       {1}},
+      {"OutputStateOfWideForm",
+       [](D3THardWare& model, Values& values) {
+         LevelSettings settings;
+         double level = 0;
+         const Status result = model.ReadOutputState(settings, level);
+         values = {double(settings.level_control), double(settings.atten_mode),
+                   double(settings.further_1), double(settings.further_2), level};
+         return result;
+       },
+       {ReadRequest(5, 0x62, 79,
+                    std::string("4F 00") + kZeros12 + kZeros12 + " 00 00 00 00 00 00")},
+       {"4F 00 | 00 00 01 00 00 00 | 00 00 02 00 00 00 | 00 00 03 00 00 00 | 00 00 04 00 00 00 |"
+        "00 80 F5 FF FF FF"},
+       {1, 2, 3, 4, -10.5}},
+      {"FixedPulseTrain",
+       [](D3THardWare& model, Values& values) {
+         std::array<std::uint32_t, 3> elements = {1, 2, 0xFFFFFFFF};
+         const Status result = model.WritePulseTrainFixed(elements);
+         values = {double(elements[0]), double(elements[1]), double(elements[2])};
+         return result;
+       },
+       {WriteRequest(3, 0x40, "1F 00 | 01 00 00 00 | 02 00 00 00 | FF FF FF FF")},
+       {"1F 00 | 04 00 00 00 | 05 00 00 00 | 06 00 00 00"},
+       {4, 5, 6}},
+      {"SwitchSettingHasZeroInTheMiddle",
+       [](D3THardWare& model, Values& values) {
+         bool enabled = true;
+         std::uint32_t value = 0x1234;
+         const Status result = model.WriteSwitchSetting(enabled, value);
+         values = {double(enabled), double(value)};
+         return result;
+       },
+       {WriteRequest(3, 0x20, "09 00 | 01 00 | 00 00 | 34 12")},
+       {"09 00 | 00 00 | 00 00 | 35 12"},
+       {0, 0x1235}},
+      {"ScaledSettingIsHertzAndSixteenBits",
+       [](D3THardWare& model, Values& values) {
+         double megahertz = 10;
+         std::uint32_t number = 7;
+         double value = -1.5;
+         const Status result = model.WriteScaledSetting(megahertz, number, value);
+         values = {megahertz, double(number), value};
+         return result;
+       },
+       {WriteRequest(3, 0x40, "1B 00 | 80 96 98 00 | 07 00 00 00 | 80 FE 00 00")},
+       {"1B 00 | 40 42 0F 00 | 08 00 00 00 | 00 FF 00 00"},
+       {1, 8, -1}},
+      {"FixedConfiguration",
+       [](D3THardWare& model, Values&) { return model.WriteFixedConfiguration(true); },
+       {WriteRequest(4, 0x10, "1C 00 | 03 00 05 03")},
+       {"1C 00 | 03 00 05 03"},
+       {}},
+      {"FixedConfigurationWithoutFlag",
+       [](D3THardWare& model, Values&) { return model.WriteFixedConfiguration(false); },
+       {WriteRequest(4, 0x10, "1C 00 | 02 00 05 03")},
+       {"1C 00 | 02 00 05 03"},
+       {}},
+      {"FrequencyTableHasOneFractionalByte",
+       [](D3THardWare& model, Values& values) {
+         values = {1.5, -0.25};
+         return model.TransferFrequencyTable(values);
+       },
+       {WriteRequest(2, 0x21, "1A 00 | 80 01 | C0 FF")},
+       {"1A 00 | 00 02 | 00 01"},
+       {2, 1}},
+      {"FrequencyListOfTwo",
+       [](D3THardWare& model, Values& values) {
+         values = {1e9, 2e10};
+         return model.TransferList(ListAxis::kFrequency, values, {});
+       },
+       {WriteRequest(0, 0x60,
+                     "02 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 00 CA 9A 3B 00 00 |"
+                     "00 C8 17 A8 04 00")},
+       {"02 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 01 CA 9A 3B 00 00 | 01 C8 17 A8 04 00"},
+       {1e9 + 1, 2e10 + 1}},
+      {"PowerListCarriesLevelSettings",
+       [](D3THardWare& model, Values& values) {
+         values = {-60.5};
+         return model.TransferList(ListAxis::kPower, values,
+                                   {.level_control = 1, .atten_mode = 3, .further_1 = 7});
+       },
+       {WriteRequest(4, 0x42,
+                     "4C 00 | 00 00 01 00 | 00 00 03 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 |"
+                     "00 00 01 00 | 00 80 C3 FF")},
+       {"4C 00 | 00 00 01 00 | 00 00 03 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 |"
+        "00 00 01 00 | 00 00 C4 FF"},
+       {-60}},
+      {"PulseTrainBeforeConnectionHasNoPolarity",
+       [](D3THardWare& model, Values& values) {
+         std::uint32_t source = 0;
+         std::array<double, 1> width = {100};
+         std::array<double, 1> gap = {200};
+         const Status result = model.TransferPulseTrain(2, source, width, gap, true);
+         values = {double(source), width[0], gap[0]};
+         return result;
+       },
+       {WriteRequest(2, 0x40,
+                     "1F 00 | 02 00 00 00 | 03 00 00 00 | 00 00 00 00 | 01 00 00 00 | 64 00 00 00 |"
+                     "C8 00 00 00")},
+       {"1F 00 | 02 00 00 00 | 02 00 00 00 | 00 00 00 00 | 01 00 00 00 | 65 00 00 00 | C9 00 00 "
+        "00"},
+       {1, 101, 201}},
+  };
+}
+
+class OperationTest : public LinkTest, public testing::WithParamInterface<Operation> {};
+
+TEST_P(OperationTest, SendsExactlyThisAndTakesTheAnswer) {
+  for (const std::string& answer : GetParam().answers) visa_.Answer(0, answer);
+  Values values;
+  EXPECT_EQ(GetParam().run(model_, values), 0);
+  EXPECT_THAT(Requests(), ElementsAreArray(GetParam().requests));
+  EXPECT_EQ(values, GetParam().values);
+}
+
+TEST_P(OperationTest, ReturnsRefusalAfterRecovering) {
+  visa_.Answer(0x8005);
+  Values values;
+  EXPECT_EQ(GetParam().run(model_, values), -32763);
+  EXPECT_THAT(Requests(), testing::ElementsAre(GetParam().requests.front(), RecoverRequest()));
+}
+
+TEST_P(OperationTest, ReturnsLostLinkWithoutRecovering) {
+  visa_.SetResult(scripted::Function::kRead, 0xBFFF00A6);
+  Values values;
+  EXPECT_EQ(GetParam().run(model_, values), scripted::kConnectionLost);
+  EXPECT_EQ(Requests().size(), 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Settings, OperationTest, testing::ValuesIn(SettingOperations()),
+                         [](const auto& info) { return info.param.name; });
+
+TEST_F(LinkTest, NoticeOfAWriteIsZeroAndStaysInTheParameter) {
+  HardWareParametr parameter({.identifier = 4, .element_count = 1, .element_size = 1});
+  EXPECT_EQ(parameter.status(), 0x8000);
+  visa_.Answer(2, "04 00 07");
+  EXPECT_EQ(model_.WriteParameter(parameter), 0);
+  EXPECT_EQ(parameter.status(), 2);
+  EXPECT_EQ(parameter.GetValue(0), 7.0);
+  visa_.Answer(3, "04 00 08");
+  EXPECT_EQ(model_.ReadParameter(parameter), 3);
+  EXPECT_EQ(parameter.status(), 2);
+  EXPECT_EQ(parameter.GetValue(0), 8.0);
+}
+
+TEST_F(LinkTest, ShortPayloadLeavesMissingElements) {
+  double width = 10;
+  double off_time = 20;
+  double delay = 30;
+  visa_.Answer(0, "25 00 | 0B 00 00 00 | 15 00");
+  EXPECT_EQ(model_.SetSyncGenerator(width, off_time, delay), 0);
+  EXPECT_THAT((Values{width, off_time, delay}), testing::ElementsAre(11, 20, 30));
+  visa_.Answer(0, "25");
+  EXPECT_EQ(model_.SetSyncGenerator(width, off_time, delay), 0);
+  EXPECT_EQ(width, 11.0);
+}
+
+TEST_F(LinkTest, ReferenceFallsBackToShortFormOnlyOn8003) {
+  bool enabled = true;
+  double frequency = 1e7;
+  visa_.Answer(0x8003);
+  visa_.Answer(0);  // of the recovery
+  visa_.Answer(0, "11 00 00");
+  EXPECT_EQ(model_.SetExternalReference(enabled, frequency), 0);
+  EXPECT_FALSE(enabled);
+  EXPECT_EQ(frequency, 1e7);
+  EXPECT_THAT(Requests(),
+              testing::ElementsAre(WriteRequest(2, 0x40, "11 00 | 01 00 00 00 | 80 96 98 00"),
+                                   RecoverRequest(), WriteRequest(1, 0x10, "11 00 01 00")));
+  visa_.ClearRecord();
+  visa_.Answer(0x8002);
+  EXPECT_EQ(model_.SetExternalReference(enabled, frequency), -32766);
+  EXPECT_EQ(Requests().size(), 2U);
+}
+
+struct StateCase {
+  const char* name;
+  Status (D3THardWare::*read)(bool&);
+  std::uint16_t code;
+  Status result;
+  bool state;
+};
+
+void PrintTo(const StateCase& row, std::ostream* stream) { *stream << row.name; }
+
+class StateTest : public LinkTest, public testing::WithParamInterface<StateCase> {};
+
+TEST_P(StateTest, TakesTheCode) {
+  bool state = !GetParam().state;
+  visa_.Answer(GetParam().code);
+  EXPECT_EQ((model_.*GetParam().read)(state), GetParam().result);
+  EXPECT_EQ(state, GetParam().state);
+  const bool level = GetParam().read == &D3THardWare::ReadLevelState;
+  EXPECT_EQ(visa_.RequestOrder().front(), level ? "4:79/62x5" : "4:0/40x3");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    States, StateTest,
+    testing::Values(StateCase{"PllLocked", &D3THardWare::ReadPllState, 0, 0, true},
+                    StateCase{"PllUnlocked", &D3THardWare::ReadPllState, 0x8007, 0, false},
+                    StateCase{"PllErgCodeIsNotPll", &D3THardWare::ReadPllState, 0x801C, -32740,
+                              true},
+                    StateCase{"ErgGood", &D3THardWare::ReadErgState, 0, 0, true},
+                    StateCase{"ErgFault", &D3THardWare::ReadErgState, 0x801C, 0, false},
+                    StateCase{"ErgRefused", &D3THardWare::ReadErgState, 0x8002, -32766, true},
+                    StateCase{"LevelSettled", &D3THardWare::ReadLevelState, 0, 0, true},
+                    StateCase{"LevelNotice", &D3THardWare::ReadLevelState, 5, 5, true},
+                    StateCase{"LevelNotSettled", &D3THardWare::ReadLevelState, 6, 0, false}),
+    [](const auto& info) { return info.param.name; });
+
+TEST_F(LinkTest, StatusTextComesFromTheLibrary) {
+  std::string text;
+  EXPECT_EQ(model_.DescribeStatus(scripted::kTimeout, text), 0);
+  EXPECT_EQ(text, "text of BF FF 00 15");
+}
+
+// --- Files and serial number
+// ---------------------------------------------------------------------------
+
+TEST_F(LinkTest, FileRequestIsPaddedToWordsAndTextStripped) {
+  std::string text = "old";
+  // 17 path bytes with the zero: text from offset 27.
+  visa_.Answer(
+      0,
+      "0A 00 | 00 00 00 00 | 0C 00 00 00 | 5C 46 52 41 4D 5C 53 45 52 49 41 4C 2E 54 58 54 00 |"
+      "20 41 09 31 20 32 0D 0A 5A");
+  EXPECT_EQ(model_.ReadInstrumentFile("\\FRAM\\SERIAL.TXT", text), 0);
+  EXPECT_EQ(text, "A12");
+  EXPECT_THAT(
+      Requests(),
+      testing::ElementsAre(Request(
+          4, 2, 0x40, 0,
+          "0A 00 | 00 00 00 00 | 00 FA 00 00 | 5C 46 52 41 4D 5C 53 45 52 49 41 4C 2E 54 58 54 |"
+          "00 00 00 00")));
+}
+
+TEST_F(LinkTest, FileEndsAtZeroOrEndOfPayload) {
+  std::string text;
+  visa_.Answer(0, "0A 00 | 00 00 00 00 | 0C 00 00 00 | 5C 61 00 | 41 00 42");
+  EXPECT_EQ(model_.ReadInstrumentFile("\\a", text), 0);
+  EXPECT_EQ(text, "A");
+  visa_.Answer(0, "0A 00 | 00 00 00 00 | 0C 00 00 00 | 5C 61 00 | 41 42");
+  EXPECT_EQ(model_.ReadInstrumentFile("\\a", text), 0);
+  EXPECT_EQ(text, "AB");
+  visa_.Answer(0, "0A 00 00");
+  EXPECT_EQ(model_.ReadInstrumentFile("\\a", text), 0);
+  EXPECT_EQ(text, "");
+}
+
+TEST_F(LinkTest, MissingFileKeepsTextAndLeavesRecoveryToTheCaller) {
+  std::string text = "old";
+  visa_.Answer(0x8103);
+  EXPECT_EQ(model_.ReadInstrumentFile("\\FRAM\\TYPE.TXT", text), -32509);
+  EXPECT_EQ(text, "old");
+  EXPECT_EQ(Requests().size(), 1U);
+}
+
+struct SerialAnswer {
+  std::string_view serial;
+  std::uint16_t checksum;
+};
+
+/// The answer to a serial number query: words that the query's key turns back into the characters.
+std::size_t ScrambledSerial(void* context, const std::uint8_t* request, std::size_t,
+                            std::uint8_t* body, std::size_t) {
+  const auto& answer = *static_cast<const SerialAnswer*>(context);
+  const std::uint64_t key = request[18] + 256ULL * request[19];
+  std::size_t size = 0;
+  body[size++] = 'S';
+  body[size++] = 0;
+  for (const char c : answer.serial) {
+    std::uint32_t word = 0;  // some word whose product has the character in its low byte
+    while ((word * key % 65537 & 0xFF) != static_cast<std::uint8_t>(c)) ++word;
+    body[size++] = static_cast<std::uint8_t>(word);
+    body[size++] = static_cast<std::uint8_t>(word >> 8);
+  }
+  body[size++] = static_cast<std::uint8_t>(answer.checksum);
+  body[size++] = static_cast<std::uint8_t>(answer.checksum >> 8);
+  return size;
+}
+
+TEST_F(LinkTest, SerialNumberQueryCarriesKeyOfAtLeastTwo) {
+  std::string serial;
+  visa_.Answer(0x8002);
+  EXPECT_EQ(model_.QuerySerialNumber(serial), -32766);
+  const std::string request = Requests().at(0);
+  EXPECT_EQ(request.substr(0, 43), "AA 55 04 00 00 80 04 00 01 20 00 00 | 53 00");
+  const auto key = scripted::FromHex(request.substr(44));
+  EXPECT_GE(key.at(0) + 256 * key.at(1), 2);
+  EXPECT_EQ(Requests().size(), 1U);
+}
+
+TEST_F(LinkTest, SerialNumberIsUnscrambledAndChecked) {
+  // 0xBB3D is the published check value of this CRC-16 ("ARC") for "123456789".
+  struct Case {
+    SerialAnswer answer;
+    Status result;
+  };
+  for (Case row : {Case{{"123456789", 0xBB3D}, 0}, Case{{"123456789", 0xBB3C}, -1},
+                   Case{{"", 0}, 0}, Case{{"", 1}, -1}}) {
+    std::string serial = "old";
+    visa_.control().QueueComputed(&ScrambledSerial, &row.answer);
+    EXPECT_EQ(model_.QuerySerialNumber(serial), row.result) << row.answer.serial;
+    EXPECT_EQ(serial, row.result == 0 ? row.answer.serial : "old");
+  }
+  visa_.Answer(0, "53 00 00");
+  std::string serial;
+  EXPECT_EQ(model_.QuerySerialNumber(serial), -1);
+}
+
+}  // namespace

@@ -1,0 +1,267 @@
+// The power axis: how the instrument's generation is found out, and each generation's forms.
+#include "tests/link/LinkFixture.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+struct VariantCase {
+  const char* name;
+  /// Of the probe's writes in their order; a negative one is followed by a recovery.
+  std::vector<std::uint16_t> statuses;
+  std::vector<std::string> writes;  // probe, then the level itself
+  std::uint32_t variant;
+};
+
+void PrintTo(const VariantCase& row, std::ostream* stream) { *stream << row.name; }
+
+class VariantTest : public LinkTest, public testing::WithParamInterface<VariantCase> {
+ protected:
+  void QueueProbe() {
+    for (const std::uint16_t code : GetParam().statuses) {
+      visa_.Answer(code);
+      if (code >= 0x8000) visa_.Answer(0);
+    }
+  }
+};
+
+TEST_P(VariantTest, ProbesOnceAndThenSpeaksTheVariant) {
+  QueueProbe();
+  LevelSettings settings{.level_control = 1, .atten_mode = 2, .further_1 = 3, .further_2 = 4};
+  double level = -10.5;
+  EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
+  std::vector<std::string> writes = visa_.RequestOrder();
+  std::erase(writes, "1");
+  EXPECT_THAT(writes, ElementsAreArray(GetParam().writes));
+  EXPECT_EQ(model_.power_variant(), GetParam().variant);
+  EXPECT_EQ(level, -10.5);
+
+  visa_.ClearRecord();
+  EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
+  EXPECT_THAT(visa_.RequestOrder(), ElementsAre(GetParam().writes.back()));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Variants, VariantTest,
+    testing::Values(
+        VariantCase{"Five", {0, 0}, {"3:79/62x5", "3:79/62x8", "3:79/62x5"}, 5},
+        VariantCase{"FiveUnusableStaysThree", {0, 2}, {"3:79/62x5", "3:79/62x8", "3:79/62x5"}, 3},
+        VariantCase{"NoticeIsAccepted", {1, 3}, {"3:79/62x5", "3:79/62x8", "3:79/62x5"}, 5},
+        VariantCase{"Three", {0, 0x8003}, {"3:79/62x5", "3:79/62x8", "3:79/62x5"}, 3},
+        VariantCase{
+            "Four", {0x8003, 0, 0}, {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x5"}, 4},
+        VariantCase{"FourUnusableIsTwo",
+                    {0x8003, 0, 2},
+                    {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x5"},
+                    2},
+        VariantCase{"TwoByLongForm",
+                    {0x8003, 0, 0x8003, 0},
+                    {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x7", "3:79/42x5"},
+                    2},
+        VariantCase{"OtherRefusalOfStopFormIsTwo",
+                    {0x8003, 0, 0x8005},
+                    {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x5"},
+                    2},
+        VariantCase{"LongFormRefusedStaysThree",
+                    {0x8003, 0, 0x8003, 0x8003},
+                    {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x7", "3:79/62x5"},
+                    3},
+        VariantCase{"LongFormUnusableStaysThree",
+                    {0x8003, 0, 0x8003, 2},
+                    {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x7", "3:79/62x5"},
+                    3},
+        VariantCase{
+            "One", {0x8003, 0x8003, 0}, {"3:79/62x5", "3:79/42x5", "3:12/21x2", "3:12/42x2"}, 1},
+        VariantCase{"ZeroOnlyAtTheSecondTry",
+                    {0x8003, 0x8003, 0x8003, 0},
+                    {"3:79/62x5", "3:79/42x5", "3:12/21x2", "3:12/21x2", "3:12/21x2"},
+                    0},
+        VariantCase{"NothingAcceptedStaysThree",
+                    {0x8003, 0x8003, 0x8003, 0x8003},
+                    {"3:79/62x5", "3:79/42x5", "3:12/21x2", "3:12/21x2", "3:79/62x5"},
+                    3}),
+    [](const auto& info) { return info.param.name; });
+
+TEST_F(LinkTest, ProbeOfVariantFiveByteForByte) {
+  LevelSettings settings{.level_control = 1, .atten_mode = 2, .further_1 = 3, .further_2 = 4};
+  double level = -10.5;
+  const std::string five =
+      "4F 00 | 00 00 01 00 00 00 | 00 00 02 00 00 00 | 00 00 03 00 00 00 | 00 00 04 00 00 00 |"
+      "00 80 F5 FF FF FF";
+  visa_.Answer(0);
+  visa_.Answer(0);
+  visa_.Answer(0,
+               "4F 00 | 00 00 00 00 00 00 | 00 00 05 00 00 00 | 00 00 06 00 00 00 |"
+               "00 00 07 00 00 00 | 00 00 F6 FF FF FF");
+  EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
+  EXPECT_THAT(Requests(),
+              ElementsAre(WriteRequest(5, 0x62, five),
+                          WriteRequest(
+                              8, 0x62,
+                              five + "| 00 00 01 00 00 00 | 00 00 00 00 00 00 | 00 80 F5 FF FF FF"),
+                          WriteRequest(5, 0x62, five)));
+  EXPECT_EQ(level, -10.0);
+  EXPECT_EQ(settings.level_control, 0U);
+  EXPECT_EQ(settings.atten_mode, 5U);
+  EXPECT_EQ(settings.further_1, 6U);
+  EXPECT_EQ(settings.further_2, 7U);
+}
+
+TEST_F(LinkTest, LostLinkEndsTheProbeWhichIsMadeAgain) {
+  visa_.SetResult(scripted::Function::kRead, 0xBFFF00A6, 1);
+  LevelSettings settings;
+  double level = 0;
+  EXPECT_EQ(model_.SetOutputLevel(settings, level), scripted::kConnectionLost);
+  EXPECT_EQ(Requests().size(), 1U);
+  visa_.control().Reset();
+  EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
+  EXPECT_EQ(Requests().size(), 3U);
+}
+
+// --- Levels and sweeps by variant
+// ----------------------------------------------------------------------
+
+struct SweepCase {
+  std::uint32_t variant;
+  std::vector<std::uint16_t> statuses;
+  std::string request;
+  const char* answer;
+  double stop;
+};
+
+void PrintTo(const SweepCase& row, std::ostream* stream) { *stream << row.variant; }
+
+class PowerSweepTest : public LinkTest, public testing::WithParamInterface<SweepCase> {};
+
+TEST_P(PowerSweepTest, UsesItsForm) {
+  LevelSettings settings{.level_control = 1, .atten_mode = 2, .further_1 = 0, .further_2 = 0};
+  double start = -60;
+  for (const std::uint16_t code : GetParam().statuses) {
+    visa_.Answer(code);
+    if (code >= 0x8000) visa_.Answer(0);
+  }
+  ASSERT_EQ(model_.SetOutputLevel(settings, start), 0);
+  ASSERT_EQ(model_.power_variant(), GetParam().variant);
+  visa_.ClearRecord();
+  double stop = -50;
+  double step = 2.5;
+  visa_.Answer(0, GetParam().answer);
+  EXPECT_EQ(model_.SetPowerSweep(settings, start, stop, step), 0);
+  EXPECT_THAT(Requests(), ElementsAre(GetParam().request));
+  EXPECT_THAT((std::vector<double>{start, stop, step}), ElementsAre(-59, GetParam().stop, 2));
+}
+
+constexpr const char* kAnswer42 =
+    "4F 00 | 00 00 01 00 | 00 00 02 00 | 00 00 00 00 | 00 00 00 00 | 00 00 C5 FF | 00 00 03 00 |"
+    "00 00 02 00 | 00 00 CE FF";
+constexpr const char* kAnswer62 =
+    "4F 00 | 00 00 01 00 00 00 | 00 00 02 00 00 00 | 00 00 00 00 00 00 | 00 00 00 00 00 00 |"
+    "00 00 C5 FF FF FF | 00 00 03 00 00 00 | 00 00 02 00 00 00 | 00 00 CE FF FF FF";
+constexpr const char* kSweep42 =
+    "4F 00 | 00 00 01 00 | 00 00 02 00 | 00 00 00 00 | 00 00 00 00 | 00 00 C4 FF | 00 00 05 00 |"
+    "00 80 02 00";
+constexpr const char* kSweep62 =
+    "4F 00 | 00 00 01 00 00 00 | 00 00 02 00 00 00 | 00 00 00 00 00 00 | 00 00 00 00 00 00 |"
+    "00 00 C4 FF FF FF | 00 00 05 00 00 00 | 00 80 02 00 00 00";
+
+INSTANTIATE_TEST_SUITE_P(
+    ByVariant, PowerSweepTest,
+    testing::Values(
+        SweepCase{
+            1,
+            {0x8003, 0x8003, 0},
+            WriteRequest(4, 0x42, "0C 00 | 00 00 01 00 | 00 00 C4 FF | 00 00 05 00 | 00 80 02 00"),
+            "0C 00 | 00 00 01 00 | 00 00 C5 FF | 00 00 03 00 | 00 00 02 00",
+            -55},
+        SweepCase{2, {0x8003, 0, 0x8005}, WriteRequest(7, 0x42, kSweep42), kAnswer42, -55},
+        SweepCase{3, {0, 0x8003}, WriteRequest(7, 0x62, kSweep62), kAnswer62, -55},
+        SweepCase{4,
+                  {0x8003, 0, 0},
+                  WriteRequest(8, 0x42, std::string(kSweep42) + "| 00 00 CE FF"),
+                  kAnswer42,
+                  -50},
+        SweepCase{5,
+                  {0, 0},
+                  WriteRequest(8, 0x62, std::string(kSweep62) + "| 00 00 CE FF FF FF"),
+                  kAnswer62,
+                  -50}));
+
+TEST_F(LinkTest, VariantZeroHasNoPowerSweep) {
+  for (const std::uint16_t code : {0x8003, 0, 0x8003, 0, 0x8003, 0, 0}) visa_.Answer(code);
+  LevelSettings settings;
+  double start = -60;
+  double stop = -50;
+  double step = 1;
+  ASSERT_EQ(model_.SetOutputLevel(settings, start), 0);
+  visa_.ClearRecord();
+  EXPECT_EQ(model_.SetPowerSweep(settings, start, stop, step), -1);
+  EXPECT_TRUE(Requests().empty());
+}
+
+TEST_F(LinkTest, DownwardPowerSweepTakesNegativeStepAndCountIsBounded) {
+  struct Case {
+    double start, stop, step;
+    const char* points_and_step;
+  };
+  for (const Case& row : {Case{-50, -60, 1, "00 00 0B 00 00 00 00 00 FF FF FF FF"},
+                          Case{-50, -60, -1, "00 00 0B 00 00 00 00 00 FF FF FF FF"},
+                          Case{-60, -50, 0, "00 00 01 00 00 00 00 00 00 00 00 00"},
+                          Case{-60, -50, 1e-9, "00 00 FF 7F 00 00 00 00 00 00 00 00"}}) {
+    visa_.ClearRecord();
+    LevelSettings settings;
+    double start = row.start;
+    double stop = row.stop;
+    double step = row.step;
+    EXPECT_EQ(model_.SetPowerSweep(settings, start, stop, step), 0);
+    const auto body = scripted::FromHex(Requests().at(0).substr(38));
+    EXPECT_EQ(scripted::ToHex(std::span(body).subspan(32, 12)),
+              scripted::ToHex(scripted::FromHex(row.points_and_step)));
+  }
+}
+
+// --- The state at connection
+// ---------------------------------------------------------------------------
+
+TEST_F(LinkTest, OutputStateTriesOlderFormsUntilOneIsKnown) {
+  struct Case {
+    std::vector<std::uint16_t> statuses;
+    const char* body;
+    std::vector<std::string> order;
+    Status result;
+    double level;
+  };
+  const Case rows[] = {
+      {{0x8003, 0},
+       "4F 00 | 00 00 01 00 | 00 00 02 00 | 00 00 00 00 | 00 00 00 00 | 00 00 C4 FF",
+       {"4:79/62x5", "1", "4:79/42x5"},
+       0,
+       -60},
+      {{0x8002, 0x8003, 6},
+       "0C 00 | 00 01 | 80 C4",
+       {"4:79/62x5", "1", "4:79/42x5", "1", "4:12/21x2"},
+       6,
+       -59.5},
+      {{0x8003, 0x8003, 0x8003},
+       "",
+       {"4:79/62x5", "1", "4:79/42x5", "1", "4:12/21x2", "1"},
+       -32765,
+       99},
+      {{0x8003, 0x8005}, "", {"4:79/62x5", "1", "4:79/42x5", "1"}, -32763, 99},
+  };
+  for (const Case& row : rows) {
+    visa_.ClearRecord();
+    for (const std::uint16_t code : row.statuses) {
+      visa_.Answer(code, code >= 0x8000 ? "" : row.body);
+      if (code >= 0x8000) visa_.Answer(0);
+    }
+    LevelSettings settings;
+    double level = 99;
+    EXPECT_EQ(model_.ReadOutputState(settings, level), row.result);
+    EXPECT_THAT(visa_.RequestOrder(), ElementsAreArray(row.order));
+    EXPECT_EQ(level, row.level);
+    EXPECT_EQ(settings.level_control, row.result < 0 ? 0U : 1U);
+  }
+}
+
+}  // namespace

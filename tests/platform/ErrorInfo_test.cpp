@@ -1,0 +1,107 @@
+// Error information: the same on every system.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+
+#include "platform/com/Com.h"
+#include "platform/com/Raii.h"
+#include "tests/platform/Counted.h"
+
+namespace {
+
+constexpr GUID kGuid = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
+
+HRESULT SetDescription(const OLECHAR* description) {
+  ComPtr<ICreateErrorInfo> info;
+  os::WideString text = description;
+  if (FAILED(CreateErrorInfo(info.Put()))) return E_FAIL;
+  info->SetGUID(kGuid);
+  info->SetDescription(text.data());
+  return SetErrorInfo(0, info.As<IErrorInfo>().Get());
+}
+
+/// The thread's description, which goes with it; "none" when it has none.
+os::WideString TakeDescription() {
+  ComPtr<IErrorInfo> info;
+  if (GetErrorInfo(0, info.Put()) != S_OK) return OLESTR("none");
+  Bstr text;
+  info->GetDescription(text.Put());
+  return os::WideString(text.View());
+}
+
+TEST(ErrorInfo, IsTakenOnce) {
+  ASSERT_EQ(SetDescription(OLESTR("first")), S_OK);
+  EXPECT_EQ(TakeDescription(), OLESTR("first"));
+  IErrorInfo* info = nullptr;
+  EXPECT_EQ(GetErrorInfo(0, &info), S_FALSE);
+  EXPECT_EQ(info, nullptr);
+}
+
+TEST(ErrorInfo, EachThreadHasItsOwn) {
+  ASSERT_EQ(SetDescription(OLESTR("here")), S_OK);
+  os::WideString there;
+  os::WideString there_after;
+  std::thread([&] {
+    there = TakeDescription();
+    SetDescription(OLESTR("there"));
+    there_after = TakeDescription();
+  }).join();
+  EXPECT_EQ(there, OLESTR("none"));
+  EXPECT_EQ(there_after, OLESTR("there"));
+  EXPECT_EQ(TakeDescription(), OLESTR("here"));
+}
+
+TEST(ErrorInfo, LaterOneReplacesEarlier) {
+  Counted first;
+  Counted second;
+  SetErrorInfo(0, &first);
+  EXPECT_EQ(first.references, 2U);
+  SetErrorInfo(0, &second);
+  EXPECT_EQ(first.references, 1U);
+  EXPECT_EQ(second.references, 2U);
+  SetErrorInfo(0, nullptr);
+  EXPECT_EQ(second.references, 1U);
+  EXPECT_EQ(TakeDescription(), OLESTR("none"));
+}
+
+TEST(ErrorInfo, ReferenceGoesToTheTaker) {
+  Counted object;
+  SetErrorInfo(0, &object);
+  IErrorInfo* taken = nullptr;
+  EXPECT_EQ(GetErrorInfo(0, &taken), S_OK);
+  EXPECT_EQ(taken, &object);
+  EXPECT_EQ(object.references, 2U);
+}
+
+TEST(ErrorInfo, KeepsWhatWasSet) {
+  ComPtr<ICreateErrorInfo> creator;
+  ASSERT_EQ(CreateErrorInfo(creator.Put()), S_OK);
+  OLECHAR source[] = OLESTR("Library.Class.1");
+  creator->SetGUID(kGuid);
+  creator->SetSource(source);
+  creator->SetHelpContext(7);
+  const auto info = creator.As<IErrorInfo>();
+  ASSERT_TRUE(info);
+  GUID guid = {};
+  DWORD help_context = 0;
+  Bstr text;
+  Bstr description;
+  EXPECT_EQ(info->GetGUID(&guid), S_OK);
+  EXPECT_TRUE(IsEqualGUID(guid, kGuid));
+  EXPECT_EQ(info->GetSource(text.Put()), S_OK);
+  EXPECT_EQ(text.View(), source);
+  EXPECT_EQ(info->GetDescription(description.Put()), S_OK);
+  EXPECT_EQ(description.Get(), nullptr);
+  EXPECT_EQ(info->GetHelpContext(&help_context), S_OK);
+  EXPECT_EQ(help_context, 7U);
+}
+
+TEST(ErrorInfo, BadArgumentsAreRefused) {
+  IErrorInfo* info = nullptr;
+  EXPECT_EQ(GetErrorInfo(0, nullptr), E_INVALIDARG);
+  EXPECT_EQ(GetErrorInfo(1, &info), E_INVALIDARG);
+  EXPECT_EQ(SetErrorInfo(1, nullptr), E_INVALIDARG);
+}
+
+}  // namespace

@@ -1,0 +1,122 @@
+// The registry's file, and its merged view of classes.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "tests/platform/RegistryFixture.h"
+
+namespace {
+
+const std::u16string kUser = u"Software\\Classes\\";
+const std::u16string kMachine = u"Software\\Classes\\";
+
+class MergedRegistry : public RegistryTest {
+ protected:
+  [[nodiscard]] std::string FileText() const {
+    std::ifstream file(File(), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  void WriteFile(const std::string& text) const {
+    std::filesystem::create_directories(File().parent_path());
+    std::ofstream(File(), std::ios::binary) << text;
+  }
+};
+
+TEST_F(MergedRegistry, FileIsReadableText) {
+  const Key key(HKEY_CURRENT_USER, u"Software\\Classes\\Lib.Class");
+  SetText(key.Get(), nullptr, u"Lib \u0414 \"Class\"");
+  SetText(key.Get(), u"Path", u"C:\\x\n");
+  EXPECT_EQ(FileText(),
+            "Zentrel registry 1\n"
+            "\n[HKEY_CURRENT_USER]\n"
+            "\n[HKEY_CURRENT_USER\\Software]\n"
+            "\n[HKEY_CURRENT_USER\\Software\\Classes]\n"
+            "\n[HKEY_CURRENT_USER\\Software\\Classes\\Lib.Class]\n"
+            "@=\"Lib \xD0\x94 \\\"Class\\\"\"\n"
+            "\"Path\"=\"C:\\\\x\\n\"\n");
+}
+
+TEST_F(MergedRegistry, FileThatIsNoRegistryIsNeitherReadNorOverwritten) {
+  for (const char* text : {"something else\n", "Zentrel registry 1\n@=\"no key\"\n",
+                           "Zentrel registry 1\n[HKEY_CURRENT_USER]\n\"a\"=\"open\n",
+                           "Zentrel registry 1\n[HKEY_CURRENT_USER]\nword\n"}) {
+    WriteFile(text);
+    EXPECT_EQ(Key(HKEY_CURRENT_USER, u"Software").Result(), ERROR_BADDB) << text;
+    HKEY key = nullptr;
+    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Software", 0, KEY_READ, &key), ERROR_BADDB)
+        << text;
+    EXPECT_EQ(FileText(), text);
+  }
+}
+
+TEST_F(MergedRegistry, FileThatCannotBeWrittenIsReported) {
+  setenv("ZENTREL_REGISTRY", "/proc/no-such-folder/registry", 1);
+  EXPECT_EQ(Key(HKEY_CURRENT_USER, u"Software").Result(), ERROR_WRITE_FAULT);
+}
+
+TEST_F(MergedRegistry, KeyNameWithALineBreakIsRefused) {
+  EXPECT_EQ(Key(HKEY_CURRENT_USER, u"A\n[B]").Result(), ERROR_INVALID_PARAMETER);
+}
+
+TEST_F(MergedRegistry, UsersClassesComeBeforeTheMachines) {
+  const Key machine(HKEY_LOCAL_MACHINE, kMachine + u"Lib.Class");
+  SetText(machine.Get(), nullptr, u"machine");
+  SetText(machine.Get(), u"Only", u"machine only");
+  const Key user(HKEY_CURRENT_USER, kUser + u"LIB.class");
+  SetText(user.Get(), nullptr, u"user");
+  const Key merged(HKEY_CLASSES_ROOT, u"Lib.Class");
+  EXPECT_EQ(merged.Disposition(), REG_OPENED_EXISTING_KEY);
+  EXPECT_EQ(TextOf(merged.Get(), nullptr), u"user");
+  EXPECT_EQ(TextOf(merged.Get(), u"Only"), u"machine only");
+}
+
+TEST_F(MergedRegistry, NewClassesAreTheMachinesUnlessBelowAUsersKey) {
+  const Key user(HKEY_CURRENT_USER, kUser + u"Users");
+  const Key fresh(HKEY_CLASSES_ROOT, u"Fresh\\CLSID");
+  const Key below(HKEY_CLASSES_ROOT, u"Users\\CLSID");
+  EXPECT_TRUE(KeyExists(HKEY_LOCAL_MACHINE, (kMachine + u"Fresh\\CLSID").c_str()));
+  EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, (kUser + u"Fresh").c_str()));
+  EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, (kUser + u"Users\\CLSID").c_str()));
+}
+
+TEST_F(MergedRegistry, ViewListsEachNameOnce) {
+  const Key machine(HKEY_LOCAL_MACHINE, kMachine + u"Both");
+  const Key other(HKEY_LOCAL_MACHINE, kMachine + u"Other");
+  const Key user(HKEY_CURRENT_USER, kUser + u"BOTH");
+  WCHAR name[10] = {};
+  DWORD length = 10;
+  EXPECT_EQ(RegEnumKeyExW(HKEY_CLASSES_ROOT, 1, name, &length, nullptr, nullptr, nullptr, nullptr),
+            ERROR_SUCCESS);
+  EXPECT_EQ(std::u16string(name), u"Other");
+  length = 10;
+  EXPECT_EQ(RegEnumKeyExW(HKEY_CLASSES_ROOT, 2, name, &length, nullptr, nullptr, nullptr, nullptr),
+            ERROR_NO_MORE_ITEMS);
+}
+
+TEST_F(MergedRegistry, NoChangeOfTwoProcessesIsLost) {
+  constexpr int kKeys = 60;
+  const auto add_keys = [](char16_t prefix) {
+    for (int i = 0; i < kKeys; ++i) {
+      const std::u16string name = prefix + os::ToWide(std::to_string(i), os::kUtf8CodePage);
+      if (Key(HKEY_CURRENT_USER, name).Result() != ERROR_SUCCESS) return false;
+    }
+    return true;
+  };
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) _exit(add_keys(u'c') ? 0 : 1);
+  EXPECT_TRUE(add_keys(u'p'));
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  for (const char16_t prefix : {u'c', u'p'}) {
+    for (int i = 0; i < kKeys; ++i) {
+      const std::u16string name = prefix + os::ToWide(std::to_string(i), os::kUtf8CodePage);
+      EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, name.c_str())) << prefix << i;
+    }
+  }
+}
+
+}  // namespace

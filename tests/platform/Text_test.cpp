@@ -1,0 +1,131 @@
+#include "platform/os/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <ostream>
+
+#include "platform/com/Com.h"
+
+namespace {
+
+using os::kCyrillicCodePage;
+using os::kUtf8CodePage;
+using os::kWesternCodePage;
+
+std::string Hex(std::string_view bytes) {
+  std::string hex;
+  for (const char byte : bytes) {
+    char digits[4];
+    std::snprintf(digits, sizeof digits, "%02X ", static_cast<unsigned char>(byte));
+    hex += digits;
+  }
+  return hex;
+}
+
+std::string Hex(os::WideView text) {
+  std::string hex;
+  for (const os::WideChar unit : text) {
+    char digits[8];
+    std::snprintf(digits, sizeof digits, "%04X ", static_cast<unsigned>(unit));
+    hex += digits;
+  }
+  return hex;
+}
+
+struct Case {
+  const char* name;
+  os::CodePage code_page;
+  os::WideString wide;
+  std::string narrow;
+};
+
+std::string NameOf(const testing::TestParamInfo<Case>& info) { return info.param.name; }
+
+void PrintTo(const Case& test, std::ostream* out) { *out << test.name; }
+
+// Surrogates cannot be written in literals.
+os::WideString Units(std::initializer_list<unsigned> units) {
+  os::WideString text;
+  for (const unsigned unit : units) text += static_cast<os::WideChar>(unit);
+  return text;
+}
+
+using namespace std::string_literals;
+
+const Case kBothWays[] = {
+    {"EmptyText", kWesternCodePage, {}, ""},
+    {"EmbeddedZeroEndsText", kUtf8CodePage, Units({'a', 0, 'b'}), "a\0b"s},
+    {"WesternEuroSign", kWesternCodePage, OLESTR("\u20AC"), "\x80"},
+    {"WesternEnDash", kWesternCodePage, OLESTR("\u2013"), "\x96"},
+    {"WesternLetter", kWesternCodePage, OLESTR("\u00FC"), "\xFC"},
+    {"WesternUndefinedByte", kWesternCodePage, Units({0x81}), "\x81"},
+    {"CyrillicWord", kCyrillicCodePage, OLESTR("\u0414\u0430\u043D\u043D\u044B\u0435"),
+     "\xC4\xE0\xED\xED\xFB\xE5"},
+    {"CyrillicYo", kCyrillicCodePage, OLESTR("\u0401\u0451"), "\xA8\xB8"},
+    {"CyrillicUndefinedByte", kCyrillicCodePage, Units({0x98}), "\x98"},
+    {"Utf8TwoBytes", kUtf8CodePage, OLESTR("\u0414"), "\xD0\x94"},
+    {"Utf8ThreeBytes", kUtf8CodePage, OLESTR("\u20AC"), "\xE2\x82\xAC"},
+    {"Utf8SurrogatePair", kUtf8CodePage, Units({0xD83D, 0xDE00}), "\xF0\x9F\x98\x80"},
+    {"Utf8LastCharacter", kUtf8CodePage, Units({0xDBFF, 0xDFFF}), "\xF4\x8F\xBF\xBF"},
+    {"Utf8ReplacementIsACharacter", kUtf8CodePage, Units({0xFFFD}), "\xEF\xBF\xBD"},
+};
+
+const Case kToNarrowOnly[] = {
+    {"WesternLacksCyrillic", kWesternCodePage, OLESTR("a\u0414b"), "a?b"},
+    {"WesternNoBestFit", kWesternCodePage, OLESTR("\u0101\uFF21"), "??"},
+    {"CyrillicLacksUmlaut", kCyrillicCodePage, OLESTR("\u00FC"), "?"},
+    {"WesternUnpairedSurrogate", kWesternCodePage, Units({'a', 0xD800, 'b'}), "a?b"},
+    {"Utf8HighSurrogateAlone", kUtf8CodePage, Units({'a', 0xD800, 'b'}), "a?b"},
+    {"Utf8LowSurrogateAlone", kUtf8CodePage, Units({0xDC00, 'b'}), "?b"},
+    {"Utf8HighSurrogateAtEnd", kUtf8CodePage, Units({'a', 0xDBFF}), "a?"},
+    {"Utf8SurrogatesInWrongOrder", kUtf8CodePage, Units({0xDC00, 0xD800}), "??"},
+};
+
+const Case kToWideOnly[] = {
+    {"LoneContinuation", kUtf8CodePage, Units({'a', 0xFFFD, 'b'}),
+     "a\x80"
+     "b"},
+    {"TruncatedAtEnd", kUtf8CodePage, Units({0xFFFD}), "\xE2\x82"},
+    {"TruncatedBeforeLetter", kUtf8CodePage, Units({0xFFFD, 'A'}),
+     "\xE2\x82"
+     "A"},
+    {"OverlongSlash", kUtf8CodePage, Units({0xFFFD, 0xFFFD}), "\xC0\xAF"},
+    {"EncodedSurrogate", kUtf8CodePage, Units({0xFFFD, 0xFFFD, 0xFFFD}), "\xED\xA0\x80"},
+    {"AboveLastCharacter", kUtf8CodePage, Units({0xFFFD, 0xFFFD, 0xFFFD, 0xFFFD}),
+     "\xF4\x90\x80\x80"},
+    {"ByteThatNeverOccurs", kUtf8CodePage, Units({0xFFFD}), "\xFF"},
+};
+
+class BothWays : public testing::TestWithParam<Case> {};
+class ToNarrowOnly : public testing::TestWithParam<Case> {};
+class ToWideOnly : public testing::TestWithParam<Case> {};
+
+TEST_P(BothWays, Converts) {
+  const Case& test = GetParam();
+  EXPECT_EQ(Hex(os::ToNarrow(test.wide, test.code_page)), Hex(test.narrow));
+  EXPECT_EQ(Hex(os::ToWide(test.narrow, test.code_page)), Hex(test.wide));
+}
+INSTANTIATE_TEST_SUITE_P(Text, BothWays, testing::ValuesIn(kBothWays), NameOf);
+
+TEST_P(ToNarrowOnly, Converts) {
+  const Case& test = GetParam();
+  EXPECT_EQ(Hex(os::ToNarrow(test.wide, test.code_page)), Hex(test.narrow));
+}
+INSTANTIATE_TEST_SUITE_P(Text, ToNarrowOnly, testing::ValuesIn(kToNarrowOnly), NameOf);
+
+TEST_P(ToWideOnly, Converts) {
+  const Case& test = GetParam();
+  EXPECT_EQ(Hex(os::ToWide(test.narrow, test.code_page)), Hex(test.wide));
+}
+INSTANTIATE_TEST_SUITE_P(Text, ToWideOnly, testing::ValuesIn(kToWideOnly), NameOf);
+
+TEST(Text, NoByteOfASingleByteCodePageIsLost) {
+  std::string all;
+  for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
+  for (const os::CodePage code_page : {kWesternCodePage, kCyrillicCodePage}) {
+    EXPECT_EQ(Hex(os::ToNarrow(os::ToWide(all, code_page), code_page)), Hex(all)) << code_page;
+  }
+}
+
+}  // namespace
