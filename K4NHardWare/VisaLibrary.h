@@ -59,14 +59,33 @@ class EntryPointBase {
 
 /// The slot of one function of VISA, called like the function.
 template <typename Signature>
-class EntryPoint final : public EntryPointBase {
+class EntryPoint;
+
+template <typename Result, typename... Arguments>
+class EntryPoint<Result(Arguments...)> final : public EntryPointBase {
+  using Signature = Result(Arguments...);
+
  public:
   EntryPoint(std::vector<EntryPointBase*>& table, const char* name)
       : EntryPointBase(table, name, reinterpret_cast<Address>(&StandBy<Signature>::Call)) {}
 
-  template <typename... Arguments>
-  auto operator()(Arguments... arguments) const {
+  Result operator()(Arguments... arguments) const {
     return reinterpret_cast<Signature*>(address())(arguments...);
+  }
+};
+
+/// The same for a function with further arguments of any kind.
+template <typename Result, typename... Arguments>
+class EntryPoint<Result(Arguments..., ...)> final : public EntryPointBase {
+  using Signature = Result(Arguments..., ...);
+
+ public:
+  EntryPoint(std::vector<EntryPointBase*>& table, const char* name)
+      : EntryPointBase(table, name, reinterpret_cast<Address>(&StandBy<Signature>::Call)) {}
+
+  template <typename... Further>
+  Result operator()(Arguments... arguments, Further... further) const {
+    return reinterpret_cast<Signature*>(address())(arguments..., further...);
   }
 };
 

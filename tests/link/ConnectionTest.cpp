@@ -104,7 +104,7 @@ INSTANTIATE_TEST_SUITE_P(
                  {"3:0/60x4", "3:0/60x3", "3:0/40x3"},
                  0,
                  0}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST_F(LinkTest, NarrowProbeAsksForItsLargestSpan) {
   visa_.Rule(3, 0, 0x8003, 0x60);
@@ -283,7 +283,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
         SweepCase{"TinyStepDoesNotOverflowTheCount", 1e9, 2e9, 1e-300,
                   "00 CA 9A 3B 00 00 | FF FF FF 7F 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST_F(LinkTest, WideAndNarrowSweepsComputeTheirStop) {
   struct Case {

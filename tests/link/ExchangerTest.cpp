@@ -94,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(
         FailureCase{"Silence", "", scripted::kTimeout},
         FailureCase{"LongerThanAnyBuffer",
                     "AA 55 03 00 00 00 FF FF 00 00 00 00 01 00 00 00 01 02 03", kViolation}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST_F(ExchangerTest, OverlongAnswerIsDroppedAndTheNextExchangeWorks) {
   visa_.AnswerRaw(

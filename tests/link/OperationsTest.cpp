@@ -281,7 +281,7 @@ TEST_P(OperationTest, ReturnsLostLinkWithoutRecovering) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Settings, OperationTest, testing::ValuesIn(SettingOperations()),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_F(LinkTest, NoticeOfAWriteIsZeroAndStaysInTheParameter) {
   HardWareParametr parameter({.identifier = 4, .element_count = 1, .element_size = 1});
@@ -359,7 +359,7 @@ INSTANTIATE_TEST_SUITE_P(
                     StateCase{"LevelSettled", &D3THardWare::ReadLevelState, 0, 0, true},
                     StateCase{"LevelNotice", &D3THardWare::ReadLevelState, 5, 5, true},
                     StateCase{"LevelNotSettled", &D3THardWare::ReadLevelState, 6, 0, false}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST_F(LinkTest, StatusTextComesFromTheLibrary) {
   std::string text;

@@ -81,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
                     {0x8003, 0x8003, 0x8003, 0x8003},
                     {"3:79/62x5", "3:79/42x5", "3:12/21x2", "3:12/21x2", "3:79/62x5"},
                     3}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST_F(LinkTest, ProbeOfVariantFiveByteForByte) {
   LevelSettings settings{.level_control = 1, .atten_mode = 2, .further_1 = 3, .further_2 = 4};
@@ -188,7 +188,9 @@ INSTANTIATE_TEST_SUITE_P(
                   -50}));
 
 TEST_F(LinkTest, VariantZeroHasNoPowerSweep) {
-  for (const std::uint16_t code : {0x8003, 0, 0x8003, 0, 0x8003, 0, 0}) visa_.Answer(code);
+  for (const int code : {0x8003, 0, 0x8003, 0, 0x8003, 0, 0}) {
+    visa_.Answer(static_cast<std::uint16_t>(code));
+  }
   LevelSettings settings;
   double start = -60;
   double stop = -50;

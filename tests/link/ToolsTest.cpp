@@ -54,7 +54,7 @@ INSTANTIATE_TEST_SUITE_P(
         CodecCase{"TooLargeForSignedIsCut", 2, 0, true, 32768, "00 80", -32768},
         CodecCase{"BeyondSixtyFourBits", 4, 0, false, 1e300, "00 00 00 00", 0},
         CodecCase{"NotANumber", 4, 2, true, std::nan(""), "00 00 00 00", 0}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST(HardWareParametrTest, HeaderBytesOfLayouts) {
   const HardWareParametr wide(

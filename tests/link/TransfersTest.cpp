@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ListCase{"ThreeFrequencyMessages", ListAxis::kFrequency, 400, {165, 165, 70}},
                     ListCase{"FullPowerMessage", ListAxis::kPower, 245, {245}},
                     ListCase{"OnePowerMore", ListAxis::kPower, 246, {245, 1}}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST_F(LinkTest, RefusedChunkEndsTheListAndKeepsWhatWasCorrected) {
   std::vector<double> values(400, 10.0);

@@ -114,7 +114,7 @@ TEST_F(MergedRegistry, NoChangeOfTwoProcessesIsLost) {
   for (const char16_t prefix : {u'c', u'p'}) {
     for (int i = 0; i < kKeys; ++i) {
       const std::u16string name = prefix + os::ToWide(std::to_string(i), os::kUtf8CodePage);
-      EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, name.c_str())) << prefix << i;
+      EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, name.c_str())) << static_cast<char>(prefix) << i;
     }
   }
 }

@@ -215,7 +215,7 @@ TEST(Instrument, PlanFollowsDwellAndTrigger) {
 
 TEST(Instrument, UnknownCommandsAreRefusedAndRecoveryIsNot) {
   Instrument instrument{Options{}};
-  for (const std::uint16_t command : {0, 1}) {
+  for (const std::uint16_t command : {std::uint16_t{0}, std::uint16_t{1}}) {
     Message request;
     request.command = command;
     EXPECT_EQ(instrument.Execute(request).status, 0) << command;

@@ -94,8 +94,8 @@ TEST(Elements, FixedPointBothWays) {
 }
 
 TEST(Elements, TypeCodesWithoutAMeaningAreRefused) {
-  for (const std::uint8_t type : {0x00, 0x01, 0x11, 0x43, 0x90, 0xFF}) {
-    EXPECT_FALSE(ElementFormat::FromType(type, false)) << static_cast<unsigned>(type);
+  for (const unsigned code : {0x00, 0x01, 0x11, 0x43, 0x90, 0xFF}) {
+    EXPECT_FALSE(ElementFormat::FromType(static_cast<std::uint8_t>(code), false)) << code;
   }
 }
 
