@@ -276,7 +276,7 @@ INSTANTIATE_TEST_SUITE_P(
         SweepCase{"Downward", 2e9, 1e9, -1e8,
                   "00 94 35 77 00 00 | 0B 00 00 00 00 00 | 00 1F 0A FA FF FF | 00 CA 9A 3B 00 00"},
         SweepCase{"DownwardWithUpwardStepHasNoPoints", 2e9, 1e9, 1e8,
-                  "00 94 35 77 00 00 | F7 FF FF FF FF FF | 00 00 00 00 00 00 | 00 CA 9A 3B 00 00"},
+                  "00 94 35 77 00 00 | F8 FF FF FF FF FF | 00 00 00 00 00 00 | 00 CA 9A 3B 00 00"},
         SweepCase{"LimitsClamp", -5, 1e12, 1e12,
                   "80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00"},
         SweepCase{"FractionsOfHertzAreCut", 1e9 + 0.7, 2e9, 1e8,

@@ -64,7 +64,7 @@ TEST(Settings, OlderInstrumentsRefuseNewerFrequencyCommands) {
   Check(narrow, {{"four elements", 4, 0x60, kProbe, "0x8003"},
                  {"three wide", 3, 0x60, three, "0x8003"},
                  {"narrow: 10 MHz, step 3.991 GHz", 3, 0x40, small,
-                  "00 00 80 96 98 00 02 00 00 00 C0 3B E2 ED"}});
+                  "00 00 80 96 98 00 02 00 00 00 C0 D3 E1 ED"}});
 }
 
 TEST(Settings, AFrequencySweepIsCutToTheLimitsAndToOneBlock) {
@@ -218,7 +218,7 @@ TEST(Settings, SmallSettingsAnswerWithWhatWasSet) {
                     {"dwell in steps of 100 ns", 2, 0x40, "05 00 00 00 00 00 7B 00 00 00",
                      "05 00 00 00 00 00 64 00 00 00"},
                     {"longest dwell", 2, 0x40, "05 00 00 00 00 00 FF FF FF FF",
-                     "05 00 00 00 00 00 9C FF FF FF"},
+                     "05 00 00 00 00 00 A0 FF FF FF"},
                     {"feature mask", 1, 0x20, "17 00 FB FF", "17 00 FB FF"},
                     {"reference too low", 2, 0x40, "11 00 01 00 00 00 01 00 00 00",
                      "11 00 01 00 00 00 40 42 0F 00"},
