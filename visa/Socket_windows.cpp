@@ -98,7 +98,7 @@ ViStatus WaitConnected(SOCKET handle, Deadline& deadline) {
   FD_SET(handle, &connected);
   FD_SET(handle, &failed);
   const int remaining = deadline.Remaining();
-  const timeval limit = {remaining / 1000, remaining % 1000 * 1000};
+  timeval limit = {remaining / 1000, remaining % 1000 * 1000};
   const int ready = select(0, nullptr, &connected, &failed, remaining < 0 ? nullptr : &limit);
   if (ready == 0) return VI_ERROR_TMO;
   if (ready < 0) return VI_ERROR_RSRC_NFOUND;
