@@ -36,19 +36,80 @@ inline constexpr ViAccessMode VI_EXCLUSIVE_LOCK = 1;
 inline constexpr ViAccessMode VI_SHARED_LOCK = 2;
 inline constexpr ViAccessMode VI_LOAD_CONFIG = 4;
 
-inline constexpr ViAttr VI_ATTR_TMO_VALUE = 0x3FFF001A;  ///< milliseconds
+// Time-outs, in milliseconds.
+inline constexpr ViUInt32 VI_TMO_IMMEDIATE = 0;
+inline constexpr ViUInt32 VI_TMO_INFINITE = 0xFFFFFFFF;
 
-// Statuses that clients test.
+/// The interface type of TCP/IP resources.
+inline constexpr ViUInt16 VI_INTF_TCPIP = 6;
+/// The buffers that clients give for texts have this many bytes.
+inline constexpr ViUInt32 VI_FIND_BUFLEN = 256;
+
+// Attributes: the width in bits, or text.
+inline constexpr ViAttr VI_ATTR_RSRC_CLASS = 0xBFFF0001;         // text
+inline constexpr ViAttr VI_ATTR_RSRC_NAME = 0xBFFF0002;          // text
+inline constexpr ViAttr VI_ATTR_RSRC_IMPL_VERSION = 0x3FFF0003;  // 32: major 12, minor 12, sub 8
+inline constexpr ViAttr VI_ATTR_RSRC_LOCK_STATE = 0x3FFF0004;    // 32: 0, or a lock type
+inline constexpr ViAttr VI_ATTR_MAX_QUEUE_LENGTH = 0x3FFF0005;   // 32
+inline constexpr ViAttr VI_ATTR_USER_DATA_32 = 0x3FFF0007;       // 32
+inline constexpr ViAttr VI_ATTR_USER_DATA = 0x3FFF000A;          // 64
+inline constexpr ViAttr VI_ATTR_SEND_END_EN = 0x3FFF0016;        // 16
+inline constexpr ViAttr VI_ATTR_TERMCHAR = 0x3FFF0018;           // 8
+inline constexpr ViAttr VI_ATTR_TMO_VALUE = 0x3FFF001A;          // 32: milliseconds
+inline constexpr ViAttr VI_ATTR_IO_PROT = 0x3FFF001C;            // 16
+inline constexpr ViAttr VI_ATTR_DMA_ALLOW_EN = 0x3FFF001E;       // 16
+inline constexpr ViAttr VI_ATTR_RD_BUF_OPER_MODE = 0x3FFF002A;   // 16
+inline constexpr ViAttr VI_ATTR_RD_BUF_SIZE = 0x3FFF002B;        // 32: bytes
+inline constexpr ViAttr VI_ATTR_WR_BUF_OPER_MODE = 0x3FFF002D;   // 16
+inline constexpr ViAttr VI_ATTR_WR_BUF_SIZE = 0x3FFF002E;        // 32: bytes
+inline constexpr ViAttr VI_ATTR_SUPPRESS_END_EN = 0x3FFF0036;    // 16
+inline constexpr ViAttr VI_ATTR_TERMCHAR_EN = 0x3FFF0038;        // 16
+inline constexpr ViAttr VI_ATTR_RM_SESSION = 0x3FFF00C4;         // 32
+inline constexpr ViAttr VI_ATTR_INTF_INST_NAME = 0xBFFF00E9;     // text
+inline constexpr ViAttr VI_ATTR_RSRC_SPEC_VERSION = 0x3FFF0170;  // 32
+inline constexpr ViAttr VI_ATTR_INTF_TYPE = 0x3FFF0171;          // 16
+inline constexpr ViAttr VI_ATTR_RSRC_MANF_NAME = 0xBFFF0174;     // text
+inline constexpr ViAttr VI_ATTR_RSRC_MANF_ID = 0x3FFF0175;       // 16
+inline constexpr ViAttr VI_ATTR_INTF_NUM = 0x3FFF0176;           // 16
+inline constexpr ViAttr VI_ATTR_FILE_APPEND_EN = 0x3FFF0192;     // 16
+inline constexpr ViAttr VI_ATTR_TCPIP_ADDR = 0xBFFF0195;         // text
+inline constexpr ViAttr VI_ATTR_TCPIP_HOSTNAME = 0xBFFF0196;     // text
+inline constexpr ViAttr VI_ATTR_TCPIP_PORT = 0x3FFF0197;         // 16
+inline constexpr ViAttr VI_ATTR_TCPIP_NODELAY = 0x3FFF019A;      // 16
+inline constexpr ViAttr VI_ATTR_TCPIP_KEEPALIVE = 0x3FFF019B;    // 16
+
+// Statuses that the library gives or that clients test.
 inline constexpr ViStatus VI_SUCCESS = 0;
+inline constexpr ViStatus VI_SUCCESS_EVENT_DIS = 0x3FFF0003;
+inline constexpr ViStatus VI_SUCCESS_QUEUE_EMPTY = 0x3FFF0004;
 inline constexpr ViStatus VI_SUCCESS_TERM_CHAR = 0x3FFF0005;
 inline constexpr ViStatus VI_SUCCESS_MAX_CNT = 0x3FFF0006;
+inline constexpr ViStatus VI_WARN_NULL_OBJECT = 0x3FFF0082;
+inline constexpr ViStatus VI_WARN_UNKNOWN_STATUS = 0x3FFF0085;
+inline constexpr ViStatus VI_SUCCESS_NESTED_SHARED = 0x3FFF0099;
+inline constexpr ViStatus VI_SUCCESS_NESTED_EXCLUSIVE = 0x3FFF009A;
+inline constexpr ViStatus VI_ERROR_SYSTEM_ERROR = static_cast<ViStatus>(0xBFFF0000);
+inline constexpr ViStatus VI_ERROR_INV_OBJECT = static_cast<ViStatus>(0xBFFF000E);
 inline constexpr ViStatus VI_ERROR_RSRC_LOCKED = static_cast<ViStatus>(0xBFFF000F);
 inline constexpr ViStatus VI_ERROR_RSRC_NFOUND = static_cast<ViStatus>(0xBFFF0011);
 inline constexpr ViStatus VI_ERROR_INV_RSRC_NAME = static_cast<ViStatus>(0xBFFF0012);
+inline constexpr ViStatus VI_ERROR_INV_ACC_MODE = static_cast<ViStatus>(0xBFFF0013);
 inline constexpr ViStatus VI_ERROR_TMO = static_cast<ViStatus>(0xBFFF0015);
+inline constexpr ViStatus VI_ERROR_INV_DEGREE = static_cast<ViStatus>(0xBFFF001B);
+inline constexpr ViStatus VI_ERROR_INV_JOB_ID = static_cast<ViStatus>(0xBFFF001C);
+inline constexpr ViStatus VI_ERROR_NSUP_ATTR = static_cast<ViStatus>(0xBFFF001D);
+inline constexpr ViStatus VI_ERROR_NSUP_ATTR_STATE = static_cast<ViStatus>(0xBFFF001E);
+inline constexpr ViStatus VI_ERROR_ATTR_READONLY = static_cast<ViStatus>(0xBFFF001F);
+inline constexpr ViStatus VI_ERROR_INV_LOCK_TYPE = static_cast<ViStatus>(0xBFFF0020);
+inline constexpr ViStatus VI_ERROR_INV_ACCESS_KEY = static_cast<ViStatus>(0xBFFF0021);
+inline constexpr ViStatus VI_ERROR_INV_EVENT = static_cast<ViStatus>(0xBFFF0026);
+inline constexpr ViStatus VI_ERROR_ABORT = static_cast<ViStatus>(0xBFFF0030);
 inline constexpr ViStatus VI_ERROR_INP_PROT_VIOL = static_cast<ViStatus>(0xBFFF0037);
+inline constexpr ViStatus VI_ERROR_ALLOC = static_cast<ViStatus>(0xBFFF003C);
 inline constexpr ViStatus VI_ERROR_IO = static_cast<ViStatus>(0xBFFF003E);
 inline constexpr ViStatus VI_ERROR_NSUP_OPER = static_cast<ViStatus>(0xBFFF0067);
+inline constexpr ViStatus VI_ERROR_USER_BUF = static_cast<ViStatus>(0xBFFF0071);
+inline constexpr ViStatus VI_ERROR_SESN_NLOCKED = static_cast<ViStatus>(0xBFFF009C);
 inline constexpr ViStatus VI_ERROR_LIBRARY_NFOUND = static_cast<ViStatus>(0xBFFF009E);
 inline constexpr ViStatus VI_ERROR_CONN_LOST = static_cast<ViStatus>(0xBFFF00A6);
 

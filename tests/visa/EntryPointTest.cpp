@@ -1,0 +1,93 @@
+#include <fstream>
+#include <set>
+
+#include "tests/visa/VisaModule.h"
+
+namespace {
+
+std::vector<std::string> ExportedNames() {
+  std::ifstream list(ZK_VISA_EXPORTS);
+  std::vector<std::string> names;
+  for (std::string line; std::getline(list, line);) {
+    if (line.starts_with("  vi")) names.push_back(line.substr(2, line.find_last_not_of("\r ") - 1));
+  }
+  return names;
+}
+
+TEST_F(VisaTest, EveryNameIsThereAndWhatIsNotSupportedSaysSo) {
+  const std::set<std::string> implemented = {
+      "viOpenDefaultRM", "viParseRsrc",    "viParseRsrcEx",  "viOpen",         "viFindRsrc",
+      "viClose",         "viGetAttribute", "viSetAttribute", "viStatusDesc",   "viTerminate",
+      "viLock",          "viUnlock",       "viEnableEvent",  "viDisableEvent", "viDiscardEvents",
+      "viRead",          "viWrite",        "viClear"};
+  const auto names = ExportedNames();
+  EXPECT_EQ(names.size(), 105U);
+  for (const std::string& name : names) {
+    // None of them looks at its arguments, so one signature serves them all.
+    const auto call = visa.module.FunctionOf<ViStatus(ViSession)>(name.c_str());
+    ASSERT_NE(call, nullptr) << name;
+    if (implemented.contains(name)) continue;
+    if (name.starts_with("viPeek") || name.starts_with("viPoke")) {
+      visa.module.FunctionOf<void(ViSession)>(name.c_str())(manager);
+    } else {
+      EXPECT_STATUS(call(manager), VI_ERROR_NSUP_OPER) << name;
+    }
+  }
+}
+
+TEST_F(VisaTest, EveryStatusHasATextOfItsOwn) {
+  std::set<std::string> texts;
+  int unknown = 0;
+  for (const std::uint32_t base : {0x3FFF0000U, 0xBFFF0000U}) {
+    for (std::uint32_t code = 0; code < 0x100; ++code) {
+      std::array<char, 257> text{};
+      const auto answer = visa.viStatusDesc(0, static_cast<ViStatus>(base + code), text.data());
+      if (answer == VI_WARN_UNKNOWN_STATUS) ++unknown;
+      EXPECT_TRUE(answer == VI_SUCCESS || answer == VI_WARN_UNKNOWN_STATUS);
+      EXPECT_GT(std::string(text.data()).size(), 8U);
+      EXPECT_LT(std::string(text.data()).size(), 256U);
+      EXPECT_TRUE(texts.insert(text.data()).second) << text.data();
+    }
+  }
+  EXPECT_EQ(512 - unknown, 100) << "every code of the standard but the plain success, and no other";
+  std::array<char, 256> text{};
+  EXPECT_STATUS(visa.viStatusDesc(manager, VI_ERROR_TMO, text.data()), VI_SUCCESS);
+  EXPECT_STREQ(text.data(), "VI_ERROR_TMO: time-out before the operation completed");
+  EXPECT_STATUS(visa.viStatusDesc(manager, 12345, text.data()), VI_WARN_UNKNOWN_STATUS);
+  EXPECT_STREQ(text.data(), "Unknown status 0x00003039");
+}
+
+TEST_F(VisaTest, ClosingClientsGetTheAnswersTheyNeed) {
+  constexpr ViEventType kAll = 0x3FFF7FFF;
+  EXPECT_STATUS(visa.viEnableEvent(manager, kAll, 1, 0), VI_ERROR_INV_EVENT);
+  EXPECT_STATUS(visa.viDisableEvent(manager, kAll, 0xFFFF), VI_SUCCESS_EVENT_DIS);
+  EXPECT_STATUS(visa.viDiscardEvents(manager, kAll, 0xFFFF), VI_SUCCESS_QUEUE_EMPTY);
+  EXPECT_STATUS(visa.viDisableEvent(manager + 99, kAll, 0xFFFF), VI_ERROR_INV_OBJECT);
+  EXPECT_STATUS(visa.viClose(0), VI_WARN_NULL_OBJECT);
+  EXPECT_STATUS(visa.viClose(manager + 99), VI_ERROR_INV_OBJECT);
+  ViFindList list = 7;
+  ViUInt32 count = 7;
+  EXPECT_STATUS(visa.viFindRsrc(manager, "?*", &list, &count, nullptr), VI_ERROR_RSRC_NFOUND);
+  EXPECT_EQ(count, 0U);
+}
+
+TEST(VisaUnload, LeavesNothingOpenAndLoadsAgain) {
+  Peer peer;
+  for (int round = 0; round < 3; ++round) {
+    VisaModule visa;
+    ASSERT_TRUE(visa.is_loaded);
+    ViSession manager = 0;
+    ViSession session = 0;
+    ASSERT_EQ(visa.viOpenDefaultRM(&manager), VI_SUCCESS);
+    ASSERT_EQ(visa.viOpen(manager, peer.Name().c_str(), VI_EXCLUSIVE_LOCK, 0, &session),
+              VI_SUCCESS);
+    auto instrument = peer.Accept();
+    visa.module.Unload();
+    asio::error_code error;
+    char byte = 0;
+    asio::read(instrument, asio::buffer(&byte, 1), error);
+    EXPECT_TRUE(error) << "the connection outlived the library";
+  }
+}
+
+}  // namespace

@@ -1,0 +1,105 @@
+// The built library with the entry points in use, and the instrument's end of a connection.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <asio.hpp>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/os/Module.h"
+#include "visa/Visa.h"
+
+struct VisaModule {
+  VisaModule() : is_loaded(module.Load(ZK_VISA_MODULE)) {}
+
+  os::Module module;
+  bool is_loaded;
+#define ENTRY(name) decltype(::name)* name = module.FunctionOf<decltype(::name)>(#name)
+  ENTRY(viOpenDefaultRM);
+  ENTRY(viParseRsrc);
+  ENTRY(viParseRsrcEx);
+  ENTRY(viOpen);
+  ENTRY(viFindRsrc);
+  ENTRY(viClose);
+  ENTRY(viSetAttribute);
+  ENTRY(viGetAttribute);
+  ENTRY(viStatusDesc);
+  ENTRY(viTerminate);
+  ENTRY(viLock);
+  ENTRY(viUnlock);
+  ENTRY(viEnableEvent);
+  ENTRY(viDisableEvent);
+  ENTRY(viDiscardEvents);
+  ENTRY(viRead);
+  ENTRY(viWrite);
+  ENTRY(viClear);
+#undef ENTRY
+};
+
+/// Listens on a free port; a connection waits in its queue until it is accepted.
+class Peer {
+ public:
+  explicit Peer(const char* address = "127.0.0.1")
+      : address_(address), acceptor_(io_, {asio::ip::make_address(address), 0}) {}
+
+  [[nodiscard]] std::string Port() const {
+    return std::to_string(acceptor_.local_endpoint().port());
+  }
+  [[nodiscard]] std::string Name() const {
+    return "TCPIP::" + address_ + "::" + Port() + "::SOCKET";
+  }
+  asio::ip::tcp::socket Accept() { return acceptor_.accept(); }
+
+ private:
+  std::string address_;
+  asio::io_context io_;
+  asio::ip::tcp::acceptor acceptor_;
+};
+
+/// A manager, and a session to a peer when a test opens one.
+class VisaTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(visa.is_loaded);
+    ASSERT_EQ(visa.viOpenDefaultRM(&manager), VI_SUCCESS);
+  }
+  void TearDown() override { EXPECT_EQ(visa.viClose(manager), VI_SUCCESS); }
+
+  ViStatus Open(const std::string& name, ViAccessMode mode, ViSession& opened,
+                ViUInt32 timeout = 2000) {
+    return visa.viOpen(manager, name.c_str(), mode, timeout, &opened);
+  }
+  /// An open session, with the time-out that most tests want to run into.
+  ViSession OpenSession(const std::string& name, ViUInt32 timeout = 30) {
+    ViSession opened = 0;
+    EXPECT_EQ(Open(name, 0, opened), VI_SUCCESS) << name;
+    EXPECT_EQ(visa.viSetAttribute(opened, VI_ATTR_TMO_VALUE, timeout), VI_SUCCESS);
+    return opened;
+  }
+  ViStatus Read(ViSession session, ViUInt32 count, std::string& text) {
+    std::vector<ViByte> buffer(count + 1);
+    ViUInt32 returned = 0xDEAD;
+    const ViStatus status = visa.viRead(session, buffer.data(), count, &returned);
+    text.assign(buffer.begin(), buffer.begin() + returned);
+    return status;
+  }
+  ViStatus Write(ViSession session, std::string_view text) {
+    return visa.viWrite(session, reinterpret_cast<const ViByte*>(text.data()),
+                        static_cast<ViUInt32>(text.size()), nullptr);
+  }
+
+  VisaModule visa;
+  ViSession manager = 0;
+};
+
+inline std::string Hex(ViStatus status) {
+  std::array<char, 11> text{};
+  std::snprintf(text.data(), text.size(), "0x%08X", static_cast<unsigned>(status));
+  return text.data();
+}
+#define EXPECT_STATUS(actual, expected) EXPECT_EQ(Hex(actual), Hex(expected))

@@ -1,0 +1,132 @@
+#include "visa/Attributes.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+namespace zevisa {
+namespace {
+
+enum class Type : std::uint8_t { kByte = 1, kWord = 2, kLong = 4, kQuad = 8, kText = 0 };
+enum class Access : std::uint8_t { kRead, kWrite };
+
+struct Row {
+  ViAttr id;
+  Slot slot;
+  Type type;
+  Access access;
+  bool on_manager;
+  std::uint64_t initial;
+  std::uint64_t minimum;
+  std::uint64_t maximum;
+};
+
+constexpr std::uint64_t kMax8 = 0xFF;
+constexpr std::uint64_t kMax32 = 0xFFFFFFFF;
+constexpr std::uint64_t kMax64 = ~std::uint64_t{0};
+constexpr std::uint64_t kSpecVersion = 0x00500800;
+constexpr std::uint64_t kOurVersion = 0x00100200;  // 1.2.0
+constexpr std::uint64_t kMakerId = 0x0FFE;
+constexpr std::uint64_t kBufferSize = 4096;  // of formatted input and output
+
+constexpr auto kR = Access::kRead;
+constexpr auto kW = Access::kWrite;
+
+// A mode of the read buffer is 1 (flush on access) or 3 (off), one of the write buffer 1 or 2 (when
+// full); nothing is buffered here, so any of them tells the truth.
+constexpr Row kRows[] = {
+    {VI_ATTR_TMO_VALUE, Slot::kTimeout, Type::kLong, kW, false, 2000, 0, kMax32},
+    {VI_ATTR_TERMCHAR, Slot::kTermChar, Type::kByte, kW, false, '\n', 0, kMax8},
+    {VI_ATTR_TERMCHAR_EN, Slot::kTermCharEnabled, Type::kWord, kW, false, 0, 0, 1},
+    {VI_ATTR_SEND_END_EN, Slot::kSendEnd, Type::kWord, kW, false, 1, 0, 1},
+    {VI_ATTR_SUPPRESS_END_EN, Slot::kSuppressEnd, Type::kWord, kW, false, 1, 0, 1},
+    {VI_ATTR_IO_PROT, Slot::kIoProtocol, Type::kWord, kW, false, 1, 1, 1},
+    {VI_ATTR_TCPIP_NODELAY, Slot::kNoDelay, Type::kWord, kW, false, 1, 0, 1},
+    {VI_ATTR_TCPIP_KEEPALIVE, Slot::kKeepAlive, Type::kWord, kW, false, 0, 0, 1},
+    {VI_ATTR_TCPIP_PORT, Slot::kPort, Type::kWord, kR, false, 0, 0, 0},
+    {VI_ATTR_INTF_TYPE, Slot::kInterfaceType, Type::kWord, kR, false, VI_INTF_TCPIP, 0, 0},
+    {VI_ATTR_INTF_NUM, Slot::kInterfaceNumber, Type::kWord, kR, false, 0, 0, 0},
+    {VI_ATTR_RSRC_SPEC_VERSION, Slot::kSpecVersion, Type::kLong, kR, true, kSpecVersion, 0, 0},
+    {VI_ATTR_RSRC_IMPL_VERSION, Slot::kImplementationVersion, Type::kLong, kR, true, kOurVersion, 0,
+     0},
+    {VI_ATTR_RSRC_MANF_ID, Slot::kMakerId, Type::kWord, kR, true, kMakerId, 0, 0},
+    {VI_ATTR_RSRC_LOCK_STATE, Slot::kLockState, Type::kLong, kR, true, 0, 0, 0},
+    {VI_ATTR_RM_SESSION, Slot::kManager, Type::kLong, kR, false, 0, 0, 0},
+    {VI_ATTR_MAX_QUEUE_LENGTH, Slot::kQueueLength, Type::kLong, kW, true, 50, 1, kMax32},
+    {VI_ATTR_USER_DATA_32, Slot::kUserData, Type::kLong, kW, true, 0, 0, kMax32},
+    {VI_ATTR_USER_DATA, Slot::kUserData, Type::kQuad, kW, true, 0, 0, kMax64},
+    {VI_ATTR_RD_BUF_OPER_MODE, Slot::kReadMode, Type::kWord, kW, false, 3, 1, 3},
+    {VI_ATTR_WR_BUF_OPER_MODE, Slot::kWriteMode, Type::kWord, kW, false, 2, 1, 2},
+    {VI_ATTR_RD_BUF_SIZE, Slot::kReadBufferSize, Type::kLong, kR, false, kBufferSize, 0, 0},
+    {VI_ATTR_WR_BUF_SIZE, Slot::kWriteBufferSize, Type::kLong, kR, false, kBufferSize, 0, 0},
+    {VI_ATTR_FILE_APPEND_EN, Slot::kFileAppend, Type::kWord, kW, false, 0, 0, 1},
+    {VI_ATTR_DMA_ALLOW_EN, Slot::kDma, Type::kWord, kW, false, 0, 0, 1},
+    {VI_ATTR_TCPIP_ADDR, Slot::kAddress, Type::kText, kR, false, 0, 0, 0},
+    {VI_ATTR_TCPIP_HOSTNAME, Slot::kHostName, Type::kText, kR, false, 0, 0, 0},
+    {VI_ATTR_RSRC_NAME, Slot::kName, Type::kText, kR, true, 0, 0, 0},
+    {VI_ATTR_RSRC_CLASS, Slot::kClass, Type::kText, kR, true, 0, 0, 0},
+    {VI_ATTR_INTF_INST_NAME, Slot::kInterfaceName, Type::kText, kR, false, 0, 0, 0},
+    {VI_ATTR_RSRC_MANF_NAME, Slot::kMakerName, Type::kText, kR, true, 0, 0, 0},
+};
+
+const Row* FindRow(ViAttr attribute, Owner owner) {
+  const Row* const row = std::ranges::find(kRows, attribute, &Row::id);
+  const bool found = row != std::end(kRows) && (owner == Owner::kSession || row->on_manager);
+  return found ? row : nullptr;
+}
+
+// Clients hand narrow values in a 64-bit one, sign-extended or with anything above.
+std::uint64_t Narrowed(const Row& row, ViAttrState value) {
+  return row.type == Type::kLong ? value & kMax32 : value;
+}
+
+std::size_t TextIndex(Slot slot) {
+  return static_cast<std::size_t>(slot) - static_cast<std::size_t>(Slot::kNumbers);
+}
+
+}  // namespace
+
+Attributes::Attributes(Owner owner) : owner_(owner) {
+  for (const Row& row : kRows) {
+    if (row.type != Type::kText) SetNumber(row.slot, row.initial);
+  }
+  SetText(Slot::kMakerName, "Zentrel");
+}
+
+ViStatus Attributes::Get(ViAttr attribute, void* value) const {
+  const Row* const row = FindRow(attribute, owner_);
+  if (row == nullptr) return VI_ERROR_NSUP_ATTR;
+  if (value == nullptr) return VI_ERROR_USER_BUF;
+  if (row->type == Type::kText) {
+    const std::string& text = texts_[TextIndex(row->slot)];
+    std::memcpy(value, text.c_str(), text.size() + 1);
+  } else {
+    // The low bytes come first on every machine that this runs on.
+    const std::uint64_t number = Number(row->slot);
+    std::memcpy(value, &number, static_cast<std::size_t>(row->type));
+  }
+  return VI_SUCCESS;
+}
+
+ViStatus Attributes::Check(ViAttr attribute, ViAttrState value) const {
+  const Row* const row = FindRow(attribute, owner_);
+  if (row == nullptr) return VI_ERROR_NSUP_ATTR;
+  if (row->access == Access::kRead) return VI_ERROR_ATTR_READONLY;
+  const std::uint64_t number = Narrowed(*row, value);
+  return number >= row->minimum && number <= row->maximum ? VI_SUCCESS : VI_ERROR_NSUP_ATTR_STATE;
+}
+
+ViStatus Attributes::Set(ViAttr attribute, ViAttrState value) {
+  const ViStatus status = Check(attribute, value);
+  if (status != VI_SUCCESS) return status;
+  const Row* const row = FindRow(attribute, owner_);
+  SetNumber(row->slot, Narrowed(*row, value));
+  return VI_SUCCESS;
+}
+
+void Attributes::SetText(Slot slot, std::string text) {
+  text.resize(std::min<std::size_t>(text.size(), VI_FIND_BUFLEN - 1));
+  texts_[TextIndex(slot)] = std::move(text);
+}
+
+}  // namespace zevisa

@@ -1,0 +1,30 @@
+// Locks that hold across the processes of one machine.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace zevisa {
+
+/// A name in the kernel that one owner at a time holds. It goes with its owner, however that ends.
+class MachineLock {
+ public:
+  MachineLock() = default;
+  ~MachineLock() { Release(); }
+  MachineLock(const MachineLock&) = delete;
+  MachineLock& operator=(const MachineLock&) = delete;
+
+  /// Takes the name; false when it is held, here or elsewhere. Never waits.
+  bool TryAcquire(const std::string& name);
+  void Release();
+  [[nodiscard]] bool IsOwned() const { return handle_ != kNone; }
+
+  /// Whether anybody holds the name.
+  static bool IsHeld(const std::string& name);
+
+ private:
+  static constexpr std::intptr_t kNone = -1;
+  std::intptr_t handle_ = kNone;
+};
+
+}  // namespace zevisa
