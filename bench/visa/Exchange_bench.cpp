@@ -84,7 +84,7 @@ void BareSockets(benchmark::State& state) {
   }
   SetNoDelay(fd);
   std::array<std::uint8_t, kHeader + kBody> message{};
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const bool ok = send(fd, message.data(), kHeader, MSG_NOSIGNAL) == kHeader &&
                     send(fd, message.data() + kHeader, kBody, MSG_NOSIGNAL) == kBody &&
                     ReceiveAll(fd, message.data(), kHeader) &&
@@ -116,7 +116,7 @@ void VisaLibrary(benchmark::State& state) {
   }
   std::array<ViByte, kHeader + kBody> message{};
   ViUInt32 count = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const bool ok = write(session, message.data(), kHeader, &count) >= 0 &&
                     write(session, message.data() + kHeader, kBody, &count) >= 0 &&
                     read(session, message.data(), kHeader, &count) >= 0 &&

@@ -4,6 +4,8 @@
 
 namespace {
 
+constexpr std::uint64_t kReadOnly = 0xEEEEEEEE;
+
 TEST_F(VisaTest, AttributesHaveTheirSizesAndDefaults) {
   Peer peer;
   ViSession session = 0;
@@ -11,35 +13,35 @@ TEST_F(VisaTest, AttributesHaveTheirSizesAndDefaults) {
   const auto port = static_cast<std::uint64_t>(std::stoi(peer.Port()));
   const struct {
     ViAttr id;
-    std::size_t size;
+    std::uint32_t size;
     std::uint64_t value;
-    bool is_read_only = false;
-    std::uint64_t set = 1;      // a value that is accepted
-    std::uint64_t refused = 0;  // and one that is not
+    std::uint64_t set = kReadOnly;  // a value that is accepted
+    std::uint64_t refused = 0;      // and one that is not
   } rows[] = {
-      {VI_ATTR_TMO_VALUE, 4, 2000, false, 0xFFFFFFFF},
-      {VI_ATTR_TERMCHAR, 1, '\n', false, 0xFF, 0x100},
-      {VI_ATTR_TERMCHAR_EN, 2, 0, false, 1, 2},
-      {VI_ATTR_SEND_END_EN, 2, 1, false, 0, 2},
-      {VI_ATTR_SUPPRESS_END_EN, 2, 1, false, 0, 2},
-      {VI_ATTR_IO_PROT, 2, 1, false, 1, 4},
-      {VI_ATTR_TCPIP_NODELAY, 2, 1, false, 0, 2},
-      {VI_ATTR_TCPIP_KEEPALIVE, 2, 0, false, 1, 2},
-      {VI_ATTR_TCPIP_PORT, 2, port, true},
-      {VI_ATTR_INTF_TYPE, 2, 6, true},
-      {VI_ATTR_INTF_NUM, 2, 0, true},
-      {VI_ATTR_RSRC_SPEC_VERSION, 4, 0x00500800, true},
-      {VI_ATTR_RSRC_LOCK_STATE, 4, 0, true},
-      {VI_ATTR_RM_SESSION, 4, manager, true},
-      {VI_ATTR_MAX_QUEUE_LENGTH, 4, 50, false, 7},
-      {VI_ATTR_USER_DATA_32, 4, 0, false, 0x12345678},
-      {VI_ATTR_USER_DATA, 8, 0x12345678, false, 0x123456789ABCDEF0},
-      {VI_ATTR_RD_BUF_OPER_MODE, 2, 3, false, 1, 9},
-      {VI_ATTR_WR_BUF_OPER_MODE, 2, 2, false, 1, 9},
-      {VI_ATTR_FILE_APPEND_EN, 2, 0, false, 1, 2},
-      {VI_ATTR_DMA_ALLOW_EN, 2, 0, false, 1, 2},
+      {VI_ATTR_TMO_VALUE, 4, 2000, 0xFFFFFFFF},
+      {VI_ATTR_TERMCHAR, 1, '\n', 0xFF, 0x100},
+      {VI_ATTR_TERMCHAR_EN, 2, 0, 1, 2},
+      {VI_ATTR_SEND_END_EN, 2, 1, 0, 2},
+      {VI_ATTR_SUPPRESS_END_EN, 2, 1, 0, 2},
+      {VI_ATTR_IO_PROT, 2, 1, 1, 4},
+      {VI_ATTR_TCPIP_NODELAY, 2, 1, 0, 2},
+      {VI_ATTR_TCPIP_KEEPALIVE, 2, 0, 1, 2},
+      {VI_ATTR_TCPIP_PORT, 2, port},
+      {VI_ATTR_INTF_TYPE, 2, 6},
+      {VI_ATTR_INTF_NUM, 2, 0},
+      {VI_ATTR_RSRC_SPEC_VERSION, 4, 0x00500800},
+      {VI_ATTR_RSRC_LOCK_STATE, 4, 0},
+      {VI_ATTR_RM_SESSION, 4, manager},
+      {VI_ATTR_MAX_QUEUE_LENGTH, 4, 50, 7},
+      {VI_ATTR_USER_DATA_32, 4, 0, 0x12345678},
+      {VI_ATTR_USER_DATA, 8, 0x12345678, 0x123456789ABCDEF0},
+      {VI_ATTR_RD_BUF_OPER_MODE, 2, 3, 1, 9},
+      {VI_ATTR_WR_BUF_OPER_MODE, 2, 2, 1, 9},
+      {VI_ATTR_FILE_APPEND_EN, 2, 0, 1, 2},
+      {VI_ATTR_DMA_ALLOW_EN, 2, 0, 1, 2},
   };
   for (const auto& row : rows) {
+    const bool is_read_only = row.set == kReadOnly;
     const auto read = [&] {
       std::uint64_t value = ~std::uint64_t{0};  // bytes beyond the size must stay
       EXPECT_STATUS(visa.viGetAttribute(session, row.id, &value), VI_SUCCESS) << std::hex << row.id;
@@ -49,9 +51,9 @@ TEST_F(VisaTest, AttributesHaveTheirSizesAndDefaults) {
     };
     EXPECT_EQ(read(), row.value) << std::hex << row.id;
     EXPECT_STATUS(visa.viSetAttribute(session, row.id, row.set),
-                  row.is_read_only ? VI_ERROR_ATTR_READONLY : VI_SUCCESS)
+                  is_read_only ? VI_ERROR_ATTR_READONLY : VI_SUCCESS)
         << std::hex << row.id;
-    EXPECT_EQ(read(), row.is_read_only ? row.value : row.set) << std::hex << row.id;
+    EXPECT_EQ(read(), is_read_only ? row.value : row.set) << std::hex << row.id;
     if (row.refused == 0) continue;
     EXPECT_STATUS(visa.viSetAttribute(session, row.id, row.refused), VI_ERROR_NSUP_ATTR_STATE)
         << std::hex << row.id;

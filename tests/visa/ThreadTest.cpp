@@ -79,9 +79,9 @@ TEST_F(VisaThread, SessionsDoNotWaitForEachOther) {
 }
 
 TEST_F(VisaThread, ManySessionsComeAndGo) {
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([this] {
+  std::array<std::thread, 4> threads;
+  for (std::thread& thread : threads) {
+    thread = std::thread([this] {
       Peer own;
       for (int round = 0; round < 20; ++round) {
         ViSession session = 0;

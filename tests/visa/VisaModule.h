@@ -19,26 +19,35 @@ struct VisaModule {
 
   os::Module module;
   bool is_loaded;
-#define ENTRY(name) decltype(::name)* name = module.FunctionOf<decltype(::name)>(#name)
-  ENTRY(viOpenDefaultRM);
-  ENTRY(viParseRsrc);
-  ENTRY(viParseRsrcEx);
-  ENTRY(viOpen);
-  ENTRY(viFindRsrc);
-  ENTRY(viClose);
-  ENTRY(viSetAttribute);
-  ENTRY(viGetAttribute);
-  ENTRY(viStatusDesc);
-  ENTRY(viTerminate);
-  ENTRY(viLock);
-  ENTRY(viUnlock);
-  ENTRY(viEnableEvent);
-  ENTRY(viDisableEvent);
-  ENTRY(viDiscardEvents);
-  ENTRY(viRead);
-  ENTRY(viWrite);
-  ENTRY(viClear);
-#undef ENTRY
+  decltype(::viOpenDefaultRM)* viOpenDefaultRM = Entry("viOpenDefaultRM");
+  decltype(::viParseRsrc)* viParseRsrc = Entry("viParseRsrc");
+  decltype(::viParseRsrcEx)* viParseRsrcEx = Entry("viParseRsrcEx");
+  decltype(::viOpen)* viOpen = Entry("viOpen");
+  decltype(::viFindRsrc)* viFindRsrc = Entry("viFindRsrc");
+  decltype(::viClose)* viClose = Entry("viClose");
+  decltype(::viSetAttribute)* viSetAttribute = Entry("viSetAttribute");
+  decltype(::viGetAttribute)* viGetAttribute = Entry("viGetAttribute");
+  decltype(::viStatusDesc)* viStatusDesc = Entry("viStatusDesc");
+  decltype(::viTerminate)* viTerminate = Entry("viTerminate");
+  decltype(::viLock)* viLock = Entry("viLock");
+  decltype(::viUnlock)* viUnlock = Entry("viUnlock");
+  decltype(::viEnableEvent)* viEnableEvent = Entry("viEnableEvent");
+  decltype(::viDisableEvent)* viDisableEvent = Entry("viDisableEvent");
+  decltype(::viDiscardEvents)* viDiscardEvents = Entry("viDiscardEvents");
+  decltype(::viRead)* viRead = Entry("viRead");
+  decltype(::viWrite)* viWrite = Entry("viWrite");
+  decltype(::viClear)* viClear = Entry("viClear");
+
+ private:
+  /// Becomes a pointer of the type that it initialises.
+  struct Address {
+    template <typename Function>
+    operator Function*() const {  // NOLINT(google-explicit-constructor): it is the purpose
+      return reinterpret_cast<Function*>(symbol);
+    }
+    void* symbol;
+  };
+  [[nodiscard]] Address Entry(const char* name) const { return {module.Symbol(name)}; }
 };
 
 /// Listens on a free port; a connection waits in its queue until it is accepted.
