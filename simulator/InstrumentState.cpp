@@ -24,7 +24,7 @@ std::string DescribeAxis(const Axis& axis, const char* unit) {
       return Format("sweep from %.12g %s by %.12g, %u points", axis.start, unit, axis.step,
                     axis.points);
     case AxisMode::kList:
-      return Format("list of %zu values", axis.list.size());
+      return Format("list of %u values", static_cast<unsigned>(axis.list.size()));
     default:
       return Format("%.12g %s", axis.start, unit);
   }
@@ -42,9 +42,9 @@ std::string DescribeGroups(const std::array<TriggerGroup, 2>& groups) {
 }
 
 std::string DescribePulses(const PulseTrain& train) {
-  return Format("%s, %s, %s, %zu pulses", OnOff(train.mode == 2).c_str(),
+  return Format("%s, %s, %s, %u pulses", OnOff(train.mode == 2).c_str(),
                 train.source == 2 ? "external" : "internal", train.inverse ? "inverse" : "normal",
-                train.pulses.size());
+                static_cast<unsigned>(train.pulses.size()));
 }
 
 }  // namespace

@@ -117,7 +117,7 @@ RequestRecord Describe(std::uint32_t connection, const Message& request, const M
     name = NameOf(record.parameter);
     record.text.append(" ").append(name.name).append(" #").append(std::to_string(record.parameter));
     if (request.command == command::kWrite) {
-      record.text += " " + ValuesText(request, name.is_signed);
+      record.text.append(" ").append(ValuesText(request, name.is_signed));
     }
   }
   record.text += " -> ";
@@ -128,7 +128,7 @@ RequestRecord Describe(std::uint32_t connection, const Message& request, const M
   record.status = answer->status;
   record.text += StatusText(answer->status);
   if (of_parameter && answer->status >= 0) {
-    record.text += " " + ValuesText(*answer, name.is_signed);
+    record.text.append(" ").append(ValuesText(*answer, name.is_signed));
   }
   return record;
 }
