@@ -191,6 +191,10 @@ TEST(Settings, PulseTrainsComeInChunks) {
               "1F 00 00 00 00 00 03 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00"),
       "1F 00 00 00 00 00 03 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00")
       << "off, without the polarity element";
+  EXPECT_EQ(Execute(settings, 3, 0x40, "1F 00 02 00 00 00 02 00 00 00 05 00 00 00"),
+            "1F 00 02 00 00 00 02 00 00 00 01 00 00 00")
+      << "the head alone leaves the pulses";
+  EXPECT_EQ(pulses.pulses.size(), 1U);
   Options without;
   without.pulse_modulator = false;
   Check(without, {{"no pulse modulator", 3, 0x40, train, "0x8002"}});
