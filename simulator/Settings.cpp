@@ -147,6 +147,9 @@ std::int16_t Settings::Write(const Message& request, Bytes& answer) {
     power_woken_ = true;
     return status::kUnknownForm;
   }
+  if (id == id::kKind && values[0] != static_cast<double>(options_.kind)) {
+    return status::kUnknownForm;
+  }
   (this->*form.set)(form, std::span(values).first(form.count));
   AppendInteger(answer, id, kIdSize);
   AppendElements(answer, *format, (this->*form.get)(form));
@@ -176,7 +179,8 @@ std::int16_t Settings::Read(const Message& request, Bytes& answer) const {
   return of_level && !state_.level_settled ? status::kLevelNotSettled : status::kGood;
 }
 
-// The kind is the instrument's own whatever the client proposes.
+// A client proposes a kind: the instrument confirms its own and refuses every other, whereupon the
+// client proposes the next.
 void Settings::SetKind(const Form& /*form*/, std::span<const double> /*values*/) {}
 Settings::Values Settings::GetKind(const Form& /*form*/) const {
   return {static_cast<double>(options_.kind)};
