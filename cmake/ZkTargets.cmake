@@ -11,6 +11,8 @@ set(CMAKE_C_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 
 set(ZK_BIN_DIR ${CMAKE_BINARY_DIR}/bin)
+# Programs and modules look beside themselves, wherever their folder is put, not in the build tree.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${ZK_BIN_DIR})
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${ZK_BIN_DIR})
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
