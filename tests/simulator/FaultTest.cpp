@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <stdexcept>
 #include <string>
 
@@ -111,14 +112,11 @@ std::string Show(const Fault& fault) {
   const auto optional = [](std::optional<std::uint16_t> value) {
     return value ? std::to_string(*value) : std::string("-");
   };
-  std::string text = std::to_string(static_cast<int>(fault.kind)) + " " + optional(fault.command) +
-                     " " + optional(fault.parameter);
-  for (const std::int64_t value :
-       {std::int64_t{fault.after}, std::int64_t{fault.times}, std::int64_t{fault.status},
-        std::int64_t{fault.word}, std::int64_t{fault.bytes}, std::int64_t{fault.pause.count()}}) {
-    text += " " + std::to_string(value);
-  }
-  return text;
+  std::ostringstream text;
+  text << static_cast<int>(fault.kind) << ' ' << optional(fault.command) << ' '
+       << optional(fault.parameter) << ' ' << fault.after << ' ' << fault.times << ' '
+       << fault.status << ' ' << fault.word << ' ' << fault.bytes << ' ' << fault.pause.count();
+  return text.str();
 }
 
 TEST(FaultText, SaysWhatStrikesWhat) {
