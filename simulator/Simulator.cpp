@@ -33,7 +33,7 @@ class Simulator::Impl {
   std::uint16_t port;
 };
 
-Simulator::Simulator(Options options) {
+Simulator::Simulator(const Options& options) {
   Validate(options);
   impl_ = std::make_unique<Impl>(options);
 }

@@ -21,7 +21,7 @@ class Simulator {
   using Observer = std::function<void(const RequestRecord&, const InstrumentState&)>;
 
   /// Throws std::invalid_argument for options that describe no instrument.
-  explicit Simulator(Options options = {});
+  explicit Simulator(const Options& options = {});
   /// Stops.
   ~Simulator();
   Simulator(const Simulator&) = delete;

@@ -168,7 +168,7 @@ std::size_t Fetch(const DriverClient& driver, const Groups& groups, Trace& trace
 
 std::size_t PointsOf(const SweepPlan& plan) {
   const double intervals = plan.step == 0.0 ? 0.0 : (plan.stop - plan.start) / plan.step;
-  return intervals > 0.0 ? static_cast<std::size_t>(intervals + 0.5) + 1 : 1;
+  return intervals > 0.0 ? static_cast<std::size_t>(std::lround(intervals)) + 1 : 1;
 }
 
 Trace RunSweep(const DriverClient& driver, const SweepPlan& plan, const Progress& progress,

@@ -15,6 +15,7 @@ Program::Program(const std::filesystem::path& file, const std::vector<std::strin
   std::vector<std::string> texts{file.string()};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
 
