@@ -16,7 +16,7 @@ Lines WithTypes(const Lines& lines) {
   std::string type;
   for (const auto& line : lines) {
     if (line.starts_with("  ")) {
-      result.push_back(type + ":" + line);
+      result.emplace_back(type).append(":").append(line);
     } else {
       type = line.substr(0, line.find(' ', line.find(' ') + 1));
       result.push_back(line);
