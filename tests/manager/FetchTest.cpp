@@ -132,7 +132,7 @@ TEST_F(FetchTest, WithoutAnythingToFetch) {
 }
 
 TEST_F(FetchTest, GeneratorHasNoDetectors) {
-  Open(kOutputState, "GENERATOR");
+  Open(Output::kOn, "GENERATOR");
   std::int32_t count = 0;
   EXPECT_EQ(manager_.FetchData(trace_), status::kMethodNotSupported);
   EXPECT_EQ(manager_.LoadDetectorData(0, "calibr20.det"), status::kMethodNotSupported);

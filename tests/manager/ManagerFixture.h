@@ -38,17 +38,20 @@ inline std::string Repeat(std::string_view byte, int count) {
   return text;
 }
 
-// Answers of the standard instrument: 10 MHz to 20 GHz, power commands of variant 5.
+constexpr std::string_view kMinus20 = "00 00 EC FF FF FF";
+/// The power parameter without sweep: output switch, attenuator mode, two further settings, and the
+/// level as its six bytes.
+inline std::string PowerBody(unsigned output, std::string_view level, unsigned atten_mode = 3) {
+  return "4F 00 | 00 00 0" + std::to_string(output) + " 00 00 00 | 00 00 0" +
+         std::to_string(atten_mode) + " 00 00 00 | 00 00 08 00 00 00 | 00 00 09 00 00 00 |" +
+         std::string(level);
+}
+
+// Answers of the standard instrument: 10 MHz to 20 GHz, power commands of variant 5; the output at
+// -20 dBm.
 constexpr const char* kLimits =
     "00 00 | 80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00";
-/// Output on at -20 dBm, attenuator mode 3, further settings 8 and 9.
-constexpr const char* kOutputState =
-    "4F 00 | 00 00 01 00 00 00 | 00 00 03 00 00 00 | 00 00 08 00 00 00 | 00 00 09 00 00 00 |"
-    "00 00 EC FF FF FF";
-/// The same with the output off, for tests of what is sent then.
-constexpr const char* kOutputOff =
-    "4F 00 | 00 00 00 00 00 00 | 00 00 03 00 00 00 | 00 00 08 00 00 00 | 00 00 09 00 00 00 |"
-    "00 00 EC FF FF FF";
+enum class Output : unsigned { kOff, kOn };
 
 // Identifiers of parameters, as rules take them.
 constexpr std::uint8_t kFrequencyId = 0;
@@ -84,12 +87,12 @@ class ManagerTest : public testing::Test {
  protected:
   ManagerTest() {
     visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
-    visa_.RuleBody(kRead, kPowerId, 0, kOutputState);
+    visa_.RuleBody(kRead, kPowerId, 0, PowerBody(1, kMinus20));
   }
 
   /// Opens a session and forgets what that put on the wire.
-  void Open(const char* output_state = kOutputState, const char* option = "") {
-    visa_.RuleBody(kRead, kPowerId, 0, output_state);
+  void Open(Output output = Output::kOn, const char* option = "") {
+    visa_.RuleBody(kRead, kPowerId, 0, PowerBody(static_cast<unsigned>(output), kMinus20));
     ASSERT_EQ(manager_.Initialize(kResource, option), 0);
     ASSERT_EQ(manager_.ErrorRecords().size(), 0U);
     visa_.ClearRecord();
@@ -135,17 +138,9 @@ class ManagerTest : public testing::Test {
 };
 
 // Requests, as ManagerTest::Requests gives them.
-
-/// A power write without sweep: the four leading settings and the level as its six bytes.
-inline std::string PowerRequest(unsigned output, std::string_view level,
-                                std::string_view others =
-                                    "00 00 03 00 00 00 | 00 00 08 00 00 00 |"
-                                    "00 00 09 00 00 00 |") {
-  return WriteRequest(5, 0x62,
-                      "4F 00 | 00 00 0" + std::to_string(output) + " 00 00 00 |" +
-                          std::string(others) + std::string(level));
+inline std::string PowerRequest(unsigned output, std::string_view level, unsigned atten_mode = 3) {
+  return WriteRequest(5, 0x62, PowerBody(output, level, atten_mode));
 }
-constexpr std::string_view kMinus20 = "00 00 EC FF FF FF";
 inline std::string TriggerInputRead() {
   return ReadRequest(10, 0x10, 7, "07 00" + Repeat(" 00", 10));
 }

@@ -8,10 +8,9 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 
 std::string PowerProbe() {
-  return WriteRequest(8, 0x62,
-                      "4F 00 | 00 00 01 00 00 00 | 00 00 03 00 00 00 | 00 00 08 00 00 00 |"
-                      "00 00 09 00 00 00 | 00 00 EC FF FF FF | 00 00 01 00 00 00 |"
-                      "00 00 00 00 00 00 | 00 00 EC FF FF FF");
+  return WriteRequest(
+      8, 0x62,
+      PowerBody(1, kMinus20) + "| 00 00 01 00 00 00 | 00 00 00 00 00 00 |" + std::string(kMinus20));
 }
 
 TEST_F(ManagerTest, ConnectionByteForByte) {
@@ -106,7 +105,6 @@ struct InitializeCase {
   std::vector<ErrorRecord> trail;
   std::vector<const char*> asked;  // requests whose order matters here, see RequestOrder
   std::vector<const char*> not_asked;
-  bool connected;
 };
 void PrintTo(const InitializeCase& row, std::ostream* stream) { *stream << row.name; }
 
@@ -114,6 +112,7 @@ class InitializeTest : public ManagerTest, public testing::WithParamInterface<In
 
 TEST_P(InitializeTest, EndsAsItMust) {
   const InitializeCase& row = GetParam();
+  const bool connected = row.result == 0;
   row.arrange(visa_);
   EXPECT_EQ(manager_.Initialize(kResource, row.option), row.result);
   EXPECT_THAT(manager_.ErrorRecords(), ElementsAreArray(row.trail));
@@ -127,9 +126,9 @@ TEST_P(InitializeTest, EndsAsItMust) {
   for (const char* const request : row.not_asked) {
     EXPECT_THAT(order, testing::Not(testing::Contains(request)));
   }
-  EXPECT_EQ(manager_.IsConnected(), row.connected);
-  EXPECT_EQ(visa_.control().OpenSessions(), row.connected ? 1U : 0U);
-  EXPECT_EQ(manager_.Close(), row.connected ? 0 : status::kNoSession);
+  EXPECT_EQ(manager_.IsConnected(), connected);
+  EXPECT_EQ(visa_.control().OpenSessions(), connected ? 1U : 0U);
+  EXPECT_EQ(manager_.Close(), connected ? 0 : status::kNoSession);
 }
 
 constexpr Status kRsrcNotFound = status::FromBits(0xBFFF0011);
@@ -137,180 +136,86 @@ constexpr Status kNotSupported = status::kInstrumentNotSupported;
 constexpr Status kFormUnknown = status::kInstrumentFormUnknown;
 constexpr auto kOrdinary = [](scripted::Visa&) {};
 
+InitializeCase Branch(const char* name, void (*arrange)(scripted::Visa& visa), const char* option,
+                      Status result, std::vector<ErrorRecord> trail, std::vector<const char*> asked,
+                      std::vector<const char*> not_asked = {}) {
+  return {name, arrange, option, result, std::move(trail), std::move(asked), std::move(not_asked)};
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Branches, InitializeTest,
     testing::Values(
-        InitializeCase{"ManagerOfVisaFails",
-                       [](auto& visa) { visa.SetResult(Function::kOpenDefaultRM, 0xBFFF0011); },
-                       "",
-                       kRsrcNotFound,
-                       {{kRsrcNotFound, Site::kOpenSession}},
-                       {},
-                       {"1"},
-                       false},
-        InitializeCase{"OpenFails",
-                       [](auto& visa) { visa.SetResult(Function::kOpen, 0xBFFF0011); },
-                       "",
-                       kRsrcNotFound,
-                       {{kRsrcNotFound, Site::kOpenSession}},
-                       {},
-                       {"1"},
-                       false},
-        InitializeCase{"OpenWithAWarningIsNoSession",
-                       [](auto& visa) { visa.SetResult(Function::kOpen, 0x3FFF007D); },
-                       "",
-                       0x3FFF007D,
-                       {{0x3FFF007D, Site::kOpenSession}},
-                       {},
-                       {"1"},
-                       false},
-        InitializeCase{"OpenWithANoticeIsNoSessionAndNoFailure",
-                       [](auto& visa) { visa.SetResult(Function::kOpen, 3); },
-                       "",
-                       3,
-                       {},
-                       {},
-                       {"1"},
-                       false},
-        InitializeCase{"TimeoutCannotBeSet",
-                       [](auto& visa) { visa.SetResult(Function::kSetAttribute, 0xBFFF001D); },
-                       "",
-                       status::FromBits(0xBFFF001D),
-                       {{status::FromBits(0xBFFF001D), Site::kOpenSession}},
-                       {},
-                       {"1"},
-                       false},
-        InitializeCase{"RecoveryNotSupported",
-                       [](auto& visa) { visa.Rule(1, 0, 0x8002); },
-                       "",
-                       status::kUnknownResource,
-                       {{kNotSupported, Site::kInitializeModel}},
-                       {"1"},
-                       {"3:3/20x1", "3:79/62x5"},
-                       false},
-        InitializeCase{"NoFrequencyFormSupported",
-                       [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8003); },
-                       "",
-                       status::kUnknownResource,
-                       {{kFormUnknown, Site::kInitializeModel}},
-                       {"3:0/60x4", "3:0/60x3", "3:0/40x3"},
-                       {"3:3/20x1", "3:79/62x5"},
-                       false},
-        InitializeCase{"OtherFailureOfTheModelGoesOn",
-                       [](auto& visa) { visa.Answer(kRefusal); },
-                       "",
-                       0,
-                       {{kRefusalStatus, Site::kInitializeModel}},
-                       {"1", "3:3/20x1", "3:79/62x5", "3:31/40x2"},
-                       {"4:15/10x100"},
-                       true},
-        InitializeCase{"OtherKindGoesOn",
-                       [](auto& visa) { visa.RuleBody(kWrite, kKindId, 0, "03 00 02 00"); },
-                       "",
-                       0,
-                       {{status::kWrongInstrumentKind, Site::kInstrumentKind}},
-                       {"3:3/20x1", "3:31/40x3"},
-                       {"4:79/62x5", "3:4/10x1", "3:79/62x5"},
-                       true},
-        InitializeCase{"NoKindConfirmed",
-                       [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); },
-                       "",
-                       0,
-                       {},
-                       {"3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "3:3/20x1", "1", "1",
-                        "4:79/62x5", "3:4/10x1", "3:79/62x5", "3:31/40x3"},
-                       {},
-                       true},
-        InitializeCase{"FailedRecoveryOfTheProbeIsNotTold",
-                       [](auto& visa) {
-                         visa.Rule(kWrite, kKindId, kRefusal);
-                         visa.Rule(1, 0, kRefusal);
-                         visa.Rule(1, 0, 0, 0, 1);
-                       },
-                       "",
-                       0,
-                       {},
-                       {"3:3/20x1", "3:3/20x1", "3:3/20x1", "4:79/62x5"},
-                       {},
-                       true},
-        InitializeCase{"GeneratorIsAskedForThatKindAlone",
-                       kOrdinary,
-                       "GENERATOR",
-                       0,
-                       {},
-                       {"3:3/20x1", "4:79/62x5", "3:79/62x5"},
-                       {"3:4/10x1"},
-                       true},
-        InitializeCase{"OptionIsCaseSensitive",
-                       kOrdinary,
-                       "generator",
-                       0,
-                       {},
-                       {"3:3/20x1", "3:4/10x1"},
-                       {},
-                       true},
-        InitializeCase{"OutputStateNotSupported",
-                       [](auto& visa) {
-                         visa.Rule(kRead, kPowerId, 0x8002);
-                         visa.Rule(kRead, 12, 0x8002);
-                       },
-                       "",
-                       status::kIdentificationFailed,
-                       {{kNotSupported, Site::kOutputState}},
-                       {"4:79/62x5"},
-                       {"3:79/62x5", "3:31/40x3"},
-                       false},
-        InitializeCase{"OtherFailureOfTheOutputStateGoesOn",
-                       [](auto& visa) { visa.Rule(kRead, kPowerId, kRefusal); },
-                       "",
-                       0,
-                       {{kRefusalStatus, Site::kOutputState}},
-                       {"4:79/62x5", "3:31/40x3"},
-                       {"3:4/10x1", "3:0/60x1"},
-                       true},
-        InitializeCase{"RefusedAveragingGoesOn",
-                       [](auto& visa) { visa.Rule(kWrite, 4, kRefusal); },
-                       "",
-                       0,
-                       {{kRefusalStatus, Site::kAveraging}},
-                       {"3:4/10x1", "3:79/62x5", "3:31/40x3"},
-                       {},
-                       true},
-        InitializeCase{"SweepModeNotSupported",
-                       [](auto& visa) {
-                         visa.Rule(kWrite, kFrequencyId, 0x8002, 0x60);
-                         visa.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
-                       },
-                       "",
-                       status::kIdentificationFailed,
-                       {{kNotSupported, Site::kFrequencyAxis}},
-                       {"3:0/60x1", "3:79/62x5"},
-                       {"3:31/40x3"},
-                       false},
-        InitializeCase{"NoPulseModulator",
-                       [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8002); },
-                       "",
-                       0,
-                       {{kNotSupported, Site::kPulseOff}},
-                       {"3:31/40x3"},
-                       {},
-                       true},
-        InitializeCase{"NoPulseModulatorOfThisForm",
-                       [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8003); },
-                       "",
-                       0,
-                       {{kFormUnknown, Site::kPulseOff}},
-                       {"3:31/40x3"},
-                       {},
-                       true},
-        InitializeCase{"PulseModulatorFails",
-                       [](auto& visa) { visa.Rule(kWrite, kPulseId, kRefusal); },
-                       "",
-                       kRefusalStatus,
-                       {{kRefusalStatus, Site::kPulseOff}},
-                       {"3:31/40x3"},
-                       {},
-                       false}),
+        Branch("ManagerOfVisaFails",
+               [](auto& visa) { visa.SetResult(Function::kOpenDefaultRM, 0xBFFF0011); }, "",
+               kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}),
+        Branch("OpenFails", [](auto& visa) { visa.SetResult(Function::kOpen, 0xBFFF0011); }, "",
+               kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}),
+        Branch("OpenWithAWarningIsNoSession",
+               [](auto& visa) { visa.SetResult(Function::kOpen, 0x3FFF007D); }, "", 0x3FFF007D,
+               {{0x3FFF007D, Site::kOpenSession}}, {}, {"1"}),
+        Branch("OpenWithANoticeIsNoSessionAndNoFailure",
+               [](auto& visa) { visa.SetResult(Function::kOpen, 3); }, "", 3, {}, {}, {"1"}),
+        Branch("TimeoutCannotBeSet",
+               [](auto& visa) { visa.SetResult(Function::kSetAttribute, 0xBFFF001D); }, "",
+               status::FromBits(0xBFFF001D), {{status::FromBits(0xBFFF001D), Site::kOpenSession}},
+               {}, {"1"}),
+        Branch("RecoveryNotSupported", [](auto& visa) { visa.Rule(1, 0, 0x8002); }, "",
+               status::kUnknownResource, {{kNotSupported, Site::kInitializeModel}}, {"1"},
+               {"3:3/20x1", "3:79/62x5"}),
+        Branch("NoFrequencyFormSupported",
+               [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8003); }, "",
+               status::kUnknownResource, {{kFormUnknown, Site::kInitializeModel}},
+               {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, {"3:3/20x1", "3:79/62x5"}),
+        Branch("OtherFailureOfTheModelGoesOn", [](auto& visa) { visa.Answer(kRefusal); }, "", 0,
+               {{kRefusalStatus, Site::kInitializeModel}},
+               {"1", "3:3/20x1", "3:79/62x5", "3:31/40x2"}, {"4:15/10x100"}),
+        Branch("OtherKindGoesOn",
+               [](auto& visa) { visa.RuleBody(kWrite, kKindId, 0, "03 00 02 00"); }, "", 0,
+               {{status::kWrongInstrumentKind, Site::kInstrumentKind}}, {"3:3/20x1", "3:31/40x3"},
+               {"4:79/62x5", "3:4/10x1", "3:79/62x5"}),
+        Branch("NoKindConfirmed", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); }, "", 0,
+               {},
+               {"3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "4:79/62x5",
+                "3:4/10x1", "3:79/62x5", "3:31/40x3"},
+               {}),
+        Branch("FailedRecoveryOfTheProbeIsNotTold",
+               [](auto& visa) {
+                 visa.Rule(kWrite, kKindId, kRefusal);
+                 visa.Rule(1, 0, kRefusal);
+                 visa.Rule(1, 0, 0, 0, 1);
+               },
+               "", 0, {}, {"3:3/20x1", "3:3/20x1", "3:3/20x1", "4:79/62x5"}, {}),
+        Branch("GeneratorIsAskedForThatKindAlone", kOrdinary, "GENERATOR", 0, {},
+               {"3:3/20x1", "4:79/62x5", "3:79/62x5"}, {"3:4/10x1"}),
+        Branch("OptionIsCaseSensitive", kOrdinary, "generator", 0, {}, {"3:3/20x1", "3:4/10x1"},
+               {}),
+        Branch("OutputStateNotSupported",
+               [](auto& visa) {
+                 visa.Rule(kRead, kPowerId, 0x8002);
+                 visa.Rule(kRead, 12, 0x8002);
+               },
+               "", status::kIdentificationFailed, {{kNotSupported, Site::kOutputState}},
+               {"4:79/62x5"}, {"3:79/62x5", "3:31/40x3"}),
+        Branch("OtherFailureOfTheOutputStateGoesOn",
+               [](auto& visa) { visa.Rule(kRead, kPowerId, kRefusal); }, "", 0,
+               {{kRefusalStatus, Site::kOutputState}}, {"4:79/62x5", "3:31/40x3"},
+               {"3:4/10x1", "3:0/60x1"}),
+        Branch("RefusedAveragingGoesOn", [](auto& visa) { visa.Rule(kWrite, 4, kRefusal); }, "", 0,
+               {{kRefusalStatus, Site::kAveraging}}, {"3:4/10x1", "3:79/62x5", "3:31/40x3"}, {}),
+        Branch("SweepModeNotSupported",
+               [](auto& visa) {
+                 visa.Rule(kWrite, kFrequencyId, 0x8002, 0x60);
+                 visa.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
+               },
+               "", status::kIdentificationFailed, {{kNotSupported, Site::kFrequencyAxis}},
+               {"3:0/60x1", "3:79/62x5"}, {"3:31/40x3"}),
+        Branch("NoPulseModulator", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8002); }, "", 0,
+               {{kNotSupported, Site::kPulseOff}}, {"3:31/40x3"}, {}),
+        Branch("NoPulseModulatorOfThisForm",
+               [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8003); }, "", 0,
+               {{kFormUnknown, Site::kPulseOff}}, {"3:31/40x3"}, {}),
+        Branch("PulseModulatorFails", [](auto& visa) { visa.Rule(kWrite, kPulseId, kRefusal); }, "",
+               kRefusalStatus, {{kRefusalStatus, Site::kPulseOff}}, {"3:31/40x3"}, {})),
     [](const auto& row) { return row.param.name; });
 
 TEST_F(ManagerTest, KindsAreProbedFromAnalyserDownAndTheConfirmedOneStands) {

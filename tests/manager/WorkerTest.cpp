@@ -17,7 +17,7 @@ bool IsMeasuring(scripted::Visa& visa, CK4NManager& manager) {
 struct ResumeCase {
   const char* name;
   const char* option;
-  const char* output_state;
+  Output output;
   void (*arrange)(CK4NManager& manager);
   bool measures;
 };
@@ -26,7 +26,7 @@ void PrintTo(const ResumeCase& row, std::ostream* stream) { *stream << row.name;
 class ResumeTest : public ManagerTest, public testing::WithParamInterface<ResumeCase> {};
 
 TEST_P(ResumeTest, DependsOnTheSettings) {
-  Open(GetParam().output_state, GetParam().option);
+  Open(GetParam().output, GetParam().option);
   GetParam().arrange(manager_);
   EXPECT_EQ(IsMeasuring(visa_, manager_), GetParam().measures);
 }
@@ -54,21 +54,21 @@ void ConfiguredFrequencyStep(CK4NManager& manager) {
 INSTANTIATE_TEST_SUITE_P(
     Resume, ResumeTest,
     testing::Values(
-        ResumeCase{"NoSweep", "", kOutputState, Immediate, false},
-        ResumeCase{"List", "", kOutputState, ImmediateList, true},
-        ResumeCase{"FrequencyStepNotConfigured", "", kOutputState, ImmediateFrequencyStep, false},
-        ResumeCase{"FrequencyStepConfigured", "", kOutputState, ConfiguredFrequencyStep, true},
-        ResumeCase{"SoftwareWithoutTrigger", "", kOutputState,
+        ResumeCase{"NoSweep", "", Output::kOn, Immediate, false},
+        ResumeCase{"List", "", Output::kOn, ImmediateList, true},
+        ResumeCase{"FrequencyStepNotConfigured", "", Output::kOn, ImmediateFrequencyStep, false},
+        ResumeCase{"FrequencyStepConfigured", "", Output::kOn, ConfiguredFrequencyStep, true},
+        ResumeCase{"SoftwareWithoutTrigger", "", Output::kOn,
                    [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, false},
-        ResumeCase{"SoftwareWithTrigger", "", kOutputState,
+        ResumeCase{"SoftwareWithTrigger", "", Output::kOn,
                    [](CK4NManager& m) {
                      m.SetSweepMode(SweepMode::kList);
                      m.RequestSoftwareTrigger();
                    },
                    true},
-        ResumeCase{"AnalyserOutputOff", "", kOutputOff, ImmediateList, true},
-        ResumeCase{"GeneratorOutputOff", "GENERATOR", kOutputOff, ImmediateList, false},
-        ResumeCase{"GeneratorOutputOn", "GENERATOR", kOutputState, ImmediateList, true}),
+        ResumeCase{"AnalyserOutputOff", "", Output::kOff, ImmediateList, true},
+        ResumeCase{"GeneratorOutputOff", "GENERATOR", Output::kOff, ImmediateList, false},
+        ResumeCase{"GeneratorOutputOn", "GENERATOR", Output::kOn, ImmediateList, true}),
     [](const auto& row) { return row.param.name; });
 
 TEST_F(ManagerTest, WorkerStoresBlockAfterBlock) {
