@@ -32,9 +32,9 @@ inline bool WaitUntil(const std::function<bool()>& condition) {
   return false;
 }
 
-inline std::string Repeat(std::string_view byte, int count) {
+inline std::string Repeat(std::string_view hex, int count) {
   std::string text;
-  for (int i = 0; i < count; ++i) text += byte;
+  for (int i = 0; i < count; ++i) text += hex;
   return text;
 }
 
