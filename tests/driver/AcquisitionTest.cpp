@@ -134,8 +134,8 @@ TEST_F(Acquisition, ABadBlockDoesNotEndTheSession) {
     surface_.acquisition->Initiate();
     EXPECT_TRUE(WaitUntil([&] { return instrument_.State().sweeps > sweeps; }));
     EXPECT_EQ(surface_.rf->put_Frequency(1e9), S_OK);
-    EXPECT_EQ(TakeErrors(), block.status == 0 ? std::vector<LONG>{}
-                                              : std::vector<LONG>{block.status});
+    EXPECT_EQ(TakeErrors(),
+              block.status == 0 ? std::vector<LONG>{} : std::vector<LONG>{block.status});
     surface_.acquisition->Abort();
     RunSweep(1e9, 1.1e9, 1e7);
   }

@@ -190,9 +190,8 @@ TEST_F(Settings, EnumerationsOutsideTheirListAreNamed) {
       "for ";
   ExpectReported(surface_.sweep->put_Mode(Any<ZentrelK4NSweepModeEnum>(1)), Code(0x80047013),
                  text + "property Mode.", __uuidof(Sweep));
-  ExpectReported(
-      surface_.frequency_step->put_Scaling(ZentrelK4NFrequencyStepScalingLogarithmic),
-      Code(0x80047013), text + "property Scaling", __uuidof(FStep));
+  ExpectReported(surface_.frequency_step->put_Scaling(ZentrelK4NFrequencyStepScalingLogarithmic),
+                 Code(0x80047013), text + "property Scaling", __uuidof(FStep));
   ExpectReported(surface_.frequency_step->ConfigureStartStop(
                      1e9, 2e9, ZentrelK4NFrequencyStepScalingLogarithmic, 1e6),
                  Code(0x80047013), text + "parameter Scaling in method ConfigureStartStop.",
@@ -245,8 +244,7 @@ class Bare : public SessionTest {
 
 TEST_F(Bare, AGeneratorHasNoChannelsAndNoOptions) {
   Open("GENERATOR");
-  const std::string text =
-      "ZentrelK4NLib: Does not support this class-compliant feature: ";
+  const std::string text = "ZentrelK4NLib: Does not support this class-compliant feature: ";
   const IID acquisition = __uuidof(IZentrelK4NAcquisition);
   auto status = ZentrelK4NAcquisitionStatusComplete;
   ExpectReported(surface_.acquisition->put_Averaging(2), kPropertyCode,
