@@ -178,8 +178,8 @@ class ManySessions : public SessionTest {
   }
   ManySessions() : SessionTest(ShortMemory()) {}
 
-  void OpenAndClose(int times) {
-    for (int i = 0; i < times; ++i) {
+  void OpenAndClose(std::size_t times) {
+    for (std::size_t i = 0; i < times; ++i) {
       Open();
       EXPECT_EQ(surface_.rf->put_Frequency(1e9), S_OK);
       EXPECT_EQ(surface_.root->Close(), S_OK);
@@ -189,7 +189,7 @@ class ManySessions : public SessionTest {
 };
 
 TEST_F(ManySessions, LeaveNothingBehind) {
-  constexpr int kSessions = 100;
+  constexpr std::size_t kSessions = 100;
   OpenAndClose(5);
   const ProcessResources before = CountResources();
   OpenAndClose(kSessions);
