@@ -35,7 +35,7 @@ DriverClient::DriverClient(const std::string& module_file) {
                       module_file + " is not the driver module: it has no DllGetClassObject");
   }
   ComPtr<IClassFactory> factory;
-  Check(get_class_object(CLSID_ZentrelK4N, __uuidof(IClassFactory),
+  Check(get_class_object(__uuidof(ZentrelK4N), __uuidof(IClassFactory),
                          reinterpret_cast<void**>(factory.Put())),
         "DllGetClassObject");
   Check(factory->CreateInstance(nullptr, __uuidof(IZentrelK4N),
