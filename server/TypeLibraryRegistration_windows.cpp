@@ -140,8 +140,7 @@ HRESULT RegisterTypeLibrary(RegistrationScope scope, const os::WideString& modul
 }
 
 HRESULT UnregisterTypeLibrary(RegistrationScope scope) {
-  if (!IsRegistered(scope)) return S_OK;
-  return KeepingForeignInterface(scope, [&]() -> HRESULT {
+  const HRESULT result = KeepingForeignInterface(scope, [&]() -> HRESULT {
     if (scope == RegistrationScope::kMachine) {
       return UnRegisterTypeLib(kTypeLibraryId, kMajorVersion, kMinorVersion, kLocale, SYS_WIN64);
     }
@@ -152,4 +151,6 @@ HRESULT UnregisterTypeLibrary(RegistrationScope scope) {
                ? S_OK
                : for_user(kTypeLibraryId, kMajorVersion, kMinorVersion, kLocale, SYS_WIN64);
   });
+  // A library that is not registered is refused with one code or another.
+  return FAILED(result) && !IsRegistered(scope) ? S_OK : result;
 }

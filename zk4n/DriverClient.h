@@ -30,6 +30,9 @@ class DriverClient {
   /// Throws DriverError when the module cannot be loaded or the object not be created.
   explicit DriverClient(const std::string& module_file);
 
+  /// The driver as any client gets it: by its ProgID, from where it is registered.
+  static DriverClient Registered(const char* prog_id);
+
   IZentrelK4N* operator->() const { return root_.Get(); }
 
   /// Another interface of the root object.
@@ -48,6 +51,7 @@ class DriverClient {
   static std::string Utf8(const Bstr& text);
 
  private:
+  DriverClient() = default;
   [[nodiscard]] std::string ErrorTrail() const;
 
   os::Module module_;  // released last: the objects' code lives in it
