@@ -136,6 +136,7 @@ class Parser {
       key.removal = KeyRemoval::kForced;
     }
     const Word name = words_.TakeText("a key's name");
+    if (name.Is("val")) Fail(name.line, "no value can stand here");
     key.name = Replaced(name);
     // An empty path would be the key above, and a forced removal take that.
     if (key.name.find_first_not_of('\\') == key.name.npos) Fail(name.line, "a key without a name");

@@ -1,0 +1,47 @@
+#include "tests/server/ClassesDump.h"
+
+#include "platform/com/RegKey.h"
+
+const std::set<RegistrationScope> kScopesFoundByProgId = {RegistrationScope::kMachine};
+
+namespace {
+
+constexpr DWORD kRoom = 16384;
+
+std::string Utf8(std::wstring_view text) { return os::ToNarrow(text, os::kUtf8CodePage); }
+
+void DumpKey(HKEY parent, const std::wstring& name, const std::string& path, ClassesLines& lines) {
+  RegKey key;
+  if (key.Open(parent, name, KEY_READ) != ERROR_SUCCESS) return;
+  if (!path.empty()) lines.insert(path);
+  std::wstring text(kRoom, 0);
+  std::wstring data(kRoom, 0);
+  for (DWORD index = 0;; ++index) {
+    DWORD length = kRoom;
+    DWORD size = kRoom * sizeof(wchar_t);
+    if (RegEnumValueW(key.Get(), index, text.data(), &length, nullptr, nullptr,
+                      reinterpret_cast<BYTE*>(data.data()), &size) != ERROR_SUCCESS) {
+      break;
+    }
+    lines.insert(path + " " + Utf8({text.data(), length}) + "=" +
+                 Utf8(std::wstring(data, 0, size / sizeof(wchar_t)).c_str()));
+  }
+  for (DWORD index = 0;; ++index) {
+    DWORD length = kRoom;
+    if (RegEnumKeyExW(key.Get(), index, text.data(), &length, nullptr, nullptr, nullptr, nullptr) !=
+        ERROR_SUCCESS) {
+      break;
+    }
+    const std::wstring subkey(text, 0, length);
+    DumpKey(key.Get(), subkey, (path.empty() ? "" : path + "\\") + Utf8(subkey), lines);
+  }
+}
+
+}  // namespace
+
+ClassesLines DumpClasses(RegistrationScope scope) {
+  const ClassesPlace place = ClassesOf(scope);
+  ClassesLines lines;
+  DumpKey(place.root, place.path, "", lines);
+  return lines;
+}
