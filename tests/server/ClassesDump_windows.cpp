@@ -10,6 +10,15 @@ constexpr DWORD kRoom = 16384;
 
 std::string Utf8(std::wstring_view text) { return os::ToNarrow(text, os::kUtf8CodePage); }
 
+/// The top keys as registered classes name them: an existing key keeps its own spelling, and Wine
+/// has others. Empty for the view of 32-bit programs, which repeats what is shared.
+std::string TopKey(const std::wstring& name) {
+  for (const wchar_t* key : {L"AppID", L"TypeLib"}) {
+    if (lstrcmpiW(key, name.c_str()) == 0) return Utf8(key);
+  }
+  return name == L"Wow6432Node" ? std::string() : Utf8(name);
+}
+
 void DumpKey(HKEY parent, const std::wstring& name, const std::string& path, ClassesLines& lines) {
   RegKey key;
   if (key.Open(parent, name, KEY_READ) != ERROR_SUCCESS) return;
@@ -33,7 +42,8 @@ void DumpKey(HKEY parent, const std::wstring& name, const std::string& path, Cla
       break;
     }
     const std::wstring subkey(text, 0, length);
-    DumpKey(key.Get(), subkey, (path.empty() ? "" : path + "\\") + Utf8(subkey), lines);
+    const std::string subpath = path.empty() ? TopKey(subkey) : path + "\\" + Utf8(subkey);
+    if (!subpath.empty()) DumpKey(key.Get(), subkey, subpath, lines);
   }
 }
 

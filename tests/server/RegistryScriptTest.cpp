@@ -9,20 +9,20 @@ namespace {
 
 os::WideString Wide(std::string_view text) { return os::ToWide(text, os::kUtf8CodePage); }
 
-/// Keys as one line: "name[removal](value=text;...){keys}".
+std::string Utf8(os::WideView text) { return os::ToNarrow(text, os::kUtf8CodePage); }
+
+/// Keys as one line: "name[removal](value=text)...{keys};".
 std::string Shown(const std::vector<ScriptKey>& keys) {
   std::string text;
   for (const ScriptKey& key : keys) {
-    text += os::ToNarrow(key.name, os::kUtf8CodePage);
-    text += key.removal == KeyRemoval::kNever    ? "[no]"
-            : key.removal == KeyRemoval::kForced ? "[force]"
-                                                 : "";
+    text += Utf8(key.name);
+    if (key.removal == KeyRemoval::kNever) text += "[no]";
+    if (key.removal == KeyRemoval::kForced) text += "[force]";
     for (const ScriptValue& value : key.values) {
-      text += "(" + os::ToNarrow(value.name, os::kUtf8CodePage) + "=" +
-              os::ToNarrow(value.text, os::kUtf8CodePage) + ")";
+      text.append("(").append(Utf8(value.name)).append("=").append(Utf8(value.text)).append(")");
     }
-    if (!key.keys.empty()) text += "{" + Shown(key.keys) + "}";
-    text += ";";
+    if (!key.keys.empty()) text.append("{").append(Shown(key.keys)).append("}");
+    text += ';';
   }
   return text;
 }
