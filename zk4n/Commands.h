@@ -22,5 +22,11 @@ class UsageError : public std::runtime_error {
 /// `zk4n measure`: one stepped measurement, as a table, CSV, SVG or JSON.
 void AddMeasureCommand(CLI::App& app, int& status);
 
+/// `zk4n register`: the driver's COM registration, made or taken away.
+void AddRegisterCommand(CLI::App& app, int& status);
+
+/// `zk4n check`: whether a session could be opened, and if not, why.
+void AddCheckCommand(CLI::App& app, int& status);
+
 /// `zk4n simulate`: the instrument simulator, listening until Ctrl-C.
 void AddSimulateCommand(CLI::App& app, int& status);

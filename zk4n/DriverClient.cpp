@@ -50,6 +50,16 @@ DriverClient::DriverClient(const std::string& module_file) {
         "CreateInstance");
 }
 
+DriverClient DriverClient::Registered(const char* prog_id) {
+  DriverClient client;
+  CLSID class_id{};
+  client.Check(CLSIDFromProgID(os::ToWide(prog_id, os::kUtf8CodePage).c_str(), &class_id), prog_id);
+  client.Check(CoCreateInstance(class_id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IZentrelK4N),
+                                client.root_.PutVoid()),
+               "CoCreateInstance");
+  return client;
+}
+
 std::string DriverClient::Utf8(const Bstr& text) {
   return os::ToNarrow(text.View(), os::kUtf8CodePage);
 }

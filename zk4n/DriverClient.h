@@ -31,6 +31,9 @@ class DriverClient {
   /// Throws DriverError when the module cannot be loaded or the object not be created.
   explicit DriverClient(const std::string& module_file);
 
+  /// The driver as any client gets it: by its ProgID, from where it is registered.
+  static DriverClient Registered(const char* prog_id);
+
   IZentrelK4N* operator->() const { return root_.Get(); }
 
   /// Another interface of the root object.
@@ -55,6 +58,8 @@ class DriverClient {
   static std::string Utf8(const Bstr& text);
 
  private:
+  DriverClient() = default;
+
   struct TrailRecord {
     HRESULT code;
     std::string message;  // empty where the driver knows no more than the code

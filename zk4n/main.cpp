@@ -37,6 +37,8 @@ int Run(std::vector<std::string> arguments) {
   int status = exit_status::kOk;
   AddMeasureCommand(app, status);
   AddSimulateCommand(app, status);
+  AddRegisterCommand(app, status);
+  AddCheckCommand(app, status);
   try {
     // CLI11 takes them from the back; the program's name is not among them.
     arguments.erase(arguments.begin());

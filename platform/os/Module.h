@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/os/Text.h"
+
 namespace os {
 
 /// One loaded module; unloaded by the destructor or Unload.
@@ -29,6 +31,10 @@ class Module {
 
   [[nodiscard]] bool IsLoaded() const { return handle_ != nullptr; }
 
+  /// The full path of the file that was loaded; empty when the system does not tell or none is
+  /// held.
+  [[nodiscard]] WideString File() const;
+
   /// The address of an exported function or object; null when the module lacks it or none is held.
   [[nodiscard]] void* Symbol(const char* name) const;
 
@@ -41,6 +47,9 @@ class Module {
  private:
   void* handle_ = nullptr;
 };
+
+/// The full path of the module that holds this code; empty when the system does not tell.
+WideString ThisModuleFile();
 
 /// The folder of the module that holds this code, with a trailing separator, as narrow text in the
 /// ANSI code page; empty when the system does not tell or the path is longer than 260 characters.

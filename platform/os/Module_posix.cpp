@@ -1,4 +1,5 @@
 #include <dlfcn.h>
+#include <link.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -20,11 +21,23 @@ std::string FileNameOf(std::string name) {
   return "lib" + name + ".so";
 }
 
-/// The program itself is known under the name it was called by, which tells no folder when it was
-/// found by search.
-std::filesystem::path FileOf(const std::string& name, std::error_code& error) {
-  return name.find('/') == name.npos ? std::filesystem::read_symlink("/proc/self/exe", error)
-                                     : std::filesystem::absolute(name, error);
+/// The full path of what the loader knows by this name; empty when it cannot be told. The program
+/// itself is known under the name it was called by, which tells no folder when it was found by
+/// search.
+std::filesystem::path FileOf(const std::string& name) {
+  std::error_code error;
+  std::filesystem::path file = name.find('/') == name.npos
+                                   ? std::filesystem::read_symlink("/proc/self/exe", error)
+                                   : std::filesystem::absolute(name, error);
+  return error ? std::filesystem::path() : file;
+}
+
+std::filesystem::path ThisModulePath() {
+  Dl_info info{};
+  if (dladdr(reinterpret_cast<void*>(&ThisModuleFolder), &info) == 0 || info.dli_fname == nullptr) {
+    return {};
+  }
+  return FileOf(info.dli_fname);
 }
 
 }  // namespace
@@ -46,14 +59,17 @@ void* Module::Symbol(const char* name) const {
   return handle_ == nullptr ? nullptr : dlsym(handle_, name);
 }
 
+WideString Module::File() const {
+  link_map* map = nullptr;
+  if (handle_ == nullptr || dlinfo(handle_, RTLD_DI_LINKMAP, &map) != 0) return {};
+  return ToWide(FileOf(map->l_name).native(), kUtf8CodePage);
+}
+
+WideString ThisModuleFile() { return ToWide(ThisModulePath().native(), kUtf8CodePage); }
+
 std::string ThisModuleFolder() {
-  Dl_info info{};
-  if (dladdr(reinterpret_cast<void*>(&ThisModuleFolder), &info) == 0 || info.dli_fname == nullptr) {
-    return {};
-  }
-  std::error_code error;
-  const std::filesystem::path file = FileOf(info.dli_fname, error);
-  if (error || file.native().size() > kLongestModulePath) return {};
+  const std::filesystem::path file = ThisModulePath();
+  if (file.empty() || file.native().size() > kLongestModulePath) return {};
   return ToNarrow(ToWide(file.parent_path().native() + "/", kUtf8CodePage));
 }
 

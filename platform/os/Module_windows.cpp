@@ -4,6 +4,18 @@
 #include "platform/os/Module.h"
 
 namespace os {
+namespace {
+
+/// The longest path that Windows has.
+constexpr DWORD kLongestPath = 32767;
+
+std::wstring FileOf(HMODULE module) {
+  std::wstring path(kLongestPath, 0);
+  path.resize(GetModuleFileNameW(module, path.data(), kLongestPath));
+  return path;
+}
+
+}  // namespace
 
 bool Module::Load(std::string_view name) {
   Unload();
@@ -25,18 +37,23 @@ void* Module::Symbol(const char* name) const {
   return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
 }
 
-std::string ThisModuleFolder() {
+WideString Module::File() const {
+  return handle_ == nullptr ? WideString() : FileOf(static_cast<HMODULE>(handle_));
+}
+
+WideString ThisModuleFile() {
   HMODULE module = nullptr;
   constexpr DWORD kFlags =
       GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-  if (!GetModuleHandleExW(kFlags, reinterpret_cast<LPCWSTR>(&ThisModuleFolder), &module)) return {};
-  wchar_t path[MAX_PATH + 1] = {};
-  const DWORD length = GetModuleFileNameW(module, path, MAX_PATH + 1);
-  if (length == 0 || length > MAX_PATH) return {};
-  const std::wstring_view text(path, length);
-  const auto separator = text.find_last_of(L'\\');
-  return separator == std::wstring_view::npos ? std::string()
-                                              : ToNarrow(text.substr(0, separator + 1));
+  const auto address = reinterpret_cast<LPCWSTR>(&ThisModuleFile);
+  return GetModuleHandleExW(kFlags, address, &module) ? FileOf(module) : WideString();
+}
+
+std::string ThisModuleFolder() {
+  const std::wstring path = ThisModuleFile();
+  const auto separator = path.find_last_of(L'\\');
+  if (path.size() > MAX_PATH || separator == std::wstring::npos) return {};
+  return ToNarrow(path.substr(0, separator + 1));
 }
 
 }  // namespace os

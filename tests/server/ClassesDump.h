@@ -1,0 +1,16 @@
+// What the registry holds for one scope, line by line.
+#pragma once
+
+#include <set>
+#include <string>
+
+#include "server/Registrar.h"
+
+/// One line, in UTF-8, for each key ("CLSID\{...}") and value ("CLSID\{...} AppID=..."; the default
+/// value has no name) below the scope's Software\Classes.
+using ClassesLines = std::set<std::string>;
+ClassesLines DumpClasses(RegistrationScope scope);
+
+/// The scopes whose classes this system finds by ProgID. Wine's HKEY_CLASSES_ROOT shows the
+/// machine's part alone.
+extern const std::set<RegistrationScope> kScopesFoundByProgId;

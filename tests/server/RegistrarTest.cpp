@@ -1,0 +1,99 @@
+// The registrar: what scripts make of the registry, in both directions.
+#include "server/Registrar.h"
+
+#include "tests/platform/RegistryFixture.h"
+#include "tests/server/ClassesDump.h"
+
+namespace {
+
+using Lines = ClassesLines;
+
+/// The lines of a script's own keys, all of which begin with "Zk".
+Lines ZkLines(RegistrationScope scope = RegistrationScope::kUser) {
+  Lines lines = DumpClasses(scope);
+  std::erase_if(lines, [](const std::string& line) { return !line.starts_with("Zk"); });
+  return lines;
+}
+
+class RegistrarTest : public RegistryTest {
+ protected:
+  RegistrarTest() { Clean(); }
+  ~RegistrarTest() override { Clean(); }
+
+  static void Clean() { RegDeleteTreeW(HKEY_CURRENT_USER, OLESTR("Software\\Classes\\Zk")); }
+
+  const Registrar registrar_{RegistrationScope::kUser, {{"NAME", OLESTR("n")}}};
+};
+
+TEST_F(RegistrarTest, MakesKeysAndValuesAndTakesThemAway) {
+  constexpr auto kScript =
+      "HKCR { NoRemove Zk { val A = s '1' ForceRemove F = s 'f' { G } P = s '%NAME%' { Q = s 'q' } "
+      "} }";
+  EXPECT_EQ(registrar_.Register(kScript), S_OK);
+  EXPECT_EQ(registrar_.Register(kScript), S_OK);
+  EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk A=1", "Zk\\F", "Zk\\F =f", "Zk\\F\\G", "Zk\\P", "Zk\\P =n",
+                              "Zk\\P\\Q", "Zk\\P\\Q =q"}));
+  EXPECT_EQ(registrar_.Remove(kScript), S_OK);
+  EXPECT_EQ(ZkLines(), Lines{"Zk"});
+  EXPECT_EQ(registrar_.Remove(kScript), S_OK);
+}
+
+TEST_F(RegistrarTest, RemovingWhatIsNotThereMakesNothing) {
+  EXPECT_EQ(registrar_.Remove("HKCR { NoRemove Zk { A { val B = s '1' } } }"), S_OK);
+  EXPECT_EQ(ZkLines(), Lines{});
+}
+
+TEST_F(RegistrarTest, OnlyForcedRemovalTakesWhatOthersPutThere) {
+  constexpr auto kScript = "HKCR { NoRemove Zk { ForceRemove F = s 'f' P = s 'p' { Q } } }";
+  EXPECT_EQ(registrar_.Register(kScript), S_OK);
+  { const Key others(HKEY_CURRENT_USER, OLESTR("Software\\Classes\\Zk\\F\\Others\\X")); }
+  { const Key others(HKEY_CURRENT_USER, OLESTR("Software\\Classes\\Zk\\P\\Others\\X")); }
+  EXPECT_EQ(registrar_.Register(kScript), S_OK);
+  EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk\\F", "Zk\\F =f", "Zk\\P", "Zk\\P =p", "Zk\\P\\Q",
+                              "Zk\\P\\Others", "Zk\\P\\Others\\X"}));
+  { const Key others(HKEY_CURRENT_USER, OLESTR("Software\\Classes\\Zk\\F\\Others\\X")); }
+  EXPECT_EQ(registrar_.Remove(kScript), S_OK);
+  EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk\\P", "Zk\\P\\Others", "Zk\\P\\Others\\X"}));
+}
+
+TEST_F(RegistrarTest, BadScriptChangesNothing) {
+  constexpr auto kScript = "HKCR { Zk { A } } HKCR { Zk { B = s %NOTHING% } }";
+  EXPECT_EQ(registrar_.Register(kScript), Registrar::kScriptUnreadable);
+  EXPECT_EQ(registrar_.Remove(kScript), Registrar::kScriptUnreadable);
+  EXPECT_EQ(registrar_.Register({}), Registrar::kScriptUnreadable);
+  EXPECT_EQ(ZkLines(), Lines{});
+}
+
+TEST_F(RegistrarTest, MachinesKeysStayInTheMachinesPartBesideAUsersKey) {
+  const Registrar machine(RegistrationScope::kMachine, {});
+  constexpr auto kScript = "HKCR { Zk { M } }";
+  EXPECT_EQ(registrar_.Register("HKCR { Zk { U } }"), S_OK);
+  EXPECT_EQ(machine.Register(kScript), S_OK);
+  EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk\\U"}));
+  EXPECT_EQ(ZkLines(RegistrationScope::kMachine), (Lines{"Zk", "Zk\\M"}));
+  EXPECT_EQ(machine.Remove(kScript), S_OK);
+  EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk\\U"}));
+  EXPECT_EQ(ZkLines(RegistrationScope::kMachine), Lines{});
+}
+
+TEST_F(RegistrarTest, OtherRootsAreTheSameInEveryScope) {
+  constexpr auto kScript = "HKCU { NoRemove Software { NoRemove Classes { Zk { R } } } }";
+  const Registrar machine(RegistrationScope::kMachine, {});
+  EXPECT_EQ(machine.Register(kScript), S_OK);
+  EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk\\R"}));
+  EXPECT_EQ(machine.Remove(kScript), S_OK);
+  EXPECT_EQ(ZkLines(), Lines{});
+}
+
+TEST_F(RegistrarTest, StopsAtTheFirstFailureOfTheRegistry) {
+#ifdef _WIN32
+  const std::string refused_name(300, 'k');
+#else
+  const std::string refused_name = "'k\nk'";
+#endif
+  EXPECT_EQ(registrar_.Register("HKCR { Zk { A { " + refused_name + " } B } } HKCR { Zk { C } }"),
+            HRESULT_FROM_WIN32(ERROR_INVALID_PARAMETER));
+  EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk\\A"}));
+}
+
+}  // namespace

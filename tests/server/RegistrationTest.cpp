@@ -1,0 +1,193 @@
+// The module's registration: what its entry points write, take away, and make possible.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "platform/com/Raii.h"
+#include "platform/os/Module.h"
+#include "server/interface/Guids.h"
+#include "tests/platform/RegistryFixture.h"
+#include "tests/server/ClassesDump.h"
+
+namespace {
+
+using Install = HRESULT STDAPICALLTYPE(BOOL, LPCWSTR);
+using Entry = HRESULT STDAPICALLTYPE();
+
+const std::string kLibrary = "ZentrelK4NLib.";
+
+std::string GuidText(REFGUID guid) {
+  OLECHAR text[39] = {};
+  StringFromGUID2(guid, text, 39);
+  return os::ToNarrow(text, os::kUtf8CodePage);
+}
+
+struct RegisteredClass {
+  const char* name;
+  CLSID class_id;
+};
+
+const RegisteredClass kClasses[] = {
+    {"ZentrelK4N", __uuidof(ZentrelK4N)},
+    {"ZentrelK4NChannel", __uuidof(ZentrelK4NChannel)},
+    {"ZentrelK4NPowerStep", __uuidof(ZentrelK4NPowerStep)},
+    {"ZentrelK4NPulseGenerator", __uuidof(ZentrelK4NPulseGenerator)},
+    {"ZentrelK4NPulseGeneratorOutput", __uuidof(ZentrelK4NPulseGeneratorOutput)},
+    {"ZentrelK4NPulseGeneratorDouble", __uuidof(ZentrelK4NPulseGeneratorDouble)},
+    {"ZentrelK4NPulseModulation", __uuidof(ZentrelK4NPulseModulation)},
+    {"ZentrelK4NPulsePacketGenerator", __uuidof(ZentrelK4NPulsePacketGenerator)},
+    {"ZentrelK4NTriggerOutput", __uuidof(ZentrelK4NTriggerOutput)},
+    {"ZentrelK4NSyncGenerator", __uuidof(ZentrelK4NSyncGenerator)},
+};
+
+void AddClass(const RegisteredClass& entry, const std::string& module, ClassesLines& lines) {
+  const std::string text = std::string("=") + entry.name + " Class";
+  const std::string clsid = GuidText(entry.class_id);
+  const std::string prog_id = kLibrary + entry.name;
+  const std::string key = "CLSID\\" + clsid;
+  lines.insert({prog_id, prog_id + " " + text, prog_id + "\\CLSID", prog_id + "\\CLSID =" + clsid,
+                prog_id + "\\CurVer", prog_id + "\\CurVer =" + prog_id + ".1", prog_id + ".1",
+                prog_id + ".1 " + text, prog_id + ".1\\CLSID", prog_id + ".1\\CLSID =" + clsid});
+  lines.insert({key, key + " " + text, key + " AppID=" + GuidText(kApplicationId), key + "\\ProgID",
+                key + "\\ProgID =" + prog_id + ".1", key + "\\VersionIndependentProgID",
+                key + "\\VersionIndependentProgID =" + prog_id, key + "\\InprocServer32",
+                key + "\\InprocServer32 =" + module, key + "\\InprocServer32 ThreadingModel=Both",
+                key + "\\TypeLib", key + "\\TypeLib =" + GuidText(kTypeLibraryId)});
+}
+
+/// All that the scripts write, but for the two keys that stay.
+ClassesLines ExpectedLines(const std::string& module) {
+  ClassesLines lines;
+  for (const RegisteredClass& entry : kClasses) AddClass(entry, module, lines);
+  const std::string root = "CLSID\\" + GuidText(__uuidof(ZentrelK4N));
+  const std::string categories = root + "\\Implemented Categories";
+  lines.insert({root + "\\ToolboxBitmap32", root + "\\ToolboxBitmap32 =" + module + ", 202",
+                categories, categories + "\\{47ED5152-A398-11D4-BA58-000064657374}"});
+  const std::string app_id = GuidText(kApplicationId);
+  lines.insert({"AppID\\" + app_id, "AppID\\" + app_id + " =ZentrelK4NLib",
+                "AppID\\ZentrelK4NLib.DLL", "AppID\\ZentrelK4NLib.DLL AppID=" + app_id});
+  return lines;
+}
+
+ClassesLines Difference(const ClassesLines& a, const ClassesLines& b) {
+  ClassesLines only_a;
+  std::set_difference(a.begin(), a.end(), b.begin(), b.end(), std::inserter(only_a, only_a.end()));
+  return only_a;
+}
+
+/// What the scripts write; the type library's registration is the system's work.
+ClassesLines WithoutTypeLibrary(ClassesLines lines) {
+  std::erase_if(lines, [](const std::string& line) {
+    return line.starts_with("TypeLib\\") || line.starts_with("Interface\\");
+  });
+  return lines;
+}
+
+class ModuleTest : public RegistryTest {
+ protected:
+  ModuleTest() {
+    EXPECT_TRUE(module_.Load(ZK_DRIVER_MODULE));
+    file_ = os::ToNarrow(module_.File(), os::kUtf8CodePage);
+    Call(RegistrationScope::kUser, false);
+    Call(RegistrationScope::kMachine, false);
+  }
+
+  /// The machine's scope by the two entry points of COM, the user's by the third.
+  HRESULT Call(RegistrationScope scope, bool install) const {
+    if (scope == RegistrationScope::kUser) {
+      return module_.FunctionOf<Install>("DllInstall")(install ? TRUE : FALSE, OLESTR("USER"));
+    }
+    return module_.FunctionOf<Entry>(install ? "DllRegisterServer" : "DllUnregisterServer")();
+  }
+
+  os::Module module_;
+  std::string file_;
+};
+
+class RegistrationTest : public ModuleTest,
+                         public testing::WithParamInterface<RegistrationScope> {};
+
+TEST_P(RegistrationTest, WritesItsKeysAndLeavesNothingButTheSharedOnes) {
+  const bool is_user = GetParam() == RegistrationScope::kUser;
+  const RegistrationScope other = is_user ? RegistrationScope::kMachine : RegistrationScope::kUser;
+  const ClassesLines before = DumpClasses(GetParam());
+  const ClassesLines other_before = DumpClasses(other);
+
+  ASSERT_EQ(Call(GetParam(), true), S_OK);
+  ASSERT_EQ(Call(GetParam(), true), S_OK);
+  ClassesLines written = Difference(WithoutTypeLibrary(DumpClasses(GetParam())), before);
+  written.erase("AppID");
+  written.erase("CLSID");
+  const ClassesLines expected = ExpectedLines(file_);
+  EXPECT_THAT(Difference(written, expected), testing::IsEmpty());
+  EXPECT_THAT(Difference(expected, written), testing::IsEmpty());
+  EXPECT_EQ(WithoutTypeLibrary(DumpClasses(other)), WithoutTypeLibrary(other_before));
+
+  EXPECT_EQ(Call(GetParam(), false), S_OK);
+  ClassesLines left = Difference(DumpClasses(GetParam()), before);
+  left.erase("AppID");
+  left.erase("CLSID");
+  EXPECT_THAT(left, testing::IsEmpty());
+  EXPECT_EQ(DumpClasses(other), other_before);
+  EXPECT_EQ(Call(GetParam(), false), S_OK);
+}
+
+TEST_P(RegistrationTest, ClientsFindTheDriverByProgId) {
+  if (!kScopesFoundByProgId.contains(GetParam())) return;
+  ASSERT_EQ(Call(GetParam(), true), S_OK);
+  CLSID class_id{};
+  EXPECT_EQ(CLSIDFromProgID(OLESTR("ZentrelK4NLib.ZentrelK4N.1"), &class_id), S_OK);
+  EXPECT_TRUE(IsEqualGUID(class_id, __uuidof(ZentrelK4N)));
+  class_id = {};
+  ASSERT_EQ(CLSIDFromProgID(OLESTR("ZentrelK4NLib.ZentrelK4N"), &class_id), S_OK);
+  EXPECT_TRUE(IsEqualGUID(class_id, __uuidof(ZentrelK4N)));
+  LPOLESTR prog_id = nullptr;
+  ASSERT_EQ(ProgIDFromCLSID(class_id, &prog_id), S_OK);
+  EXPECT_EQ(os::ToNarrow(prog_id, os::kUtf8CodePage), "ZentrelK4NLib.ZentrelK4N.1");
+  CoTaskMemFree(prog_id);
+
+  auto* const can_unload = module_.FunctionOf<Entry>("DllCanUnloadNow");
+  ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+  {
+    ComPtr<IZentrelK4N> root;
+    ASSERT_EQ(CoCreateInstance(class_id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IZentrelK4N),
+                               root.PutVoid()),
+              S_OK);
+    VARIANT_BOOL is_initialized = VARIANT_TRUE;
+    EXPECT_EQ(root->get_Initialized(&is_initialized), S_OK);
+    EXPECT_EQ(is_initialized, VARIANT_FALSE);
+    EXPECT_EQ(can_unload(), S_FALSE);
+  }
+  EXPECT_EQ(can_unload(), S_OK);
+  CoUninitialize();
+  EXPECT_EQ(Call(GetParam(), false), S_OK);
+  EXPECT_EQ(CLSIDFromProgID(OLESTR("ZentrelK4NLib.ZentrelK4N"), &class_id), CO_E_CLASSSTRING);
+}
+
+INSTANTIATE_TEST_SUITE_P(Scopes, RegistrationTest,
+                         testing::Values(RegistrationScope::kMachine, RegistrationScope::kUser),
+                         [](const auto& row) {
+                           return row.param == RegistrationScope::kUser ? "User" : "Machine";
+                         });
+
+TEST_F(ModuleTest, UnknownArgumentsAreRefused) {
+  const ClassesLines before = DumpClasses(RegistrationScope::kMachine);
+  auto* const install = module_.FunctionOf<Install>("DllInstall");
+  for (const OLECHAR* arguments : {OLESTR("users"), OLESTR("use"), OLESTR("machine")}) {
+    EXPECT_EQ(install(TRUE, arguments), E_INVALIDARG);
+  }
+  EXPECT_EQ(DumpClasses(RegistrationScope::kMachine), before);
+  EXPECT_EQ(install(TRUE, OLESTR("")), S_OK);
+  EXPECT_NE(DumpClasses(RegistrationScope::kMachine), before);
+  EXPECT_EQ(install(FALSE, nullptr), S_OK);
+}
+
+#ifndef _WIN32
+TEST_F(ModuleTest, RegistryThatCannotBeWrittenIsReported) {
+  setenv("ZENTREL_REGISTRY", "/proc/no-such-folder/registry", 1);
+  EXPECT_EQ(Call(RegistrationScope::kMachine, true), HRESULT_FROM_WIN32(ERROR_WRITE_FAULT));
+}
+#endif
+
+}  // namespace

@@ -1,0 +1,86 @@
+// The registration scripts' syntax.
+#include "server/RegistryScript.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/os/Text.h"
+
+namespace {
+
+os::WideString Wide(std::string_view text) { return os::ToWide(text, os::kUtf8CodePage); }
+
+std::string Utf8(os::WideView text) { return os::ToNarrow(text, os::kUtf8CodePage); }
+
+/// Keys as one line: "name[removal](value=text)...{keys};".
+std::string Shown(const std::vector<ScriptKey>& keys) {
+  std::string text;
+  for (const ScriptKey& key : keys) {
+    text += Utf8(key.name);
+    if (key.removal == KeyRemoval::kNever) text += "[no]";
+    if (key.removal == KeyRemoval::kForced) text += "[force]";
+    for (const ScriptValue& value : key.values) {
+      text.append("(").append(Utf8(value.name)).append("=").append(Utf8(value.text)).append(")");
+    }
+    if (!key.keys.empty()) text.append("{").append(Shown(key.keys)).append("}");
+    text += ';';
+  }
+  return text;
+}
+
+struct ScriptCase {
+  const char* name;
+  const char* script;
+  const char* expected;  ///< the keys, or the error
+};
+
+void PrintTo(const ScriptCase& row, std::ostream* out) { *out << row.name; }
+
+class RegistryScript : public testing::TestWithParam<ScriptCase> {};
+
+TEST_P(RegistryScript, IsReadOrRefused) {
+  // An apostrophe and a per cent sign of a file's name are no signs of the script.
+  const Replacements replacements = {{"MODULE", Wide("C:\\it's 100%\\x.dll")},
+                                     {"ID", Wide("{1-2}")}};
+  std::string result;
+  try {
+    result = Shown(ParseRegistryScript(GetParam().script, replacements));
+  } catch (const ScriptError& error) {
+    result = error.what();
+  }
+  EXPECT_EQ(result, GetParam().expected);
+}
+
+constexpr ScriptCase kScripts[] = {
+    {"EmptyRoot", "HKCR { }", "HKCR[no];"},
+    {"SeveralRoots", "HKCR { a } HKCU { b } HKLM { c }", "HKCR[no]{a;};HKCU[no]{b;};HKLM[no]{c;};"},
+    {"DefaultValue", "HKCR\n{\r\n\tA.B.1 = s 'A Class'\n}", "HKCR[no]{A.B.1(=A Class);};"},
+    {"RemovalMarks", "HKCR { NoRemove A { ForceRemove B = s 'b' { C } } D }",
+     "HKCR[no]{A[no]{B[force](=b){C;};};D;};"},
+    {"NamedValues", "HKCR { K = s 'd' { val One = s '1' val 'The Two' = s '' } }",
+     "HKCR[no]{K(=d)(One=1)(The Two=);};"},
+    {"BracesInNames", "HKCR { {0-1} = s '{2-3}' }", "HKCR[no]{{0-1}(={2-3});};"},
+    {"QuotedWordsAreNoSyntax", "HKCR { 'NoRemove' 'val' '}' }", "HKCR[no]{NoRemove;val;};};"},
+    {"ApostropheTwice", "HKCR { K = s 'it''s' L = s '''' }", "HKCR[no]{K(=it's);L(=');};"},
+    {"Replacements", "HKCR { %ID% { val M = s '%MODULE%, 202' val P = s '5 %%' } }",
+     "HKCR[no]{{1-2}(M=C:\\it's 100%\\x.dll, 202)(P=5 %);};"},
+    {"PathAsName", "HKCR { A\\B }", "HKCR[no]{A\\B;};"},
+    {"NothingAtAll", " \n ", "line 2: the script ends where a root key should be"},
+    {"UnknownRoot", "HKXX { }", "line 1: HKXX is no root key"},
+    {"QuotedRoot", "'HKCR' { }", "line 1: HKCR is no root key"},
+    {"MissingBrace", "HKCR\n{\nK {", "line 3: the script ends where a key's name should be"},
+    {"BraceTooMany", "HKCR { } }", "line 1: a root key should be where } is"},
+    {"OpenApostrophe", "HKCR {\n K = s 'abc }", "line 2: the closing apostrophe is missing"},
+    {"BareText", "HKCR { K = s abc }", "line 1: a text in apostrophes should be where abc is"},
+    {"OtherValueType", "HKCR { K = d '1' }", "line 1: s should be where d is"},
+    {"ValueOfARoot", "HKCR { val N = s '1' }", "line 1: no value can stand here"},
+    {"ValueWithoutText", "HKCR { K { val N } }", "line 1: = should be where } is"},
+    {"NameMissing", "HKCR {\n= s 'x' }", "line 2: a key's name should be where = is"},
+    {"EmptyName", "HKCR { ForceRemove '' }", "line 1: a key without a name"},
+    {"UnknownReplacement", "HKCR {\n\n%OTHER% }", "line 3: nothing stands for %OTHER%"},
+    {"LonePerCent", "HKCR { K = s '50%' }", "line 1: % without its second in 50%"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Rows, RegistryScript, testing::ValuesIn(kScripts),
+                         [](const auto& row) { return row.param.name; });
+
+}  // namespace

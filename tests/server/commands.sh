@@ -1,0 +1,69 @@
+# commands.sh ZK4N DRIVER LOCK_HOLDER [RUNNER] - zk4n register and zk4n check as processes: what they say, and their exit
+# status.
+set -u
+zk4n=$1 driver=$2 lock_holder=$3 runner=${4:-}
+folder=$(mktemp -d)
+export ZENTREL_REGISTRY=$folder/registry
+children=()
+trap 'kill "${children[@]}" 2>/dev/null; wait; rm -rf "$folder"' EXIT
+failures=0
+
+# expect STATUS PATTERN ARGUMENT... - zk4n with the arguments ends so and says something that matches.
+expect() {
+  local status=$1 pattern=$2 said got
+  shift 2
+  said=$($runner "$zk4n" "$@" 2>&1)
+  got=$?
+  # Wine's own services write into the output of whatever program started them.
+  said=$(tr -d '\r' <<<"$said" | grep -v '^wine: ')
+  if [ $got -ne "$status" ] || ! grep -Pqz "$pattern" <<<"$said"; then
+    printf '%s\n' "zk4n $*" "  expected status $status and: $pattern" "  got status $got and:" "$said"
+    failures=$((failures + 1))
+  fi
+}
+
+# start OUTPUT COMMAND... - in the background, until the end; waits for its first line.
+start() {
+  local output=$1
+  shift
+  $runner "$@" >"$output" 2>&1 &
+  children+=($!)
+}
+
+name=$(basename "$driver")
+expect 0 'Registration removed for all users: ' register --remove
+expect 1 "ok +bitness +64-bit program, 64-bit driver [^\n]*$name\nFAILED +registration +[^\n]*not registered: run zk4n register" check
+expect 0 "^Registered for all users: [^\n]*$name\n" register
+expect 0 "ok +registration +ZentrelK4NLib.ZentrelK4N in [^\n]*$name\nok +VISA library +[^\n]*zevisa64[^\n]*\nnot tried +connection +" check
+expect 0 "^Registered for this user: [^\n]*$name\n" register --user
+expect 0 "^Registration removed for this user: [^\n]*$name\n" register --user --remove
+expect 2 '^zk4n: cannot read the driver module [^\n]*none.so\n' register --module "$folder/none.so"
+expect 2 'cannot read the driver module ' check --module "$folder"
+expect 1 '^zk4n: [^\n]*zevisa64[^\n]* is not the driver module: it has no DllInstall\n' \
+  register --module "$(ls "$(dirname "$driver")"/*zevisa64.*)"
+printf 'MZ or not' >"$folder/text.so"
+expect 1 'FAILED +bitness +64-bit program, but no driver module in ' check --module "$folder/text.so"
+printf '\177ELF\001' >"$folder/old.so"
+expect 1 'FAILED +bitness +64-bit program, 32-bit driver [^\n]*: they cannot work together' \
+  check --module "$folder/old.so"
+
+start "$folder/resource" "$zk4n" simulate --port 0 --serial 12345
+for _ in $(seq 300); do [ -s "$folder/resource" ] && break; sleep 0.1; done
+resource=$(tr -d '\r' <"$folder/resource")
+expect 0 'ok +connection +TCPIP[^\n]*\nok +lock +free\nok +identity +K4N[^\n]*, serial number 12345' check --resource "$resource"
+expect 0 'ok +registration +not used with --module: [^\n]*\n(.|\n)*ok +identity +K4N' check --resource "$resource" --module "$driver"
+
+start "$folder/holder" "$lock_holder" "$resource"
+for _ in $(seq 100); do
+  $runner "$zk4n" check --resource "$resource" | grep -q 'FAILED' && break
+  sleep 0.1
+done
+expect 1 'FAILED +lock +held by another program' check --resource "$resource"
+kill "${children[@]}"
+wait
+children=()
+expect 1 'FAILED +connection +[^\n]*0xBFFF0011' check --resource "$resource"
+expect 1 'FAILED +connection +[^\n]*0xBFFF0012' check --resource 'no resource'
+expect 0 'Registration removed for all users: ' register --remove
+expect 1 'FAILED +registration' check
+[ $failures -eq 0 ]

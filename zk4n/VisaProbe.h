@@ -1,0 +1,47 @@
+// The VISA library as the driver finds it, asked directly: what the driver's one result for a
+// session that does not open leaves out.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/os/Module.h"
+#include "visa/Visa.h"
+
+/// One library with at most one session. Texts are UTF-8. Not for use by several threads.
+class VisaProbe {
+ public:
+  VisaProbe() = default;
+  ~VisaProbe() { Close(); }
+  VisaProbe(const VisaProbe&) = delete;
+  VisaProbe& operator=(const VisaProbe&) = delete;
+
+  /// Loads the library that the driver in this file would: by the system's search, else from the
+  /// driver's folder. Returns false when there is none with the entry points needed here.
+  bool Load(const std::string& driver_file);
+  /// The loaded library's path.
+  [[nodiscard]] std::string File() const;
+
+  /// Opens a session without a lock; the status.
+  ViStatus Open(const std::string& resource);
+  /// Takes the exclusive lock, without waiting, and gives it back; the status.
+  ViStatus TryLock();
+  /// The code, and what the library says of it.
+  [[nodiscard]] std::string Describe(ViStatus status) const;
+
+  /// Ends the session and unloads the library.
+  void Close();
+
+ private:
+  [[nodiscard]] bool Bind();
+
+  os::Module module_;
+  decltype(&viOpenDefaultRM) open_manager_ = nullptr;
+  decltype(&viOpen) open_ = nullptr;
+  decltype(&viClose) close_ = nullptr;
+  decltype(&viLock) lock_ = nullptr;
+  decltype(&viUnlock) unlock_ = nullptr;
+  decltype(&viStatusDesc) describe_ = nullptr;
+  ViSession manager_ = 0;
+  ViSession session_ = 0;
+};
