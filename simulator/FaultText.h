@@ -14,9 +14,17 @@ Fault ParseFault(std::string_view text);
 
 /// How to write one, for a command's help.
 inline constexpr std::string_view kFaultTextHelp =
-    "KIND:NAME=VALUE,... with the kinds refuse (status=), drop, silence, delay (pause=), "
-    "header (word=), pieces (bytes=, pause=), block-status (status=), body (bytes= more or less), "
-    "length (bytes= more or less announced) and, for each, command=1|3|4|6, parameter=, "
-    "after= requests, times= (0: always); pauses in ms";
+    "Faults: KIND, or KIND:NAME=VALUE,NAME=VALUE with the kinds\n"
+    "  refuse (status=)          the request is answered with this status alone\n"
+    "  drop                      the connection is closed\n"
+    "  silence                   no answer comes\n"
+    "  delay (pause=)            the answer comes late\n"
+    "  header (word=)            the answer has this header word\n"
+    "  pieces (bytes=, pause=)   the body comes in pieces of so many bytes\n"
+    "  block-status (status=)    the data block ends in this status\n"
+    "  body (bytes=)             the body is so many bytes longer, or shorter (negative)\n"
+    "  length (bytes=)           the header announces so many bytes more than there are\n"
+    "and, for each: command=1|3|4|6 (recovery, write, read, data), parameter=,\n"
+    "after= requests that pass, times= it strikes (0: always). Pauses are in ms.";
 
 }  // namespace simulator

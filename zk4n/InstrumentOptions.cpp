@@ -143,8 +143,7 @@ void AddFaults(CLI::App& command, Group group, simulator::Options& options) {
   };
   group.Finish(command
                    .add_option_function<std::vector<std::string>>(
-                       "--fault", take_faults,
-                       "A fault, may be repeated: " + std::string(simulator::kFaultTextHelp))
+                       "--fault", take_faults, "A fault (see below); may be repeated")
                    ->expected(1)
                    ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll));
 }
@@ -154,6 +153,7 @@ void AddFaults(CLI::App& command, Group group, simulator::Options& options) {
 void AddInstrumentOptions(CLI::App& command, simulator::Options& options, CLI::Option* needed) {
   AddInstrument(Group(command, kInstrumentGroup, needed), options);
   AddDevice(Group(command, kDeviceGroup, needed), options);
+  command.footer(std::string(simulator::kFaultTextHelp));
   AddFaults(command, Group(command, kFaultGroup, needed), options);
 }
 
