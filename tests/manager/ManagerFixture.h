@@ -114,6 +114,14 @@ class ManagerTest : public testing::Test {
   [[nodiscard]] bool WaitUntilRequested(std::string_view request, std::size_t times) const {
     return WaitUntil([&] { return Requested(request) >= times; });
   }
+  /// Whether the worker was measuring until now. The button is told without the instrument only
+  /// then. Forgets the record.
+  [[nodiscard]] bool IsMeasuring() {
+    visa_.ClearRecord();
+    bool pressed = false;
+    EXPECT_EQ(manager_.GetRfButton(pressed), 0);
+    return Requested("4:34/20x1") == 0;
+  }
   /// Fetches the next block, which the worker may not have stored yet.
   [[nodiscard]] bool WaitForBlock() {
     return WaitUntil([this] { return manager_.FetchData(trace_) == 0; });

@@ -6,14 +6,6 @@ namespace {
 using scripted::Function;
 using testing::ElementsAre;
 
-/// Told at once and without the instrument only while the worker measures.
-bool IsMeasuring(scripted::Visa& visa, CK4NManager& manager) {
-  visa.ClearRecord();
-  bool pressed = false;
-  EXPECT_EQ(manager.GetRfButton(pressed), 0);
-  return visa.Requests().empty();
-}
-
 struct ResumeCase {
   const char* name;
   const char* option;
@@ -28,7 +20,7 @@ class ResumeTest : public ManagerTest, public testing::WithParamInterface<Resume
 TEST_P(ResumeTest, DependsOnTheSettings) {
   Open(GetParam().output, GetParam().option);
   GetParam().arrange(manager_);
-  EXPECT_EQ(IsMeasuring(visa_, manager_), GetParam().measures);
+  EXPECT_EQ(IsMeasuring(), GetParam().measures);
 }
 
 void Immediate(CK4NManager& manager) {
@@ -234,7 +226,7 @@ TEST_F(ManagerTest, SoftwareTriggerReadsOneSweep) {
     visa_.CompleteData('A', Block(points));
     ASSERT_TRUE(WaitForBlock());
     EXPECT_EQ(trace_.ColumnCount(), points);
-    ASSERT_TRUE(WaitUntil([this] { return !IsMeasuring(visa_, manager_); })) << "by itself";
+    ASSERT_TRUE(WaitUntil([this] { return !IsMeasuring(); })) << "by itself";
     visa_.ClearRecord();
     EXPECT_EQ(manager_.SetDwell(1.0), 0);
     EXPECT_THAT(visa_.RequestOrder(), ElementsAre("3:5/40x2")) << "nothing to give up or resume";
@@ -247,7 +239,7 @@ TEST_F(ManagerTest, SettingDuringATriggeredSweepGivesItUp) {
   manager_.RequestSoftwareTrigger();
   ASSERT_TRUE(WaitUntilRequested("6", 1));
   EXPECT_EQ(manager_.SetDwell(1.0), 0);
-  EXPECT_FALSE(IsMeasuring(visa_, manager_));
+  EXPECT_FALSE(IsMeasuring());
 }
 
 TEST_F(ManagerTest, SettingDuringASweepClearsRecoversAndStartsItAgain) {
