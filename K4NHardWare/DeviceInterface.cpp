@@ -29,53 +29,53 @@ Interface::Interface(std::string resource_name)
 Interface::~Interface() { library_->viClose(session_); }
 
 void Interface::OpenSession() {
-  last_status_ = library_->viOpenDefaultRM(&resource_manager_);
-  if (last_status_ != 0) return;
-  last_status_ = library_->viOpen(resource_manager_, resource_name_.c_str(), kAccessMode,
-                                  kOpenTimeout, &session_);
-  if (last_status_ != 0) return;
-  last_status_ = library_->viSetAttribute(session_, VI_ATTR_TMO_VALUE, ViAttrState{kIoTimeout});
+  if (Note(library_->viOpenDefaultRM(&resource_manager_)) != 0) return;
+  if (Note(library_->viOpen(resource_manager_, resource_name_.c_str(), kAccessMode, kOpenTimeout,
+                            &session_)) != 0) {
+    return;
+  }
+  Note(library_->viSetAttribute(session_, VI_ATTR_TMO_VALUE, ViAttrState{kIoTimeout}));
+}
+
+Status Interface::Note(Status status) {
+  last_status_ = status;
+  return status;
 }
 
 Status Interface::Read(std::span<std::uint8_t> buffer, std::uint32_t& count) {
   count = 0;
-  last_status_ =
-      library_->viRead(session_, buffer.data(), static_cast<std::uint32_t>(buffer.size()), &count);
-  return last_status_ >= 0 ? status::kOk : last_status_;
+  const Status read = Note(
+      library_->viRead(session_, buffer.data(), static_cast<std::uint32_t>(buffer.size()), &count));
+  return read >= 0 ? Note(status::kOk) : read;
 }
 
 Status Interface::Write(std::span<const std::uint8_t> bytes, std::uint32_t& count) {
   count = 0;
-  last_status_ =
-      library_->viWrite(session_, bytes.data(), static_cast<std::uint32_t>(bytes.size()), &count);
-  return last_status_;
+  return Note(
+      library_->viWrite(session_, bytes.data(), static_cast<std::uint32_t>(bytes.size()), &count));
 }
 
 Status Interface::ReadWithTimeout(std::span<std::uint8_t> buffer, std::uint32_t& count) {
   count = 0;
   ViUInt32 saved_timeout = 0;
-  last_status_ = library_->viGetAttribute(session_, VI_ATTR_TMO_VALUE, &saved_timeout);
-  if (last_status_ < 0) return last_status_;
-  last_status_ = library_->viSetAttribute(session_, VI_ATTR_TMO_VALUE, ViAttrState{kBodyTimeout});
-  if (last_status_ < 0) return last_status_;
-  last_status_ =
-      library_->viRead(session_, buffer.data(), static_cast<std::uint32_t>(buffer.size()), &count);
-  if (last_status_ < 0) return last_status_;
-  last_status_ = library_->viSetAttribute(session_, VI_ATTR_TMO_VALUE, ViAttrState{saved_timeout});
-  return last_status_;
+  Status result = Note(library_->viGetAttribute(session_, VI_ATTR_TMO_VALUE, &saved_timeout));
+  if (result < 0) return result;
+  result = Note(library_->viSetAttribute(session_, VI_ATTR_TMO_VALUE, ViAttrState{kBodyTimeout}));
+  if (result < 0) return result;
+  result = Note(
+      library_->viRead(session_, buffer.data(), static_cast<std::uint32_t>(buffer.size()), &count));
+  if (result < 0) return result;
+  return Note(library_->viSetAttribute(session_, VI_ATTR_TMO_VALUE, ViAttrState{saved_timeout}));
 }
 
-Status Interface::Clear() {
-  last_status_ = library_->viClear(session_);
-  return last_status_;
-}
+Status Interface::Clear() { return Note(library_->viClear(session_)); }
 
 Status Interface::StatusDescription(Status code, std::string& text) {
   std::array<char, 257> buffer{};  // VISA promises at most 256 characters
-  last_status_ = library_->viStatusDesc(session_, code, buffer.data());
+  const Status result = Note(library_->viStatusDesc(session_, code, buffer.data()));
   buffer.back() = '\0';
   text = buffer.data();
-  return last_status_;
+  return result;
 }
 
 }  // namespace uDevice

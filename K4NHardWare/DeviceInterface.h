@@ -1,6 +1,7 @@
 // One session to an instrument through the VISA library.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -14,8 +15,9 @@ namespace uDevice {
 class VisaLibrary;
 
 /// Loads the VISA library, opens one instrument by its resource name and offers the few calls that
-/// the link needs. Used by one thread at a time. Without a library or a session every call fails
-/// with a VISA status; nothing throws.
+/// the link needs. Used by one thread at a time, but for StatusDescription and last_status, which
+/// any thread may call meanwhile. Without a library or a session every call fails with a VISA
+/// status; nothing throws.
 class Interface {
  public:
   /// Opens the session: exclusive lock, open time-out 1000 ms, then an I/O time-out of 2000 ms.
@@ -44,12 +46,14 @@ class Interface {
 
  private:
   void OpenSession();
+  /// Notes the status of a VISA call and returns it.
+  Status Note(Status status);
 
   std::unique_ptr<VisaLibrary> library_;
   std::string resource_name_;
   std::uint32_t resource_manager_ = 0;  // never closed: unloading the library ends it
   std::uint32_t session_ = 0;
-  Status last_status_ = status::kOk;
+  std::atomic<Status> last_status_ = status::kOk;
 };
 
 }  // namespace uDevice

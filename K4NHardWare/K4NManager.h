@@ -43,7 +43,6 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   CK4NManager& operator=(const CK4NManager&) = delete;
 
   // --- Session
-  // ---------------------------------------------------------------------------------------
   /// Opens a session, closing one that is open. Narrow texts in the thread's ANSI code page; only
   /// the option "GENERATOR" has an effect: no detector channels.
   Status Initialize(const std::string& resource_name, const std::string& option_string);
@@ -62,7 +61,6 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   [[nodiscard]] bool IsFirmwareNewer() const { return firmware_newer_; }
 
   // --- RF output
-  // -------------------------------------------------------------------------------------
   Status SetFrequency(double frequency);  ///< Hz
   Status GetFrequency(double& frequency) const;
   Status SetLevel(double level);  ///< dBm
@@ -72,7 +70,6 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status GetOutputEnabled(bool& enabled);
 
   // --- Sweep
-  // -----------------------------------------------------------------------------------------
   Status SetSweepMode(SweepMode mode);
   /// Always 0; the stored code as it stands.
   Status GetSweepMode(SweepMode& mode) const;
@@ -89,7 +86,6 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   void RequestSoftwareTrigger();
 
   // --- Lists
-  // -----------------------------------------------------------------------------------------
   /// Replaces the list by the array's values and writes the instrument's corrections back into the
   /// array. A null array clears the list. SAFEARRAY failures are returned as they are.
   Status SetFrequencyList(SAFEARRAY* frequencies);  ///< Hz
@@ -100,8 +96,7 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   [[nodiscard]] bool HasPowerList() const;
 
   // --- Pulse generator and pulse modulation: nanoseconds
-  // ----------------------------------------------- The settings are stored without a session too,
-  // and sent while the modulator is on.
+  // The settings are stored without a session too, and sent while the modulator is on.
   Status SetPulseWidth(double width);
   Status SetPulsePeriod(double period);
   Status SetDoublePulseEnabled(bool enabled);
@@ -115,7 +110,6 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   [[nodiscard]] PulseSettings GetPulseSettings() const;
 
   // --- Trigger output, sync generator
-  // ----------------------------------------------------------------
   Status SetTriggerOutput(TriggerOutputSettings& settings);
   /// Without a session 10057, and the record is left untouched.
   Status GetTriggerOutput(TriggerOutputSettings& settings) const;
@@ -123,7 +117,6 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status GetSyncGenerator(SyncGeneratorSettings& settings) const;
 
   // --- System
-  // ----------------------------------------------------------------------------------------
   Status GetSerialNumber(std::string& serial_number);
   Status GetInstrumentType(std::string& type);
   Status GetRfButton(bool& pressed);
@@ -142,7 +135,6 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status GetCompensMode(std::uint32_t& mode) const;
 
   // --- Measurement
-  // -----------------------------------------------------------------------------------
   /// 0x80047012 for a generator without detectors.
   Status SetAveraging(std::int32_t count);
   Status GetAveraging(std::int32_t& count) const;
@@ -161,7 +153,6 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status GetChannelDivider(std::size_t channel, double& divider) const;
 
   // --- IEventProcessor: the top of the chain, events are only remembered
-  // --------------------------------
   void ProcessEvent(uIEvent::Event* event) override;
   uIEvent::IEventProcessor* SetManager(uIEvent::IEventProcessor* manager) override;
   uIEvent::EventProcessor* GetProcessor() override;

@@ -102,7 +102,11 @@ Status CK4NManager::ResetAndIdentify() {
   const Status read =
       Record(Site::kOutputState, model_->ReadOutputState(settings.level, settings.cw_level));
   if (!IsSuccess(read)) return read;
-  settings_.Set(settings);
+  // These alone: a caller may be setting up its channels meanwhile.
+  settings_.With([&](InstrumentSettings& live) {
+    live.level = settings.level;
+    live.cw_level = settings.cw_level;
+  });
 
   if (instrument_kind_ != InstrumentKind::kGenerator) ProgramAveraging(settings.averaging);
   return ProgramSweepMode(SweepMode::kContinuousWave);

@@ -13,9 +13,11 @@ constexpr std::uint32_t kNoOutput = 0;
 constexpr unsigned kFirstLine = 0;
 constexpr unsigned kSecondLine = 1;
 
-/// Kept: whole microseconds, cut and not rounded but for the last twentieth.
+/// Kept: whole microseconds, cut and not rounded but for the last twentieth. None for what is no
+/// width.
 std::uint8_t WholeMicroseconds(double width) {
-  return static_cast<std::uint8_t>(std::clamp(width + 0.05, 0.0, 255.0));
+  constexpr double kMost = 255.0;
+  return width >= 0.0 ? static_cast<std::uint8_t>(std::min(width + 0.05, kMost)) : 0;
 }
 
 }  // namespace

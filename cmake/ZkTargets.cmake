@@ -11,6 +11,8 @@ set(CMAKE_C_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 
 set(ZK_BIN_DIR ${CMAKE_BINARY_DIR}/bin)
+# Programs and modules look beside themselves, wherever their folder is put, not in the build tree.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${ZK_BIN_DIR})
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${ZK_BIN_DIR})
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
@@ -54,7 +56,14 @@ if(CMAKE_CROSSCOMPILING)
   target_include_directories(zk_third_party_headers SYSTEM INTERFACE ${ZK_STAGED_INCLUDE})
   target_link_libraries(zk_third_party_headers INTERFACE ws2_32 mswsock)
 endif()
-target_compile_definitions(zk_third_party_headers INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED)
+# Whether Asio finds std::aligned_alloc depends on what a source includes before it; every source must free as the
+# others allocate.
+target_compile_definitions(zk_third_party_headers INTERFACE
+  ASIO_STANDALONE ASIO_NO_DEPRECATED ASIO_DISABLE_STD_ALIGNED_ALLOC)
+if(ZK_SANITIZE MATCHES thread)
+  # The sanitizer does not know memory fences; Asio's locks order what is shared here.
+  target_compile_definitions(zk_third_party_headers INTERFACE ASIO_DISABLE_FENCED_BLOCK)
+endif()
 
 # zk_library(name SOURCES... [LIBS...]) - a static layer library. Includes are written from the top of the
 # tree ("K4NHardWare/K4NManager.h"); a target sees only the layers that it links.

@@ -1,5 +1,6 @@
 #include "driver/PowerStep.h"
 
+#include "driver/SweepSettings.h"
 #include "driver/Units.h"
 
 STDMETHODIMP CZentrelK4NPowerStep::ConfigureStartStop(double start, double stop, double step_size) {
@@ -40,10 +41,8 @@ STDMETHODIMP CZentrelK4NPowerStep::ConfigureDwell(VARIANT_BOOL /*single_step_ena
 
 STDMETHODIMP CZentrelK4NPowerStep::put_SingleStepEnabled(VARIANT_BOOL enabled) {
   return SessionFrame([&](CK4NManager& manager) {
-    SweepTriggerSettings trigger;
-    bool single_step = false;
-    manager.GetSweepTrigger(trigger, single_step);
-    manager.SetSweepTrigger(trigger, enabled != VARIANT_FALSE);
+    SweepTrigger trigger = SweepTriggerOf(manager);
+    manager.SetSweepTrigger(trigger.settings, enabled != VARIANT_FALSE);
     return S_OK;
   });
 }
@@ -51,10 +50,7 @@ STDMETHODIMP CZentrelK4NPowerStep::put_SingleStepEnabled(VARIANT_BOOL enabled) {
 // Kept: true reads as 1, not as VARIANT_TRUE.
 STDMETHODIMP CZentrelK4NPowerStep::get_SingleStepEnabled(VARIANT_BOOL* value) {
   return SessionFrame(value, [&](CK4NManager& manager) {
-    SweepTriggerSettings trigger;
-    bool single_step = false;
-    manager.GetSweepTrigger(trigger, single_step);
-    *value = single_step ? 1 : 0;
+    *value = SweepTriggerOf(manager).single_step ? 1 : 0;
     return S_OK;
   });
 }
@@ -68,9 +64,7 @@ STDMETHODIMP CZentrelK4NPowerStep::put_Dwell(double dwell) {
 
 STDMETHODIMP CZentrelK4NPowerStep::get_Dwell(double* value) {
   return SessionFrame(value, [&](CK4NManager& manager) {
-    double nanoseconds = 0.0;
-    manager.GetDwell(nanoseconds);
-    *value = nanoseconds / kNanosecondsPerSecond;
+    *value = DwellOf(manager);
     return S_OK;
   });
 }
@@ -81,8 +75,7 @@ STDMETHODIMP CZentrelK4NPowerStep::Reset() {
 
 HRESULT CZentrelK4NPowerStep::Replace(double StepSettings::*element, double value) {
   return SessionFrame([&](CK4NManager& manager) {
-    StepSettings axis;
-    manager.GetPowerStep(axis.start, axis.stop, axis.step);
+    StepSettings axis = PowerStepOf(manager);
     axis.*element = value;
     manager.SetPowerStep(axis.start, axis.stop, axis.step);
     return S_OK;
@@ -91,9 +84,7 @@ HRESULT CZentrelK4NPowerStep::Replace(double StepSettings::*element, double valu
 
 HRESULT CZentrelK4NPowerStep::Read(double StepSettings::*element, double* value) {
   return SessionFrame(value, [&](CK4NManager& manager) {
-    StepSettings axis;
-    manager.GetPowerStep(axis.start, axis.stop, axis.step);
-    *value = axis.*element;
+    *value = PowerStepOf(manager).*element;
     return S_OK;
   });
 }

@@ -7,6 +7,7 @@
 #include "driver/PowerStep.h"
 #include "driver/PulseGenerator.h"
 #include "driver/PulseModulation.h"
+#include "driver/SweepSettings.h"
 #include "driver/SyncGenerator.h"
 #include "driver/TriggerOutput.h"
 #include "driver/WideText.h"
@@ -45,6 +46,15 @@ void CZentrelK4N::FinalRelease() {
   pulse_modulation_.Reset();
   trigger_output_.Reset();
   sync_generator_.Reset();
+}
+
+// Kept: both name the IVI base interface, which the object itself does not answer.
+HRESULT CZentrelK4N::get_DriverOperation(IIviDriverOperation** value) {
+  return Getter(Self(), IID_IIviDriver, "IIviDriverOperation", value);
+}
+
+HRESULT CZentrelK4N::get_Identity(IIviDriverIdentity** value) {
+  return Getter(Self(), IID_IIviDriver, "IIviDriverIdentity", value);
 }
 
 // The library is registered under one locale only: asked for in another, it would not be found.
@@ -90,12 +100,9 @@ STDMETHODIMP CZentrelK4N::get_PulseModulation(IZentrelK4NPulseModulation** value
 
 STDMETHODIMP CZentrelK4N::SendSoftwareTrigger() {
   return SessionFrame(__uuidof(IZentrelK4N), [&] {
-    SweepMode mode{};
-    SweepTriggerSettings trigger;
-    bool single_step = false;
-    manager_.GetSweepMode(mode);
-    manager_.GetSweepTrigger(trigger, single_step);
-    if (trigger.source == static_cast<std::uint32_t>(TriggerSource::kSoftware)) {
+    const SweepMode mode = SweepModeOf(manager_);
+    if (SweepTriggerOf(manager_).settings.source ==
+        static_cast<std::uint32_t>(TriggerSource::kSoftware)) {
       manager_.SetSweepMode(mode);
       manager_.RequestSoftwareTrigger();
     }

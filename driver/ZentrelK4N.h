@@ -52,7 +52,6 @@ class CZentrelK4N : public CallFrame,
   void FinalRelease();
 
   // --- For the children
-  // --------------------------------------------------------------------------------
   CK4NManager& manager() { return manager_; }
 
   /// Frame for a member that needs an open session: otherwise 0x8004701D against `iid`.
@@ -71,6 +70,10 @@ class CZentrelK4N : public CallFrame,
     return out == nullptr ? E_POINTER : SessionFrame(iid, std::forward<Body>(body));
   }
 
+  // --- Operations of the class itself, which no COM interface exposes
+  /// The interfaces that the root has no property for. A failure is reported against IIviDriver.
+  virtual HRESULT get_DriverOperation(IIviDriverOperation** value);
+  virtual HRESULT get_Identity(IIviDriverIdentity** value);
   /// One channel's values of the newest trace as a new array, with the frequency axis (start and
   /// step of the sweep, not transformed by the channel). What `data` held is neither read nor
   /// destroyed.
@@ -82,13 +85,11 @@ class CZentrelK4N : public CallFrame,
   virtual HRESULT LoadDetectorDataFromFile(std::size_t channel, os::WideView file_name);
 
   // --- IProvideClassInfo2, ISupportErrorInfo
-  // -----------------------------------------------------------
   STDMETHODIMP GetClassInfo(ITypeInfo** info) override;
   STDMETHODIMP GetGUID(DWORD kind, GUID* guid) override;
   STDMETHODIMP InterfaceSupportsErrorInfo(REFIID iid) override;
 
   // --- IZentrelK4N
-  // -------------------------------------------------------------------------------------
   STDMETHODIMP get_Utility(IIviDriverUtility** value) override;
   STDMETHODIMP get_RF(IZentrelK4NRF** value) override;
   STDMETHODIMP get_PulseGenerator(IZentrelK4NPulseGenerator** value) override;
@@ -104,7 +105,6 @@ class CZentrelK4N : public CallFrame,
   STDMETHODIMP Close() override;
 
   // --- IZentrelK4NRF
-  // -----------------------------------------------------------------------------------
   STDMETHODIMP Configure(double frequency, double power_level) override;
   STDMETHODIMP put_Frequency(double frequency) override;
   STDMETHODIMP get_Frequency(double* value) override;
@@ -117,7 +117,6 @@ class CZentrelK4N : public CallFrame,
   STDMETHODIMP DisableAllModulation() override;
 
   // --- IIviDriverIdentity
-  // ------------------------------------------------------------------------------
   STDMETHODIMP get_Description(BSTR* value) override;
   STDMETHODIMP get_Revision(BSTR* value) override;
   STDMETHODIMP get_Vendor(BSTR* value) override;
@@ -131,7 +130,6 @@ class CZentrelK4N : public CallFrame,
   STDMETHODIMP get_GroupCapabilities(BSTR* value) override;
 
   // --- IIviDriverOperation
-  // -----------------------------------------------------------------------------
   STDMETHODIMP get_LogicalName(BSTR* value) override;
   STDMETHODIMP get_IoResourceDescriptor(BSTR* value) override;
   STDMETHODIMP get_Cache(VARIANT_BOOL* value) override;
@@ -154,7 +152,6 @@ class CZentrelK4N : public CallFrame,
   STDMETHODIMP GetNextCoercionRecord(BSTR* value) override;
 
   // --- IIviDriverUtility (Reset serves the frequency step and the list, too)
-  // -----------------------------
   STDMETHODIMP Reset() override;
   STDMETHODIMP ResetWithDefaults() override;
   STDMETHODIMP Disable() override;
@@ -164,7 +161,6 @@ class CZentrelK4N : public CallFrame,
   STDMETHODIMP UnlockObject() override;
 
   // --- IZentrelK4NSweep
-  // --------------------------------------------------------------------------------
   STDMETHODIMP get_FrequencyStep(IZentrelK4NFrequencyStep** value) override;
   STDMETHODIMP get_PowerStep(IZentrelK4NPowerStep** value) override;
   STDMETHODIMP get_List(IZentrelK4NList** value) override;
@@ -179,7 +175,6 @@ class CZentrelK4N : public CallFrame,
   STDMETHODIMP get_TriggerAction(ZentrelK4NSweepTriggerActionEnum* value) override;
 
   // --- IZentrelK4NFrequencyStep (single step and dwell serve the list, too)
-  // ------------------------------
   STDMETHODIMP ConfigureStartStop(double start, double stop,
                                   ZentrelK4NFrequencyStepScalingEnum scaling,
                                   double step_size) override;
@@ -198,7 +193,6 @@ class CZentrelK4N : public CallFrame,
   STDMETHODIMP get_Dwell(double* value) override;
 
   // --- IZentrelK4NList
-  // ---------------------------------------------------------------------------------
   STDMETHODIMP get_SelectedName(BSTR* value) override;
   STDMETHODIMP put_SelectedName(BSTR name) override;
   STDMETHODIMP ClearAll() override;
@@ -207,7 +201,6 @@ class CZentrelK4N : public CallFrame,
   STDMETHODIMP CreateFrequencyPower(BSTR name, SAFEARRAY** frequency, SAFEARRAY** power) override;
 
   // --- IZentrelK4NAcquisition
-  // --------------------------------------------------------------------------
   STDMETHODIMP get_Averaging(LONG* value) override;
   STDMETHODIMP put_Averaging(LONG count) override;
   STDMETHODIMP get_Status(ZentrelK4NAcquisitionStatusEnum* value) override;
@@ -216,13 +209,11 @@ class CZentrelK4N : public CallFrame,
   STDMETHODIMP Abort() override;
 
   // --- IZentrelK4NChannels
-  // -----------------------------------------------------------------------------
   STDMETHODIMP get_Count(LONG* value) override;
   STDMETHODIMP get_Name(LONG index, BSTR* name) override;
   STDMETHODIMP get_Item(BSTR name, IZentrelK4NChannel** item) override;
 
   // --- IZentrelK4NSystem
-  // -------------------------------------------------------------------------------
   STDMETHODIMP get_SerialNum(BSTR* value) override;
   STDMETHODIMP get_Type(BSTR* value) override;
   STDMETHODIMP get_RFButton(VARIANT_BOOL* value) override;
@@ -258,6 +249,8 @@ class CZentrelK4N : public CallFrame,
   };
 
   IUnknown* Self() { return static_cast<IZentrelK4N*>(this); }
+  /// Writes 1 or 0; nothing when the manager has a failure to report, which is returned.
+  Status ReadStateBit(VARIANT_BOOL& value, Status (CK4NManager::*read)(bool&));
   /// Switches from the list to a continuous wave.
   void LeaveListMode(bool list_held);
   /// Takes the newest block into the trace; needs the acquisition's lock.

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <span>
 
+#include "driver/SweepSettings.h"
 #include "driver/ZentrelK4N.h"
 #include "platform/os/Sync.h"
 
@@ -23,6 +24,18 @@ SAFEARRAY* NewArray(std::span<const double> values) {
   }
   std::memcpy(access.Values().data(), values.data(), values.size_bytes());
   return array.Detach();
+}
+
+/// The axis of the present sweep; zeros when none is stepped.
+StepSettings SweptAxis(const CK4NManager& manager) {
+  switch (SweepModeOf(manager)) {
+    case SweepMode::kPowerStep:
+      return PowerStepOf(manager);
+    case SweepMode::kFrequencyStep:
+      return FrequencyStepOf(manager);
+    default:
+      return {};
+  }
 }
 
 }  // namespace
@@ -115,14 +128,7 @@ HRESULT CZentrelK4N::FetchData(std::size_t channel, SAFEARRAY** data, double* in
 }
 
 HRESULT CZentrelK4N::UpdateAcquisition() {
-  SweepMode mode{};
-  manager_.GetSweepMode(mode);
-  StepSettings axis;
-  if (mode == SweepMode::kPowerStep) {
-    manager_.GetPowerStep(axis.start, axis.stop, axis.step);
-  } else if (mode == SweepMode::kFrequencyStep) {
-    manager_.GetFrequencyStep(axis.start, axis.stop, axis.step);
-  }
+  const StepSettings axis = SweptAxis(manager_);
   const Status fetched = manager_.FetchData(acquisition_.trace);
   switch (fetched) {
     case status::kMethodNotSupported:

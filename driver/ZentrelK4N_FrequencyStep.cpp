@@ -1,5 +1,6 @@
 // IZentrelK4NFrequencyStep. Single step and dwell are one setting for all kinds of sweep; the
 // list's members of these names are these very members.
+#include "driver/SweepSettings.h"
 #include "driver/Units.h"
 #include "driver/ZentrelK4N.h"
 
@@ -25,34 +26,28 @@ STDMETHODIMP CZentrelK4N::ConfigureStartStop(double start, double stop,
 
 STDMETHODIMP CZentrelK4N::put_Start(double start) {
   return SessionFrame(kFrequencyStep, [&] {
-    StepSettings step;
-    manager_.GetFrequencyStep(step.start, step.stop, step.step);
-    return ConfigureStartStop(start, step.stop, ZentrelK4NFrequencyStepScalingLinear, step.step);
+    const StepSettings axis = FrequencyStepOf(manager_);
+    return ConfigureStartStop(start, axis.stop, ZentrelK4NFrequencyStepScalingLinear, axis.step);
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_Start(double* value) {
   return SessionFrame(kFrequencyStep, value, [&] {
-    StepSettings step;
-    manager_.GetFrequencyStep(step.start, step.stop, step.step);
-    *value = step.start;
+    *value = FrequencyStepOf(manager_).start;
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::put_Stop(double stop) {
   return SessionFrame(kFrequencyStep, [&] {
-    StepSettings step;
-    manager_.GetFrequencyStep(step.start, step.stop, step.step);
-    return ConfigureStartStop(step.start, stop, ZentrelK4NFrequencyStepScalingLinear, step.step);
+    const StepSettings axis = FrequencyStepOf(manager_);
+    return ConfigureStartStop(axis.start, stop, ZentrelK4NFrequencyStepScalingLinear, axis.step);
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_Stop(double* value) {
   return SessionFrame(kFrequencyStep, value, [&] {
-    StepSettings step;
-    manager_.GetFrequencyStep(step.start, step.stop, step.step);
-    *value = step.stop;
+    *value = FrequencyStepOf(manager_).stop;
     return S_OK;
   });
 }
@@ -80,9 +75,7 @@ STDMETHODIMP CZentrelK4N::put_Size(double /*size*/) {
 
 STDMETHODIMP CZentrelK4N::get_Size(double* value) {
   return SessionFrame(kFrequencyStep, value, [&] {
-    StepSettings step;
-    manager_.GetFrequencyStep(step.start, step.stop, step.step);
-    *value = step.step;
+    *value = FrequencyStepOf(manager_).step;
     return S_OK;
   });
 }
@@ -93,20 +86,15 @@ STDMETHODIMP CZentrelK4N::ConfigureDwell(VARIANT_BOOL /*single_step_enabled*/, d
 
 STDMETHODIMP CZentrelK4N::put_SingleStepEnabled(VARIANT_BOOL enabled) {
   return SessionFrame(kFrequencyStep, [&] {
-    SweepTriggerSettings trigger;
-    bool single_step = false;
-    manager_.GetSweepTrigger(trigger, single_step);
-    return manager_.SetSweepTrigger(trigger, enabled != VARIANT_FALSE);
+    SweepTrigger trigger = SweepTriggerOf(manager_);
+    return manager_.SetSweepTrigger(trigger.settings, enabled != VARIANT_FALSE);
   });
 }
 
 // Kept: true reads as 1, not as VARIANT_TRUE.
 STDMETHODIMP CZentrelK4N::get_SingleStepEnabled(VARIANT_BOOL* value) {
   return SessionFrame(kFrequencyStep, value, [&] {
-    SweepTriggerSettings trigger;
-    bool single_step = false;
-    manager_.GetSweepTrigger(trigger, single_step);
-    *value = single_step ? 1 : 0;
+    *value = SweepTriggerOf(manager_).single_step ? 1 : 0;
     return S_OK;
   });
 }
@@ -118,9 +106,7 @@ STDMETHODIMP CZentrelK4N::put_Dwell(double dwell) {
 
 STDMETHODIMP CZentrelK4N::get_Dwell(double* value) {
   return SessionFrame(kFrequencyStep, value, [&] {
-    double nanoseconds = 0.0;
-    manager_.GetDwell(nanoseconds);
-    *value = nanoseconds / kNanosecondsPerSecond;
+    *value = DwellOf(manager_);
     return S_OK;
   });
 }

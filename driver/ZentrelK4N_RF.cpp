@@ -1,4 +1,5 @@
 // IZentrelK4NRF: continuous-wave frequency and level, output switch.
+#include "driver/SweepSettings.h"
 #include "driver/ZentrelK4N.h"
 
 namespace {
@@ -13,9 +14,7 @@ constexpr auto kListModeOfClients = static_cast<SweepMode>(5);
 }  // namespace
 
 void CZentrelK4N::LeaveListMode(bool list_held) {
-  SweepMode mode{};
-  manager_.GetSweepMode(mode);
-  if (list_held && mode == kListModeOfClients) {
+  if (list_held && SweepModeOf(manager_) == kListModeOfClients) {
     put_Mode(ZentrelK4NSweepModeNone);
   }
 }

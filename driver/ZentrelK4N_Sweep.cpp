@@ -1,5 +1,6 @@
 // IZentrelK4NSweep: sweep mode, trigger, and the ways to the step groups.
 #include "driver/EnumMap.h"
+#include "driver/SweepSettings.h"
 #include "driver/ZentrelK4N.h"
 
 namespace {
@@ -66,9 +67,7 @@ STDMETHODIMP CZentrelK4N::put_Mode(ZentrelK4NSweepModeEnum mode) {
 
 STDMETHODIMP CZentrelK4N::get_Mode(ZentrelK4NSweepModeEnum* value) {
   return Frame(value, [&]() -> HRESULT {
-    SweepMode code{};
-    manager_.GetSweepMode(code);
-    const auto mode = ValueOf(kModes, code);
+    const auto mode = ValueOf(kModes, SweepModeOf(manager_));
     if (!mode) {
       return Error(kUnexpectedResponseText, kSweep, status::kUnexpectedResponse);
     }
@@ -79,47 +78,38 @@ STDMETHODIMP CZentrelK4N::get_Mode(ZentrelK4NSweepModeEnum* value) {
 
 STDMETHODIMP CZentrelK4N::put_TriggerSource(ZentrelK4NSweepTriggerSourceEnum source) {
   return SessionFrame(kSweep, [&]() -> HRESULT {
-    SweepTriggerSettings trigger;
-    bool single_step = false;
-    manager_.GetSweepTrigger(trigger, single_step);
-    trigger.source = LowByte(source);
+    SweepTrigger trigger = SweepTriggerOf(manager_);
+    trigger.settings.source = LowByte(source);
     // Kept: single steps come from the external trigger; the software source is then silently not
     // taken.
-    if (single_step && trigger.source == static_cast<std::uint32_t>(TriggerSource::kSoftware)) {
+    if (trigger.single_step &&
+        trigger.settings.source == static_cast<std::uint32_t>(TriggerSource::kSoftware)) {
       return S_OK;
     }
-    return manager_.SetSweepTrigger(trigger, single_step);
+    return manager_.SetSweepTrigger(trigger.settings, trigger.single_step);
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_TriggerSource(ZentrelK4NSweepTriggerSourceEnum* value) {
   return SessionFrame(kSweep, value, [&] {
-    SweepTriggerSettings trigger;
-    bool single_step = false;
-    manager_.GetSweepTrigger(trigger, single_step);
-    *value = ValueOf(kTriggerSources, trigger.source).value_or(*value);
+    *value = ValueOf(kTriggerSources, SweepTriggerOf(manager_).settings.source).value_or(*value);
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::put_TriggerAction(ZentrelK4NSweepTriggerActionEnum action) {
   return SessionFrame(kSweep, [&] {
-    SweepTriggerSettings trigger;
-    bool single_step = false;
-    manager_.GetSweepTrigger(trigger, single_step);
+    SweepTrigger trigger = SweepTriggerOf(manager_);
     // Kept: every value but Measure means Switch.
-    trigger.action = action == ZentrelK4NSweepTriggerActionMeasure ? 1 : 0;
-    return manager_.SetSweepTrigger(trigger, single_step);
+    trigger.settings.action = action == ZentrelK4NSweepTriggerActionMeasure ? 1 : 0;
+    return manager_.SetSweepTrigger(trigger.settings, trigger.single_step);
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_TriggerAction(ZentrelK4NSweepTriggerActionEnum* value) {
   return SessionFrame(kSweep, value, [&] {
-    SweepTriggerSettings trigger;
-    bool single_step = false;
-    manager_.GetSweepTrigger(trigger, single_step);
-    *value = trigger.action != 0 ? ZentrelK4NSweepTriggerActionMeasure
-                                 : ZentrelK4NSweepTriggerActionSwitch;
+    *value = SweepTriggerOf(manager_).settings.action != 0 ? ZentrelK4NSweepTriggerActionMeasure
+                                                           : ZentrelK4NSweepTriggerActionSwitch;
     return S_OK;
   });
 }

@@ -2,6 +2,7 @@
 #include <string>
 
 #include "driver/EnumMap.h"
+#include "driver/SweepSettings.h"
 #include "driver/WideText.h"
 #include "driver/ZentrelK4N.h"
 
@@ -47,43 +48,40 @@ STDMETHODIMP CZentrelK4N::get_Type(BSTR* value) {
   });
 }
 
-// Kept: the state bits read 1 for true, not VARIANT_TRUE.
-STDMETHODIMP CZentrelK4N::get_RFButton(VARIANT_BOOL* value) {
-  return SessionFrame(kSystem, value, [&] {
-    bool pressed = false;
-    const Status result = manager_.GetRfButton(pressed);
-    if (result == status::kOk) {
-      *value = pressed ? 1 : 0;
-    }
-    return result;
-  });
+// Kept: the state bits read 1 for true, not VARIANT_TRUE. The variable of a client whose instrument
+// does not answer stays as it was.
+Status CZentrelK4N::ReadStateBit(VARIANT_BOOL& value, Status (CK4NManager::*read)(bool&)) {
+  bool bit = false;
+  const Status result = (manager_.*read)(bit);
+  if (result == status::kOk) {
+    value = bit ? 1 : 0;
+  }
+  return result;
 }
 
-// Kept: unlike the RF button's, a failure of these three is not reported; the variable stays as it
-// was.
+STDMETHODIMP CZentrelK4N::get_RFButton(VARIANT_BOOL* value) {
+  return SessionFrame(kSystem, value,
+                      [&] { return ReadStateBit(*value, &CK4NManager::GetRfButton); });
+}
+
+// Kept: unlike the RF button's, a failure of these three is not reported.
 STDMETHODIMP CZentrelK4N::get_PLLState(VARIANT_BOOL* value) {
   return SessionFrame(kSystem, value, [&] {
-    bool locked = *value != VARIANT_FALSE;
-    manager_.GetPllState(locked);
-    *value = locked ? 1 : 0;
+    ReadStateBit(*value, &CK4NManager::GetPllState);
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_ERGState(VARIANT_BOOL* value) {
   return SessionFrame(kSystem, value, [&] {
-    bool good = *value != VARIANT_FALSE;
-    manager_.GetErgState(good);
-    *value = good ? 1 : 0;
+    ReadStateBit(*value, &CK4NManager::GetErgState);
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_LevelState(VARIANT_BOOL* value) {
   return SessionFrame(kSystem, value, [&] {
-    bool settled = *value != VARIANT_FALSE;
-    manager_.GetLevelState(settled);
-    *value = settled ? 1 : 0;
+    ReadStateBit(*value, &CK4NManager::GetLevelState);
     return S_OK;
   });
 }
@@ -150,22 +148,18 @@ STDMETHODIMP CZentrelK4N::get_ExtRefGenFrequency(double* value) {
 
 STDMETHODIMP CZentrelK4N::put_SyncSourceDetection(ZentrelK4NSystemSyncSourceDetectorEnum edge) {
   return SessionFrame(kSystem, [&] {
-    SweepTriggerSettings trigger;
-    bool single_step = false;
-    manager_.GetSweepTrigger(trigger, single_step);
+    SweepTrigger trigger = SweepTriggerOf(manager_);
     // Kept: every value but Rise means Fall.
-    trigger.sync_detection = edge != ZentrelK4NSystemSyncSourceDetectorRise ? 1 : 0;
-    return manager_.SetSweepTrigger(trigger, single_step);
+    trigger.settings.sync_detection = edge != ZentrelK4NSystemSyncSourceDetectorRise ? 1 : 0;
+    return manager_.SetSweepTrigger(trigger.settings, trigger.single_step);
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_SyncSourceDetection(ZentrelK4NSystemSyncSourceDetectorEnum* value) {
   return SessionFrame(kSystem, value, [&] {
-    SweepTriggerSettings trigger;
-    bool single_step = false;
-    manager_.GetSweepTrigger(trigger, single_step);
-    *value = trigger.sync_detection != 0 ? ZentrelK4NSystemSyncSourceDetectorFall
-                                         : ZentrelK4NSystemSyncSourceDetectorRise;
+    *value = SweepTriggerOf(manager_).settings.sync_detection != 0
+                 ? ZentrelK4NSystemSyncSourceDetectorFall
+                 : ZentrelK4NSystemSyncSourceDetectorRise;
     return S_OK;
   });
 }

@@ -55,6 +55,12 @@ void Validate(const Options& options) {
   Require(options.min_point_time >= std::chrono::seconds(0) &&
               options.min_point_time <= std::chrono::hours(1),
           "point time: 0 to 1 h");
+  Require(options.response_delay >= std::chrono::seconds(0) &&
+              options.response_delay <= std::chrono::hours(1),
+          "response delay: 0 to 1 h");
+  constexpr std::size_t kLongestText = 100;
+  Require(options.serial_number.size() <= kLongestText && options.type.size() <= kLongestText,
+          "serial number and type: at most 100 characters");
   Require(IsWithin(options.noise, 0.0, 100.0), "noise: 0 to 100 dB");
   ValidateDevice(options.device);
 }

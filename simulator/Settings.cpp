@@ -23,6 +23,7 @@ constexpr std::uint16_t kShortLevel = 12;
 constexpr std::uint16_t kIdentity = 15;
 constexpr std::uint16_t kReference = 17;
 constexpr std::uint16_t kMask = 23;
+constexpr std::uint16_t kPulseTrain = 31;
 constexpr std::uint16_t kRfButton = 34;
 constexpr std::uint16_t kSync = 37;
 constexpr std::uint16_t kLevel = 79;
@@ -37,6 +38,7 @@ bool HasStopFrequency(const Options& options) {
   return options.frequency_form == FrequencyForm::kFourElement;
 }
 bool HasTwoGroups(const Options& options) { return options.trigger_groups == 2; }
+bool HasPulseModulator(const Options& options) { return options.pulse_modulator; }
 bool HasReferenceFrequency(const Options& options) { return options.reference_frequency; }
 
 // One bit for each generation of the power commands.
@@ -82,6 +84,7 @@ const std::span<const Settings::Form> Settings::kForms = [] {
       {id::kMask, 1, 0x20, false, Always, &S::SetMask, &S::GetMask},
       {27, 3, 0x40, false, Always, &S::SetUnnamed, &S::GetUnnamed},
       {28, 4, 0x10, false, Always, &S::SetUnnamed, &S::GetUnnamed},
+      {id::kPulseTrain, 3, 0x40, false, HasPulseModulator, &S::SetPulseHead, &S::GetPulseHead},
       {id::kRfButton, 1, 0x20, false, Always, nullptr, &S::GetRfButton},
       {id::kSync, 3, 0x40, false, Always, &S::SetSync, &S::GetSync},
       {id::kLevel, 5, 0x42, true, PowerVariants<0b010100>, &S::SetLevel, &S::GetLevel},
@@ -126,7 +129,7 @@ std::int16_t Settings::Write(const Message& request, Bytes& answer) {
     return status::kUnknownForm;
   }
   const std::uint16_t id = ReadWord(request.body, 0);
-  if (IsBlock(id)) {
+  if (IsBlock(request, id)) {
     return WriteBlock(request, id, answer);
   }
   const FormSearch search = FindForm(id, request.count, request.type);
@@ -142,6 +145,9 @@ std::int16_t Settings::Write(const Message& request, Bytes& answer) {
   }
   if (id == id::kShortLevel && options_.power_variant == 0 && !power_woken_) {
     power_woken_ = true;
+    return status::kUnknownForm;
+  }
+  if (id == id::kKind && values[0] != static_cast<double>(options_.kind)) {
     return status::kUnknownForm;
   }
   (this->*form.set)(form, std::span(values).first(form.count));
@@ -173,7 +179,8 @@ std::int16_t Settings::Read(const Message& request, Bytes& answer) const {
   return of_level && !state_.level_settled ? status::kLevelNotSettled : status::kGood;
 }
 
-// The kind is the instrument's own whatever the client proposes.
+// A client proposes a kind: the instrument confirms its own and refuses every other, whereupon the
+// client proposes the next.
 void Settings::SetKind(const Form& /*form*/, std::span<const double> /*values*/) {}
 Settings::Values Settings::GetKind(const Form& /*form*/) const {
   return {static_cast<double>(options_.kind)};

@@ -72,10 +72,13 @@ class Settings {
   void SetAttenuatorMode(double mode);
 
   // Transfers of a variable number of elements, chunk by chunk (Settings_Blocks.cpp).
-  [[nodiscard]] static bool IsBlock(std::uint16_t id);
+  [[nodiscard]] static bool IsBlock(const Message& request, std::uint16_t id);
   std::int16_t WriteBlock(const Message& request, std::uint16_t id, Bytes& answer);
   std::int16_t WriteList(const Message& request, std::uint16_t id, Bytes& answer);
   std::int16_t WritePulses(const Message& request, Bytes& answer);
+  void SetPulseHead(const Form& form, std::span<const double> values);
+  [[nodiscard]] Values GetPulseHead(const Form& form) const;
+  void SetPulseHead(std::span<const double> values);
   std::int16_t WriteFrequencyTable(const Message& request, std::uint16_t id, Bytes& answer);
 
   // The others.

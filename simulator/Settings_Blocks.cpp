@@ -59,8 +59,11 @@ void AppendAnswer(Bytes& answer, std::uint16_t id, const ElementFormat& format,
 
 }  // namespace
 
-bool Settings::IsBlock(std::uint16_t id) {
-  return id == kFrequencyList || id == kLevelList || id == kPulseTrain || id == kFrequencyTable;
+// The head of the pulse train alone, without a chunk behind it, is a parameter like any other.
+bool Settings::IsBlock(const Message& request, std::uint16_t id) {
+  constexpr std::size_t kPulseHead = 2 + 3 * 4;  // bytes
+  return id == kFrequencyList || id == kLevelList || id == kFrequencyTable ||
+         (id == kPulseTrain && request.body.size() > kPulseHead);
 }
 
 std::int16_t Settings::WriteBlock(const Message& request, std::uint16_t id, Bytes& answer) {
@@ -104,7 +107,26 @@ std::int16_t Settings::WriteList(const Message& request, std::uint16_t id, Bytes
   return status::kGood;
 }
 
-// Fixed part: mode (2 on, 0 off), source (3 internal, 2 external) and, from the third on, inverse.
+// Mode (2 on, 0 off), source (3 internal, 2 external) and, in the newer form, inverse.
+void Settings::SetPulseHead(std::span<const double> values) {
+  PulseTrain& train = state_.pulses;
+  train.mode = values[0] == 2.0 ? 2 : 0;
+  if (values[1] == 2.0 || values[1] == 3.0) {
+    train.source = static_cast<std::uint32_t>(values[1]);
+  }
+  if (values.size() > 2) {
+    train.inverse = values[2] != 0.0;
+  }
+}
+void Settings::SetPulseHead(const Form& /*form*/, std::span<const double> values) {
+  SetPulseHead(values);
+}
+Settings::Values Settings::GetPulseHead(const Form& /*form*/) const {
+  const PulseTrain& train = state_.pulses;
+  return {static_cast<double>(train.mode), static_cast<double>(train.source),
+          train.inverse ? 1.0 : 0.0};
+}
+
 std::int16_t Settings::WritePulses(const Message& request, Bytes& answer) {
   const ElementFormat format = *ElementFormat::FromType(0x40, false);
   Chunk chunk;
@@ -112,18 +134,12 @@ std::int16_t Settings::WritePulses(const Message& request, Bytes& answer) {
       !TakeApart(request, format, 2, state_.pulses.pulses.size(), chunk)) {
     return status::kUnknownForm;
   }
+  SetPulseHead(std::span(chunk.values).first(chunk.fixed));
+  const Values head{static_cast<double>(state_.pulses.mode),
+                    static_cast<double>(state_.pulses.source), state_.pulses.inverse ? 1.0 : 0.0};
+  std::copy_n(head.begin(), chunk.fixed, chunk.values.begin());
   PulseTrain& train = state_.pulses;
   const auto whole = [](double value) { return static_cast<std::uint32_t>(value); };
-  train.mode = chunk.values[0] == 2.0 ? 2 : 0;
-  if (chunk.values[1] == 2.0 || chunk.values[1] == 3.0) {
-    train.source = whole(chunk.values[1]);
-  }
-  chunk.values[0] = train.mode;
-  chunk.values[1] = train.source;
-  if (chunk.fixed == 3) {
-    train.inverse = chunk.values[2] != 0.0;
-    chunk.values[2] = train.inverse ? 1.0 : 0.0;
-  }
   const double step = options_.time_resolution;
   const double longest = std::floor(UINT32_MAX / std::max(step, 1.0)) * std::max(step, 1.0);
   train.pulses.resize(chunk.offset);

@@ -33,7 +33,7 @@ class Simulator::Impl {
   std::uint16_t port;
 };
 
-Simulator::Simulator(Options options) {
+Simulator::Simulator(const Options& options) {
   Validate(options);
   impl_ = std::make_unique<Impl>(options);
 }
@@ -65,9 +65,15 @@ std::uint16_t Simulator::Port() const {
 }
 
 std::string Simulator::ResourceName() const {
-  // Who listens on all interfaces is reached at this machine's own address.
+  // Who listens on all interfaces is reached at this machine's own address. The brackets keep the
+  // colons of an address apart from those of the name.
   const std::string& address = impl_->options.address;
-  const std::string host = address == "0.0.0.0" || address == "::" ? "127.0.0.1" : address;
+  std::string host = address;
+  if (address == "0.0.0.0") {
+    host = "127.0.0.1";
+  } else if (address.find(':') != std::string::npos) {
+    host = address == "::" ? "[::1]" : "[" + address + "]";
+  }
   return "TCPIP0::" + host + "::" + std::to_string(Port()) + "::SOCKET";
 }
 

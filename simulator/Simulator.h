@@ -21,7 +21,7 @@ class Simulator {
   using Observer = std::function<void(const RequestRecord&, const InstrumentState&)>;
 
   /// Throws std::invalid_argument for options that describe no instrument.
-  explicit Simulator(Options options = {});
+  explicit Simulator(const Options& options = {});
   /// Stops.
   ~Simulator();
   Simulator(const Simulator&) = delete;
@@ -34,7 +34,7 @@ class Simulator {
   void Stop();
   /// 0 before the first Start.
   [[nodiscard]] std::uint16_t Port() const;
-  /// "TCPIP0::127.0.0.1::PORT::SOCKET".
+  /// "TCPIP0::127.0.0.1::PORT::SOCKET"; an IPv6 address stands in brackets.
   [[nodiscard]] std::string ResourceName() const;
   [[nodiscard]] std::size_t ConnectionCount() const;
   /// Closes the connections; the port stays open.

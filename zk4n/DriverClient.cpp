@@ -3,13 +3,13 @@
 #include <utility>
 
 #include "platform/os/Text.h"
-#include "server/interface/Guids.h"
 #include "zk4n/HresultName.h"
 
 namespace {
 
 constexpr HRESULT kNoSession = 10057;
 constexpr int kTrailRecordsShown = 3;
+constexpr int kTrailRecordsRead = 10000;  ///< a failing reader may fill it without an end
 
 /// The calling thread's error description, which is taken away with it; empty when there is none.
 std::string TakeDescription() {
@@ -18,6 +18,13 @@ std::string TakeDescription() {
   Bstr description;
   if (info->GetDescription(description.Put()) != S_OK) return {};
   return DriverClient::Utf8(description);
+}
+
+/// "0x80047060 (unknown resource): Unknown resource ...".
+std::string ResultText(HRESULT result, const std::string& description) {
+  std::string text = HresultText(result) + " (" + std::string(HresultName(result)) + ")";
+  if (!description.empty()) text += ": " + description;
+  return text;
 }
 
 }  // namespace
@@ -60,25 +67,48 @@ std::string DriverClient::Utf8(const Bstr& text) {
 void DriverClient::Check(HRESULT result, const char* member) const {
   if (result >= 0 && result != kNoSession) return;
   const std::string description = TakeDescription();
-  std::string text = std::string(member) + ": " + HresultText(result) + " (" +
-                     std::string(HresultName(result)) + ")";
-  if (!description.empty()) text += ": " + description;
+  std::string text = std::string(member) + ": " + ResultText(result, description);
   throw DriverError(result, text + ErrorTrail());
 }
 
-std::string DriverClient::ErrorTrail() const {
-  if (!root_) return {};
-  ComPtr<IIviDriverUtility> utility;
-  if (root_->get_Utility(utility.Put()) != S_OK) return {};
-  std::string trail;
-  for (int record = 0; record < kTrailRecordsShown; ++record) {
-    LONG code = 0;
-    Bstr message;
-    if (utility->ErrorQuery(&code, message.Put()) != S_OK || code == 0) break;
-    trail += trail.empty() ? " [error trail: " : "; ";
-    trail += HresultText(static_cast<std::int32_t>(code)) + " " + Utf8(message);
+void DriverClient::CheckTrail(const char* what) const {
+  const std::optional<TrailRecord> oldest = TakeTrailRecord();
+  if (!oldest) return;
+  const std::string text = std::string(what) + ": " + ResultText(oldest->code, oldest->message);
+  throw DriverError(oldest->code, text + ErrorTrail());
+}
+
+void DriverClient::ClearTrail() const {
+  for (int record = 0; record < kTrailRecordsRead && TakeTrailRecord(); ++record) {
   }
+}
+
+std::optional<DriverClient::TrailRecord> DriverClient::TakeTrailRecord() const {
+  if (!root_) return std::nullopt;
+  ComPtr<IIviDriverUtility> utility;
+  if (root_->get_Utility(utility.Put()) != S_OK) return std::nullopt;
+  LONG code = 0;
+  Bstr message;
+  const HRESULT result = utility->ErrorQuery(&code, message.Put());
   // The look at the trail must not leave error information of its own behind.
   SetErrorInfo(0, nullptr);
+  if (result != S_OK || code == 0) return std::nullopt;
+  std::string text = Utf8(message);
+  if (text == std::to_string(code)) text.clear();
+  return TrailRecord{static_cast<HRESULT>(code), std::move(text)};
+}
+
+std::string DriverClient::ErrorTrail() const {
+  std::string trail;
+  int shown = 0;
+  std::optional<TrailRecord> last;
+  for (int read = 0; read < kTrailRecordsRead && shown < kTrailRecordsShown; ++read) {
+    const std::optional<TrailRecord> record = TakeTrailRecord();
+    if (!record) break;
+    if (record == last) continue;  // a failing read is repeated again and again
+    trail += (shown == 0 ? " [error trail: " : "; ") + ResultText(record->code, record->message);
+    last = record;
+    ++shown;
+  }
   return trail.empty() ? trail : trail + "]";
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -47,11 +48,24 @@ class DriverClient {
   /// Throws DriverError for a failure, and for 10057 (no session), which COM takes for success.
   void Check(HRESULT result, const char* member) const;
 
+  /// Throws DriverError for the oldest failure that the driver keeps in its error trail: there it
+  /// puts what `what` met without a result of its own.
+  void CheckTrail(const char* what) const;
+  /// Forgets what the error trail holds.
+  void ClearTrail() const;
+
   /// Texts of the driver are UTF-16; the console's are UTF-8.
   static std::string Utf8(const Bstr& text);
 
  private:
   DriverClient() = default;
+
+  struct TrailRecord {
+    HRESULT code;
+    std::string message;  // empty where the driver knows no more than the code
+    bool operator==(const TrailRecord&) const = default;
+  };
+  [[nodiscard]] std::optional<TrailRecord> TakeTrailRecord() const;
   [[nodiscard]] std::string ErrorTrail() const;
 
   os::Module module_;  // released last: the objects' code lives in it

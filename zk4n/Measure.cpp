@@ -1,19 +1,22 @@
 // zk4n measure: one stepped measurement through the driver, reported as a table, CSV, SVG or JSON.
 
+#include <algorithm>
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 
 #include "platform/os/Console.h"
 #include "platform/os/Text.h"
 #include "simulator/Simulator.h"
+#include "zk4n/Arguments.h"
 #include "zk4n/Commands.h"
+#include "zk4n/InstrumentOptions.h"
 #include "zk4n/Interrupt.h"
+#include "zk4n/OutputFile.h"
 #include "zk4n/ProgressDisplay.h"
 #include "zk4n/Sweep.h"
 #include "zk4n/TraceFiles.h"
@@ -38,31 +41,20 @@ struct MeasureOptions {
   std::string svg;
   bool json = false;
   std::string module;
+  simulator::Options instrument;  ///< with --simulate
 };
-
-std::filesystem::path PathOf(const std::string& utf8) {
-  return {std::u8string(utf8.begin(), utf8.end())};
-}
-
-double Required(const char* option, const std::string& text, Unit unit) {
-  const auto value = ParseQuantity(text, unit);
-  if (!value)
-    throw UsageError(std::string(option) + ": not a value in " + std::string(UnitSymbol(unit)) +
-                     ": " + text);
-  return *value;
-}
 
 SweepPlan PlanOf(const MeasureOptions& options) {
   SweepPlan plan;
   plan.axis = options.mode == "power" ? SweptAxis::kPower : SweptAxis::kFrequency;
   const bool power = plan.axis == SweptAxis::kPower;
   const Unit unit = power ? Unit::kDecibelMilliwatt : Unit::kHertz;
-  plan.start = Required("--start", options.start, unit);
-  plan.stop = Required("--stop", options.stop, unit);
-  plan.step = Required("--step", options.step, power ? Unit::kDecibel : Unit::kHertz);
-  plan.level = Required("--level", options.level, Unit::kDecibelMilliwatt);
-  plan.frequency = Required("--frequency", options.frequency, Unit::kHertz);
-  plan.dwell = Required("--dwell", options.dwell, Unit::kSecond);
+  plan.start = QuantityArgument("--start", options.start, unit);
+  plan.stop = QuantityArgument("--stop", options.stop, unit);
+  plan.step = QuantityArgument("--step", options.step, power ? Unit::kDecibel : Unit::kHertz);
+  plan.level = QuantityArgument("--level", options.level, Unit::kDecibelMilliwatt);
+  plan.frequency = QuantityArgument("--frequency", options.frequency, Unit::kHertz);
+  plan.dwell = QuantityArgument("--dwell", options.dwell, Unit::kSecond);
   plan.averaging = options.averaging;
   if (plan.stop < plan.start) throw UsageError("--stop is below --start");
   if (plan.step <= 0.0) throw UsageError("--step must be above 0");
@@ -77,14 +69,6 @@ struct DetectorChoice {
   std::size_t channel;
   std::string file;
 };
-
-void RequireReadable(const std::string& file) {
-  std::error_code error;
-  const std::filesystem::path path = PathOf(file);
-  if (!std::filesystem::is_regular_file(path, error) || !std::ifstream(path, std::ios::binary)) {
-    throw UsageError("cannot read " + file);
-  }
-}
 
 std::vector<DetectorChoice> DetectorsOf(const MeasureOptions& options) {
   std::vector<DetectorChoice> choices;
@@ -101,14 +85,23 @@ std::vector<DetectorChoice> DetectorsOf(const MeasureOptions& options) {
   return choices;
 }
 
-void RequireWritableFolder(const std::string& file) {
-  if (file.empty()) return;
-  const std::filesystem::path path = PathOf(file);
-  std::error_code error;
-  const auto folder = path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
-  if (!std::filesystem::is_directory(folder, error) || std::filesystem::is_directory(path, error)) {
-    throw UsageError("cannot write " + file);
+/// The files of the report, opened before anything is measured.
+struct ReportFiles {
+  std::optional<OutputFile> csv;
+  std::optional<OutputFile> svg;
+};
+
+void OpenForReport(const std::string& name, std::optional<OutputFile>& file) {
+  if (name.empty()) return;
+  if (!file.emplace(PathArgument(name)).IsOpen()) throw UsageError("cannot write " + name);
+}
+
+void OpenReportFiles(const MeasureOptions& options, ReportFiles& files) {
+  if (!options.csv.empty() && options.csv == options.svg) {
+    throw UsageError("--csv and --svg name the same file");
   }
+  OpenForReport(options.csv, files.csv);
+  OpenForReport(options.svg, files.svg);
 }
 
 std::string LocalDate() {
@@ -149,8 +142,17 @@ void LoadDetectors(const DriverClient& driver, const std::vector<DetectorChoice>
   }
 }
 
-TraceOrigin OriginOf(const DriverClient& driver, const std::string& resource) {
-  TraceOrigin origin{{}, {}, resource, LocalDate()};
+std::string ConditionsOf(const SweepPlan& plan) {
+  const bool frequency = plan.axis == SweptAxis::kFrequency;
+  std::string text = frequency ? "level " + FormatQuantity(plan.level, Unit::kDecibelMilliwatt)
+                               : "at " + FormatQuantity(plan.frequency, Unit::kHertz, 10);
+  if (plan.dwell > 0.0) text += ", dwell " + FormatQuantity(plan.dwell, Unit::kSecond);
+  return text + ", averaging " + std::to_string(plan.averaging);
+}
+
+TraceOrigin OriginOf(const DriverClient& driver, const std::string& resource,
+                     const SweepPlan& plan) {
+  TraceOrigin origin{{}, {}, resource, LocalDate(), ConditionsOf(plan)};
   ComPtr<IZentrelK4NSystem> system;
   driver.Check(driver->get_System(system.Put()), "System");
   // An instrument without these texts measures all the same.
@@ -161,16 +163,33 @@ TraceOrigin OriginOf(const DriverClient& driver, const std::string& resource) {
   return origin;
 }
 
-void Report(const MeasureOptions& options, const Trace& trace, const TraceOrigin& origin) {
-  if (!options.csv.empty() && !WriteWholeFile(PathOf(options.csv), TraceAsCsv(trace, origin))) {
+void Report(const MeasureOptions& options, const Trace& trace, const TraceOrigin& origin,
+            ReportFiles& files) {
+  if (files.csv && !files.csv->Write(TraceAsCsv(trace, origin))) {
     throw UsageError("cannot write " + options.csv);
   }
-  if (!options.svg.empty() && !WriteWholeFile(PathOf(options.svg), TraceAsSvg(trace, origin))) {
+  if (files.svg && !files.svg->Write(TraceAsSvg(trace, origin))) {
     throw UsageError("cannot write " + options.svg);
   }
+  // Both are whole: now they take their names.
+  if (files.csv && !files.csv->Commit()) throw UsageError("cannot write " + options.csv);
+  if (files.svg && !files.svg->Commit()) throw UsageError("cannot write " + options.svg);
   const std::string text =
       options.json ? TraceAsJson(trace, origin) : TraceSummaryTable(trace, origin);
   std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+/// An instrument keeps to its limits without a word; its user should know.
+void NoteOtherRange(const SweepPlan& plan, const Trace& trace) {
+  if (trace.x.empty()) return;
+  const double tolerance = plan.step / 2;
+  if (std::abs(trace.x.front() - plan.start) <= tolerance &&
+      trace.x.back() > plan.stop - 2 * plan.step) {
+    return;
+  }
+  std::fprintf(stderr, "zk4n: note: the instrument measured %s to %s\n",
+               FormatQuantity(trace.x.front(), trace.XUnit(), 10).c_str(),
+               FormatQuantity(trace.x.back(), trace.XUnit(), 10).c_str());
 }
 
 /// The detector files of a simulated instrument are known: the ones that ship with the program.
@@ -190,14 +209,15 @@ int Measure(const MeasureOptions& options) {
   if (options.simulate == !options.resource.empty()) {
     throw UsageError("give either --resource NAME or --simulate");
   }
-  RequireWritableFolder(options.csv);
-  RequireWritableFolder(options.svg);
+  RequireInstrument(options.instrument);
+  ReportFiles files;
+  OpenReportFiles(options, files);
 
   const InterruptGuard interrupt;
   std::unique_ptr<simulator::Simulator> instrument;
   std::string resource = options.resource;
   if (options.simulate) {
-    instrument = std::make_unique<simulator::Simulator>(simulator::Options{});
+    instrument = std::make_unique<simulator::Simulator>(options.instrument);
     instrument->Start();
     resource = instrument->ResourceName();
     detectors = WithShippedDetectors(std::move(detectors));
@@ -209,13 +229,14 @@ int Measure(const MeasureOptions& options) {
   {
     const Session session(driver, resource);
     LoadDetectors(driver, detectors);
-    origin = OriginOf(driver, resource);
+    origin = OriginOf(driver, resource, plan);
     ProgressDisplay display("Measuring", options.json);
     trace = RunSweep(
         driver, plan, [&](double share) { display.Show(share); },
         [] { return InterruptGuard::Requested(); });
   }
-  Report(options, trace, origin);
+  NoteOtherRange(plan, trace);
+  Report(options, trace, origin, files);
   return exit_status::kOk;
 }
 
@@ -226,8 +247,8 @@ void AddMeasureCommand(CLI::App& app, int& status) {
   CLI::App* command = app.add_subcommand("measure", "Runs one stepped measurement and reports it");
   command->add_option("--resource", options->resource,
                       "VISA resource name, TCPIP0::host::port::SOCKET");
-  command->add_flag("--simulate", options->simulate,
-                    "Measure on a simulated instrument of its own");
+  CLI::Option* const simulate = command->add_flag("--simulate", options->simulate,
+                                                  "Measure on a simulated instrument of its own");
   command->add_option("--mode", options->mode, "What is stepped")
       ->check(CLI::IsMember({"frequency", "power"}))
       ->capture_default_str();
@@ -251,5 +272,6 @@ void AddMeasureCommand(CLI::App& app, int& status) {
   command->add_flag("--json", options->json, "Print the result as JSON, nothing else");
   command->add_option("--module", options->module,
                       "Driver module (default: the one beside this program)");
+  AddInstrumentOptions(*command, options->instrument, simulate);
   command->callback([options, &status] { status = Measure(*options); });
 }

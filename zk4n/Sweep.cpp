@@ -14,6 +14,10 @@ constexpr std::chrono::seconds kPatience{10};
 constexpr VARIANT_BOOL kTrue = -1;
 constexpr VARIANT_BOOL kFalse = 0;
 
+Unit StepUnitOf(SweptAxis axis) {
+  return axis == SweptAxis::kFrequency ? Unit::kHertz : Unit::kDecibel;
+}
+
 /// The instrument's read-back of one sweep.
 struct Segment {
   double start = 0.0;
@@ -66,6 +70,7 @@ void SetUp(const DriverClient& driver, const Groups& groups, const SweepPlan& pl
 Segment Configure(const DriverClient& driver, const Groups& groups, const SweepPlan& plan,
                   double start) {
   Segment segment;
+  driver.ClearTrail();
   if (plan.axis == SweptAxis::kFrequency) {
     driver.Check(groups.frequency_step->ConfigureStartStop(
                      start, plan.stop, ZentrelK4NFrequencyStepScalingLinear, plan.step),
@@ -79,6 +84,14 @@ Segment Configure(const DriverClient& driver, const Groups& groups, const SweepP
     driver.Check(groups.power_step->get_Start(&segment.start), "Sweep.PowerStep.Start");
     driver.Check(groups.power_step->get_Stop(&segment.stop), "Sweep.PowerStep.Stop");
     driver.Check(groups.power_step->get_Size(&segment.step), "Sweep.PowerStep.Size");
+  }
+  // A step that the instrument refuses is no failure of the member that sets it.
+  driver.CheckTrail(plan.axis == SweptAxis::kFrequency ? "Sweep.FrequencyStep.ConfigureStartStop"
+                                                       : "Sweep.PowerStep.ConfigureStartStop");
+  const bool clamped = std::abs(segment.start - start) > plan.step / 2;
+  if (segment.step == 0.0 && plan.stop - start >= plan.step && !clamped) {
+    throw std::runtime_error("the instrument cannot make steps of " +
+                             FormatQuantity(plan.step, StepUnitOf(plan.axis)));
   }
   driver.Check(
       groups.sweep->Configure(plan.axis == SweptAxis::kFrequency ? ZentrelK4NSweepModeFrequencyStep
@@ -95,12 +108,15 @@ void Acquire(const DriverClient& driver, const Groups& groups, Clock::duration e
              const std::function<bool()>& interrupted) {
   const auto started = Clock::now();
   driver.Check(groups.acquisition->Initiate(), "Acquisition.Initiate");
+  driver.CheckTrail("Acquisition.Initiate");
   for (;;) {
     ZentrelK4NAcquisitionStatusEnum state = ZentrelK4NAcquisitionStatusUnknown;
     driver.Check(groups.acquisition->get_Status(&state), "Acquisition.Status");
     if (state == ZentrelK4NAcquisitionStatusComplete) return;
+    // What goes wrong while the instrument sweeps is told in the trail alone.
+    driver.CheckTrail("measurement");
     if (state == ZentrelK4NAcquisitionStatusUnknown) {
-      driver.Check(E_FAIL, "Acquisition.Status is unknown: the measurement failed");
+      throw std::runtime_error("measurement: the driver cannot tell its status");
     }
     if (interrupted()) {
       groups.acquisition->Abort();
@@ -152,7 +168,7 @@ std::size_t Fetch(const DriverClient& driver, const Groups& groups, Trace& trace
 
 std::size_t PointsOf(const SweepPlan& plan) {
   const double intervals = plan.step == 0.0 ? 0.0 : (plan.stop - plan.start) / plan.step;
-  return intervals > 0.0 ? static_cast<std::size_t>(intervals + 0.5) + 1 : 1;
+  return intervals > 0.0 ? static_cast<std::size_t>(std::lround(intervals)) + 1 : 1;
 }
 
 Trace RunSweep(const DriverClient& driver, const SweepPlan& plan, const Progress& progress,
@@ -166,7 +182,9 @@ Trace RunSweep(const DriverClient& driver, const SweepPlan& plan, const Progress
 
   double start = plan.start;
   for (;;) {
+    if (interrupted()) throw Interrupted();
     const Segment segment = Configure(driver, groups, plan, start);
+    if (!trace.x.empty() && std::abs(segment.start - start) > plan.step / 2) break;  // its limit
     const double done = static_cast<double>(trace.x.size());
     const double points =
         segment.step == 0.0 ? 1.0 : std::round((segment.stop - segment.start) / segment.step) + 1.0;

@@ -34,9 +34,10 @@ class Interrupted : public std::runtime_error {
 using Progress = std::function<void(double share)>;
 
 /// Runs the plan on an open session. An instrument that cannot deliver so many points in one sweep
-/// shortens it and says so by its read-back; the rest is then measured in further sweeps. Leaves
-/// the output switched off. Throws DriverError, Interrupted when `interrupted` says so, and
-/// std::runtime_error when the instrument delivers nothing in many times the time that the sweep
-/// takes.
+/// shortens it and says so by its read-back; the rest is then measured in further sweeps. What lies
+/// beyond the instrument's limits is left out. Leaves the output switched off. Throws DriverError,
+/// also for failures that only the driver's error trail tells of; Interrupted when `interrupted`
+/// says so; std::runtime_error when the instrument cannot step so finely, and when it delivers
+/// nothing in many times the time that the sweep takes.
 Trace RunSweep(const DriverClient& driver, const SweepPlan& plan, const Progress& progress,
                const std::function<bool()>& interrupted);

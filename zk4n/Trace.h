@@ -32,7 +32,8 @@ struct TraceOrigin {
   std::string instrument;  ///< type text; empty when the instrument does not tell
   std::string serial;
   std::string resource;
-  std::string date;  ///< local, "2026-01-31 12:00:00"
+  std::string date;             ///< local, "2026-01-31 12:00:00"
+  std::string conditions = {};  ///< what was not stepped: "level 0 dBm, averaging 3"
 };
 
 /// Figures of one channel, or of the difference A-R. All NaN for an empty or an uncalibrated trace.

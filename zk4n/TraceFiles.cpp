@@ -1,11 +1,9 @@
 #include "zk4n/TraceFiles.h"
 
 #include <cmath>
-#include <fstream>
 #include <iomanip>
 #include <nlohmann/json.hpp>
 #include <sstream>
-#include <system_error>
 
 namespace {
 
@@ -34,7 +32,7 @@ void AppendRow(std::ostringstream& table, const std::string& name, const Trace& 
   const auto number = [](double value) {
     std::ostringstream text;
     text << std::fixed << std::setprecision(3) << value;
-    return text.str();
+    return text.str() == "-0.000" ? "0.000" : text.str();
   };
   table << "  " << std::left << std::setw(8) << name << std::right << std::setw(10)
         << number(summary.minimum) << std::setw(14)
@@ -50,7 +48,8 @@ std::string TraceAsCsv(const Trace& trace, const TraceOrigin& origin) {
   std::ostringstream csv;
   csv << std::setprecision(17);
   csv << "# instrument: " << origin.instrument << "\n# serial: " << origin.serial
-      << "\n# resource: " << origin.resource << "\n# date: " << origin.date << '\n';
+      << "\n# resource: " << origin.resource << "\n# date: " << origin.date
+      << "\n# conditions: " << origin.conditions << '\n';
   csv << AxisColumn(trace) << ",A,B,R\n";
   for (std::size_t i = 0; i < trace.x.size(); ++i) {
     csv << trace.x[i];
@@ -71,6 +70,7 @@ std::string TraceAsJson(const Trace& trace, const TraceOrigin& origin) {
       {"serial", origin.serial},
       {"resource", origin.resource},
       {"date", origin.date},
+      {"conditions", origin.conditions},
       {"points", trace.x.size()},
       {"axis", {{"name", AxisColumn(trace)}, {"values", trace.x}}},
       {"channels", std::move(channels)}};
@@ -87,32 +87,11 @@ std::string TraceSummaryTable(const Trace& trace, const TraceOrigin& origin) {
     table << ", " << FormatQuantity(trace.x.front(), trace.XUnit(), 10) << " to "
           << FormatQuantity(trace.x.back(), trace.XUnit(), 10);
   }
+  if (!origin.conditions.empty()) table << ", " << origin.conditions;
   table << "\n  channel        min            at       max            at      mean\n";
   for (std::size_t c = 0; c < kTraceChannels; ++c) {
     AppendRow(table, std::string(kTraceChannelLetters[c]), trace, trace.channels[c]);
   }
   AppendRow(table, "A-R", trace, TransmissionOf(trace));
   return table.str();
-}
-
-bool WriteWholeFile(const std::filesystem::path& path, const std::string& content) {
-  std::filesystem::path temporary = path;
-  temporary += ".part";
-  {
-    std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-    file.write(content.data(), static_cast<std::streamsize>(content.size()));
-    file.close();
-    if (!file) {
-      std::error_code ignored;
-      std::filesystem::remove(temporary, ignored);
-      return false;
-    }
-  }
-  std::error_code error;
-  std::filesystem::rename(temporary, path, error);
-  if (error) {
-    std::error_code ignored;
-    std::filesystem::remove(temporary, ignored);
-  }
-  return !error;
 }

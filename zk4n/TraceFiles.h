@@ -1,7 +1,6 @@
 // Traces as files and tables: CSV, JSON, and the summary that a person reads.
 #pragma once
 
-#include <filesystem>
 #include <string>
 
 #include "zk4n/Trace.h"
@@ -16,7 +15,3 @@ std::string TraceAsJson(const Trace& trace, const TraceOrigin& origin);
 
 /// Points, range, and minimum, maximum and mean of each channel and of A-R.
 std::string TraceSummaryTable(const Trace& trace, const TraceOrigin& origin);
-
-/// Writes a file whole or not at all: into a neighbouring temporary file, which then takes its
-/// place. False when the folder or the file cannot be written.
-bool WriteWholeFile(const std::filesystem::path& path, const std::string& content);

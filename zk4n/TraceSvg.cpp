@@ -12,9 +12,12 @@ namespace {
 constexpr double kWidth = 960.0;
 constexpr double kHeight = 560.0;
 constexpr double kLeft = 84.0;
-constexpr double kRight = 938.0;
+constexpr double kRight = 922.0;
 constexpr double kTop = 86.0;
 constexpr double kBottom = 490.0;
+/// Longest texts that fit above the plot, in characters.
+constexpr std::size_t kTitleLength = 58;
+constexpr std::size_t kSubtitleLength = 118;
 /// More vertices than this across the plot cannot be told apart: the curve is thinned to extremes a
 /// column.
 constexpr std::size_t kMaxVertices = 4000;
@@ -84,44 +87,85 @@ std::string TickLabel(double value, double factor, double step) {
   std::ostringstream text;
   const double scaled_step = step / factor;
   int decimals = 0;
-  for (double s = scaled_step; decimals < 9 && std::abs(s - std::round(s)) > 1e-6; s *= 10.0)
+  for (double s = scaled_step; decimals < 12 && (s < 0.5 || std::abs(s - std::round(s)) > s * 1e-6);
+       s *= 10.0) {
     ++decimals;
-  const double scaled = value / factor;
-  text << std::fixed << std::setprecision(decimals)
-       << (std::abs(scaled) < scaled_step * 1e-6 ? 0.0 : scaled);
+  }
+  const double scaled = std::abs(value / factor);
+  const bool zero = scaled < scaled_step * 1e-6;
+  text << (value < 0.0 && !zero ? "\u2212" : "") << std::fixed << std::setprecision(decimals)
+       << (zero ? 0.0 : scaled);
   return text.str();
 }
 
-void DrawGrid(std::ostringstream& svg, const Scale& x, const Scale& y, const Trace& trace) {
-  const Ticks x_ticks = TicksFor(x.low, x.high, 10);
-  const Ticks y_ticks = TicksFor(y.low, y.high, 9);
-  const SiPrefix prefix = trace.axis == SweptAxis::kFrequency
-                              ? PrefixFor(std::max(std::abs(x.low), std::abs(x.high)))
-                              : SiPrefix{"", 1.0};
-  svg << "<g stroke=\"#d8dce0\" stroke-width=\"1\">\n";
+/// The text with at most so many characters of UTF-8; a longer one ends in three points.
+std::string Shortened(const std::string& text, std::size_t length) {
+  std::string kept;
+  std::size_t characters = 0;
+  for (const char c : text) {
+    const bool begins = (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+    if (begins && ++characters > length) return kept + "...";
+    kept += c;
+  }
+  return kept;
+}
+
+/// As many ticks along the frequency axis as their labels have room for.
+Ticks TicksWithRoom(double low, double high, double factor) {
+  constexpr double kCharacter = 8.0;  // width of one, and as much as two between labels
+  Ticks ticks;
+  for (const int wanted : {10, 6, 4, 2}) {
+    ticks = TicksFor(low, high, wanted);
+    std::size_t longest = 0;
+    for (const double v : ticks.values) {
+      longest = std::max(longest, TickLabel(v, factor, ticks.step).size());
+    }
+    const double room = ticks.step / (high - low) * (kRight - kLeft);
+    if (static_cast<double>(longest + 2) * kCharacter <= room) break;
+  }
+  return ticks;
+}
+
+/// The lines of the grid, the frame and its tick marks.
+void DrawGrid(std::ostringstream& svg, const Scale& x, const Ticks& x_ticks, const Scale& y,
+              const Ticks& y_ticks) {
+  std::ostringstream grid;
+  std::ostringstream marks;
+  grid << std::fixed << std::setprecision(2);
+  marks << std::fixed << std::setprecision(2);
   for (const double v : x_ticks.values) {
-    svg << "<path d=\"M" << x(v) << ' ' << kTop << "V" << kBottom << "\"/>\n";
+    grid << 'M' << x(v) << ' ' << kTop << 'V' << kBottom;
+    marks << 'M' << x(v) << ' ' << kBottom << "v6";
   }
   for (const double v : y_ticks.values) {
-    svg << "<path d=\"M" << kLeft << ' ' << y(v) << "H" << kRight << "\"/>\n";
+    grid << 'M' << kLeft << ' ' << y(v) << 'H' << kRight;
+    marks << 'M' << kLeft << ' ' << y(v) << "h-6";
   }
-  svg << "</g>\n<g font-size=\"13\" fill=\"#30363c\">\n<g text-anchor=\"middle\">\n";
-  for (const double v : x_ticks.values) {
-    svg << "<text x=\"" << x(v) << "\" y=\"" << kBottom + 20 << "\">"
-        << TickLabel(v, prefix.factor, x_ticks.step) << "</text>\n";
-  }
-  svg << "<text x=\"" << (kLeft + kRight) / 2 << "\" y=\"" << kBottom + 46 << "\" font-size=\"14\">"
-      << (trace.axis == SweptAxis::kFrequency ? "Frequency" : "Level") << " (" << prefix.letter
-      << UnitSymbol(trace.XUnit()) << ")</text>\n</g>\n<g text-anchor=\"end\">\n";
-  for (const double v : y_ticks.values) {
-    svg << "<text x=\"" << kLeft - 9 << "\" y=\"" << y(v) + 4.5 << "\">"
-        << TickLabel(v, 1.0, y_ticks.step) << "</text>\n";
-  }
-  svg << "</g>\n<text text-anchor=\"middle\" font-size=\"14\" transform=\"translate(26 "
-      << (kTop + kBottom) / 2 << ") rotate(-90)\">Detected level (dBm)</text>\n</g>\n"
+  svg << "<path stroke=\"#d8dce0\" stroke-width=\"1\" d=\"" << grid.str() << "\"/>\n"
+      << "<path stroke=\"#30363c\" stroke-width=\"1.2\" d=\"" << marks.str() << "\"/>\n"
       << "<rect x=\"" << kLeft << "\" y=\"" << kTop << "\" width=\"" << kRight - kLeft
       << "\" height=\"" << kBottom - kTop
       << "\" fill=\"none\" stroke=\"#30363c\" stroke-width=\"1.2\"/>\n";
+}
+
+/// The numbers and names of both axes.
+void DrawAxisTexts(std::ostringstream& svg, const Scale& x, const Ticks& x_ticks,
+                   const SiPrefix& prefix, const Scale& y, const Ticks& y_ticks,
+                   const Trace& trace) {
+  svg << "<g font-size=\"13\" fill=\"#30363c\">\n<g text-anchor=\"middle\">\n";
+  for (const double v : x_ticks.values) {
+    svg << "<text x=\"" << x(v) << "\" y=\"" << kBottom + 23 << "\">"
+        << TickLabel(v, prefix.factor, x_ticks.step) << "</text>\n";
+  }
+  svg << "<text x=\"" << (kLeft + kRight) / 2 << "\" y=\"" << kBottom + 50 << "\" font-size=\"14\">"
+      << (trace.axis == SweptAxis::kFrequency ? "Frequency" : "Source level") << " ("
+      << prefix.letter << UnitSymbol(trace.XUnit()) << ")</text>\n</g>\n<g text-anchor=\"end\">\n";
+  for (const double v : y_ticks.values) {
+    svg << "<text x=\"" << kLeft - 11 << "\" y=\"" << y(v) + 4.5 << "\">"
+        << TickLabel(v, 1.0, y_ticks.step) << "</text>\n";
+  }
+  svg << "</g>\n<text text-anchor=\"middle\" font-size=\"14\" transform=\"translate(26 "
+      << (kTop + kBottom) / 2 << ") rotate(-90)\">Detected level (dBm)</text>\n</g>\n";
 }
 
 /// The indices to draw: all of them, or the first, lowest, highest and last of each column of many.
@@ -168,14 +212,22 @@ void DrawCurve(std::ostringstream& svg, const Scale& x, const Scale& y, const Tr
   svg << "\"/>\n";
 }
 
+std::string SubtitleOf(const Trace& trace, const TraceOrigin& origin) {
+  std::string text = origin.date + ", " + std::to_string(trace.x.size()) + " points";
+  for (const std::string& part : {origin.conditions, origin.resource}) {
+    if (!part.empty()) text += ", " + part;
+  }
+  return text;
+}
+
 void DrawTitleAndLegend(std::ostringstream& svg, const Trace& trace, const TraceOrigin& origin) {
   std::string title = origin.instrument.empty() ? "Scalar measurement" : origin.instrument;
   if (!origin.serial.empty()) title += ", serial " + origin.serial;
   svg << "<text x=\"" << kLeft
-      << "\" y=\"32\" font-size=\"19\" font-weight=\"600\" fill=\"#16191d\">" << EscapeXml(title)
-      << "</text>\n<text x=\"" << kLeft << "\" y=\"54\" font-size=\"13\" fill=\"#5a636c\">"
-      << EscapeXml(origin.date) << ", " << trace.x.size() << " points, "
-      << EscapeXml(origin.resource) << "</text>\n";
+      << "\" y=\"32\" font-size=\"19\" font-weight=\"600\" fill=\"#16191d\">"
+      << EscapeXml(Shortened(title, kTitleLength)) << "</text>\n<text x=\"" << kLeft
+      << "\" y=\"54\" font-size=\"13\" fill=\"#5a636c\">"
+      << EscapeXml(Shortened(SubtitleOf(trace, origin), kSubtitleLength)) << "</text>\n";
   double x = kRight - 372.0;
   for (const CurveStyle& curve : kCurves) {
     svg << "<path d=\"M" << x << " 72h30\" stroke=\"" << curve.colour << "\" stroke-width=\"2.4\"";
@@ -226,7 +278,13 @@ std::string TraceAsSvg(const Trace& trace, const TraceOrigin& origin) {
       << "\" width=\"" << kWidth << "\" height=\"" << kHeight
       << "\" font-family=\"Helvetica, Arial, 'DejaVu Sans', sans-serif\">\n"
       << "<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>\n";
-  DrawGrid(svg, x, y, trace);
+  const SiPrefix prefix = trace.axis == SweptAxis::kFrequency
+                              ? PrefixFor(std::max(std::abs(x_low), std::abs(x_high)))
+                              : SiPrefix{"", 1.0};
+  const Ticks x_ticks = TicksWithRoom(x_low, x_high, prefix.factor);
+  const Ticks y_ticks = TicksFor(y_low, y_high, 9);
+  DrawGrid(svg, x, x_ticks, y, y_ticks);
+  DrawAxisTexts(svg, x, x_ticks, prefix, y, y_ticks, trace);
   svg << "<clipPath id=\"plot\"><rect x=\"" << kLeft << "\" y=\"" << kTop << "\" width=\""
       << kRight - kLeft << "\" height=\"" << kBottom - kTop << "\"/></clipPath>\n"
       << "<g clip-path=\"url(#plot)\">\n";

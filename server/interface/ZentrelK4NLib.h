@@ -409,23 +409,23 @@ interface IZentrelK4NSyncGenerator;
 #endif /* __cplusplus */
 #endif
 
-typedef enum ZentrelK4NPulseOutputPolarityEnum {
+typedef enum ZentrelK4NPulseOutputPolarityEnum : int {
     ZentrelK4NPulseOutputPolarityNormal = 0,
     ZentrelK4NPulseOutputPolarityInverse = 1
 } ZentrelK4NPulseOutputPolarityEnum;
-typedef enum ZentrelK4NPulseTriggerSourceEnum {
+typedef enum ZentrelK4NPulseTriggerSourceEnum : int {
     ZentrelK4NPulseTriggerSourceInternal = 0,
     ZentrelK4NPulseTriggerSourceExternal = 1
 } ZentrelK4NPulseTriggerSourceEnum;
-typedef enum ZentrelK4NPulseExternalTriggerSlopeEnum {
+typedef enum ZentrelK4NPulseExternalTriggerSlopeEnum : int {
     ZentrelK4NPulseExternalTriggerSlopePositive = 0,
     ZentrelK4NPulseExternalTriggerSlopeNegative = 1
 } ZentrelK4NPulseExternalTriggerSlopeEnum;
-typedef enum ZentrelK4NFrequencyStepScalingEnum {
+typedef enum ZentrelK4NFrequencyStepScalingEnum : int {
     ZentrelK4NFrequencyStepScalingLinear = 0,
     ZentrelK4NFrequencyStepScalingLogarithmic = 1
 } ZentrelK4NFrequencyStepScalingEnum;
-typedef enum ZentrelK4NTriggerOutputModeEnum {
+typedef enum ZentrelK4NTriggerOutputModeEnum : int {
     ZentrelK4NTriggerOutputModeNone = 0,
     ZentrelK4NTriggerOutputModeInput = 1,
     ZentrelK4NTriggerOutputModeSweep = 1001,
@@ -434,61 +434,61 @@ typedef enum ZentrelK4NTriggerOutputModeEnum {
     ZentrelK4NTriggerOutputModeSoftware = 1004,
     ZentrelK4NTriggerOutputModeSyncGen = 1005
 } ZentrelK4NTriggerOutputModeEnum;
-typedef enum ZentrelK4NTriggerOutputPolarityEnum {
+typedef enum ZentrelK4NTriggerOutputPolarityEnum : int {
     ZentrelK4NTriggerOutputPolarityNormal = 0,
     ZentrelK4NTriggerOutputPolarityInverse = 1
 } ZentrelK4NTriggerOutputPolarityEnum;
-typedef enum ZentrelK4NSweepModeEnum {
+typedef enum ZentrelK4NSweepModeEnum : int {
     ZentrelK4NSweepModeNone = 0,
     ZentrelK4NSweepModeFrequencyStep = 3,
     ZentrelK4NSweepModePowerStep = 4,
     ZentrelK4NSweepModeList = 5
 } ZentrelK4NSweepModeEnum;
-typedef enum ZentrelK4NSweepTriggerSourceEnum {
+typedef enum ZentrelK4NSweepTriggerSourceEnum : int {
     ZentrelK4NSweepTriggerSourceImmediate = 0,
     ZentrelK4NSweepTriggerSourceExternal = 1,
     ZentrelK4NSweepTriggerSourceSoftware = 2
 } ZentrelK4NSweepTriggerSourceEnum;
-typedef enum ZentrelK4NSweepTriggerActionEnum {
+typedef enum ZentrelK4NSweepTriggerActionEnum : int {
     ZentrelK4NSweepTriggerActionSwitch = 0,
     ZentrelK4NSweepTriggerActionMeasure = 1
 } ZentrelK4NSweepTriggerActionEnum;
-typedef enum ZentrelK4NPulseModulationSourceEnum {
+typedef enum ZentrelK4NPulseModulationSourceEnum : int {
     ZentrelK4NPulseModulationSourceInternal = 0,
     ZentrelK4NPulseModulationSourceExternal = 1
 } ZentrelK4NPulseModulationSourceEnum;
-typedef enum ZentrelK4NPulseModulationExternalPolarityEnum {
+typedef enum ZentrelK4NPulseModulationExternalPolarityEnum : int {
     ZentrelK4NPulseModulationExternalPolarityNormal = 0,
     ZentrelK4NPulseModulationExternalPolarityInverse = 1
 } ZentrelK4NPulseModulationExternalPolarityEnum;
-typedef enum ZentrelK4NAcquisitionStatusEnum {
+typedef enum ZentrelK4NAcquisitionStatusEnum : int {
     ZentrelK4NAcquisitionStatusComplete = 0,
     ZentrelK4NAcquisitionStatusInProgress = 1,
     ZentrelK4NAcquisitionStatusUnknown = 2
 } ZentrelK4NAcquisitionStatusEnum;
-typedef enum ZentrelK4NSystemAttenEnum {
+typedef enum ZentrelK4NSystemAttenEnum : int {
     ZentrelK4NSystemAttenMinHarm = 0,
     ZentrelK4NSystemAttenOptSWR = 1,
     ZentrelK4NSystemAttenOptimum = 2,
     ZentrelK4NSystemAttenCare = 3
 } ZentrelK4NSystemAttenEnum;
-typedef enum ZentrelK4NSystemSyncSourceDetectorEnum {
+typedef enum ZentrelK4NSystemSyncSourceDetectorEnum : int {
     ZentrelK4NSystemSyncSourceDetectorRise = 0,
     ZentrelK4NSystemSyncSourceDetectorFall = 1
 } ZentrelK4NSystemSyncSourceDetectorEnum;
-typedef enum ZentrelK4NSystemCompensModeEnum {
+typedef enum ZentrelK4NSystemCompensModeEnum : int {
     ZentrelK4NSystemCompensModeDC = 0,
     ZentrelK4NSystemCompensModeOnce = 1,
     ZentrelK4NSystemCompensModeAuto = 2,
     ZentrelK4NSystemCompensModeBand = 3,
     ZentrelK4NSystemCompensModeAC = 4
 } ZentrelK4NSystemCompensModeEnum;
-typedef enum ZentrelK4NErrorCodesEnum {
+typedef enum ZentrelK4NErrorCodesEnum : int {
     E_ZENTRELK4N_TRIGGER_NOT_SOFTWARE = (int)0x80041001,
     E_ZENTRELK4N_MAX_TIME_EXCEEDED = (int)0x80042003,
     E_ZENTRELK4N_LIST_UNKNOWN = (int)0x8004200a
 } ZentrelK4NErrorCodesEnum;
-typedef enum ZentrelK4NMaxTimeMillisecondsEnum {
+typedef enum ZentrelK4NMaxTimeMillisecondsEnum : int {
     ZentrelK4NMaxTimeMillisecondsInfinite = -1,
     ZentrelK4NMaxTimeMillisecondsImmediate = 0
 } ZentrelK4NMaxTimeMillisecondsEnum;

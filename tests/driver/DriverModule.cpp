@@ -78,6 +78,11 @@ DriverModule& SharedModule() {
   return driver;
 }
 
+DriverModule& ModuleWithVisa() {
+  static DriverModule driver(Company::kVisaLibrary);
+  return driver;
+}
+
 Surface::Surface(DriverModule& driver) {
   root = driver.Create(__uuidof(ZentrelK4N)).As<IZentrelK4N>();
   identity = root.As<IIviDriverIdentity>();

@@ -35,8 +35,10 @@ class DriverModule {
   os::Module module_;
 };
 
-/// The driver that most tests share: without a VISA library. Loaded once, never unloaded.
+/// The driver that most tests share: without a VISA library. Loaded once, until the program ends.
 DriverModule& SharedModule();
+/// Another one, with the VISA library, for sessions.
+DriverModule& ModuleWithVisa();
 
 /// Every interface of one root object, fetched the way a client does. The variables receive what
 /// members write.

@@ -34,26 +34,40 @@ TEST(Initialize, WithNobodyListening) {
   EXPECT_EQ(driver.CanUnloadNow(), S_OK);
 }
 
-// Puts a text into the user's classes and takes it away again.
+// Gives a class its ProgID and takes it away again: among the computer's classes, or among the
+// user's where the test may not write there.
 class RegisteredProgId {
  public:
   RegisteredProgId(std::string_view class_id, std::string_view prog_id)
-      : key_(os::ToWide("Software\\Classes\\CLSID\\" + std::string(class_id))) {
-    const os::WideString path = key_ + os::ToWide("\\ProgID");
-    const os::WideString text = os::ToWide(prog_id);
-    HKEY key = nullptr;
-    EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                              KEY_ALL_ACCESS, nullptr, &key, nullptr),
-              ERROR_SUCCESS);
-    EXPECT_EQ(RegSetValueExW(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                             static_cast<DWORD>((text.size() + 1) * sizeof(os::WideChar))),
-              ERROR_SUCCESS);
-    RegCloseKey(key);
+      : text_(os::ToWide(prog_id)),
+        key_("CLSID\\" + std::string(class_id)),
+        root_(HKEY_CLASSES_ROOT) {
+    if (!Write()) {
+      key_ = "Software\\Classes\\" + key_;
+      root_ = HKEY_CURRENT_USER;
+      EXPECT_TRUE(Write());
+    }
   }
-  ~RegisteredProgId() { RegDeleteTreeW(HKEY_CURRENT_USER, key_.c_str()); }
+  ~RegisteredProgId() { RegDeleteTreeW(root_, os::ToWide(key_).c_str()); }
 
  private:
-  os::WideString key_;
+  bool Write() const {
+    HKEY key = nullptr;
+    if (RegCreateKeyExW(root_, os::ToWide(key_ + "\\ProgID").c_str(), 0, nullptr,
+                        REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
+                        nullptr) != ERROR_SUCCESS) {
+      return false;
+    }
+    const auto size = static_cast<DWORD>((text_.size() + 1) * sizeof(os::WideChar));
+    const auto written =
+        RegSetValueExW(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(text_.c_str()), size);
+    RegCloseKey(key);
+    return written == ERROR_SUCCESS;
+  }
+
+  os::WideString text_;
+  std::string key_;
+  HKEY root_;
 };
 
 std::string TextOf(const GUID& guid) {

@@ -225,6 +225,10 @@ TEST(NoSession, AMeasurementEndsAtTheFirstLook) {
   ExpectReported(surface.channel->FetchData(&surface.array, &surface.number, &surface.number_2),
                  Code(0x80047000), "ZentrelK4NLib: Failure \xE2\x80\x93 cannot recover.",
                  __uuidof(IZentrelK4NChannel));
+  EXPECT_EQ(surface.acquisition->Initiate(), S_OK);
+  TakeErrorInfo();
+  ExpectReported(surface.channel->FetchData(&surface.array, &surface.number, &surface.number_2),
+                 kNoSessionCode, "", IID{});
   EXPECT_EQ(surface.array, nullptr);
 }
 

@@ -1,8 +1,10 @@
 // Identity, aggregation, life times and error support of the objects.
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <thread>
 
+#include "driver/ZentrelK4N.h"
 #include "tests/driver/DriverModule.h"
 
 namespace driver_test {
@@ -213,6 +215,37 @@ TEST(Objects, ARootMayGoWhileAChildIsInUse) {
     surface = Surface();
     user.join();
   }
+}
+
+// The operations below are the class's own: a client never sees them.
+TEST(Objects, TheRootHandsOutTheInterfacesWithoutAProperty) {
+  const auto root = ComPtr<ComObject<CZentrelK4N>>::Adopt(ComObject<CZentrelK4N>::Create());
+  ComPtr<IIviDriverOperation> operation;
+  EXPECT_EQ(root->get_DriverOperation(operation.Put()), S_OK);
+  EXPECT_TRUE(operation);
+  ComPtr<IIviDriverIdentity> identity;
+  EXPECT_EQ(root->get_Identity(identity.Put()), S_OK);
+  EXPECT_TRUE(identity);
+}
+
+TEST(Objects, AGetterNamesTheInterfaceThatItCannotHandOut) {
+  const auto root = ComPtr<ComObject<CZentrelK4N>>::Adopt(ComObject<CZentrelK4N>::Create());
+  Outer without_interfaces;
+  without_interfaces.inner = SharedModule().Create(__uuidof(ZentrelK4NChannel)).Detach();
+  for (IUnknown* const target : std::initializer_list<IUnknown*>{nullptr, &without_interfaces}) {
+    IZentrelK4NRF* rf = nullptr;
+    ExpectReported(
+        root->Getter(target, __uuidof(IZentrelK4NSweep), "IZentrelK4NRF", &rf), kPropertyCode,
+        "ZentrelK4NLib: Does not support this class-compliant feature: property IZentrelK4NRF.",
+        __uuidof(IZentrelK4NSweep));
+    EXPECT_EQ(rf, nullptr);
+  }
+  without_interfaces.inner->Release();
+}
+
+TEST(Objects, NoExceptionLeavesAMember) {
+  EXPECT_EQ(Frame([]() -> HRESULT { throw std::bad_alloc(); }), E_OUTOFMEMORY);
+  EXPECT_EQ(Frame([]() -> HRESULT { throw std::logic_error("Debug: misuse"); }), E_FAIL);
 }
 
 TEST(Objects, ClassInformationNeedsARegisteredLibrary) {

@@ -64,11 +64,10 @@ class LinkTest : public testing::Test {
 inline std::string Request(unsigned command, unsigned count, unsigned type, unsigned reserved,
                            std::string_view body) {
   const auto bytes = scripted::FromHex(body);
-  const auto byte = [](std::size_t value) { return static_cast<std::uint8_t>(value); };
+  const auto low = [](std::size_t value) { return static_cast<std::uint8_t>(value); };
   const std::vector<std::uint8_t> header = {
-      0xAA,        0x55,       byte(command),      0,
-      0,           0x80,       byte(bytes.size()), byte(bytes.size() >> 8),
-      byte(count), byte(type), byte(reserved),     0};
+      0xAA,       0x55,      low(command),  0, 0, 0x80, low(bytes.size()), low(bytes.size() >> 8),
+      low(count), low(type), low(reserved), 0};
   std::string text = scripted::ToHex(header);
   if (!bytes.empty()) text += " | " + scripted::ToHex(bytes);
   return text;

@@ -56,6 +56,8 @@ TEST(Options, ThoseThatDescribeNoInstrumentAreRefused) {
       {"trigger groups", [](Options& o) { o.trigger_groups = 3; }},
       {"order", [](Options& o) { o.device.order = 0; }},
       {"noise", [](Options& o) { o.noise = -1.0; }},
+      {"response delay", [](Options& o) { o.response_delay = std::chrono::milliseconds(-1); }},
+      {"serial number too long", [](Options& o) { o.serial_number.assign(101, '7'); }},
   };
   EXPECT_NO_THROW(Validate(Options{}));
   for (const Case& row : cases) {

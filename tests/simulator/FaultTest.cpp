@@ -1,6 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+#include <stdexcept>
+#include <string>
+
 #include "simulator/FaultList.h"
+#include "simulator/FaultText.h"
 #include "tests/simulator/WireClient.h"
 
 namespace simulator {
@@ -99,6 +104,59 @@ TEST(ShapeAnswer, EachKindChangesTheBytesInItsWay) {
     fault.word = row.word;
     fault.bytes = row.bytes;
     EXPECT_EQ(Hex(ShapeAnswer(Block(), fault).bytes), row.expected) << row.name;
+  }
+}
+
+// Kind, command, parameter, after, times, status, word, bytes, pause.
+std::string Show(const Fault& fault) {
+  const auto optional = [](std::optional<std::uint16_t> value) {
+    return value ? std::to_string(*value) : std::string("-");
+  };
+  std::ostringstream text;
+  text << static_cast<int>(fault.kind) << ' ' << optional(fault.command) << ' '
+       << optional(fault.parameter) << ' ' << fault.after << ' ' << fault.times << ' '
+       << fault.status << ' ' << fault.word << ' ' << fault.bytes << ' ' << fault.pause.count();
+  return text.str();
+}
+
+TEST(FaultText, SaysWhatStrikesWhat) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"drop", "1 - - 0 0 0 0 0 0"},
+      {"drop:after=10,times=1", "1 - - 10 1 0 0 0 0"},
+      {"refuse:parameter=79,status=0x8003", "0 - 79 0 0 -32765 0 0 0"},
+      {"refuse:status=-1", "0 - - 0 0 -1 0 0 0"},
+      {"header:word=0x1234", "2 - - 0 0 0 4660 0 0"},
+      {"pieces:command=6,bytes=5,pause=20", "3 6 - 0 0 0 0 5 20"},
+      {"silence:command=6", "4 6 - 0 0 0 0 0 0"},
+      {"delay:pause=250", "5 - - 0 0 0 0 0 250"},
+      {"block-status:status=0x801C", "6 - - 0 0 -32740 0 0 0"},
+      {"body:bytes=-3", "7 - - 0 0 0 0 -3 0"},
+      {"length:bytes=40000", "8 - - 0 0 0 0 40000 0"},
+  };
+  for (const auto& [text, expected] : cases) {
+    EXPECT_EQ(Show(ParseFault(text)), expected) << text;
+  }
+}
+
+TEST(FaultText, RefusesWhatIsNoFaultInOneLine) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"", "fault: unknown kind: "},
+      {"explode", "fault: unknown kind: explode"},
+      {"drop:afterwards=1", "fault: unknown name: afterwards"},
+      {"drop:after", "fault: not a number: "},
+      {"drop:after=-1", "fault: out of range: after=-1"},
+      {"drop:,", "fault: unknown name: "},
+      {"refuse:parameter=79", "fault: status= is missing: refuse:parameter=79"},
+      {"refuse:status=0x18003", "fault: out of range: status=0x18003"},
+      {"delay:pause=1s", "fault: not a number: 1s"},
+  };
+  for (const auto& [text, expected] : cases) {
+    try {
+      ParseFault(text);
+      ADD_FAILURE() << text << " was taken";
+    } catch (const std::invalid_argument& error) {
+      EXPECT_STREQ(error.what(), expected) << text;
+    }
   }
 }
 

@@ -191,6 +191,10 @@ TEST(Settings, PulseTrainsComeInChunks) {
               "1F 00 00 00 00 00 03 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00"),
       "1F 00 00 00 00 00 03 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00")
       << "off, without the polarity element";
+  EXPECT_EQ(Execute(settings, 3, 0x40, "1F 00 02 00 00 00 02 00 00 00 05 00 00 00"),
+            "1F 00 02 00 00 00 02 00 00 00 01 00 00 00")
+      << "the head alone leaves the pulses";
+  EXPECT_EQ(pulses.pulses.size(), 1U);
   Options without;
   without.pulse_modulator = false;
   Check(without, {{"no pulse modulator", 3, 0x40, train, "0x8002"}});
@@ -212,7 +216,8 @@ TEST(Settings, TriggerGroups) {
 TEST(Settings, SmallSettingsAnswerWithWhatWasSet) {
   Options no_frequency;
   no_frequency.reference_frequency = false;
-  Check(Options{}, {{"kind is its own", 1, 0x20, "03 00 02 00", "03 00 12 00"},
+  Check(Options{}, {{"its kind", 1, 0x20, "03 00 12 00", "03 00 12 00"},
+                    {"another kind", 1, 0x20, "03 00 02 00", "0x8003"},
                     {"averaging too high, odd body filled up", 1, 0x10, "04 00 0F 99", "04 00 0E"},
                     {"averaging too low", 1, 0x10, "04 00 00", "04 00 01"},
                     {"dwell in steps of 100 ns", 2, 0x40, "05 00 00 00 00 00 7B 00 00 00",

@@ -2,7 +2,7 @@
 set -eu
 list=$1
 shift
-diff <(grep '^  ' "$list" | tr -d ' ' | sort) <("$@" | awk '
+diff <(sed -nE 's/^  (\w+).*/\1/p' "$list" | sort) <("$@" | awk '
   /^\[Ordinal\/Name Pointer\] Table/ { in_table = 1; next }
   in_table && NF == 0 { in_table = 0 }
   in_table || /^[0-9a-f]+ [A-Za-z] / { print $NF }' | sort)

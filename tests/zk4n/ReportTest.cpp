@@ -4,8 +4,10 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <limits>
 
+#include "zk4n/OutputFile.h"
 #include "zk4n/TraceFiles.h"
 #include "zk4n/TraceSvg.h"
 
@@ -48,10 +50,9 @@ TEST(Summary, TakesExtremesAndMeanWithTheirPlaces) {
 TEST(Csv, KeepsEveryDigit) {
   Trace trace = ThreePoints();
   trace.channels[0][0] = 0.1;
-  const std::string csv = TraceAsCsv(trace, {"K4N", "7*", "R", "D"});
-  EXPECT_THAT(
-      csv, testing::StartsWith(
-               "# instrument: K4N\n# serial: 7*\n# resource: R\n# date: D\nfrequency_hz,A,B,R\n"));
+  const std::string csv = TraceAsCsv(trace, {"K4N", "7*", "R", "D", "C"});
+  EXPECT_THAT(csv, testing::StartsWith("# instrument: K4N\n# serial: 7*\n# resource: R\n# date: "
+                                       "D\n# conditions: C\nfrequency_hz,A,B,R\n"));
   EXPECT_THAT(csv, testing::HasSubstr("1000000000,0.10000000000000001,-1,0\n"));
 }
 
@@ -74,18 +75,34 @@ TEST(Svg, SurvivesWhatAnInstrumentSends) {
   EXPECT_THAT(TraceAsSvg(Trace{}, {}), testing::HasSubstr("</svg>")) << "no points at all";
 }
 
-TEST(Files, AreWrittenWholeOrNotAtAll) {
-  const auto folder = std::filesystem::temp_directory_path() / "zk4n-report-test";
-  std::filesystem::create_directories(folder);
-  const auto file = folder / "trace.csv";
-  ASSERT_TRUE(WriteWholeFile(file, "first"));
-  ASSERT_TRUE(WriteWholeFile(file, "second"));
+std::string Content(const std::filesystem::path& file) {
   std::ifstream stream(file);
-  std::string content;
-  std::getline(stream, content);
-  EXPECT_EQ(content, "second");
-  stream.close();
-  EXPECT_FALSE(WriteWholeFile(folder / "absent" / "trace.csv", "x"));
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+TEST(Svg, TextsHaveRoomHoweverNarrowTheRangeAndLongTheName) {
+  Trace trace = ThreePoints();
+  trace.x = {1e9, 1.0000005e9, 1.000001e9};  // 1 kHz: labels of seven decimals, each 200 Hz
+  const std::string svg = TraceAsSvg(trace, {std::string(300, 'W'), "1", "r", "d"});
+  EXPECT_THAT(svg, testing::HasSubstr(">1.0000002</text>"));
+  EXPECT_THAT(svg, testing::Not(testing::HasSubstr(std::string(59, 'W'))));
+  EXPECT_THAT(svg, testing::HasSubstr(">\u221210</text>")) << "a minus sign, not a hyphen";
+}
+
+TEST(OutputFile, IsWrittenWholeOrNotAtAll) {
+  const auto folder = std::filesystem::temp_directory_path() / "zk4n-report-test";
+  std::filesystem::create_directories(folder / "sub");
+  const auto file = folder / "trace.csv";
+  for (const char* const content : {"first", "second"}) {
+    OutputFile output(file);
+    EXPECT_TRUE(output.Write(content) && output.Commit());
+  }
+  { EXPECT_TRUE(OutputFile(file).Write("never committed")); }
+  EXPECT_EQ(Content(file), "second");
+  EXPECT_FALSE(OutputFile(folder / "absent" / "trace.csv").IsOpen());
+  EXPECT_FALSE(OutputFile(folder / "sub").IsOpen());
+  using Iterator = std::filesystem::recursive_directory_iterator;
+  EXPECT_EQ(std::distance(Iterator(folder), Iterator()), 2) << "something was left behind";
   std::filesystem::remove_all(folder);
 }
 

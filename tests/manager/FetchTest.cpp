@@ -1,0 +1,251 @@
+// From a block to a trace.
+#include "tests/manager/ManagerFixture.h"
+#include "tests/measurement/TempFile.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+/// A detector whose value is the frequency in MHz, up to 10 GHz, whatever the level.
+constexpr const char* kFrequencyDetector = "0 10000\n0 10000\n0 10000\n";
+
+class FetchTest : public ManagerTest {
+ protected:
+  void LoadDetectors() {
+    const TempFile file(kFrequencyDetector);
+    for (std::size_t channel = 0; channel < kChannelCount; ++channel) {
+      ASSERT_EQ(manager_.LoadDetectorData(channel, file.Path()), 0);
+    }
+  }
+  /// A session whose sweep mode was never programmed.
+  void OpenUnarmed() {
+    visa_.Rule(kRead, kPowerId, kRefusal);
+    ASSERT_EQ(manager_.Initialize(kResource, ""), 0);
+    ASSERT_EQ(manager_.ErrorRecords().size(), 1U);
+    visa_.ClearRecord();
+  }
+  [[nodiscard]] std::vector<double> Row(int channel) const {
+    const auto row = trace_.Row(channel);
+    std::vector<double> values;
+    for (const double value : row) values.push_back(std::round(value * 1e6) / 1e6);
+    return values;
+  }
+};
+
+struct PlanCase {
+  const char* name;
+  SweepMode mode;
+  bool with_list;
+  std::vector<double> frequencies;  // MHz, of three points
+};
+class PlanTest : public FetchTest, public testing::WithParamInterface<PlanCase> {};
+
+TEST_P(PlanTest, EachPointHasItsFrequency) {
+  Open();
+  LoadDetectors();
+  double start = 1e9;
+  double stop = 2e9;
+  double step = 5e8;
+  ASSERT_EQ(manager_.SetFrequency(3e9), 0);
+  ASSERT_EQ(manager_.SetFrequencyStep(start, stop, step), 0);
+  SAFEARRAYBOUND bound{2, 0};
+  SAFEARRAY* const list = SafeArrayCreate(VT_R8, 1, &bound);
+  void* data = nullptr;
+  ASSERT_EQ(SafeArrayAccessData(list, &data), S_OK);
+  static_cast<double*>(data)[0] = 4e9;
+  static_cast<double*>(data)[1] = 6e9;
+  SafeArrayUnaccessData(list);
+  EXPECT_EQ(manager_.SetFrequencyList(GetParam().with_list ? list : nullptr), 0);
+  SafeArrayDestroy(list);
+  ASSERT_EQ(manager_.SetSweepMode(GetParam().mode), 0);
+  visa_.CompleteData('A', Block(3));
+  manager_.RequestSoftwareTrigger();
+  ASSERT_TRUE(WaitForBlock());
+  EXPECT_EQ(Row(0), GetParam().frequencies);
+  EXPECT_EQ(Row(2), GetParam().frequencies);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Modes, PlanTest,
+    testing::Values(PlanCase{"FrequencyStep", SweepMode::kFrequencyStep, true, {1000, 1500, 2000}},
+                    PlanCase{"PowerStep", SweepMode::kPowerStep, true, {3000, 3000, 3000}},
+                    PlanCase{"ListAndCwBehindItsEnd", SweepMode::kList, true, {4000, 6000, 3000}},
+                    PlanCase{"ListModeWithoutList", SweepMode::kList, false, {3000, 3000, 3000}}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(FetchTest, BlockKeepsTheSettingsThatItWasMeasuredWith) {
+  Open();
+  LoadDetectors();
+  ASSERT_EQ(manager_.SetFrequency(1e9), 0);
+  ASSERT_EQ(manager_.SetSweepMode(SweepMode::kPowerStep), 0);
+  visa_.CompleteData('A', Block(1, 7));  // its word goes into the trail after it was stored
+  manager_.RequestSoftwareTrigger();
+  ASSERT_TRUE(WaitUntil([this] { return manager_.ErrorRecords().size() == 1; }));
+  ASSERT_EQ(manager_.SetFrequency(5e9), 0);
+  ASSERT_EQ(manager_.SetChannelMultiplier(0, 3.0), 0);
+  ASSERT_EQ(manager_.SetChannelDivider(0, 2.0), 0);
+  ASSERT_EQ(manager_.SetChannelOffset(0, 1e6), 0);
+  ASSERT_EQ(manager_.FetchData(trace_), 0);
+  EXPECT_THAT(Row(0), ElementsAre(1501.0)) << "the channel's transform is the present one";
+  EXPECT_THAT(Row(1), ElementsAre(1000.0));
+}
+
+struct DiscardCase {
+  const char* name;
+  std::function<void(CK4NManager&)> act;
+  bool discards;
+};
+class DiscardTest : public FetchTest, public testing::WithParamInterface<DiscardCase> {};
+
+TEST_P(DiscardTest, BlockNobodyFetched) {
+  Open();
+  ASSERT_EQ(manager_.SetSweepMode(SweepMode::kList), 0);
+  visa_.CompleteData('A', Block(1, 7));
+  manager_.RequestSoftwareTrigger();
+  ASSERT_TRUE(WaitUntil([this] { return manager_.ErrorRecords().size() == 1; }));
+  GetParam().act(manager_);
+  EXPECT_EQ(manager_.FetchData(trace_), GetParam().discards ? status::kVisaTimeout : 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Blocks, DiscardTest,
+    testing::Values(
+        DiscardCase{"ReadingTheOutputState",
+                    [](CK4NManager& m) {
+                      bool on = false;
+                      m.GetOutputEnabled(on);
+                    },
+                    true},
+        DiscardCase{"SweepMode", [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, true},
+        DiscardCase{"Averaging", [](CK4NManager& m) { m.SetAveraging(1); }, true},
+        DiscardCase{"PulseModulation", [](CK4NManager& m) { m.SetPulseModEnabled(true); }, true},
+        DiscardCase{"List", [](CK4NManager& m) { m.SetPowerList(nullptr); }, true},
+        DiscardCase{"Frequency", [](CK4NManager& m) { m.SetFrequency(1e9); }, false},
+        DiscardCase{"Dwell", [](CK4NManager& m) { m.SetDwell(1.0); }, false}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(FetchTest, WithoutAnythingToFetch) {
+  EXPECT_EQ(manager_.FetchData(trace_), status::kNoSession);
+  Open();
+  EXPECT_EQ(manager_.FetchData(trace_), status::kVisaTimeout);
+  EXPECT_TRUE(visa_.Requests().empty()) << "once armed a fetch never reads by itself";
+}
+
+TEST_F(FetchTest, GeneratorHasNoDetectors) {
+  Open(Output::kOn, "GENERATOR");
+  std::int32_t count = 0;
+  EXPECT_EQ(manager_.FetchData(trace_), status::kMethodNotSupported);
+  EXPECT_EQ(manager_.LoadDetectorData(0, "calibr20.det"), status::kMethodNotSupported);
+  EXPECT_EQ(manager_.SetAveraging(2), status::kPropertyNotSupported);
+  EXPECT_EQ(manager_.GetAveraging(count), status::kPropertyNotSupported);
+}
+
+struct SingleReadCase {
+  const char* name;
+  std::uint16_t header_status;
+  std::vector<std::uint8_t> body;
+  Status result;
+  int points;  // of a trace; a failure that is no notice goes into the trail
+};
+void PrintTo(const SingleReadCase& row, std::ostream* stream) { *stream << row.name; }
+
+class SingleReadTest : public FetchTest, public testing::WithParamInterface<SingleReadCase> {};
+
+TEST_P(SingleReadTest, BeforeAnySweep) {
+  OpenUnarmed();
+  trace_.Resize(3, 2);
+  const SingleReadCase& row = GetParam();
+  visa_.control().CompleteData(static_cast<std::int16_t>(row.header_status), '@', row.body.data(),
+                               row.body.size());
+  EXPECT_EQ(manager_.FetchData(trace_), row.result);
+  EXPECT_EQ(Requests().front(), Request(6, 0, '@', 0, ""));
+  EXPECT_EQ(trace_.ColumnCount(), row.points);
+  const auto trail = manager_.ErrorRecords();
+  const bool recorded = row.result != 0 && row.result != status::kVisaTimeout;
+  ASSERT_EQ(trail.size(), recorded ? 2U : 1U);
+  EXPECT_TRUE(!recorded || trail.back() == (ErrorRecord{row.result, Site::kSingleRead}));
+
+  visa_.CompleteData('@', Block(9));
+  EXPECT_EQ(manager_.FetchData(trace_), 0) << "each fetch reads anew";
+  EXPECT_EQ(trace_.ColumnCount(), 9);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Reads, SingleReadTest,
+    testing::Values(SingleReadCase{"Block", 0, Block(5), 0, 5},
+                    SingleReadCase{"StatusWordAlone", 0, Block(0), 0, 0},
+                    SingleReadCase{"Nothing", 0, {}, status::kVisaProtocolViolation, 2},
+                    SingleReadCase{"OneByteTooMany", 0, std::vector<std::uint8_t>(15),
+                                   status::kVisaProtocolViolation, 2},
+                    SingleReadCase{"FirstNotice", 1, Block(5), status::kVisaTimeout, 2},
+                    SingleReadCase{"LastNotice", 6, Block(5), status::kVisaTimeout, 2},
+                    SingleReadCase{"BehindTheNotices", 7, Block(5), 7, 2},
+                    SingleReadCase{"Refused", kRefusal, {}, kRefusalStatus, 2},
+                    SingleReadCase{"PllUnlocked", 0, Block(5, 0x8007),
+                                   status::kInstrumentPllUnlocked, 2}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(FetchTest, IntegerReadingsAreNotScaled) {
+  // Levels 5e6 / 2^24 at 1 and 1.044 times that at 2: a reading of 1 lies beyond, one of 1 / 256
+  // before them.
+  const TempFile file("0 10000\n1 1\n2 2\n");
+  OpenUnarmed();
+  ASSERT_EQ(manager_.LoadDetectorData(0, file.Path()), 0);
+  for (const auto& [mark, value] : {std::pair('@', 2.0), std::pair('A', 1.0)}) {
+    visa_.CompleteData(mark, Block(1, 0, 1));
+    ASSERT_EQ(manager_.FetchData(trace_), 0);
+    EXPECT_THAT(Row(0), ElementsAre(value)) << mark;
+  }
+}
+
+TEST_F(FetchTest, FailedDetectorLoadKeepsTheTable) {
+  OpenUnarmed();
+  LoadDetectors();
+  EXPECT_EQ(manager_.LoadDetectorData(0, "no such file.det"), status::kCannotOpenFile);
+  const TempFile bad("#VERSION 9\n1 2\n");
+  EXPECT_EQ(manager_.LoadDetectorData(0, bad.Path()), status::kInvalidFileFormat);
+  EXPECT_EQ(manager_.LoadDetectorData(kChannelCount, bad.Path()), 0) << "no such channel";
+  visa_.CompleteData('@', Block(1));
+  ASSERT_EQ(manager_.FetchData(trace_), 0);
+  EXPECT_THAT(Row(0), ElementsAre(10.0));
+}
+
+struct ChannelCase {
+  const char* name;
+  Status (CK4NManager::*set)(std::size_t, double);
+  Status (CK4NManager::*get)(std::size_t, double&) const;
+  double value;
+  Status result;
+  double kept;
+};
+class ChannelTest : public FetchTest, public testing::WithParamInterface<ChannelCase> {};
+
+TEST_P(ChannelTest, WithoutASession) {
+  const ChannelCase& row = GetParam();
+  double value = -7.0;
+  EXPECT_EQ((manager_.*row.set)(2, row.value), row.result);
+  EXPECT_EQ((manager_.*row.get)(2, value), 0);
+  EXPECT_EQ(value, row.kept);
+  EXPECT_EQ((manager_.*row.set)(3, row.kept), 0);
+  value = -7.0;
+  EXPECT_EQ((manager_.*row.get)(3, value), 0);
+  EXPECT_EQ(value, -7.0) << "there is no fourth channel";
+}
+
+using M = CK4NManager;
+INSTANTIATE_TEST_SUITE_P(
+    Channels, ChannelTest,
+    testing::Values(
+        ChannelCase{"LargestOffset", &M::SetChannelOffset, &M::GetChannelOffset, -1e11, 0, -1e11},
+        ChannelCase{"OffsetTooLarge", &M::SetChannelOffset, &M::GetChannelOffset, 1.1e11,
+                    status::kInvalidValue, 0.0},
+        ChannelCase{"OffsetTooLow", &M::SetChannelOffset, &M::GetChannelOffset, -1.1e11,
+                    status::kInvalidValue, 0.0},
+        ChannelCase{"SmallestDivider", &M::SetChannelDivider, &M::GetChannelDivider, 1.0, 0, 1.0},
+        ChannelCase{"DividerTooSmall", &M::SetChannelDivider, &M::GetChannelDivider, 0.5,
+                    status::kInvalidValue, 1.0},
+        ChannelCase{"AnyMultiplier", &M::SetChannelMultiplier, &M::GetChannelMultiplier, -2.0, 0,
+                    -2.0}),
+    [](const auto& row) { return row.param.name; });
+
+}  // namespace

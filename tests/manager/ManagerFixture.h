@@ -1,0 +1,146 @@
+// What the tests of the manager share: a manager over the scripted VISA library, and blocks and
+// detector tables of known content.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "K4NHardWare/K4NManager.h"
+#include "platform/os/Sync.h"
+#include "tests/link/LinkFixture.h"
+
+/// How gtest names a trail's records: "0x80047060@1002".
+inline void PrintTo(const ErrorRecord& record, std::ostream* stream) {
+  *stream << std::hex << "0x" << static_cast<std::uint32_t>(record.status) << std::dec << '@'
+          << static_cast<int>(record.site);
+}
+
+/// Waits until the condition holds; false when it does not within a time that only a fault needs.
+inline bool WaitUntil(const std::function<bool()>& condition) {
+  constexpr int kMostRounds = 60'000;
+  for (int i = 0; i < kMostRounds; ++i) {
+    if (condition()) return true;
+    os::Sleep(std::chrono::milliseconds(1));
+  }
+  return false;
+}
+
+inline std::string Repeat(std::string_view hex, int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text += hex;
+  return text;
+}
+
+constexpr std::string_view kMinus20 = "00 00 EC FF FF FF";
+/// The power parameter without sweep: output switch, attenuator mode, two further settings, and the
+/// level as its six bytes.
+inline std::string PowerBody(unsigned output, std::string_view level, unsigned atten_mode = 3) {
+  return "4F 00 | 00 00 0" + std::to_string(output) + " 00 00 00 | 00 00 0" +
+         std::to_string(atten_mode) + " 00 00 00 | 00 00 08 00 00 00 | 00 00 09 00 00 00 |" +
+         std::string(level);
+}
+
+// Answers of the standard instrument: 10 MHz to 20 GHz, power commands of variant 5; the output at
+// -20 dBm.
+constexpr const char* kLimits =
+    "00 00 | 80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00";
+enum class Output : unsigned { kOff, kOn };
+
+// Identifiers of parameters, as rules take them.
+constexpr std::uint8_t kFrequencyId = 0;
+constexpr std::uint8_t kKindId = 3;
+constexpr std::uint8_t kDwellId = 5;
+constexpr std::uint8_t kTriggerInputId = 7;
+constexpr std::uint8_t kTriggerOutputId = 8;
+constexpr std::uint8_t kPulseId = 31;
+constexpr std::uint8_t kButtonId = 34;
+constexpr std::uint8_t kPowerId = 79;
+constexpr std::uint16_t kWrite = 3;
+constexpr std::uint16_t kRead = 4;
+
+/// A status word as the wire carries it, and what the driver makes of it.
+constexpr std::uint16_t kRefusal = 0x8005;
+constexpr Status kRefusalStatus = -32763;
+
+/// A data block whose readings are all the same.
+inline std::vector<std::uint8_t> Block(int points, std::uint16_t status_word = 0,
+                                       std::int32_t reading = 256) {
+  std::vector<std::uint8_t> bytes;
+  const auto put = [&bytes](std::uint32_t value, int size) {
+    for (int i = 0; i < size; ++i) bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+  };
+  for (int i = 0; i < points; ++i) {
+    for (int channel = 0; channel < 3; ++channel) put(static_cast<std::uint32_t>(reading), 4);
+  }
+  put(status_word, 2);
+  return bytes;
+}
+
+class ManagerTest : public testing::Test {
+ protected:
+  ManagerTest() {
+    visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
+    visa_.RuleBody(kRead, kPowerId, 0, PowerBody(1, kMinus20));
+  }
+
+  /// Opens a session and forgets what that put on the wire.
+  void Open(Output output = Output::kOn, const char* option = "") {
+    visa_.RuleBody(kRead, kPowerId, 0, PowerBody(static_cast<unsigned>(output), kMinus20));
+    ASSERT_EQ(manager_.Initialize(kResource, option), 0);
+    ASSERT_EQ(manager_.ErrorRecords().size(), 0U);
+    visa_.ClearRecord();
+  }
+
+  /// Has the worker read: list mode (no settings of its own), trigger immediate.
+  void StartMeasuring() {
+    SweepTriggerSettings trigger{.source = static_cast<std::uint32_t>(TriggerSource::kImmediate)};
+    ASSERT_EQ(manager_.SetSweepMode(SweepMode::kList), 0);
+    ASSERT_EQ(manager_.SetSweepTrigger(trigger, false), 0);
+    ASSERT_TRUE(WaitUntilRequested("6", 1));
+    visa_.ClearRecord();
+  }
+
+  [[nodiscard]] std::size_t Requested(std::string_view request) const {
+    const auto order = visa_.RequestOrder();
+    return static_cast<std::size_t>(std::ranges::count(order, request));
+  }
+  [[nodiscard]] bool WaitUntilRequested(std::string_view request, std::size_t times) const {
+    return WaitUntil([&] { return Requested(request) >= times; });
+  }
+  /// Fetches the next block, which the worker may not have stored yet.
+  [[nodiscard]] bool WaitForBlock() {
+    return WaitUntil([this] { return manager_.FetchData(trace_) == 0; });
+  }
+
+  /// The requests as "header without its number | body".
+  [[nodiscard]] std::vector<std::string> Requests() const {
+    std::vector<std::string> requests = visa_.Requests();
+    for (std::string& request : requests) request.erase(35, 12);
+    return requests;
+  }
+
+  [[nodiscard]] double Frequency() const {
+    double frequency = 0.0;
+    manager_.GetFrequency(frequency);
+    return frequency;
+  }
+
+  scripted::Visa visa_;
+  CK4NManager manager_;
+  TraceMatrix trace_;
+};
+
+// Requests, as ManagerTest::Requests gives them.
+inline std::string PowerRequest(unsigned output, std::string_view level, unsigned atten_mode = 3) {
+  return WriteRequest(5, 0x62, PowerBody(output, level, atten_mode));
+}
+inline std::string TriggerInputRead() {
+  return ReadRequest(10, 0x10, 7, "07 00" + Repeat(" 00", 10));
+}

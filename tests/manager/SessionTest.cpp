@@ -1,0 +1,257 @@
+// From the first byte of a session to its last.
+#include "tests/manager/ManagerFixture.h"
+
+namespace {
+
+using scripted::Function;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+std::string PowerProbe() {
+  return WriteRequest(
+      8, 0x62,
+      PowerBody(1, kMinus20) + "| 00 00 01 00 00 00 | 00 00 00 00 00 00 |" + std::string(kMinus20));
+}
+
+TEST_F(ManagerTest, ConnectionByteForByte) {
+  ASSERT_EQ(manager_.Initialize(kResource, ""), 0);
+  const std::string level = PowerRequest(1, kMinus20);
+  EXPECT_THAT(
+      Requests(),
+      ElementsAre(RecoverRequest(), WriteRequest(1, 0x20, "17 00 FB FF"),
+                  ReadRequest(100, 0x10, 15, "0F 00" + Repeat(" 00", 100)),
+                  WriteRequest(4, 0x60,
+                               "00 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 00 E8 76 48 17 00 |"
+                               "00 E8 76 48 17 00"),
+                  ReadRequest(10, 0x10, 8, "08 00" + Repeat(" 00", 10)),
+                  WriteRequest(10, 0x10, "08 00 | 00 00 FF 00 00" + Repeat(" 00", 5)),
+                  // What it is, and how its output stands.
+                  WriteRequest(1, 0x20, "03 00 12 00"),
+                  ReadRequest(5, 0x62, 79, "4F 00" + Repeat(" 00", 30)),
+                  // Averaging.
+                  WriteRequest(1, 0x20, "17 00 FF FF"), WriteRequest(1, 0x10, "04 00 03 00"),
+                  // Continuous wave: the power command's form, the level, 10 MHz, the trigger.
+                  level, PowerProbe(), level, WriteRequest(1, 0x60, "00 00 | 80 96 98 00 00 00"),
+                  TriggerInputRead(),
+                  WriteRequest(10, 0x10, "07 00 | 00 00 00 00 02" + Repeat(" 00", 5)),
+                  // Pulse modulation off.
+                  WriteRequest(3, 0x40,
+                               "1F 00 | 00 00 00 00 | 03 00 00 00 | 00 00 00 00 | 00 00 00 00 |"
+                               "01 00 00 00 | 00 00 00 00 | 00 00 00 00")));
+  const auto requests = visa_.Requests();
+  for (std::size_t i = 0; i < requests.size(); ++i) {
+    EXPECT_EQ(requests[i].substr(36, 11),
+              scripted::ToHex({{static_cast<std::uint8_t>(i + 1), 0}}) + " 00 00")
+        << "number of message " << i;
+  }
+  const auto opened = visa_.Calls(Function::kOpen);
+  ASSERT_EQ(opened.size(), 1U);
+  EXPECT_EQ(opened[0].value, (std::uint64_t{5} << 16) + 1000) << "locked, within a second";
+  EXPECT_TRUE(manager_.IsConnected());
+  EXPECT_TRUE(manager_.ErrorRecords().empty());
+}
+
+TEST_F(ManagerTest, CloseSwitchesTheOutputOffThenClosesTheSession) {
+  Open();
+  EXPECT_EQ(manager_.Close(), 0);
+  EXPECT_THAT(Requests(), ElementsAre(PowerRequest(0, kMinus20)));
+  EXPECT_EQ(visa_.control().OpenSessions(), 0U);
+  EXPECT_FALSE(manager_.IsConnected());
+  EXPECT_EQ(manager_.Close(), status::kNoSession);
+  EXPECT_EQ(manager_.SetFrequency(1e9), status::kNoSession);
+}
+
+TEST_F(ManagerTest, SecondInitializeEndsTheFirstSessionAndStartsFromDefaults) {
+  Open();
+  ASSERT_EQ(manager_.SetFrequency(2e9), 0);
+  ASSERT_EQ(manager_.SetChannelOffset(1, 5.0), 0);
+  visa_.ClearRecord();
+  visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
+  ASSERT_EQ(manager_.Initialize("TCPIP0::hostB::5025::SOCKET", ""), 0);
+  EXPECT_EQ(Requests().front(), PowerRequest(0, kMinus20)) << "the old output goes off first";
+  EXPECT_EQ(visa_.control().OpenSessions(), 1U);
+  EXPECT_EQ(Frequency(), 1e7);
+  double offset = -1.0;
+  manager_.GetChannelOffset(1, offset);
+  EXPECT_EQ(offset, 0.0);
+}
+
+TEST_F(ManagerTest, DestructionSwitchesTheOutputOff) {
+  {
+    CK4NManager manager;
+    ASSERT_EQ(manager.Initialize(kResource, ""), 0);
+    visa_.ClearRecord();
+  }
+  EXPECT_THAT(Requests(), ElementsAre(PowerRequest(0, kMinus20)));
+  EXPECT_EQ(visa_.control().OpenSessions(), 0U);
+}
+
+TEST_F(ManagerTest, FirmwareIsNewerForEveryDatedProgram) {
+  EXPECT_FALSE(manager_.IsFirmwareNewer());
+  // "Программа DSP от 1.02.1999" in Windows-1251.
+  visa_.RuleBody(
+      kRead, 15, 0,
+      "0F 00 CF F0 EE E3 F0 E0 EC EC E0 20 44 53 50 20 EE F2 20 31 2E 30 32 2E 31 39 39 39" +
+          Repeat(" 00", 74));
+  Open();
+  EXPECT_TRUE(manager_.IsFirmwareNewer());
+}
+
+struct InitializeCase {
+  const char* name;
+  void (*arrange)(scripted::Visa& visa);
+  const char* option;
+  Status result;
+  std::vector<ErrorRecord> trail;
+  std::vector<const char*> asked;  // requests whose order matters here, see RequestOrder
+  std::vector<const char*> not_asked;
+};
+void PrintTo(const InitializeCase& row, std::ostream* stream) { *stream << row.name; }
+
+class InitializeTest : public ManagerTest, public testing::WithParamInterface<InitializeCase> {};
+
+TEST_P(InitializeTest, EndsAsItMust) {
+  const InitializeCase& row = GetParam();
+  const bool connected = row.result == 0;
+  row.arrange(visa_);
+  EXPECT_EQ(manager_.Initialize(kResource, row.option), row.result);
+  EXPECT_THAT(manager_.ErrorRecords(), ElementsAreArray(row.trail));
+  const auto order = visa_.RequestOrder();
+  auto from = order.begin();
+  for (const std::string asked : row.asked) {
+    from = std::find(from, order.end(), asked);
+    EXPECT_NE(from, order.end()) << asked << " in " << testing::PrintToString(order);
+    if (from != order.end()) ++from;
+  }
+  for (const char* const request : row.not_asked) {
+    EXPECT_THAT(order, testing::Not(testing::Contains(request)));
+  }
+  EXPECT_EQ(manager_.IsConnected(), connected);
+  EXPECT_EQ(visa_.control().OpenSessions(), connected ? 1U : 0U);
+  EXPECT_EQ(manager_.Close(), connected ? 0 : status::kNoSession);
+}
+
+constexpr Status kRsrcNotFound = status::FromBits(0xBFFF0011);
+constexpr Status kNotSupported = status::kInstrumentNotSupported;
+constexpr Status kFormUnknown = status::kInstrumentFormUnknown;
+constexpr auto kOrdinary = [](scripted::Visa&) {};
+
+InitializeCase Branch(const char* name, void (*arrange)(scripted::Visa& visa), const char* option,
+                      Status result, std::vector<ErrorRecord> trail, std::vector<const char*> asked,
+                      std::vector<const char*> not_asked = {}) {
+  return {name, arrange, option, result, std::move(trail), std::move(asked), std::move(not_asked)};
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Branches, InitializeTest,
+    testing::Values(
+        Branch("ManagerOfVisaFails",
+               [](auto& visa) { visa.SetResult(Function::kOpenDefaultRM, 0xBFFF0011); }, "",
+               kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}),
+        Branch("OpenFails", [](auto& visa) { visa.SetResult(Function::kOpen, 0xBFFF0011); }, "",
+               kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}),
+        Branch("OpenWithAWarningIsNoSession",
+               [](auto& visa) { visa.SetResult(Function::kOpen, 0x3FFF007D); }, "", 0x3FFF007D,
+               {{0x3FFF007D, Site::kOpenSession}}, {}, {"1"}),
+        Branch("OpenWithANoticeIsNoSessionAndNoFailure",
+               [](auto& visa) { visa.SetResult(Function::kOpen, 3); }, "", 3, {}, {}, {"1"}),
+        Branch("TimeoutCannotBeSet",
+               [](auto& visa) { visa.SetResult(Function::kSetAttribute, 0xBFFF001D); }, "",
+               status::FromBits(0xBFFF001D), {{status::FromBits(0xBFFF001D), Site::kOpenSession}},
+               {}, {"1"}),
+        Branch("RecoveryNotSupported", [](auto& visa) { visa.Rule(1, 0, 0x8002); }, "",
+               status::kUnknownResource, {{kNotSupported, Site::kInitializeModel}}, {"1"},
+               {"3:3/20x1", "3:79/62x5"}),
+        Branch("NoFrequencyFormSupported",
+               [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8003); }, "",
+               status::kUnknownResource, {{kFormUnknown, Site::kInitializeModel}},
+               {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, {"3:3/20x1", "3:79/62x5"}),
+        Branch("OtherFailureOfTheModelGoesOn", [](auto& visa) { visa.Answer(kRefusal); }, "", 0,
+               {{kRefusalStatus, Site::kInitializeModel}},
+               {"1", "3:3/20x1", "3:79/62x5", "3:31/40x2"}, {"4:15/10x100"}),
+        Branch("OtherKindGoesOn",
+               [](auto& visa) { visa.RuleBody(kWrite, kKindId, 0, "03 00 02 00"); }, "", 0,
+               {{status::kWrongInstrumentKind, Site::kInstrumentKind}}, {"3:3/20x1", "3:31/40x3"},
+               {"4:79/62x5", "3:4/10x1", "3:79/62x5"}),
+        Branch("NoKindConfirmed", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); }, "", 0,
+               {},
+               {"3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "4:79/62x5",
+                "3:4/10x1", "3:79/62x5", "3:31/40x3"},
+               {}),
+        Branch("FailedRecoveryOfTheProbeIsNotTold",
+               [](auto& visa) {
+                 visa.Rule(kWrite, kKindId, kRefusal);
+                 visa.Rule(1, 0, kRefusal);
+                 visa.Rule(1, 0, 0, 0, 1);
+               },
+               "", 0, {}, {"3:3/20x1", "3:3/20x1", "3:3/20x1", "4:79/62x5"}, {}),
+        Branch("GeneratorIsAskedForThatKindAlone", kOrdinary, "GENERATOR", 0, {},
+               {"3:3/20x1", "4:79/62x5", "3:79/62x5"}, {"3:4/10x1"}),
+        Branch("OptionIsCaseSensitive", kOrdinary, "generator", 0, {}, {"3:3/20x1", "3:4/10x1"},
+               {}),
+        Branch("OutputStateNotSupported",
+               [](auto& visa) {
+                 visa.Rule(kRead, kPowerId, 0x8002);
+                 visa.Rule(kRead, 12, 0x8002);
+               },
+               "", status::kIdentificationFailed, {{kNotSupported, Site::kOutputState}},
+               {"4:79/62x5"}, {"3:79/62x5", "3:31/40x3"}),
+        Branch("OtherFailureOfTheOutputStateGoesOn",
+               [](auto& visa) { visa.Rule(kRead, kPowerId, kRefusal); }, "", 0,
+               {{kRefusalStatus, Site::kOutputState}}, {"4:79/62x5", "3:31/40x3"},
+               {"3:4/10x1", "3:0/60x1"}),
+        Branch("RefusedAveragingGoesOn", [](auto& visa) { visa.Rule(kWrite, 4, kRefusal); }, "", 0,
+               {{kRefusalStatus, Site::kAveraging}}, {"3:4/10x1", "3:79/62x5", "3:31/40x3"}, {}),
+        Branch("SweepModeNotSupported",
+               [](auto& visa) {
+                 visa.Rule(kWrite, kFrequencyId, 0x8002, 0x60);
+                 visa.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
+               },
+               "", status::kIdentificationFailed, {{kNotSupported, Site::kFrequencyAxis}},
+               {"3:0/60x1", "3:79/62x5"}, {"3:31/40x3"}),
+        Branch("NoPulseModulator", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8002); }, "", 0,
+               {{kNotSupported, Site::kPulseOff}}, {"3:31/40x3"}, {}),
+        Branch("NoPulseModulatorOfThisForm",
+               [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8003); }, "", 0,
+               {{kFormUnknown, Site::kPulseOff}}, {"3:31/40x3"}, {}),
+        Branch("PulseModulatorFails", [](auto& visa) { visa.Rule(kWrite, kPulseId, kRefusal); }, "",
+               kRefusalStatus, {{kRefusalStatus, Site::kPulseOff}}, {"3:31/40x3"}, {})),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(ManagerTest, KindsAreProbedFromAnalyserDownAndTheConfirmedOneStands) {
+  visa_.Rule(kWrite, kKindId, kRefusal, 0, 2);
+  ASSERT_EQ(manager_.Initialize(kResource, ""), 0);
+  std::vector<std::string> probes;
+  for (const std::string& request : Requests()) {
+    if (request.find("| 03 00") != request.npos) probes.push_back(request);
+  }
+  EXPECT_THAT(probes, ElementsAre(WriteRequest(1, 0x20, "03 00 12 00"),
+                                  WriteRequest(1, 0x20, "03 00 02 00"),
+                                  WriteRequest(1, 0x20, "03 00 01 00")));
+  EXPECT_EQ(manager_.FetchData(trace_), status::kMethodNotSupported) << "a generator after all";
+}
+
+TEST_F(ManagerTest, OutputStateOfTheInstrumentIsTakenOver) {
+  Open();
+  double level = 0.0;
+  std::uint32_t mode = 0;
+  bool enabled = false;
+  EXPECT_EQ(manager_.GetLevel(level), 0);
+  EXPECT_EQ(manager_.GetAttenMode(mode), 0);
+  EXPECT_EQ(manager_.GetOutputEnabled(enabled), 0);
+  EXPECT_EQ(level, -20.0);
+  EXPECT_EQ(mode, 3U);
+  EXPECT_TRUE(enabled);
+}
+
+TEST_F(ManagerTest, MissingPulseModulatorIsRemembered) {
+  EXPECT_TRUE(manager_.GetPulseSettings().modulation_available);
+  visa_.Rule(kWrite, kPulseId, 0x8002, 0, 1);
+  ASSERT_EQ(manager_.Initialize(kResource, ""), 0);
+  EXPECT_FALSE(manager_.GetPulseSettings().modulation_available);
+  visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
+  ASSERT_EQ(manager_.Initialize(kResource, ""), 0);
+  EXPECT_TRUE(manager_.GetPulseSettings().modulation_available) << "in a new session";
+}
+
+}  // namespace

@@ -1,0 +1,344 @@
+// The measurement worker: when it reads, what it keeps, how it makes way.
+#include "tests/manager/ManagerFixture.h"
+
+namespace {
+
+using scripted::Function;
+using testing::ElementsAre;
+
+/// Told at once and without the instrument only while the worker measures.
+bool IsMeasuring(scripted::Visa& visa, CK4NManager& manager) {
+  visa.ClearRecord();
+  bool pressed = false;
+  EXPECT_EQ(manager.GetRfButton(pressed), 0);
+  return visa.Requests().empty();
+}
+
+struct ResumeCase {
+  const char* name;
+  const char* option;
+  Output output;
+  void (*arrange)(CK4NManager& manager);
+  bool measures;
+};
+void PrintTo(const ResumeCase& row, std::ostream* stream) { *stream << row.name; }
+
+class ResumeTest : public ManagerTest, public testing::WithParamInterface<ResumeCase> {};
+
+TEST_P(ResumeTest, DependsOnTheSettings) {
+  Open(GetParam().output, GetParam().option);
+  GetParam().arrange(manager_);
+  EXPECT_EQ(IsMeasuring(visa_, manager_), GetParam().measures);
+}
+
+void Immediate(CK4NManager& manager) {
+  SweepTriggerSettings trigger{.source = static_cast<std::uint32_t>(TriggerSource::kImmediate)};
+  manager.SetSweepTrigger(trigger, false);
+}
+void ImmediateList(CK4NManager& manager) {
+  Immediate(manager);
+  manager.SetSweepMode(SweepMode::kList);
+}
+void ImmediateFrequencyStep(CK4NManager& manager) {
+  Immediate(manager);
+  manager.SetSweepMode(SweepMode::kFrequencyStep);
+}
+void ConfiguredFrequencyStep(CK4NManager& manager) {
+  double start = 1e9;
+  double stop = 2e9;
+  double step = 5e8;
+  manager.SetFrequencyStep(start, stop, step);
+  ImmediateFrequencyStep(manager);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Resume, ResumeTest,
+    testing::Values(
+        ResumeCase{"NoSweep", "", Output::kOn, Immediate, false},
+        ResumeCase{"List", "", Output::kOn, ImmediateList, true},
+        ResumeCase{"FrequencyStepNotConfigured", "", Output::kOn, ImmediateFrequencyStep, false},
+        ResumeCase{"FrequencyStepConfigured", "", Output::kOn, ConfiguredFrequencyStep, true},
+        ResumeCase{"SoftwareWithoutTrigger", "", Output::kOn,
+                   [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, false},
+        ResumeCase{"SoftwareWithTrigger", "", Output::kOn,
+                   [](CK4NManager& m) {
+                     m.SetSweepMode(SweepMode::kList);
+                     m.RequestSoftwareTrigger();
+                   },
+                   true},
+        ResumeCase{"AnalyserOutputOff", "", Output::kOff, ImmediateList, true},
+        ResumeCase{"GeneratorOutputOff", "GENERATOR", Output::kOff, ImmediateList, false},
+        ResumeCase{"GeneratorOutputOn", "GENERATOR", Output::kOn, ImmediateList, true}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(ManagerTest, WorkerStoresBlockAfterBlock) {
+  Open();
+  StartMeasuring();
+  EXPECT_EQ(manager_.FetchData(trace_), status::kVisaTimeout) << "the sweep runs";
+  for (const int points : {3, 5}) {
+    visa_.CompleteData('A', Block(points));
+    ASSERT_TRUE(WaitForBlock());
+    EXPECT_EQ(trace_.RowCount(), 3);
+    EXPECT_EQ(trace_.ColumnCount(), points);
+    EXPECT_EQ(manager_.FetchData(trace_), status::kVisaTimeout) << "each block once";
+  }
+  EXPECT_EQ(Requested("1"), 0U);
+  EXPECT_TRUE(manager_.ErrorRecords().empty());
+}
+
+TEST_F(ManagerTest, WorkerDropsOddBlocks) {
+  Open();
+  StartMeasuring();
+  std::vector<std::uint8_t> odd = Block(3);
+  odd.insert(odd.begin(), 0);
+  visa_.CompleteData('A', odd);
+  visa_.CompleteData('A', {});
+  EXPECT_TRUE(WaitUntilRequested("6", 2));
+  EXPECT_EQ(manager_.FetchData(trace_), status::kVisaTimeout);
+  EXPECT_TRUE(manager_.ErrorRecords().empty());
+  EXPECT_EQ(Requested("1"), 0U);
+}
+
+struct ReadFailureCase {
+  const char* name;
+  std::uint16_t header_status;
+  std::uint16_t status_word;
+  bool at_once;  // with the worker's first read, not after time-outs
+  std::vector<ErrorRecord> trail;
+  bool recovers;  // else the block is kept
+};
+void PrintTo(const ReadFailureCase& row, std::ostream* stream) { *stream << row.name; }
+
+class ReadFailureTest : public ManagerTest, public testing::WithParamInterface<ReadFailureCase> {};
+
+TEST_P(ReadFailureTest, IsRecordedAndReadingGoesOn) {
+  const ReadFailureCase& row = GetParam();
+  Open();
+  const auto block = Block(1, row.status_word);
+  const auto complete = [&] {
+    visa_.control().CompleteData(static_cast<std::int16_t>(row.header_status), 'A', block.data(),
+                                 block.size());
+  };
+  if (row.at_once) complete();
+  StartMeasuring();
+  if (!row.at_once) complete();
+  const std::size_t reads = row.at_once ? 0 : 1;
+  if (row.recovers) {
+    ASSERT_TRUE(WaitUntil([&] { return Requested("6") >= reads; }));
+    EXPECT_EQ(manager_.FetchData(trace_), status::kVisaTimeout);
+  } else {
+    EXPECT_TRUE(WaitForBlock());
+  }
+  visa_.CompleteData('A', Block(7));
+  EXPECT_TRUE(WaitForBlock()) << "reading goes on";
+  EXPECT_EQ(trace_.ColumnCount(), 7);
+  EXPECT_THAT(manager_.ErrorRecords(), testing::ElementsAreArray(row.trail));
+  if (!row.at_once) {
+    EXPECT_EQ(Requested("1"), row.recovers ? 1U : 0U);
+    EXPECT_EQ(visa_.Calls(Function::kClear).size(), row.recovers ? 1U : 0U);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Reads, ReadFailureTest,
+    testing::Values(
+        ReadFailureCase{
+            "RefusedAtOnce", kRefusal, 0, true, {{kRefusalStatus, Site::kWorkerRead}}, true},
+        ReadFailureCase{"RefusedLater",
+                        kRefusal,
+                        0,
+                        false,
+                        {{kRefusalStatus, Site::kWorkerRepeatedRead}},
+                        true},
+        ReadFailureCase{"NegativeWordOfTheBlock",
+                        0,
+                        kRefusal,
+                        false,
+                        {{kRefusalStatus, Site::kWorkerRepeatedRead}},
+                        true},
+        ReadFailureCase{"NoticeInsteadOfABlock", 6, 0, false, {}, true},
+        ReadFailureCase{"NoticeWithABlock", 0, 6, false, {}, false},
+        ReadFailureCase{"BlockWithAnUnknownWord", 0, 7, false, {{7, Site::kBlockStatus}}, false}),
+    [](const auto& row) { return row.param.name; });
+
+/// While the worker measures, the state comes from what it reads. A level that is not settled shows
+/// until the next read that says otherwise, so blocks that say so keep coming.
+TEST_F(ManagerTest, StateFollowsTheBlocks) {
+  Open();
+  StartMeasuring();
+  const auto shows = [this](std::uint16_t word, Status (CK4NManager::*get)(bool&), bool wanted) {
+    return WaitUntil([&, blocks = 0]() mutable {
+      if (blocks++ % 8 == 0) visa_.CompleteData('A', Block(1, word));
+      bool good = !wanted;
+      EXPECT_EQ((manager_.*get)(good), 0);
+      return good == wanted;
+    });
+  };
+  EXPECT_TRUE(shows(6, &CK4NManager::GetLevelState, false));
+  EXPECT_TRUE(shows(0, &CK4NManager::GetLevelState, true));
+  EXPECT_TRUE(shows(0x8007, &CK4NManager::GetPllState, false));
+  EXPECT_TRUE(shows(0, &CK4NManager::GetPllState, true));
+  bool good = false;
+  EXPECT_EQ(manager_.GetErgState(good), 0);
+  EXPECT_TRUE(good);
+  visa_.CompleteData('A', Block(1, 0x801C));
+  EXPECT_TRUE(WaitUntil([&] { return manager_.GetErgState(good) == 0 && !good; }));
+  EXPECT_EQ(manager_.GetErgState(good), 0);
+  EXPECT_TRUE(good) << "told once";
+  EXPECT_EQ(Requested("4:0/40x3"), 0U) << "nothing was asked";
+}
+
+TEST_F(ManagerTest, StateIsAskedForWhileNothingIsMeasured) {
+  Open();
+  visa_.Rule(kRead, kFrequencyId, 0x8007, 0, 1);
+  bool good = true;
+  EXPECT_EQ(manager_.GetPllState(good), 0);
+  EXPECT_FALSE(good);
+  visa_.Rule(kRead, kFrequencyId, 0x801C, 0, 1);
+  EXPECT_EQ(manager_.GetErgState(good), 0);
+  EXPECT_FALSE(good);
+  visa_.Rule(kRead, kPowerId, 6, 0, 1);
+  EXPECT_EQ(manager_.GetLevelState(good), 0);
+  EXPECT_FALSE(good);
+  visa_.RuleBody(kRead, kButtonId, 0, "22 00 01 00", 0, 1);
+  EXPECT_EQ(manager_.GetRfButton(good), 0);
+  EXPECT_TRUE(good);
+  EXPECT_THAT(visa_.RequestOrder(), testing::IsSupersetOf({"4:0/40x3", "4:79/62x5", "4:34/20x1"}));
+  visa_.Rule(kRead, kButtonId, kRefusal);
+  EXPECT_EQ(manager_.GetRfButton(good), kRefusalStatus);
+  EXPECT_EQ(manager_.ErrorRecords().back(), (ErrorRecord{kRefusalStatus, Site::kRfButton}));
+}
+
+TEST_F(ManagerTest, WorkerAsksForTheButtonNowAndThen) {
+  Open();
+  visa_.RuleBody(kRead, kButtonId, 0, "22 00 01 00");
+  visa_.Rule(kRead, kButtonId, kRefusal, 0, 1);
+  StartMeasuring();
+  EXPECT_TRUE(WaitUntil([this] {
+    visa_.CompleteData('A', Block(1));
+    bool pressed = false;
+    manager_.GetRfButton(pressed);
+    return pressed;
+  }));
+  EXPECT_THAT(manager_.ErrorRecords(),
+              ElementsAre(ErrorRecord{kRefusalStatus, Site::kWorkerRfButton}));
+}
+
+TEST_F(ManagerTest, SoftwareTriggerReadsOneSweep) {
+  Open();
+  ASSERT_EQ(manager_.SetSweepMode(SweepMode::kList), 0);
+  for (const int points : {2, 4}) {
+    visa_.ClearRecord();
+    manager_.RequestSoftwareTrigger();
+    ASSERT_TRUE(WaitUntilRequested("6", 1));
+    visa_.CompleteData('A', Block(points));
+    ASSERT_TRUE(WaitForBlock());
+    EXPECT_EQ(trace_.ColumnCount(), points);
+    ASSERT_TRUE(WaitUntil([this] { return !IsMeasuring(visa_, manager_); })) << "by itself";
+    visa_.ClearRecord();
+    EXPECT_EQ(manager_.SetDwell(1.0), 0);
+    EXPECT_THAT(visa_.RequestOrder(), ElementsAre("3:5/40x2")) << "nothing to give up or resume";
+  }
+}
+
+TEST_F(ManagerTest, SettingDuringATriggeredSweepGivesItUp) {
+  Open();
+  ASSERT_EQ(manager_.SetSweepMode(SweepMode::kList), 0);
+  manager_.RequestSoftwareTrigger();
+  ASSERT_TRUE(WaitUntilRequested("6", 1));
+  EXPECT_EQ(manager_.SetDwell(1.0), 0);
+  EXPECT_FALSE(IsMeasuring(visa_, manager_));
+}
+
+TEST_F(ManagerTest, SettingDuringASweepClearsRecoversAndStartsItAgain) {
+  Open();
+  StartMeasuring();
+  EXPECT_EQ(manager_.SetDwell(1.0), 0);
+  ASSERT_TRUE(WaitUntilRequested("6", 1));
+  EXPECT_THAT(visa_.RequestOrder(), ElementsAre("1", "3:5/40x2", "6"));
+  EXPECT_GE(visa_.Calls(Function::kClear).size(), 1U);
+  EXPECT_TRUE(manager_.ErrorRecords().empty());
+}
+
+TEST_F(ManagerTest, LostConnectionEndsInCloseAndANewSessionWorks) {
+  Open();
+  StartMeasuring();
+  visa_.SetResult(Function::kRead, 0xBFFF00A6);
+  ASSERT_TRUE(WaitUntil([this] { return manager_.ErrorRecords().size() >= 3; }));
+  EXPECT_EQ(manager_.SetDwell(1.0), status::FromBits(0xBFFF00A6));
+  EXPECT_EQ(manager_.Close(), 0);
+  EXPECT_EQ(visa_.control().OpenSessions(), 0U);
+  visa_.SetResult(Function::kRead, 0, 0);
+  visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
+  EXPECT_EQ(manager_.Initialize(kResource, ""), 0);
+  StartMeasuring();
+  visa_.CompleteData('A', Block(2));
+  EXPECT_TRUE(WaitForBlock());
+}
+
+TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
+  constexpr int kRounds = 40;
+  Open();
+  StartMeasuring();
+  std::atomic<int> traces = 0;
+  std::atomic<bool> done = false;
+  std::vector<std::thread> threads;
+  threads.emplace_back([&] {
+    for (int i = 0; i < kRounds; ++i) {
+      EXPECT_EQ(manager_.SetFrequency(1e9 + i), 0);
+      EXPECT_EQ(manager_.SetDwell(i), 0);
+      EXPECT_EQ(manager_.SetPulseWidth(i), 0);
+      EXPECT_EQ(manager_.SetChannelOffset(0, i), 0);
+    }
+    done = true;
+  });
+  threads.emplace_back([&] {
+    SweepTriggerSettings trigger{.source = 0};
+    for (int i = 0; i < kRounds; ++i) EXPECT_EQ(manager_.SetSweepTrigger(trigger, false), 0);
+  });
+  threads.emplace_back([&] {
+    while (!done) {
+      bool state = false;
+      std::int32_t code = 0;
+      std::optional<std::string> text;
+      EXPECT_EQ(manager_.GetLevelState(state), 0);
+      EXPECT_GE(Frequency(), 1e7);
+      EXPECT_EQ(manager_.ErrorQuery(code, text), 0);
+      std::this_thread::yield();
+    }
+  });
+  for (int reader = 0; reader < 2; ++reader) {
+    threads.emplace_back([&] {
+      TraceMatrix trace;
+      while (!done) {
+        visa_.CompleteData('A', Block(4));
+        const Status result = manager_.FetchData(trace);
+        if (result == 0) ++traces;
+        EXPECT_TRUE(result == 0 ? trace.ColumnCount() == 4 : result == status::kVisaTimeout);
+        os::Sleep(std::chrono::milliseconds(1));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  visa_.CompleteData('A', Block(4));
+  EXPECT_TRUE(traces > 0 || WaitForBlock());
+  EXPECT_EQ(Frequency(), 1e9 + kRounds - 1);
+  EXPECT_TRUE(manager_.ErrorRecords().empty());
+}
+
+TEST_F(ManagerTest, ErrorTextsWhileTheWorkerReads) {
+  Open();
+  StartMeasuring();
+  visa_.SetResult(Function::kRead, 0xBFFF00A6, 20);
+  int texts = 0;
+  ASSERT_TRUE(WaitUntil([&] {
+    std::int32_t code = 0;
+    std::optional<std::string> text;
+    EXPECT_EQ(manager_.ErrorQuery(code, text), 0);
+    EXPECT_TRUE(code == 0 || text == "text of BF FF 00 A6");
+    texts += code != 0 ? 1 : 0;
+    return texts >= 5;
+  }));
+}
+
+}  // namespace

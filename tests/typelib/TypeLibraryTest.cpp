@@ -1,0 +1,116 @@
+// The type library in the module as built, against the published surface in expected.txt.
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string>
+#include <string_view>
+
+#include "platform/com/Com.h"
+#include "platform/com/Raii.h"
+#include "platform/os/Module.h"
+#include "platform/os/Text.h"
+#include "server/interface/Guids.h"
+#include "tests/typelib/Surface.h"
+#include "tests/typelib/TypeLibraryText.h"
+
+namespace {
+
+using namespace std::string_view_literals;
+
+/// The surface as the system's interfaces can show it: names of parameters are asked for by the
+/// member's identifier, so that of a get and a put that share one only the first shows its own.
+Lines AsReadByIdentifier(Lines lines) {
+  static const std::regex member(R"(  slot \d+ (id \w+) .*)");
+  static const std::regex named(R"((\[[\w,]+\] [\w*]+) \w+)");
+  std::string previous;
+  for (std::string& line : lines) {
+    std::smatch match;
+    const std::string id = std::regex_match(line, match, member) ? match[1].str() : "";
+    if (!id.empty() && id == previous) {
+      line = std::regex_replace(line, named, "$1");
+    }
+    previous = id;
+  }
+  return lines;
+}
+
+class TypeLibraryTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    const auto file = os::ToWide(ZK_DRIVER_MODULE, os::kUtf8CodePage);
+    ASSERT_EQ(LoadTypeLibEx(file.c_str(), REGKIND_NONE, library_.Put()), S_OK);
+  }
+
+  ComPtr<ITypeLib> library_;
+};
+
+TEST_F(TypeLibraryTest, IsThePublishedSurface) {
+  ExpectSameSurface(DescribeTypeLibrary(*library_, os::kCyrillicCodePage),
+                    AsReadByIdentifier(ReadExpectedSurface()));
+}
+
+TEST_F(TypeLibraryTest, HasTheIdentityThatTheDriverAsksFor) {
+  TLIBATTR* attributes = nullptr;
+  ASSERT_EQ(library_->GetLibAttr(&attributes), S_OK);
+  EXPECT_TRUE(IsEqualGUID(attributes->guid, kTypeLibraryId));
+  library_->ReleaseTLibAttr(attributes);
+}
+
+TEST_F(TypeLibraryTest, HoldsTheRussianHelpInItsCodePage) {
+  HMODULE module = LoadLibraryExA(ZK_DRIVER_MODULE, nullptr, LOAD_LIBRARY_AS_DATAFILE);
+  ASSERT_NE(module, nullptr);
+  HRSRC resource = FindResourceA(module, MAKEINTRESOURCEA(1), "TYPELIB");
+  ASSERT_NE(resource, nullptr);
+  const std::string_view bytes(
+      static_cast<const char*>(LockResource(LoadResource(module, resource))),
+      SizeofResource(module, resource));
+  // "Измерительные каналы", preceded by its length.
+  constexpr std::string_view kHelp =
+      "\x14\0\xC8\xE7\xEC\xE5\xF0\xE8\xF2\xE5\xEB\xFC\xED\xFB\xE5 \xEA\xE0\xED\xE0\xEB\xFB"sv;
+  EXPECT_NE(bytes.find(kHelp), std::string_view::npos);
+  FreeLibrary(module);
+}
+
+/// Members called by what the library says of them, as clients without our header do.
+class TypeLibraryCallTest : public TypeLibraryTest {
+ protected:
+  void SetUp() override {
+    TypeLibraryTest::SetUp();
+    ASSERT_TRUE(module_.Load(ZK_DRIVER_MODULE));
+    const auto get_class_object =
+        module_.FunctionOf<HRESULT(REFCLSID, REFIID, void**)>("DllGetClassObject");
+    ComPtr<IClassFactory> factory;
+    ASSERT_EQ(get_class_object(__uuidof(ZentrelK4N), __uuidof(IClassFactory), factory.PutVoid()),
+              S_OK);
+    ASSERT_EQ(factory->CreateInstance(nullptr, __uuidof(IZentrelK4N), root_.PutVoid()), S_OK);
+  }
+
+  /// A get of an interface, by its identifier.
+  VARIANT Get(const IID& interface_id, void* object, MEMBERID id) {
+    VARIANT value{};
+    ComPtr<ITypeInfo> type;
+    EXPECT_EQ(library_->GetTypeInfoOfGuid(interface_id, type.Put()), S_OK);
+    DISPPARAMS none{};
+    EXPECT_EQ(type->Invoke(object, id, DISPATCH_PROPERTYGET, &none, &value, nullptr, nullptr),
+              S_OK);
+    return value;
+  }
+
+  os::Module module_;
+  ComPtr<IZentrelK4N> root_;
+};
+
+TEST_F(TypeLibraryCallTest, ReachesTheObjectsMembers) {
+  const VARIANT initialized = Get(__uuidof(IZentrelK4N), root_.Get(), 0x6001000A);
+  EXPECT_EQ(initialized.vt, VT_BOOL);
+  EXPECT_EQ(initialized.boolVal, VARIANT_FALSE);
+
+  VARIANT acquisition = Get(__uuidof(IZentrelK4N), root_.Get(), 0x60010006);
+  ASSERT_EQ(acquisition.vt, VT_UNKNOWN);
+  const VARIANT status = Get(__uuidof(IZentrelK4NAcquisition), acquisition.punkVal, 0x60010002);
+  EXPECT_EQ(status.vt, VT_I4);
+  EXPECT_EQ(status.lVal, ZentrelK4NAcquisitionStatusUnknown);
+  VariantClear(&acquisition);
+}
+
+}  // namespace

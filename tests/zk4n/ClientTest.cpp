@@ -1,0 +1,344 @@
+// zk4n as its user meets it: a process, its arguments, what it prints, its exit status, its files.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "simulator/Simulator.h"
+#include "tests/zk4n/Program.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using std::chrono::milliseconds;
+using testing::HasSubstr;
+using testing::StartsWith;
+using Arguments = std::vector<std::string>;
+
+constexpr const char* kNobody = "TCPIP0::127.0.0.1::9::SOCKET";  // the discard port
+
+class ClientTest : public testing::Test {
+ protected:
+  ClientTest()
+      : folder_(fs::temp_directory_path() /
+                ("zk4n_client_test_" +
+                 std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()))) {
+    fs::create_directories(folder_ / "files");
+    fs::create_directories(folder_ / "output");
+    fs::create_directories(folder_ / "program");
+  }
+  ~ClientTest() override {
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+  }
+
+  /// Arguments with "@" for the folder of the files.
+  [[nodiscard]] Arguments Resolved(Arguments arguments) const {
+    for (std::string& argument : arguments) {
+      const auto at = argument.find('@');
+      if (at != std::string::npos) argument.replace(at, 1, (folder_ / "files").string());
+    }
+    return arguments;
+  }
+
+  struct Result {
+    std::optional<int> status;
+    std::string output;
+    std::string errors;
+  };
+  [[nodiscard]] Result Run(const Arguments& arguments, const fs::path& file = ZK_CLIENT) const {
+    Program program(file, Resolved(arguments), folder_ / "output");
+    const std::optional<int> status = program.Wait();
+    return {status, program.Output(), program.Errors()};
+  }
+
+  /// Names of the files that were written.
+  [[nodiscard]] std::vector<std::string> Files() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder_ / "files")) {
+      names.push_back(entry.path().filename().string());
+    }
+    return names;
+  }
+
+  fs::path folder_;
+};
+
+/// Waits for what another process or thread brings about.
+bool Eventually(const std::function<bool()>& holds) {
+  for (int i = 0; i < 3000; ++i) {
+    if (holds()) return true;
+    std::this_thread::sleep_for(milliseconds(10));
+  }
+  return false;
+}
+
+struct Failure {
+  const char* name;
+  Arguments arguments;
+  const char* error;  // what the one line on standard error tells
+};
+
+TEST_F(ClientTest, BadArgumentsGiveOneLineAndWriteNothing) {
+  const Failure cases[] = {
+      {"no command", {}, "subcommand"},
+      {"unknown option", {"measure", "--simulate", "--colour", "red"}, "--colour"},
+      {"no instrument", {"measure"}, "--resource"},
+      {"two instruments", {"measure", "--simulate", "--resource", kNobody}, "--resource"},
+      {"unit", {"measure", "--simulate", "--start", "1V"}, "--start: not a value in Hz: 1V"},
+      {"no number", {"measure", "--simulate", "--averaging", "few"}, "--averaging"},
+      {"averaging", {"measure", "--simulate", "--averaging", "15"}, "--averaging: 1 to 14"},
+      {"backwards", {"measure", "--simulate", "--stop", "1M"}, "--stop is below --start"},
+      {"no step", {"measure", "--simulate", "--step", "0"}, "--step must be above 0"},
+      {"endless", {"measure", "--simulate", "--step", "1"}, "more than a million points"},
+      {"negative dwell", {"measure", "--simulate", "--dwell=-1ms"}, "--dwell"},
+      {"mode", {"measure", "--simulate", "--mode", "phase"}, "--mode"},
+      {"channel", {"measure", "--simulate", "--detector", "C=x"}, "--detector"},
+      {"no detector", {"measure", "--simulate", "--detector", "A=@/none"}, "cannot read"},
+      {"a folder", {"measure", "--simulate", "--detector", "A=@"}, "cannot read"},
+      {"no folder", {"measure", "--simulate", "--csv", "@/none/t.csv"}, "cannot write"},
+      {"onto a folder", {"measure", "--simulate", "--csv", "@"}, "cannot write"},
+      {"second file",
+       {"measure", "--simulate", "--csv", "@/t.csv", "--svg", "@/none/t.svg"},
+       "none/t.svg"},
+      {"one file twice", {"measure", "--simulate", "--csv", "@/t", "--svg", "@/t"}, "same file"},
+      {"device of another instrument",
+       {"measure", "--resource", kNobody, "--device", "flat"},
+       "--device requires --simulate"},
+      {"no such instrument", {"measure", "--simulate", "--trigger-groups", "3"}, "trigger groups"},
+      {"no such kind", {"simulate", "--kind", "sofa"}, "--kind"},
+      {"no such fault", {"simulate", "--fault", "refuse:parameter=4"}, "status= is missing"},
+      {"no such port", {"simulate", "--port", "99999"}, "--port"},
+      {"no such delay", {"simulate", "--response-delay", "2h"}, "--response-delay"},
+      {"endless delay", {"simulate", "--response-delay", "3601s"}, "response delay: 0 to 1 h"},
+      {"no trigger", {"simulate", "--trigger-period", "0s"}, "--trigger-period"},
+      {"address of others", {"simulate", "--address", "192.0.2.1"}, "cannot listen on 192.0.2.1"},
+  };
+  for (const Failure& row : cases) {
+    const Result result = Run(row.arguments);
+    EXPECT_EQ(result.status, 2) << row.name;
+    EXPECT_EQ(result.output, "") << row.name;
+    EXPECT_THAT(result.errors, StartsWith("zk4n: ")) << row.name;
+    EXPECT_THAT(result.errors, HasSubstr(row.error)) << row.name;
+    EXPECT_EQ(result.errors.find('\n'), result.errors.size() - 1) << row.name;
+    EXPECT_THAT(Files(), testing::IsEmpty()) << row.name;
+  }
+}
+
+TEST_F(ClientTest, FailuresOfDriverAndInstrumentTellResultNameAndDescription) {
+  const Failure cases[] = {
+      {"nobody listens",
+       {"measure", "--resource", kNobody},
+       "Initialize: 0x80047060 (unknown resource): ZentrelK4NLib: Unknown resource "
+       "TCPIP0::127.0.0.1::9::SOCKET."},
+      {"no driver", {"measure", "--simulate", "--module", "@/none.dll"}, "cannot load the driver"},
+      {"no detectors",
+       {"measure", "--simulate", "--kind", "generator"},
+       "LoadDetectorDataFromFile: 0x80047011 (method not supported): ZentrelK4NLib: Does not"},
+      {"refused dwell",
+       {"measure", "--simulate", "--fault", "refuse:parameter=5,status=0x8005"},
+       "Sweep.FrequencyStep.Dwell: 0xFFFF8005 (instrument error code)"},
+      // The limits, the frequency at the start and that of the RF group have gone before.
+      {"refused sweep, which its member does not tell",
+       {"measure", "--simulate", "--fault", "refuse:command=3,parameter=0,status=0x8003,after=3"},
+       "Sweep.FrequencyStep.ConfigureStartStop: 0xFFFF8003 (instrument: form not supported)"},
+      {"power cut in mid-sweep",
+       {"measure", "--simulate", "--dwell", "1ms", "--fault", "drop:command=6"},
+       "measurement: 0xBFFF00A6 (VI_ERROR_CONN_LOST): VI_ERROR_CONN_LOST"},
+      {"other protocol",
+       {"measure", "--simulate", "--fault", "header:command=6,word=0x1234"},
+       "measurement: 0xBFFF0037 (VI_ERROR_INP_PROT_VIOL)"},
+      {"PLL",
+       {"measure", "--simulate", "--fault", "block-status:status=0x8007"},
+       "measurement: 0xFFFF8007 (instrument: PLL unlocked)"},
+      {"steps too fine",
+       {"measure", "--simulate", "--mode", "power", "--start", "0", "--stop", "5", "--step",
+        "0.001"},
+       "the instrument cannot make steps of 0.001 dB"},
+  };
+  for (const Failure& row : cases) {
+    Arguments arguments = row.arguments;
+    arguments.insert(arguments.end(), {"--json", "--csv", "@/t.csv", "--svg", "@/t.svg"});
+    const Result result = Run(arguments);
+    EXPECT_EQ(result.status, 1) << row.name;
+    EXPECT_EQ(result.output, "") << row.name;
+    EXPECT_THAT(result.errors, StartsWith("zk4n: ")) << row.name;
+    EXPECT_THAT(result.errors, HasSubstr(row.error)) << row.name;
+    EXPECT_EQ(result.errors.find('\n'), result.errors.size() - 1) << row.name;
+    EXPECT_THAT(Files(), testing::IsEmpty()) << row.name;
+  }
+}
+
+TEST_F(ClientTest, WithoutAVisaLibrary) {
+  // Away from the folder where the library lies.
+  const fs::path program = folder_ / "program" / fs::path(ZK_CLIENT).filename();
+  fs::copy_file(ZK_CLIENT, program);
+  for (const fs::path module : {ZK_DRIVER, ZK_COM_MODULE}) {
+    if (module.empty()) continue;
+    fs::copy_file(module, folder_ / "program" / module.filename());
+  }
+  const Result result = Run({"measure", "--resource", kNobody}, program);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors,
+            "zk4n: Initialize: 0x8004705B (file not found): ZentrelK4NLib: File not found "
+            "ZeVisa64.dll\n");
+}
+
+/// A sweep of the simulated instrument, and what lies between its output and its detectors.
+struct Measurement {
+  const char* name;
+  Arguments arguments;
+  std::size_t points = 401;
+  double start = 1e9;
+  double step = 5e6;
+  simulator::DeviceUnderTest device = {};
+  double fixed = 0.0;  // level of a frequency sweep; frequency of a level sweep
+  bool of_levels = false;
+};
+
+/// The trace is the response of the device, point by point.
+void ExpectResponse(const Measurement& row, const std::string& text) {
+  const auto document = nlohmann::json::parse(text, nullptr, false);
+  ASSERT_FALSE(document.is_discarded()) << row.name << ": no JSON: " << text.substr(0, 200);
+  const auto x = document["axis"]["values"].get<std::vector<double>>();
+  ASSERT_EQ(x.size(), row.points) << row.name;
+  const auto values = [&](const char* channel) {
+    return document["channels"][channel]["values"].get<std::vector<double>>();
+  };
+  const auto a = values("A");
+  const auto b = values("B");
+  const auto r = values("R");
+  for (std::size_t i = 0; i < row.points; ++i) {
+    ASSERT_NEAR(x[i], row.start + row.step * static_cast<double>(i), row.step * 1e-6) << row.name;
+    const double frequency = row.of_levels ? row.fixed : x[i];
+    const double level = row.of_levels ? x[i] : row.fixed;
+    ASSERT_NEAR(a[i], level + row.device.Through(frequency), 0.05) << row.name << " at " << x[i];
+    ASSERT_NEAR(b[i], level + row.device.Reflected(frequency), 0.05) << row.name << " at " << x[i];
+    ASSERT_NEAR(r[i], level, 0.05) << row.name << " at " << x[i];
+  }
+}
+
+TEST_F(ClientTest, MeasuresTheResponseOfTheDevice) {
+  simulator::DeviceUnderTest flat;
+  flat.kind = simulator::DeviceKind::kFlat;
+  flat.loss = 6.0;
+  simulator::DeviceUnderTest open;
+  open.kind = simulator::DeviceKind::kOpen;
+  simulator::DeviceUnderTest filter;
+  filter.centre = 1.5e9;
+  filter.width = 1e8;
+  filter.order = 5;
+  const Arguments levels{"--mode", "power",  "--start", "-20",         "--stop",
+                         "10",     "--step", "0.5 dB",  "--frequency", "2.4 GHz"};
+  const auto of_levels = [&levels](const char* name, const Arguments& more) {
+    Measurement row{name, levels, 61, -20.0, 0.5};
+    row.arguments.insert(row.arguments.end(), more.begin(), more.end());
+    row.fixed = 2.4e9;
+    row.of_levels = true;
+    return row;
+  };
+  const Measurement cases[] = {
+      {"band-pass", {}},
+      {"flat", {"--device", "flat", "--loss", "6dB"}, 401, 1e9, 5e6, flat},
+      {"open", {"--device", "open"}, 401, 1e9, 5e6, open},
+      {"other filter, lower level",
+       {"--centre", "1.5G", "--width", "100 MHz", "--order", "5", "--level", "-10dBm"},
+       401,
+       1e9,
+       5e6,
+       filter,
+       -10.0},
+      {"more points than one block holds",
+       {"--start", "1e9", "--stop", "2G", "--step", "100 kHz"},
+       10001,
+       1e9,
+       1e5},
+      {"counts of the detectors", {"--kind", "detectors"}},
+      {"wide frequency command", {"--frequency-form", "wide"}},
+      {"narrow frequency command, upper limit 4 GHz",
+       {"--frequency-form", "narrow", "--max-frequency", "4GHz"}},
+      {"oldest options",
+       {"--trigger-groups", "1", "--no-pulse-modulator", "--no-serial-query",
+        "--no-reference-frequency", "--attenuator-mode", "0", "--power-variant", "1"}},
+      {"power variant 0", {"--power-variant", "0"}},
+      {"slow answers in pieces",
+       {"--response-delay", "2ms", "--fault", "pieces:bytes=700,pause=3"}},
+      {"limits cut the sweep", {"--max-frequency", "2GHz"}, 201},
+      of_levels("level sweep", {}),
+      of_levels("level sweep of variant 1", {"--power-variant", "1"}),
+      of_levels("level sweep of variant 2", {"--power-variant", "2"}),
+      of_levels("level sweep of variant 3", {"--power-variant", "3"}),
+      of_levels("level sweep of variant 4", {"--power-variant", "4"}),
+  };
+  for (const Measurement& row : cases) {
+    Arguments arguments{"measure", "--simulate", "--json"};
+    arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+    const Result result = Run(arguments);
+    EXPECT_EQ(result.status, 0) << row.name << ": " << result.errors;
+    if (result.status == 0) ExpectResponse(row, result.output);
+  }
+}
+
+TEST_F(ClientTest, PrintsTheTableAndWritesTheFiles) {
+  const Result result =
+      Run({"measure", "--simulate", "--serial", "77", "--detector",
+           std::string("A=") + ZK_DETECTOR_FILE, "--csv", "@/t.csv", "--svg", "@/t.svg"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, HasSubstr("Instrument K4N-20, serial 77*, TCPIP0::127.0.0.1::"));
+  EXPECT_THAT(result.output, HasSubstr("Points 401, 1 GHz to 3 GHz, level 0 dBm, averaging 3\n"));
+  EXPECT_THAT(result.output, HasSubstr("\n  A-R        -49.99"));
+  EXPECT_THAT(result.output, HasSubstr("    -1.500 ")) << "the loss of the device";
+  EXPECT_EQ(result.errors.find_first_not_of("Measuring 01257%\n"), std::string::npos)
+      << "away from a terminal progress is plain lines: " << result.errors;
+  EXPECT_THAT(result.errors, testing::EndsWith("Measuring 100 %\n"));
+  EXPECT_THAT(Files(), testing::UnorderedElementsAre("t.csv", "t.svg"));
+}
+
+TEST_F(ClientTest, MeasuresOnASimulatorInAnotherProcess) {
+  const fs::path other = folder_ / "program";
+  Program simulator(ZK_CLIENT, {"simulate", "--port", "0", "--serial", "4711"}, other);
+  ASSERT_TRUE(Eventually([&] { return simulator.Output().ends_with("\n"); }));
+  std::string resource = simulator.Output();
+  resource.pop_back();
+  const std::string file = ZK_DETECTOR_FILE;
+  for (int session = 1; session <= 2; ++session) {
+    const Result result = Run({"measure", "--json", "--resource", resource, "--detector",
+                               "A=" + file, "--detector", "B=" + file, "--detector", "R=" + file});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    ExpectResponse({"other process", {}}, result.output);
+    EXPECT_THAT(result.output, HasSubstr("\"4711*\""));
+  }
+  simulator.Interrupt();
+  EXPECT_EQ(simulator.Wait(), 0);
+}
+
+TEST_F(ClientTest, CtrlCClosesTheSession) {
+  simulator::Simulator instrument;
+  instrument.Start();
+  // Forty seconds of a sweep.
+  Program program(ZK_CLIENT,
+                  Resolved({"measure", "--resource", instrument.ResourceName(), "--dwell", "100ms",
+                            "--csv", "@/t.csv"}),
+                  folder_ / "output");
+  ASSERT_TRUE(Eventually([&] {
+    const auto requests = instrument.Requests();
+    return !requests.empty() && requests.back().command == 6;
+  })) << program.Errors();
+  EXPECT_TRUE(instrument.State().output_enabled);
+  program.Interrupt();
+  EXPECT_EQ(program.Wait(), 130);
+  EXPECT_THAT(program.Errors(), testing::EndsWith("zk4n: interrupted\n"));
+  EXPECT_THAT(Files(), testing::IsEmpty());
+  EXPECT_TRUE(Eventually([&] { return instrument.ConnectionCount() == 0; }));
+  EXPECT_FALSE(instrument.State().output_enabled) << "the output was left on";
+}
+
+}  // namespace

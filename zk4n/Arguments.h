@@ -1,0 +1,16 @@
+// What the commands do alike with what was typed. Texts are UTF-8.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "zk4n/Quantity.h"
+
+/// The value of an option; throws UsageError for a text that is none in this unit.
+double QuantityArgument(const std::string& option, const std::string& text, Unit unit);
+
+/// A path as it was typed.
+std::filesystem::path PathArgument(const std::string& utf8);
+
+/// Throws UsageError unless the file can be opened for reading.
+void RequireReadable(const std::string& file);
