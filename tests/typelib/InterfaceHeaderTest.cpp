@@ -41,7 +41,7 @@ std::string SurfaceParameter(const std::string& parameter) {
 }
 
 void AddEnumerations(const std::string& header, Lines& lines) {
-  static const std::regex block(R"(typedef enum (\w+) \{([^}]*)\})");
+  static const std::regex block(R"(typedef enum (\w+) : int \{([^}]*)\})");
   static const std::regex constant(R"((\w+) = (?:\(int\))?(-?\w+))");
   for (Matches i(header.begin(), header.end(), block), end; i != end; ++i) {
     const std::string body = (*i)[2];
