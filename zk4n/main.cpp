@@ -46,6 +46,11 @@ int Run(std::vector<std::string> arguments) {
     app.parse(arguments);
   } catch (const CLI::CallForHelp&) {
     std::fputs(app.help().c_str(), stdout);
+  } catch (const CLI::RequiredError& error) {
+    // A word that is no command is more to the point than that one is missing.
+    const std::vector<std::string> unknown = app.remaining();
+    const std::string text = unknown.empty() ? error.what() : "unknown command: " + unknown.front();
+    return Fail(exit_status::kUsage, text.c_str());
   } catch (const CLI::ParseError& error) {
     return Fail(exit_status::kUsage, error.what());
   }
