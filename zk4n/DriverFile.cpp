@@ -9,7 +9,7 @@
 #include "platform/com/RegKey.h"
 #include "platform/os/Text.h"
 #include "server/interface/Guids.h"
-#include "zk4n/Commands.h"
+#include "zk4n/Arguments.h"
 #include "zk4n/DriverClient.h"
 
 namespace {
@@ -19,8 +19,6 @@ namespace fs = std::filesystem;
 std::string FromAnsi(const std::string& text) {
   return os::ToNarrow(os::ToWide(text), os::kUtf8CodePage);
 }
-
-fs::path PathOf(const std::string& utf8) { return {std::u8string(utf8.begin(), utf8.end())}; }
 
 std::string Utf8Of(const fs::path& path) {
   const std::u8string text = path.u8string();
@@ -50,11 +48,8 @@ int BitsOfPe(std::string_view head) {
 }  // namespace
 
 std::string DriverFile(const std::string& typed) {
-  const fs::path path = PathOf(typed.empty() ? FromAnsi(DefaultDriverModule()) : typed);
-  std::error_code error;
-  if (!fs::is_regular_file(path, error) || !std::ifstream(path, std::ios::binary)) {
-    throw UsageError("cannot read the driver module " + Utf8Of(path));
-  }
+  const fs::path path = PathArgument(typed.empty() ? FromAnsi(DefaultDriverModule()) : typed);
+  RequireReadable(Utf8Of(path));
   return Utf8Of(fs::absolute(path).lexically_normal());
 }
 
@@ -68,7 +63,7 @@ std::string RegisteredDriverFile() {
 
 int BitsOfModule(const std::string& file) {
   std::array<char, 4096> head{};
-  std::ifstream stream(PathOf(file), std::ios::binary);
+  std::ifstream stream(PathArgument(file), std::ios::binary);
   stream.read(head.data(), head.size());
   const std::string_view bytes(head.data(), head.size());
   if (bytes.starts_with("\x7F"

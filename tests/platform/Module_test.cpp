@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <utility>
 
 #include "tests/platform/Probe.h"
@@ -32,6 +33,18 @@ TEST(Module, KnowsItsOwnFolder) {
   os::Module module;
   ASSERT_TRUE(module.Load(ProbePath()));
   EXPECT_EQ(module.FunctionOf<const char*()>("ProbeFolder")(), os::ThisModuleFolder());
+}
+
+TEST(Module, KnowsItsFile) {
+  os::Module module;
+  EXPECT_TRUE(module.File().empty());
+  ASSERT_TRUE(module.Load(ProbePath()));
+  const std::filesystem::path file = module.File();
+  EXPECT_TRUE(std::filesystem::is_regular_file(file));
+  EXPECT_EQ(file.parent_path() / "", std::filesystem::path(os::ThisModuleFolder()));
+  const std::filesystem::path own = os::ThisModuleFile();
+  EXPECT_EQ(own.parent_path(), file.parent_path());
+  EXPECT_NE(own, file);
 }
 
 TEST(Module, MissingModuleGivesNothing) {
