@@ -36,7 +36,7 @@ class Checks {
     const int bits = BitsOfModule(driver_file_);
     const std::string program = std::to_string(kProgramBits) + "-bit program, ";
     if (bits == 0) throw std::runtime_error(program + "but no driver module in " + driver_file_);
-    const std::string text = program + std::to_string(bits) + "-bit driver " + driver_file_;
+    std::string text = program + std::to_string(bits) + "-bit driver " + driver_file_;
     if (bits != kProgramBits) throw std::runtime_error(text + ": they cannot work together");
     return text;
   }

@@ -36,8 +36,9 @@ ClassesLines DumpClasses(RegistrationScope scope) {
       // @="text" or "name"="text"; no name here has a quote in it.
       const std::size_t equals = line.find('=');
       const std::string name = line.starts_with('@') ? "" : line.substr(1, equals - 2);
-      lines.insert(key + " " + name + "=" +
-                   Unescaped(line.substr(equals + 2, line.size() - equals - 3)));
+      std::string text = key;
+      text.append(" ").append(name).append("=");
+      lines.insert(text.append(Unescaped(line.substr(equals + 2, line.size() - equals - 3))));
     }
   }
   return lines;
