@@ -32,13 +32,13 @@ HardWareParametr::HardWareParametr(const ParameterLayout& layout)
 
 double HardWareParametr::GetValue(std::size_t element) const {
   const std::size_t offset = OffsetOf(element);
-  std::uint64_t raw = 0;
+  // The bytes above those of a negative element are all ones.
+  const bool negative = is_signed_ && (image_[offset + element_size_ - 1] & 0x80) != 0;
+  std::uint64_t raw = negative ? ~std::uint64_t{0} : 0;
   for (std::size_t i = element_size_; i-- > 0;) raw = (raw << 8) | image_[offset + i];
-  const double divisor = std::ldexp(1.0, static_cast<int>(8 * fractional_bytes_));
-  if (!is_signed_) return static_cast<double>(raw) / divisor;
-  const unsigned spare_bits = 64 - 8 * element_size_;
-  const auto value = static_cast<std::int64_t>(raw << spare_bits) >> spare_bits;
-  return static_cast<double>(value) / divisor;
+  const double value =
+      is_signed_ ? static_cast<double>(static_cast<std::int64_t>(raw)) : static_cast<double>(raw);
+  return value / std::ldexp(1.0, static_cast<int>(8 * fractional_bytes_));
 }
 
 std::uint32_t HardWareParametr::GetCode(std::size_t element) const {

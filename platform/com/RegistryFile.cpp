@@ -23,7 +23,7 @@ std::string Environment(const char* name) {
 
 /// Empty when the user has no home folder.
 fs::path RegistryPath() {
-  if (const fs::path path = Environment("ZENTREL_REGISTRY"); !path.empty()) return path;
+  if (fs::path path = Environment("ZENTREL_REGISTRY"); !path.empty()) return path;
   fs::path data = Environment("XDG_DATA_HOME");
   if (!data.is_absolute()) {
     const fs::path home = Environment("HOME");

@@ -14,7 +14,7 @@ TEST(ComPtr, EveryOwnerHasOneReference) {
     EXPECT_EQ(object.references, 3U);
     ComPtr<IErrorInfo> third = std::move(first);
     EXPECT_EQ(object.references, 3U);
-    EXPECT_FALSE(first);
+    EXPECT_FALSE(first);  // NOLINT(bugprone-use-after-move): that it is empty is what is tested
     second = third;
     EXPECT_EQ(object.references, 3U);
     // What is held goes before a new reference comes.
