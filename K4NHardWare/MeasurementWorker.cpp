@@ -77,8 +77,7 @@ bool MeasurementWorker::Measure() {
       device_->Clear();
       model_->Recover();
     }
-    // A caller who waits need not wait for this too.
-    if (!stop_requested) PollRfButton();
+    PollRfButton();
     const bool triggered = trigger_pending_.exchange(false);
     if (stop_requested || triggered) return stop_requested;
   }

@@ -7,8 +7,9 @@ namespace driver_test {
 
 struct ProcessResources {
   std::size_t threads = 0;
-  std::size_t handles = 0;  ///< file descriptors, sockets and the system's other objects
-  std::size_t memory = 0;   ///< bytes handed out by the heap; 0 where the heap does not tell
+  std::size_t handles = 0;   ///< file descriptors, sockets and the system's other objects
+  std::size_t memory = 0;    ///< bytes handed out by the heap; 0 where the heap does not tell
+  std::size_t resident = 0;  ///< bytes of the process in memory
 };
 ProcessResources CountResources();
 

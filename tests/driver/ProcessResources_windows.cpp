@@ -1,5 +1,6 @@
 #include <windows.h>
 // After windows.h.
+#include <psapi.h>
 #include <tlhelp32.h>
 
 #include "tests/driver/ProcessResources.h"
@@ -36,7 +37,12 @@ std::size_t HeapBytes() {
 ProcessResources CountResources() {
   DWORD handles = 0;
   GetProcessHandleCount(GetCurrentProcess(), &handles);
-  return {.threads = ThreadCount(), .handles = handles, .memory = HeapBytes()};
+  PROCESS_MEMORY_COUNTERS memory{};
+  GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof(memory));
+  return {.threads = ThreadCount(),
+          .handles = handles,
+          .memory = HeapBytes(),
+          .resident = memory.WorkingSetSize};
 }
 
 }  // namespace driver_test

@@ -1,0 +1,254 @@
+// A long run in small: sweeps, settings in the middle of sweeps, faults of the instrument and of
+// the link, new sessions. Every trace that the driver hands out is compared with what the
+// instrument measured, point for point; the device changes before each sweep, so that a block which
+// is lost, handed out twice or mixed with another one cannot pass. ZK_SOAK_SECONDS says how long
+// (60), ZK_SOAK_SEED which run (1).
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <stop_token>
+
+#include "tests/driver/ProcessResources.h"
+#include "tests/driver/SessionFixture.h"
+
+namespace driver_test {
+namespace {
+
+using simulator::Fault;
+using simulator::FaultKind;
+using std::chrono::steady_clock;
+
+constexpr double kTolerance = 0.05;  // dB
+
+long Setting(const char* name, long otherwise) {
+  const char* const text = std::getenv(name);
+  return text == nullptr ? otherwise : std::strtol(text, nullptr, 10);
+}
+
+/// One sweep as it is asked for. Either axis is stepped, the other one stands at its start.
+struct Plan {
+  bool is_power = false;
+  int points = 0;
+  double frequency = 0.0;  // Hz
+  double level = 0.0;      // dBm
+  double step = 0.0;       // Hz or dB
+
+  [[nodiscard]] double Frequency(int i) const {
+    return is_power ? frequency : frequency + i * step;
+  }
+  [[nodiscard]] double Level(int i) const { return is_power ? level + i * step : level; }
+};
+
+/// A fault that strikes once, and that costs the client no more than time-outs. Those that change a
+/// body strike data blocks only: an answer to a setting is believed, whatever it says.
+struct Mishap {
+  FaultKind kind;
+  bool data_only = false;
+  std::uint16_t word = 0;  // header word or status
+  std::int32_t bytes = 0;
+  int pause = 0;  // ms
+};
+constexpr Mishap kMishaps[] = {
+    {.kind = FaultKind::kRefuse, .word = 0xFEBF},
+    {.kind = FaultKind::kDrop},
+    {.kind = FaultKind::kHeaderWord, .word = 0x1234},
+    {.kind = FaultKind::kPieces, .bytes = 7, .pause = 1},
+    {.kind = FaultKind::kSilence},
+    {.kind = FaultKind::kDelay, .pause = 20},
+    {.kind = FaultKind::kBlockStatus, .data_only = true, .word = 0x8007},
+    {.kind = FaultKind::kBodyLength, .data_only = true, .bytes = -5},
+    {.kind = FaultKind::kBodyLength, .data_only = true, .bytes = 7},
+    {.kind = FaultKind::kAnnouncedLength, .data_only = true, .bytes = -5},
+};
+constexpr std::uint16_t kDataCommand = 6;
+
+simulator::Options SmallLog() {
+  simulator::Options options;
+  options.min_point_time = std::chrono::microseconds(10);
+  options.log_capacity = 16;
+  return options;
+}
+
+class Soak : public SessionTest {
+ protected:
+  Soak() : SessionTest(SmallLog()) {}
+
+  int Pick(int first, int last) { return std::uniform_int_distribution(first, last)(random_); }
+  bool OneIn(int n) { return Pick(1, n) == 1; }
+
+  Plan NewPlan() {
+    Plan plan;
+    plan.is_power = OneIn(4);
+    plan.points = Pick(2, plan.is_power ? 21 : 801);
+    plan.frequency = Pick(500, 3000) * 1e6;
+    plan.step = plan.is_power ? 0.5 : Pick(1, 20) * 1e5;
+    plan.level = Pick(-20, plan.is_power ? -10 : 0) * 0.5;
+    return plan;
+  }
+
+  void Connect() {
+    ASSERT_TRUE(WaitUntil([this] { return Initialize() == S_OK; }));
+    TakeErrorInfo();
+    LoadDetectors();
+  }
+  void Reconnect() {
+    surface_.root->Close();
+    Connect();
+    ++reconnections_;
+  }
+
+  /// True when the instrument has taken the whole plan.
+  bool Configure(const Plan& plan) {
+    Surface& s = surface_;
+    device_.centre = Pick(1000, 4000) * 1e6;
+    instrument_.SetDevice(device_);
+    TakeErrors();
+    const double last = (plan.points - 1) * plan.step;
+    bool done = s.rf->put_OutputEnabled(VARIANT_TRUE) == S_OK;
+    if (plan.is_power) {
+      done = s.rf->put_Frequency(plan.frequency) == S_OK && done;
+      s.power_step->ConfigureStartStop(plan.level, plan.level + last, plan.step);
+    } else {
+      done = s.rf->put_Level(plan.level) == S_OK && done;
+      s.frequency_step->ConfigureStartStop(plan.frequency, plan.frequency + last,
+                                           ZentrelK4NFrequencyStepScalingLinear, plan.step);
+    }
+    const auto mode =
+        plan.is_power ? ZentrelK4NSweepModePowerStep : ZentrelK4NSweepModeFrequencyStep;
+    const auto source =
+        OneIn(2) ? ZentrelK4NSweepTriggerSourceSoftware : ZentrelK4NSweepTriggerSourceImmediate;
+    done = s.sweep->Configure(mode, source) == S_OK && done;
+    return TakeErrors().empty() && done;
+  }
+
+  /// True when the sweep has ended well. A free-running one may give its block up to a fault and
+  /// deliver the next one: that is no failure.
+  bool Run() {
+    surface_.acquisition->Initiate();
+    auto status = ZentrelK4NAcquisitionStatusInProgress;
+    const auto deadline = steady_clock::now() + std::chrono::seconds(5);
+    while (status == ZentrelK4NAcquisitionStatusInProgress && steady_clock::now() < deadline) {
+      surface_.acquisition->get_Status(&status);
+    }
+    TakeErrorInfo();
+    return status == ZentrelK4NAcquisitionStatusComplete;
+  }
+
+  void Check(const Plan& plan) {
+    for (const auto* name : kChannelNames) {
+      const Trace trace = Fetch(name);
+      ASSERT_EQ(trace.values.size(), static_cast<std::size_t>(plan.points)) << name;
+      ASSERT_EQ(trace.initial_x, plan.is_power ? plan.level : plan.frequency);
+      ASSERT_NEAR(trace.x_increment, plan.step, 1e-9);
+      for (int i = 0; i < plan.points; ++i) {
+        const double response = name == kChannelNames[0]   ? device_.Through(plan.Frequency(i))
+                                : name == kChannelNames[1] ? device_.Reflected(plan.Frequency(i))
+                                                           : 0.0;
+        ASSERT_NEAR(trace.values[static_cast<std::size_t>(i)], plan.Level(i) + response, kTolerance)
+            << name << " point " << i << " of sweep " << sweeps_ << ": " << plan.Frequency(i)
+            << " Hz, " << plan.Level(i) << " dBm";
+      }
+      points_ += static_cast<std::uint64_t>(plan.points);
+    }
+    ++sweeps_;
+  }
+
+  /// One sweep, sometimes after another one that is given up half-way.
+  bool Measure() {
+    if (OneIn(3)) {
+      Configure(NewPlan());
+      surface_.acquisition->Initiate();
+    }
+    const Plan plan = NewPlan();
+    if (!Configure(plan) || !Run()) return false;
+    Check(plan);
+    return true;
+  }
+
+  void Disturb() {
+    ++faults_;
+    if (OneIn(6)) {
+      instrument_.Stop();
+      instrument_.Start();
+      return;
+    }
+    const Mishap& mishap = kMishaps[Pick(0, std::size(kMishaps) - 1)];
+    Fault fault;
+    fault.kind = mishap.kind;
+    fault.after = static_cast<std::uint32_t>(Pick(0, 12));
+    fault.times = 1;
+    fault.word = mishap.word;
+    fault.status = static_cast<std::int16_t>(mishap.word);
+    fault.bytes = mishap.bytes;
+    fault.pause = std::chrono::milliseconds(mishap.pause);
+    if (mishap.data_only || OneIn(2)) fault.command = kDataCommand;
+    instrument_.InjectFault(fault);
+  }
+
+  void Round() {
+    // A fault may strike a free-running sweep after its trace was fetched: the next one feels it.
+    const bool disturbed_before = disturbed_;
+    instrument_.ClearFaults();
+    disturbed_ = OneIn(2);
+    if (disturbed_) Disturb();
+    if (Measure()) return;
+    EXPECT_TRUE(disturbed_ || disturbed_before) << "a sweep failed that nothing had disturbed";
+    instrument_.ClearFaults();
+    ++failures_;
+    if (Measure()) return;  // the same session serves on where the link has held
+    Reconnect();
+    EXPECT_TRUE(Measure()) << "a new session measures";
+  }
+
+  std::mt19937 random_{static_cast<unsigned>(Setting("ZK_SOAK_SEED", 1))};
+  simulator::DeviceUnderTest device_{.isolation = 40.0};  // the detectors see all of it
+  bool disturbed_ = false;
+  std::uint64_t sweeps_ = 0, points_ = 0, faults_ = 0, failures_ = 0, reconnections_ = 0;
+};
+
+/// What a panel on the side shows: it asks for the state all the while.
+void Watch(const std::stop_token& stop, Surface& s) {
+  while (!stop.stop_requested()) {
+    VARIANT_BOOL flag = 0;
+    double level = 0.0;
+    s.system->get_RFButton(&flag);
+    s.system->get_PLLState(&flag);
+    s.rf->get_Level(&level);
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+}
+
+TEST_F(Soak, MeasuresOnThroughAllFaultsAndLeavesNothingBehind) {
+  const auto seconds = std::chrono::seconds(Setting("ZK_SOAK_SECONDS", 60));
+  Connect();
+  for (int i = 0; i < 20 && !HasFailure(); ++i) Round();
+  surface_.root->Close();
+  const ProcessResources before = CountResources();
+
+  const auto end = steady_clock::now() + seconds;
+  Connect();
+  {
+    const std::jthread panel([this](const std::stop_token& stop) { Watch(stop, surface_); });
+    while (steady_clock::now() < end && !HasFailure()) Round();
+  }
+  surface_.root->Close();
+  EXPECT_TRUE(WaitUntil([this] { return instrument_.ConnectionCount() == 0; }));
+  const ProcessResources after = CountResources();
+
+  std::printf(
+      "%llu sweeps (%llu points checked), %llu faults, %llu sweeps failed and repeated, "
+      "%llu new sessions\n",
+      static_cast<unsigned long long>(sweeps_), static_cast<unsigned long long>(points_),
+      static_cast<unsigned long long>(faults_), static_cast<unsigned long long>(failures_),
+      static_cast<unsigned long long>(reconnections_));
+  std::printf("threads %zu -> %zu, handles %zu -> %zu, heap %zu -> %zu, resident %zu -> %zu\n",
+              before.threads, after.threads, before.handles, after.handles, before.memory,
+              after.memory, before.resident, after.resident);
+  EXPECT_EQ(after.threads, before.threads);
+  EXPECT_EQ(after.handles, before.handles);
+  EXPECT_LT(after.memory, before.memory + 256 * 1024);
+}
+
+}  // namespace
+}  // namespace driver_test
