@@ -1,0 +1,296 @@
+// Clients that make every mistake there is: values beyond all reason in every argument of every
+// member, calls from many threads at once, objects given up in mid-sweep, children without a root.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <stop_token>
+
+#include "tests/driver/SessionFixture.h"
+#include "zk4n/members/MemberTable.h"
+
+namespace driver_test {
+namespace {
+
+using members::Argument;
+using members::Member;
+using members::Type;
+
+constexpr double kLevel = -5.0;
+
+/// One object for each interface of the surface.
+std::vector<ComPtr<IUnknown>> ObjectsOf(const Surface& s) {
+  const std::initializer_list<IUnknown*> all = {
+      s.root.Get(),           s.power_step.Get(),      s.channel.Get(),      s.trigger_output.Get(),
+      s.pulse_double.Get(),   s.pulse_generator.Get(), s.pulse_output.Get(), s.packet.Get(),
+      s.sync_generator.Get(), s.pulse_modulation.Get()};
+  std::vector<ComPtr<IUnknown>> objects;
+  for (const auto& type : members::Interfaces()) {
+    ComPtr<IUnknown> found;
+    for (IUnknown* const object : all) {
+      if (!found) object->QueryInterface(type.id, found.PutVoid());
+    }
+    EXPECT_TRUE(found) << type.name;
+    objects.push_back(std::move(found));
+  }
+  return objects;
+}
+
+SafeArrayOwner NewArray(VARTYPE type, std::initializer_list<SAFEARRAYBOUND> bounds) {
+  std::vector<SAFEARRAYBOUND> copy(bounds);
+  return SafeArrayOwner(SafeArrayCreate(type, static_cast<UINT>(copy.size()), copy.data()));
+}
+
+/// What no client should pass as a value of the type.
+std::vector<Argument> Mistakes(Type type) {
+  std::vector<Argument> list(1);  // zero or null
+  const auto add = [&list](auto value) { list.push_back({std::move(value)}); };
+  switch (type) {
+    case Type::kLong:
+    case Type::kEnum:
+      for (const LONG value : {-1, 259, 0x7FFFFFFF, -0x7FFFFFFF - 1}) add(value);
+      break;
+    case Type::kDouble:
+      for (const double value : {std::nan(""), HUGE_VAL, -HUGE_VAL, 1e300, -1e300, 1e18, -1.0,
+                                 std::numeric_limits<double>::denorm_min()}) {
+        add(value);
+      }
+      break;
+    case Type::kBool:
+      for (const int value : {1, -1, 0x7FFF}) add(static_cast<VARIANT_BOOL>(value));
+      break;
+    case Type::kText:
+      add(Bstr(os::WideString(1 << 20, 'A')));
+      add(Bstr(os::WideString{'A', 0, 0xD800, 'B', 0xDC00}));
+      break;
+    case Type::kArray: {
+      add(NewArray(VT_I4, {{3, 0}}));
+      add(NewArray(VT_R8, {{2, 0}, {2, 0}}));
+      add(NewArray(VT_R8, {{0, 0}}));
+      add(NewArray(VT_R8, {{3, -7}}));
+      add(NewArray(VT_R8, {{20000, 5}}));
+      add(Doubles({std::nan(""), HUGE_VAL, -1e300, 1e300}));
+      auto locked = Doubles({1e9, 2e9});
+      EXPECT_EQ(SafeArrayLock(locked.Get()), S_OK);
+      add(std::move(locked));
+      break;
+    }
+    case Type::kInterface:
+      break;
+  }
+  return list;
+}
+
+/// An array that is locked would not be destroyed.
+void Unlock(const Argument& argument) {
+  const auto* const array = std::get_if<SafeArrayOwner>(&argument.value);
+  if (array != nullptr && array->Get() != nullptr) SafeArrayUnlock(array->Get());
+}
+
+bool EndsTheSession(const Member& member) {
+  return member.name == "Initialize" || member.name == "Close";
+}
+
+/// Every mistake in every argument, the other ones being zero. `seen` gets each result.
+template <typename Seen>
+void MakeMistakes(const Member& member, IUnknown& object, Seen&& seen) {
+  if (member.parameters.empty()) seen(member.Call(&object, {}));
+  for (std::size_t i = 0; i < member.parameters.size(); ++i) {
+    for (Argument& mistake : Mistakes(member.parameters[i].type)) {
+      std::vector<Argument> arguments(member.parameters.size());
+      arguments[i] = std::move(mistake);
+      seen(member.Call(&object, arguments));
+      Unlock(arguments[i]);
+    }
+  }
+  TakeErrorInfo();
+}
+
+class Misuse : public SessionTest {
+ protected:
+  /// Undoes what the mistakes have set, then measures.
+  void ExpectStillMeasures() {
+    surface_.root->Close();
+    Open();
+    LoadDetectors();
+    for (const auto* name : kChannelNames) {
+      const auto channel = Channel(name);
+      EXPECT_EQ(channel->put_FrequencyMultiplier(1.0), S_OK);
+      EXPECT_EQ(channel->put_FrequencyDivider(1.0), S_OK);
+      EXPECT_EQ(channel->put_FrequencyOffset(0.0), S_OK);
+    }
+    EXPECT_EQ(surface_.frequency_step->put_Dwell(0.0), S_OK);
+    EXPECT_EQ(surface_.acquisition->put_Averaging(1), S_OK);
+    EXPECT_EQ(surface_.rf->put_Level(kLevel), S_OK);
+    RunSweep(2e9, 2.8e9, 1e7);
+    ExpectResponse(kLevel, 81);
+  }
+};
+
+TEST_F(Misuse, NoValueInAnyArgumentEndsTheSession) {
+  Open();
+  const auto objects = ObjectsOf(surface_);
+  std::size_t calls = 0;
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    const members::Interface& type = members::Interfaces()[i];
+    for (const Member& member : type.members) {
+      SCOPED_TRACE(std::string(type.name) + "::" + std::string(member.name));
+      if (EndsTheSession(member)) continue;
+      MakeMistakes(member, *objects[i], [&calls](HRESULT) { ++calls; });
+      ASSERT_TRUE(IsOpen());
+    }
+  }
+  std::printf("%zu calls\n", calls);
+  ExpectStillMeasures();
+}
+
+TEST_F(Misuse, NoResourceNameIsTooWrong) {
+  const Member* const initialize =
+      members::Interfaces().front().Find("Initialize", members::Kind::kMethod);
+  MakeMistakes(*initialize, *surface_.root.Get(), [](HRESULT result) {
+    EXPECT_EQ(result, Code(0x80047060)) << "an unknown resource";
+  });
+  ExpectStillMeasures();
+}
+
+TEST_F(Misuse, ManyThreadsMayCallAnythingAtOnce) {
+  constexpr int kThreads = 16;
+  constexpr int kCalls = 40;
+  Open();
+  const auto objects = ObjectsOf(surface_);
+  std::vector<std::thread> threads;
+  threads.reserve(kThreads);
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([&, thread] {
+      std::mt19937 random(static_cast<unsigned>(thread));
+      const auto pick = [&random](const auto& list) -> const auto& {
+        return list[std::uniform_int_distribution<std::size_t>(0, list.size() - 1)(random)];
+      };
+      for (int call = 0; call < kCalls; ++call) {
+        const auto& object = pick(objects);
+        const auto& type = members::Interfaces()[static_cast<std::size_t>(&object - &objects[0])];
+        const Member& member = pick(type.members);
+        // One of them opens the session again, as often as it is told.
+        if (thread == 0 && call % 10 == 9) Initialize();
+        if (thread == 0 && call % 20 == 19) surface_.root->Close();
+        if (EndsTheSession(member)) continue;
+        std::vector<Argument> arguments(member.parameters.size());
+        member.Call(object.Get(), arguments);
+      }
+      TakeErrorInfo();
+    });
+  }
+  for (auto& thread : threads) thread.join();
+  ExpectStillMeasures();
+}
+
+// The sweeps never end: nobody pulls the trigger.
+void StartAnEndlessSweep(Surface& s) {
+  EXPECT_EQ(s.frequency_step->put_Start(1e9), S_OK);
+  EXPECT_EQ(
+      s.sweep->Configure(ZentrelK4NSweepModeFrequencyStep, ZentrelK4NSweepTriggerSourceExternal),
+      S_OK);
+  EXPECT_EQ(s.rf->put_OutputEnabled(VARIANT_TRUE), S_OK);
+  EXPECT_EQ(s.acquisition->Initiate(), S_OK);
+}
+
+TEST_F(Misuse, AnObjectMayGoInTheMiddleOfASweep) {
+  Open();
+  StartAnEndlessSweep(surface_);
+  surface_ = Surface(ModuleWithVisa());
+  EXPECT_TRUE(WaitUntil([this] { return instrument_.ConnectionCount() == 0; }));
+  EXPECT_FALSE(instrument_.State().output_enabled);
+  ExpectStillMeasures();
+}
+
+TEST_F(Misuse, SessionsMayEndAndBeginUnderAFetch) {
+  Open();
+  LoadDetectors();
+  std::jthread fetching([this](const std::stop_token& stop) {
+    const auto channel = Channel("ChannelA");
+    while (!stop.stop_requested()) {
+      surface_.acquisition->Initiate();
+      SAFEARRAY* array = nullptr;
+      double x = 0.0;
+      channel->FetchData(&array, &x, &x);
+      const SafeArrayOwner owner(array);
+      TakeErrorInfo();
+    }
+  });
+  for (int i = 0; i < 3; ++i) {  // each waits for a read to end
+    StartAnEndlessSweep(surface_);
+    if (i % 2 == 0) surface_.root->Close();
+    EXPECT_EQ(Initialize(), S_OK);
+  }
+  fetching = {};
+  ExpectStillMeasures();
+}
+
+TEST(MisuseOfMany, SessionsOfManyInstrumentsKeepApart) {
+  constexpr std::size_t kInstruments = 64;
+  std::vector<std::thread> threads;
+  threads.reserve(kInstruments);
+  for (std::size_t i = 0; i < kInstruments; ++i) {
+    threads.emplace_back([i] {
+      simulator::Options options;
+      options.device.centre = 1e9 + static_cast<double>(i) * 4e7;
+      simulator::Simulator instrument(options);
+      instrument.Start();
+      Surface s(ModuleWithVisa());
+      EXPECT_EQ(s.root->Initialize(Text(instrument.ResourceName()).Get(), 0, 0, nullptr), S_OK);
+      EXPECT_EQ(s.channel->LoadDetectorDataFromFile(Text(ZK_DETECTOR_FILE).Get()), S_OK);
+      EXPECT_EQ(s.rf->Configure(1e9, kLevel), S_OK);
+      EXPECT_EQ(s.rf->put_OutputEnabled(VARIANT_TRUE), S_OK);
+      const double start = options.device.centre - 2e8;
+      EXPECT_EQ(s.frequency_step->ConfigureStartStop(start, start + 4e8,
+                                                     ZentrelK4NFrequencyStepScalingLinear, 1e7),
+                S_OK);
+      EXPECT_EQ(s.sweep->Configure(ZentrelK4NSweepModeFrequencyStep,
+                                   ZentrelK4NSweepTriggerSourceSoftware),
+                S_OK);
+      EXPECT_EQ(s.acquisition->Initiate(), S_OK);
+      auto status = ZentrelK4NAcquisitionStatusInProgress;
+      while (status == ZentrelK4NAcquisitionStatusInProgress) s.acquisition->get_Status(&status);
+      EXPECT_EQ(s.channel->FetchData(&s.array, &s.number, &s.number_2), S_OK);
+      const SafeArrayOwner owner(s.array);
+      const std::vector<double> values = ValuesOf(s.array);
+      ASSERT_EQ(values.size(), 41U);
+      for (std::size_t point = 0; point < values.size(); ++point) {
+        const double frequency = start + static_cast<double>(point) * 1e7;
+        ASSERT_NEAR(values[point], kLevel + options.device.Through(frequency), 0.05) << i;
+      }
+      EXPECT_EQ(s.root->Close(), S_OK);
+      TakeErrorInfo();
+    });
+  }
+  for (auto& thread : threads) thread.join();
+}
+
+TEST(MisuseOfChildren, EveryMemberOfOneWithoutARootFailsCleanly) {
+  const CLSID classes[] = {
+      __uuidof(ZentrelK4NChannel),         __uuidof(ZentrelK4NPowerStep),
+      __uuidof(ZentrelK4NPulseGenerator),  __uuidof(ZentrelK4NPulseGeneratorOutput),
+      __uuidof(ZentrelK4NPulseModulation), __uuidof(ZentrelK4NPulseGeneratorDouble),
+      __uuidof(ZentrelK4NTriggerOutput),   __uuidof(ZentrelK4NPulsePacketGenerator),
+      __uuidof(ZentrelK4NSyncGenerator)};
+  for (const CLSID& class_id : classes) {
+    const auto object = SharedModule().Create(class_id);
+    for (const auto& type : members::Interfaces()) {
+      ComPtr<IUnknown> wanted;
+      if (object->QueryInterface(type.id, wanted.PutVoid()) != S_OK) continue;
+      for (const Member& member : type.members) {
+        const bool hands_out =
+            !member.parameters.empty() && member.parameters.back().type == Type::kInterface;
+        MakeMistakes(member, *wanted.Get(), [&](HRESULT result) {
+          EXPECT_TRUE(result == kNotConnectedCode || result == kMethodCode ||
+                      result == kPropertyCode || (hands_out && result == S_OK))
+              << type.name << "::" << member.name << " gives " << std::hex << result;
+        });
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace driver_test
