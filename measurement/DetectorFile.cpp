@@ -1,10 +1,10 @@
 #include "measurement/DetectorFile.h"
 
 #include <charconv>
-#include <cmath>
 #include <system_error>
 #include <utility>
 
+#include "measurement/DetectorLevel.h"
 #include "measurement/MatrixFile.h"
 #include "measurement/NewDetectorMatrixConvertor.h"
 #include "platform/os/Files.h"
@@ -103,7 +103,7 @@ Status LoadDetectorFile(ICustomMatrix<double>& matrix, const std::string& path,
 
 void ConvertLevelAxisToLog10(CSimpleMatrix& matrix) {
   for (std::uint32_t row = 1; row < matrix.GetRows(); ++row) {
-    matrix.SetItem(0, row, std::log10(matrix.GetItem(0, row)));
+    matrix.SetItem(0, row, Log10(matrix.GetItem(0, row)));
   }
 }
 
