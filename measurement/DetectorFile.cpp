@@ -31,7 +31,7 @@ std::string GetDetectorFolder() {
 
 DetectorFile::Fault DetectorFile::Read(std::ifstream file) {
   const Status read = text_.Read(std::move(file));
-  if (read != status::kCannotOpenFile) {
+  if (text_.HasContent()) {
     version_ = VersionNumber(GetHeaderValue(text_.Header(), "VERSION", "0"));
   }
   fault_ = FindFault(read);

@@ -28,7 +28,7 @@ class DetectorFile {
   enum class Fault {
     kNone,
     kCannotOpen,
-    kNoNumbers,  ///< or more than a gibibyte
+    kNoNumbers,  ///< nothing at all, or more than a gibibyte, included
     kUnevenRows,
     kUnknownVersion,
     kNoDigest,
@@ -42,7 +42,7 @@ class DetectorFile {
   /// What the fault is to the driver: 0, 0x80047002 (cannot be opened) or 0x8004705C (bad content).
   [[nodiscard]] Status ReadStatus() const;
 
-  /// Nothing when no integer can hold it, or the file cannot be opened.
+  /// Nothing when no integer can hold it, or the file has no content.
   [[nodiscard]] std::optional<int> Version() const { return version_; }
   /// What the file holds: its counts, digests and header lines.
   [[nodiscard]] const MatrixText& Text() const { return text_; }

@@ -46,8 +46,10 @@ class MatrixText {
   /// As above from a file that was opened in binary mode, or could not be.
   Status Read(std::ifstream file);
 
-  // What follows can be asked of any file that could be opened, good or not.
+  // What follows can be asked of any file, good or not.
 
+  /// False for a file that is empty, too large, or cannot be opened.
+  [[nodiscard]] bool HasContent() const { return !text_.empty(); }
   /// The count of numbers in the first data line; 0 when there is none.
   [[nodiscard]] std::uint32_t Columns() const { return columns_; }
   /// The count of data lines.

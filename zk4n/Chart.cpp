@@ -259,7 +259,7 @@ class Painter {
          << DashAttribute(curve) << " d=\"";
     std::size_t run = 0;  // vertices since the pen went down
     // A point by itself becomes a short stroke, or it would not be seen.
-    const auto end_run = [&] { svg_ << (run == 1 ? "m-2 0h4" : ""), run = 0; };
+    const auto end_run = [&] { svg_ << (run == 1 ? "m-4 0h8" : ""), run = 0; };
     for (const std::size_t i : VerticesOf(curve.values)) {
       if (!IsDrawable(curve.values[i]) || !IsDrawable(chart_.points[i])) {
         end_run();
@@ -296,26 +296,29 @@ class Painter {
   }
 
   void DrawColourBar() {
-    constexpr std::size_t kLabels = 13;
+    constexpr std::size_t kMostLabels = 13;
     const double left = area_.right + 20.0;
     const std::size_t count = chart_.curves.size();
-    const std::size_t labelled = (count + kLabels - 1) / kLabels;  // one in so many
-    const double height = (area_.bottom - area_.top) / static_cast<double>(std::max(count, kOne));
-    svg_ << "<text x=\"" << kWidth - 16 << "\" y=\"" << area_.top - 13
-         << "\" font-size=\"13\" fill=\"#30363c\" text-anchor=\"end\">"
-         << EscapeXml(chart_.colour_bar) << "</text>\n";
+    if (count == 0) return;
+    const double height = (area_.bottom - area_.top) / static_cast<double>(count);
+    svg_ << "<g font-size=\"13\" fill=\"#30363c\">\n<text x=\"" << kWidth - 16 << "\" y=\""
+         << area_.top - 13 << "\" text-anchor=\"end\">" << EscapeXml(chart_.colour_bar)
+         << "</text>\n";
     for (std::size_t i = 0; i < count; ++i) {
-      const double top = area_.bottom - height * static_cast<double>(i + 1);
-      svg_ << "<rect x=\"" << left << "\" y=\"" << top << "\" width=\"14\" height=\""
-           << height + 0.3 << "\" fill=\"" << chart_.curves[i].colour << "\"/>\n";
-      if (i % labelled != 0) continue;
-      svg_ << "<text x=\"" << left + 20 << "\" y=\"" << top + height / 2 + 4.5
-           << "\" font-size=\"13\" fill=\"#30363c\">" << EscapeXml(chart_.curves[i].label)
-           << "</text>\n";
+      svg_ << "<rect shape-rendering=\"crispEdges\" x=\"" << left << "\" y=\""
+           << area_.bottom - height * static_cast<double>(i + 1) << "\" width=\"14\" height=\""
+           << height << "\" fill=\"" << chart_.curves[i].colour << "\"/>\n";
     }
+    // The first, the last, and some between them.
+    const std::size_t labels = std::min(count, kMostLabels);
+    for (std::size_t k = 0; k < labels; ++k) {
+      const std::size_t i = labels < 2 ? 0 : k * (count - 1) / (labels - 1);
+      svg_ << "<text x=\"" << left + 20 << "\" y=\""
+           << area_.bottom - height * (static_cast<double>(i) + 0.5) + 4.5 << "\">"
+           << EscapeXml(chart_.curves[i].label) << "</text>\n";
+    }
+    svg_ << "</g>\n";
   }
-
-  static constexpr std::size_t kOne = 1;
 
   const Chart& chart_;
   Area area_;
