@@ -44,8 +44,8 @@ std::string FaultText(const DetectorFile& file) {
     case Fault::kNoNumbers:
       return file.Text().HasContent() ? "it holds no numbers" : "it is empty, or larger than 1 GiB";
     case Fault::kUnevenRows:
-      return "data line " + std::to_string(file.Text().UnevenRow()) + " has not the " +
-             std::to_string(file.Text().Columns()) + " numbers of the first one";
+      return "data line " + std::to_string(file.Text().UnevenRow()) +
+             " has another count of numbers than the first one";
     case Fault::kUnknownVersion:
       return "only the versions 0 and 3 are known";
     case Fault::kNoDigest:
