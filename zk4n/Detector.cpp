@@ -130,12 +130,12 @@ void RequireNewOutput(const DetectorOptions& options) {
 int Sign(const DetectorOptions& options) {
   RequireNewOutput(options);
   const DetectorFile file = ReadInput(options);
-  if (file.HasTable() && file.Version() == kVersionSigned) {
-    return WriteSigned(options, file, file.Text().Header());
+  RequireTable(options, file);
+  // A file that does not state its version is of version 0: whether it has levels cannot be told.
+  if (file.Version() != kVersionSigned) {
+    throw std::runtime_error(options.input + " is of version 0: convert makes a version 3 of it");
   }
-  Refuse(
-      options.input, status::kInvalidFileFormat,
-      file.HasTable() ? "it is of version 0, which convert makes a version 3 of" : FaultText(file));
+  return WriteSigned(options, file, file.Text().Header());
 }
 
 /// The header lines with the version changed.
@@ -144,7 +144,8 @@ std::string HeaderOfVersion3(const std::string& header) {
   LineReader lines(header);
   std::string_view line;
   while (lines.Next(line)) {
-    if (!line.starts_with("#VERSION")) (changed += '\n') += line;
+    const bool is_version = line == "#VERSION" || line.starts_with("#VERSION ");
+    if (!is_version) (changed += '\n') += line;
   }
   return changed;
 }
