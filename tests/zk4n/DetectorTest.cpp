@@ -260,7 +260,7 @@ TEST(DetectorSvg, HasACurveForEachLevelButNotForThousands) {
   }
   const std::string of_odd = DetectorAsSvg(odd, "");
   EXPECT_EQ(CountOf(of_odd, curve), 80U);
-  EXPECT_THAT(of_odd, testing::Not(testing::ContainsRegex("nan|inf")));
+  EXPECT_EQ(CountOf(of_odd, "nan") + CountOf(of_odd, "inf"), 0U);
 }
 
 }  // namespace
