@@ -1,28 +1,26 @@
 #include "measurement/DetectorFile.h"
 
 #include <charconv>
-#include <cmath>
 #include <system_error>
+#include <utility>
 
+#include "measurement/DetectorLevel.h"
 #include "measurement/MatrixFile.h"
-#include "measurement/MatrixText.h"
 #include "measurement/NewDetectorMatrixConvertor.h"
 #include "platform/os/Files.h"
 
 namespace {
 
-constexpr int kVersionWithoutLevels = 0;
-constexpr int kVersionSigned = 3;
-
-/// The number at the start of a version text; 0 when there is none, -1 when no integer can hold it.
-int VersionNumber(std::string_view text) {
+/// The number at the start of a version text; 0 when there is none, nothing when no integer can
+/// hold it.
+std::optional<int> VersionNumber(std::string_view text) {
   text = Trimmed(text, " \t\v\f");
   if (text.starts_with('+') && !text.starts_with("+-")) {
     text.remove_prefix(1);
   }
   int version = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), version);
-  return error == std::errc::result_out_of_range ? -1 : version;
+  return error == std::errc::result_out_of_range ? std::nullopt : std::optional<int>(version);
 }
 
 }  // namespace
@@ -31,31 +29,81 @@ std::string GetDetectorFolder() {
   return os::CommonFilesFolder() + "\\Zentrel Shared\\Detectors\\";
 }
 
+DetectorFile::Fault DetectorFile::Read(std::ifstream file) {
+  const Status read = text_.Read(std::move(file));
+  if (text_.HasContent()) {
+    version_ = VersionNumber(GetHeaderValue(text_.Header(), "VERSION", "0"));
+  }
+  fault_ = FindFault(read);
+  return fault_;
+}
+
+DetectorFile::Fault DetectorFile::FindFault(Status read) const {
+  if (read == status::kCannotOpenFile) {
+    return Fault::kCannotOpen;
+  }
+  if (text_.Rows() == 0) {
+    return Fault::kNoNumbers;
+  }
+  if (text_.UnevenRow() != 0) {
+    return Fault::kUnevenRows;
+  }
+  if (version_ == kVersionWithoutLevels) {
+    return Fault::kNone;
+  }
+  if (version_ != kVersionSigned) {
+    return Fault::kUnknownVersion;
+  }
+  if (!text_.HasDigest()) {
+    return Fault::kNoDigest;
+  }
+  if (text_.DataFollowsDigest()) {
+    return Fault::kDataBehindDigest;
+  }
+  return text_.IsSigned() ? Fault::kNone : Fault::kWrongDigest;
+}
+
+Status DetectorFile::ReadStatus() const {
+  switch (fault_) {
+    case Fault::kNone:
+      return status::kOk;
+    case Fault::kCannotOpen:
+      return status::kCannotOpenFile;
+    default:
+      return status::kInvalidFileFormat;
+  }
+}
+
+bool DetectorFile::HasTable() const {
+  return text_.Rows() != 0 && text_.UnevenRow() == 0 &&
+         (version_ == kVersionWithoutLevels || version_ == kVersionSigned);
+}
+
+Status DetectorFile::Fill(ICustomMatrix<double>& matrix) const {
+  if (version_ == kVersionWithoutLevels) {
+    CNewDetectorMatrixConvertor with_levels(matrix);
+    return text_.Fill(with_levels);
+  }
+  return text_.Fill(matrix);
+}
+
 Status LoadDetectorFile(ICustomMatrix<double>& matrix, const std::string& path,
                         std::string* header) {
-  MatrixText text;
-  Status result = text.Read(path);
-  if (result != status::kOk) {
-    return result;
-  }
-  const int version = VersionNumber(GetHeaderValue(text.Header(), "VERSION", "0"));
-  if (version == kVersionWithoutLevels) {
-    CNewDetectorMatrixConvertor with_levels(matrix);
-    result = text.Fill(with_levels);
-  } else if (version == kVersionSigned && text.IsSigned()) {
-    result = text.Fill(matrix);
-  } else {
-    result = status::kInvalidFileFormat;
+  DetectorFile file;
+  file.Read(os::OpenForReading(path));
+  Status result = file.ReadStatus();
+  if (result == status::kOk) {
+    result = file.Fill(matrix);
   }
   if (result == status::kOk && header != nullptr) {
-    *header = text.Header();
+    *header = file.Text().Header();
   }
   return result;
 }
 
 void ConvertLevelAxisToLog10(CSimpleMatrix& matrix) {
   for (std::uint32_t row = 1; row < matrix.GetRows(); ++row) {
-    matrix.SetItem(0, row, std::log10(matrix.GetItem(0, row)));
+    matrix.SetItem(0, row, Log10(matrix.GetItem(0, row)));
   }
 }
 

@@ -2,11 +2,14 @@
 // table.
 #pragma once
 
+#include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "measurement/DetectorTable.h"
 #include "measurement/ICustomMatrix.h"
+#include "measurement/MatrixText.h"
 #include "measurement/SimpleMatrix.h"
 #include "measurement/Status.h"
 
@@ -14,6 +17,47 @@
 /// common files folder followed by "\Zentrel Shared\Detectors\". Kept: the suffix stands alone when
 /// the system tells no common files folder.
 std::string GetDetectorFolder();
+
+/// Versions of detector files.
+inline constexpr int kVersionWithoutLevels = 0;  ///< no level column, no digest
+inline constexpr int kVersionSigned = 3;         ///< a level column, and a digest that is required
+
+/// A detector file as it was read, good or not.
+class DetectorFile {
+ public:
+  enum class Fault {
+    kNone,
+    kCannotOpen,
+    kNoNumbers,  ///< nothing at all, or more than a gibibyte, included
+    kUnevenRows,
+    kUnknownVersion,
+    kNoDigest,
+    kWrongDigest,
+    kDataBehindDigest,
+  };
+
+  /// Reads a file that was opened in binary mode, or could not be. Once an object.
+  Fault Read(std::ifstream file);
+  [[nodiscard]] Fault ReadFault() const { return fault_; }
+  /// What the fault is to the driver: 0, 0x80047002 (cannot be opened) or 0x8004705C (bad content).
+  [[nodiscard]] Status ReadStatus() const;
+
+  /// Nothing when no integer can hold it, or the file has no content.
+  [[nodiscard]] std::optional<int> Version() const { return version_; }
+  /// What the file holds: its counts, digests and header lines.
+  [[nodiscard]] const MatrixText& Text() const { return text_; }
+  /// True when the numbers are known to be a table, be the digest right or not.
+  [[nodiscard]] bool HasTable() const;
+  /// Stores the table, with a level column and linear levels in any version. Only with HasTable.
+  Status Fill(ICustomMatrix<double>& matrix) const;
+
+ private:
+  [[nodiscard]] Fault FindFault(Status read) const;
+
+  MatrixText text_;
+  std::optional<int> version_;
+  Fault fault_ = Fault::kCannotOpen;
+};
 
 /// Reads a detector file of version 0 (no level column, no digest) or 3 (digest required). `header`
 /// may be null; it receives all header lines. Levels stay linear, as the file has them. Neither

@@ -22,18 +22,30 @@ bool AllFinite(const ICustomMatrix<double>& matrix) {
   return true;
 }
 
-std::string RowText(const ICustomMatrix<double>& matrix, std::uint32_t row) {
-  constexpr int kSignificantDigits = 13;
+/// The value with 13 significant digits; if it is to be exact, and needs them, with 17.
+void AppendNumber(std::string& text, double value, bool exact) {
+  std::array<char, 32> digits;
+  char* const begin = digits.data();
+  const auto write = [&](int significant) {
+    constexpr auto kFormat = std::chars_format::general;
+    return std::to_chars(begin, begin + digits.size(), value, kFormat, significant).ptr;
+  };
+  char* end = write(13);
+  double read_back = 0.0;
+  std::from_chars(begin, end, read_back);
+  if (exact && read_back != value) {
+    end = write(17);
+  }
+  text.append(begin, end);
+}
+
+std::string RowText(const ICustomMatrix<double>& matrix, std::uint32_t row, bool exact) {
   std::string text;
   for (std::uint32_t column = 0; column < matrix.GetCols(); ++column) {
-    std::array<char, 32> digits;
-    const auto [end, error] =
-        std::to_chars(digits.begin(), digits.end(), matrix.GetItem(column, row),
-                      std::chars_format::general, kSignificantDigits);
     if (column != 0) {
       text += '\t';
     }
-    text.append(digits.begin(), end);
+    AppendNumber(text, matrix.GetItem(column, row), exact);
   }
   return text;
 }
@@ -57,32 +69,45 @@ Status LoadMatrixFile(ICustomMatrix<double>* matrix, const std::string& path, st
   return matrix != nullptr ? text.Fill(*matrix) : status::kOk;
 }
 
-Status SaveMatrixFile(const ICustomMatrix<double>& matrix, const std::string& path,
-                      std::string_view header, std::uint32_t flags) {
+Status ComposeMatrixFile(const ICustomMatrix<double>& matrix, std::string_view header,
+                         std::uint32_t flags, std::string& text) {
   if (!AllFinite(matrix)) {
     return status::kInvalidValue;
   }
-  std::ofstream file = os::OpenForWriting(path);
-  if (!file.is_open()) {
-    return status::kCannotOpenFile;
-  }
+  text.clear();
   Gost341194 hash;
+  const auto add_line = [&](std::string_view line) {
+    text += line;
+    text += '\n';
+    hash.Update(line);
+  };
   LineReader header_lines(header);
   std::string_view line;
   while (header_lines.Next(line)) {
     if (!line.starts_with(kDigestMark)) {
-      file << line << '\n';
-      hash.Update(line);
+      add_line(line);
     }
   }
   for (std::uint32_t row = 0; row < matrix.GetRows(); ++row) {
-    const std::string text = RowText(matrix, row);
-    file << text << '\n';
-    hash.Update(text);
+    add_line(RowText(matrix, row, (flags & kMatrixFileExact) != 0));
   }
   if ((flags & kMatrixFileDigest) != 0) {
-    file << '\n' << kDigestMark << ' ' << ToHexText(hash.Finish());
+    text += '\n';
+    text += kDigestMark;
+    text += ' ' + ToHexText(hash.Finish());
   }
+  return status::kOk;
+}
+
+Status SaveMatrixFile(const ICustomMatrix<double>& matrix, const std::string& path,
+                      std::string_view header, std::uint32_t flags) {
+  std::string text;
+  const Status result = ComposeMatrixFile(matrix, header, flags, text);
+  if (result != status::kOk) {
+    return result;
+  }
+  std::ofstream file = os::OpenForWriting(path);
+  file << text;
   file.close();
   return file ? status::kOk : status::kCannotOpenFile;
 }

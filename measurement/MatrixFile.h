@@ -15,6 +15,7 @@
 
 /// Bits of the `flags` arguments.
 inline constexpr std::uint32_t kMatrixFileDigest = 1;  ///< check, or write, the digest line
+inline constexpr std::uint32_t kMatrixFileExact = 2;   ///< write what reads back to the last bit
 
 /// Reads a file into a matrix. `matrix` may be null: the file is only checked; `header` may be
 /// null, else it receives the header lines, joined by "\n" (with the digest check only those in
@@ -25,11 +26,15 @@ inline constexpr std::uint32_t kMatrixFileDigest = 1;  ///< check, or write, the
 Status LoadMatrixFile(ICustomMatrix<double>* matrix, const std::string& path, std::string* header,
                       std::uint32_t flags);
 
-/// Writes a matrix with 13 significant digits, values separated by tabs. Lines of `header` that
-/// begin with
-/// "#CRC" are left out. kMatrixFileDigest ends the file with a digest line.
-/// Returns 0; 0x80047002 when the file cannot be created or written; 0x80047010, leaving the file
-/// alone, when a value is not finite.
+/// Composes a file: the header lines, without those that begin with "#CRC", then the rows, values
+/// separated by tabs and with 13 significant digits. kMatrixFileExact gives more digits to a value
+/// that needs them; kMatrixFileDigest ends the file with a digest line.
+/// Returns 0, or 0x80047010, leaving `text` alone, when a value is not finite.
+Status ComposeMatrixFile(const ICustomMatrix<double>& matrix, std::string_view header,
+                         std::uint32_t flags, std::string& text);
+
+/// Writes a composed file. Returns 0; 0x80047002 when the file cannot be created or written;
+/// 0x80047010, leaving the file alone, when a value is not finite.
 Status SaveMatrixFile(const ICustomMatrix<double>& matrix, const std::string& path,
                       std::string_view header, std::uint32_t flags);
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <fstream>
 #include <system_error>
 
 #include "measurement/Gost341194.h"
@@ -79,8 +78,9 @@ void ParseNumbers(std::string_view line, std::vector<double>& numbers) {
   }
 }
 
-Status MatrixText::Read(const std::string& path) {
-  std::ifstream file = os::OpenForReading(path);
+Status MatrixText::Read(const std::string& path) { return Read(os::OpenForReading(path)); }
+
+Status MatrixText::Read(std::ifstream file) {
   if (!file.is_open()) {
     return status::kCannotOpenFile;
   }
@@ -96,60 +96,65 @@ Status MatrixText::Read(const std::string& path) {
   text_.resize(static_cast<std::size_t>(size));
   file.read(text_.data(), size);
   text_.resize(static_cast<std::size_t>(file.gcount()));
-  return Parse() ? status::kOk : status::kInvalidFileFormat;
+  Parse();
+  return rows_ != 0 && uneven_row_ == 0 ? status::kOk : status::kInvalidFileFormat;
 }
 
-bool MatrixText::Parse() {
+void MatrixText::Parse() {
   LineReader lines(text_);
   std::string_view line;
   while (lines.Next(line)) {
-    if (!IsHeaderLine(line)) {
+    if (IsHeaderLine(line)) {
+      TakeHeaderLine(line);
+    } else {
       data_follows_digest_ = has_digest_;
-      if (!TakeDataLine(line)) {
-        return false;
-      }
-      continue;
+      TakeDataLine(line);
     }
-    if (!has_digest_ && line.starts_with(kDigestMark)) {
-      has_digest_ = true;
-      signed_header_size_ = header_.size();
-    }
-    if (!header_.empty()) {
-      header_ += '\n';
-    }
-    header_ += line;
   }
-  return rows_ != 0;
 }
 
-/// False when the line has another count of numbers than the lines before it.
-bool MatrixText::TakeDataLine(std::string_view line) {
+void MatrixText::TakeHeaderLine(std::string_view line) {
+  if (!has_digest_ && line.starts_with(kDigestMark)) {
+    has_digest_ = true;
+    signed_header_size_ = header_.size();
+    if (line.size() > kDigestMark.size()) {
+      stored_digest_ = Trimmed(line.substr(kDigestMark.size() + 1));
+    }
+  }
+  if (!header_.empty()) {
+    header_ += '\n';
+  }
+  header_ += line;
+}
+
+void MatrixText::TakeDataLine(std::string_view line) {
   const std::size_t before = numbers_.size();
   ParseNumbers(line, numbers_);
   const std::size_t count = numbers_.size() - before;
   if (count == 0) {
-    return true;
+    return;
   }
   if (rows_ == 0) {
     columns_ = static_cast<std::uint32_t>(count);
   }
   ++rows_;
-  return count == columns_;
+  if (count != columns_ && uneven_row_ == 0) {
+    uneven_row_ = rows_;
+  }
 }
 
-bool MatrixText::IsSigned() const {
-  if (!has_digest_ || data_follows_digest_) {
-    return false;
-  }
+std::string MatrixText::ComputedDigest() const {
   Gost341194 hash;
   LineReader lines(text_);
   std::string_view line;
   while (lines.Next(line) && !line.starts_with(kDigestMark)) {
     hash.Update(line);
   }
-  const std::string_view stored =
-      line.size() > kDigestMark.size() ? Trimmed(line.substr(kDigestMark.size() + 1)) : "";
-  return stored == ToHexText(hash.Finish());
+  return ToHexText(hash.Finish());
+}
+
+bool MatrixText::IsSigned() const {
+  return has_digest_ && !data_follows_digest_ && stored_digest_ == ComputedDigest();
 }
 
 std::string_view MatrixText::SignedHeader() const {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -42,7 +43,26 @@ class MatrixText {
   /// Reads a whole file. Returns 0, 0x80047002 when it cannot be opened, or 0x8004705C when it has
   /// no numbers, rows of different lengths, or more than a gibibyte.
   Status Read(const std::string& path);
+  /// As above from a file that was opened in binary mode, or could not be.
+  Status Read(std::ifstream file);
 
+  // What follows can be asked of any file, good or not.
+
+  /// False for a file that is empty, too large, or cannot be opened.
+  [[nodiscard]] bool HasContent() const { return !text_.empty(); }
+  /// The count of numbers in the first data line; 0 when there is none.
+  [[nodiscard]] std::uint32_t Columns() const { return columns_; }
+  /// The count of data lines.
+  [[nodiscard]] std::uint32_t Rows() const { return rows_; }
+  /// The first data line, from 1, that has another count of numbers than the one before it; 0 when
+  /// there is none.
+  [[nodiscard]] std::uint32_t UnevenRow() const { return uneven_row_; }
+  [[nodiscard]] bool HasDigest() const { return has_digest_; }
+  [[nodiscard]] bool DataFollowsDigest() const { return data_follows_digest_; }
+  /// What the first digest line says; empty without one.
+  [[nodiscard]] const std::string& StoredDigest() const { return stored_digest_; }
+  /// The digest of the lines in front of the digest line, or of all lines without one.
+  [[nodiscard]] std::string ComputedDigest() const;
   /// True when the digest line is that of the lines in front of it, and only header lines follow
   /// it.
   [[nodiscard]] bool IsSigned() const;
@@ -50,18 +70,21 @@ class MatrixText {
   [[nodiscard]] const std::string& Header() const { return header_; }
   /// The header lines in front of the digest line.
   [[nodiscard]] std::string_view SignedHeader() const;
-  /// Stores all numbers.
+  /// Stores all numbers; only of a file that was good.
   Status Fill(ICustomMatrix<double>& matrix) const;
 
  private:
-  [[nodiscard]] bool Parse();
-  [[nodiscard]] bool TakeDataLine(std::string_view line);
+  void Parse();
+  void TakeHeaderLine(std::string_view line);
+  void TakeDataLine(std::string_view line);
 
   std::string text_;
   std::string header_;
   std::vector<double> numbers_;  // row by row
   std::uint32_t columns_ = 0;
   std::uint32_t rows_ = 0;
+  std::uint32_t uneven_row_ = 0;
+  std::string stored_digest_;
   bool has_digest_ = false;
   std::size_t signed_header_size_ = 0;  // of header_, when there is a digest line
   bool data_follows_digest_ = false;

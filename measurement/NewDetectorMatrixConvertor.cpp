@@ -1,12 +1,32 @@
 #include "measurement/NewDetectorMatrixConvertor.h"
 
+#include <array>
 #include <cmath>
 
 namespace {
 
 /// The level of a row, counted from 1, in files that do not carry it.
 double SynthesisedLevel(std::uint32_t row) {
-  return 5e6 * std::exp2(static_cast<double>(row - 1) / 16.0) / 16777216.0;
+  // 2^(k / 16); a system's own powers differ in the last bit.
+  constexpr std::array<double, 16> kSixteenthsOfAnOctave{1.0,
+                                                         1.0442737824274138,
+                                                         1.0905077326652577,
+                                                         1.1387886347566916,
+                                                         1.189207115002721,
+                                                         1.241857812073484,
+                                                         1.2968395546510096,
+                                                         1.3542555469368927,
+                                                         1.4142135623730951,
+                                                         1.4768261459394993,
+                                                         1.5422108254079407,
+                                                         1.6104903319492543,
+                                                         1.681792830507429,
+                                                         1.7562521603732995,
+                                                         1.8340080864093424,
+                                                         1.9152065613971474};
+  const std::uint32_t steps = row - 1;
+  const double factor = std::ldexp(kSixteenthsOfAnOctave[steps % 16], static_cast<int>(steps / 16));
+  return 5e6 * factor / 16777216.0;
 }
 
 }  // namespace

@@ -1,14 +1,11 @@
 #include "measurement/TraceConversion.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
-namespace {
+#include "measurement/DetectorLevel.h"
 
-/// Readings up to this one have no logarithm worth having.
-constexpr double kSmallestReading = 0.001;
-constexpr double kLevelFloor = -3.0;
+namespace {
 
 /// Points are worked on in pieces that stay in the first-level cache.
 constexpr std::size_t kPiece = 512;
@@ -73,7 +70,7 @@ void Levels(const std::uint8_t* bytes, const ReadingScale& scale, std::span<doub
     levels[i] = ReadingAt(bytes + i * kBytesPerPoint) * scale.multiplier / scale.divisor;
   }
   for (double& level : levels) {
-    level = level <= kSmallestReading ? kLevelFloor : std::log10(level);
+    level = DetectorLevel(level);
   }
 }
 

@@ -1,6 +1,5 @@
 #include "zk4n/Arguments.h"
 
-#include <fstream>
 #include <system_error>
 
 #include "zk4n/Commands.h"
@@ -17,10 +16,13 @@ std::filesystem::path PathArgument(const std::string& utf8) {
   return {std::u8string(utf8.begin(), utf8.end())};
 }
 
-void RequireReadable(const std::string& file) {
+std::ifstream OpenArgument(const std::string& file) {
   std::error_code error;
   const std::filesystem::path path = PathArgument(file);
-  if (!std::filesystem::is_regular_file(path, error) || !std::ifstream(path, std::ios::binary)) {
-    throw UsageError("cannot read " + file);
-  }
+  if (!std::filesystem::is_regular_file(path, error)) return {};
+  return std::ifstream(path, std::ios::binary);
+}
+
+void RequireReadable(const std::string& file) {
+  if (!OpenArgument(file).is_open()) throw UsageError("cannot read " + file);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "zk4n/Quantity.h"
@@ -11,6 +12,10 @@ double QuantityArgument(const std::string& option, const std::string& text, Unit
 
 /// A path as it was typed.
 std::filesystem::path PathArgument(const std::string& utf8);
+
+/// Opens a file for reading in binary mode; a stream that is not open for a folder, or for what
+/// cannot be read.
+std::ifstream OpenArgument(const std::string& file);
 
 /// Throws UsageError unless the file can be opened for reading.
 void RequireReadable(const std::string& file);

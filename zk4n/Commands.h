@@ -30,3 +30,6 @@ void AddCheckCommand(CLI::App& app, int& status);
 
 /// `zk4n simulate`: the instrument simulator, listening until Ctrl-C.
 void AddSimulateCommand(CLI::App& app, int& status);
+
+/// `zk4n detector`: detector calibration files checked, asked, signed, converted and drawn.
+void AddDetectorCommand(CLI::App& app, int& status);

@@ -39,6 +39,7 @@ int Run(std::vector<std::string> arguments) {
   AddSimulateCommand(app, status);
   AddRegisterCommand(app, status);
   AddCheckCommand(app, status);
+  AddDetectorCommand(app, status);
   try {
     // CLI11 takes them from the back; the program's name is not among them.
     arguments.erase(arguments.begin());

@@ -13,7 +13,8 @@ bool IsTerminal(std::FILE* stream);
 /// The program's arguments, its name first, as UTF-8.
 std::vector<std::string> Utf8Arguments(int argc, char** argv);
 
-/// Makes the terminal show UTF-8 from now on.
+/// Makes the terminal show UTF-8 from now on, and standard output the same bytes on every system:
+/// lines end with "\n" alone.
 void UseUtf8Output();
 
 }  // namespace os

@@ -1,5 +1,6 @@
 #include <windows.h>
 // After windows.h.
+#include <fcntl.h>
 #include <io.h>
 #include <shellapi.h>
 
@@ -20,6 +21,9 @@ std::vector<std::string> Utf8Arguments(int argc, char** argv) {
   return arguments;
 }
 
-void UseUtf8Output() { SetConsoleOutputCP(CP_UTF8); }
+void UseUtf8Output() {
+  SetConsoleOutputCP(CP_UTF8);
+  _setmode(_fileno(stdout), _O_BINARY);
+}
 
 }  // namespace os

@@ -7,6 +7,7 @@
 #include <iterator>
 #include <limits>
 
+#include "zk4n/Chart.h"
 #include "zk4n/OutputFile.h"
 #include "zk4n/TraceFiles.h"
 #include "zk4n/TraceSvg.h"

@@ -1,0 +1,266 @@
+// zk4n detector: what it finds in files, what it answers, and what it writes.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include "measurement/TraceConversion.h"
+#include "tests/zk4n/Program.h"
+#include "zk4n/Commands.h"
+#include "zk4n/DetectorCheck.h"
+#include "zk4n/DetectorSvg.h"
+#include "zk4n/DetectorValues.h"
+#include "zk4n/Quantity.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+const std::string kVersion3 = "#VERSION 3\n0\t100\t200\n1\t-70\t-69\n10\t-60\t-59\n";
+const std::string kDigest3 = "2E11880B07FB41E9755F72C5C1C8C5B689B2DCA6EEF35BDC6658FA20A73107BC";
+const std::string kSigned3 = kVersion3 + "\n#CRC " + kDigest3;
+const std::string kVersion0 = "!note\n100 200 400\n1 2 3\n4 5,5 6\n";
+
+class DetectorTest : public testing::Test {
+ protected:
+  DetectorTest()
+      : folder_(fs::temp_directory_path() /
+                (std::string("zk4n_") +
+                 testing::UnitTest::GetInstance()->current_test_info()->name())) {
+    fs::remove_all(folder_);
+    fs::create_directories(folder_ / "files");
+  }
+  ~DetectorTest() override {
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+  }
+
+  [[nodiscard]] std::string File(const std::string& name) const {
+    return (folder_ / "files" / name).string();
+  }
+  std::string Write(const std::string& name, const std::string& content) const {
+    std::ofstream(File(name), std::ios::binary) << content;
+    return File(name);
+  }
+  [[nodiscard]] std::string Read(const std::string& name) const {
+    std::ifstream stream(File(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+  [[nodiscard]] std::ptrdiff_t FileCount() const {
+    return std::distance(fs::directory_iterator(folder_ / "files"), fs::directory_iterator());
+  }
+
+  /// Runs `zk4n detector` with a line of arguments, "@" standing for the folder of the files.
+  /// Returns its exit status and what it wrote to standard error.
+  [[nodiscard]] std::pair<int, std::string> Run(const std::string& line) const {
+    std::vector<std::string> arguments{"detector"};
+    std::istringstream words(line);
+    for (std::string word; words >> word;) {
+      arguments.push_back(word[0] == '@' ? File(word.substr(1)) : word);
+    }
+    Program program(ZK_CLIENT, arguments, folder_);
+    const auto status = program.Wait();
+    return {status.value_or(-1), program.Errors()};
+  }
+
+  fs::path folder_;
+};
+
+struct CheckCase {
+  const char* name;
+  std::string content;
+  const char* json;     // from the status on; "D" for the digest of kVersion3
+  const char* verdict;  // of the text for people
+};
+
+TEST_F(DetectorTest, CheckTellsWhatAFileHolds) {
+  const std::string other(64, '0');
+  const CheckCase cases[] = {
+      {"version 3", kSigned3,
+       R"("0x00000000","version":3,"columns":3,"rows":3,"digest":"D","stored":"D"})", ": good"},
+      {"version 0", kVersion0, R"("0x00000000","version":0,"columns":3,"rows":3,)", ": good"},
+      {"other digest", kVersion3 + "#CRC " + other,
+       R"("0x8004705C","version":3,"columns":3,"rows":3,"digest":"D","stored":"00000)",
+       "digest is not"},
+      {"no digest", kVersion3,
+       R"("0x8004705C","version":3,"columns":3,"rows":3,"digest":"D","stored":null})", "missing"},
+      {"data behind", kSigned3 + "\n1 2 3\n",
+       R"("0x8004705C","version":3,"columns":3,"rows":4,"digest":"D","stored":"D"})", "follow"},
+      {"cut short", "1 2 3\n4 5\n", R"("0x8004705C","version":0,"columns":null,"rows":2,)",
+       "data line 2"},
+      {"other version", "#VERSION 2\n1 2\n", R"("0x8004705C","version":2,"columns":2,"rows":1,)",
+       "versions"},
+      {"no integer", "#VERSION 99999999999\n1\n", R"("0x8004705C","version":null,"columns":1,)",
+       "versions"},
+      {"no numbers", "nan 1\n", R"("0x8004705C","version":0,"columns":null,"rows":null,"digest":)",
+       "no numbers"},
+      {"empty", "",
+       R"("0x8004705C","version":null,"columns":null,"rows":null,"digest":null,"stored":null})",
+       "empty"},
+      {"unordered", "5 7 6\n1 2 3\n", R"("0x00000000","version":0,)", "neither ascend"},
+      {"no level", "5 7 6\n", R"("0x00000000","version":0,)", "no level"},
+  };
+  for (const CheckCase& row : cases) {
+    const DetectorCheck check(Write("f.det", row.content));
+    std::string json = check.AsJson();
+    for (std::size_t at; (at = json.find(kDigest3)) != std::string::npos;) {
+      json = json.substr(0, at) + "D" + json.substr(at + kDigest3.size());
+    }
+    EXPECT_THAT(json, HasSubstr(std::string(R"(f.det","status":)") + row.json)) << row.name;
+    EXPECT_EQ(json.find('\n'), json.size() - 1) << row.name;
+    EXPECT_THAT(check.AsText().substr(0, check.AsText().find('\n')), HasSubstr(row.verdict))
+        << row.name;
+    EXPECT_EQ(check.IsGood(), std::string(row.verdict) == ": good") << row.name;
+  }
+  EXPECT_EQ(DetectorCheck("none.det").AsJson(),
+            R"({"file":"none.det","status":"0x80047002","version":null,"columns":null,)"
+            R"("rows":null,"digest":null,"stored":null})"
+            "\n");
+  EXPECT_THAT(
+      DetectorCheck(Write("f.det", "9 7,5 -1\n1 2 3\n")).AsText(),
+      HasSubstr("frequency  9 to -1 MHz, descending, 3 points\n  level      0.2980232239, one"));
+}
+
+TEST_F(DetectorTest, ValuesAreThoseOfTheConversionOnEverySystem) {
+  std::shared_ptr<const DetectorTable> table;
+  ASSERT_EQ(LoadDetectorTable(ZK_DETECTOR_FILE, table), status::kOk);
+  std::istringstream lines("1500 1000\n\n 20000\t-7 \r\n10 0.001\n+777.7 1.5e6\n12345.678 123456");
+  std::string texts;
+  ForEachDetectorPoint(lines, [&](const DetectorPoint& point) {
+    texts += FormatNumber(DetectorValue(*table, point), 17) + "\n";
+  });
+  EXPECT_EQ(texts,
+            "-45.893829793582483\n-72.009399999999999\n-73.011399999999995\n7.3761559652045516\n"
+            "-12.696749630388616\n");
+  for (const std::int32_t reading : {-1, 0, 1, 255, 99999, 8000000}) {
+    std::vector<std::uint8_t> block;
+    for (int i = 0; i < 12; ++i) {
+      block.push_back(static_cast<std::uint8_t>(static_cast<std::uint32_t>(reading) >> i % 4 * 8));
+    }
+    TraceMatrix trace;
+    ConvertBlock({block, '@'}, {.cw = 1.25e9}, {{{{}, table}, {{}, table}, {{}, table}}}, trace);
+    EXPECT_EQ(
+        std::bit_cast<std::uint64_t>(trace.Item(2, 0)),
+        std::bit_cast<std::uint64_t>(DetectorValue(*table, {1250.0, static_cast<double>(reading)})))
+        << reading;
+  }
+}
+
+TEST(DetectorPoints, EndAtTheFirstLineThatIsNone) {
+  for (const char* const line :
+       {"1", "1 2 3", "1,5 2", "nan 1", "1 inf", "1e999 1", "0x1 1", "a b"}) {
+    std::istringstream lines(std::string("1 2\n") + line + "\n3 4\n");
+    int taken = 0;
+    try {
+      ForEachDetectorPoint(lines, [&taken](const DetectorPoint&) { ++taken; });
+      ADD_FAILURE() << line;
+    } catch (const UsageError& error) {
+      EXPECT_STREQ(error.what(), "standard input, line 2: not a frequency and a level") << line;
+    }
+    EXPECT_EQ(taken, 1) << line;
+  }
+}
+
+struct Refusal {
+  const char* arguments;
+  int status;
+  const char* error;
+};
+
+TEST_F(DetectorTest, RefusalsTellWhyAndWriteNothing) {
+  Write("3.det", kSigned3);
+  Write("0.det", kVersion0);
+  Write("bad.det", "1 2\n3\n");
+  Write("flat.det", "5 7 6\n");
+  Write("long.det", [] {
+    std::string text;
+    for (int i = 0; i < 17000; ++i) text += "1\n";
+    return text;
+  }());
+  const Refusal cases[] = {
+      {"", 2, "subcommand is required"},
+      {"check", 2, "FILE is required"},
+      {"check @3.det @bad.det", 1, ""},
+      {"value @3.det --level 1", 2, "--frequency and --level, or neither"},
+      {"value @3.det --level 1 --frequency 1GHz", 2, "--frequency: not a number: 1GHz"},
+      {"value @none.det --level 1 --frequency 1", 2, "cannot read"},
+      {"value @bad.det --level 1 --frequency 1", 1,
+       "0x8004705C (invalid file format): data line 2"},
+      {"sign @3.det @0.det", 2, "0.det exists; --force"},
+      {"sign @0.det @new.det", 1, "is of version 0: convert"},
+      {"sign @bad.det @0.det --force", 1, "data line 2"},
+      {"sign @3.det @none/new.det", 2, "cannot write"},
+      {"convert @3.det @new.det", 1, "is of version 3 already"},
+      {"convert @0.det @3.det", 2, "3.det exists; --force"},
+      {"convert @long.det @new.det", 1, "0x80047010 (invalid value): too many levels"},
+      {"plot @3.det", 2, "--svg is required"},
+      {"plot @flat.det --svg @new.svg", 1, "no frequency or no level"},
+      {"plot @3.det --svg @", 2, "cannot write"},
+  };
+  for (const Refusal& row : cases) {
+    const auto [status, errors] = Run(row.arguments);
+    EXPECT_EQ(status, row.status) << row.arguments;
+    EXPECT_THAT(errors, HasSubstr(row.error)) << row.arguments;
+    EXPECT_EQ(errors.find('\n') + 1, errors.size()) << row.arguments << ": " << errors;
+    EXPECT_EQ(FileCount(), 5) << row.arguments;
+  }
+  EXPECT_EQ(Read("3.det") + Read("0.det"), kSigned3 + kVersion0);
+}
+
+TEST_F(DetectorTest, SignsAndConverts) {
+  const std::string line = "0.3333333333333333 -69\n";  // more digits than 13, fewer than 17
+  Write("in.det", "!a\n#VERSION 3\n0 100\n#CRC 12\n" + line);
+  EXPECT_EQ(Run("sign @in.det @out.det").first, 0);
+  EXPECT_THAT(Read("out.det"),
+              testing::StartsWith("!a\n#VERSION 3\n0\t100\n0.33333333333333331\t-69\n\n#CRC "));
+  EXPECT_TRUE(DetectorCheck(File("out.det")).IsGood());
+
+  Write("0.det", "#VERSION 0\n" + kVersion0);
+  EXPECT_EQ(Run("convert @0.det @out.det --force").first, 0);
+  EXPECT_EQ(Read("out.det"),
+            "#VERSION 3\n!note\n0\t100\t200\t400\n0.29802322387695312\t1\t2\t3\n"
+            "0.31121783924919777\t4\t5.5\t6\n\n"
+            "#CRC 19959905F33600CE05D13110466625926B8F2E8BEDA65A9A2405E6E0E3368DC6");
+  EXPECT_EQ(Run("plot @out.det --svg @out.svg").first, 0);
+  EXPECT_THAT(Read("out.svg"), HasSubstr(">out.det</text>"));
+  EXPECT_EQ(FileCount(), 4) << "something was left behind";
+}
+
+std::size_t CountOf(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; ++at) ++count;
+  return count;
+}
+
+TEST(DetectorSvg, HasACurveForEachLevelButNotForThousands) {
+  const std::string curve = "stroke-width=\"1.30\"";
+  CSimpleMatrix shipped;
+  ASSERT_EQ(LoadDetectorFile(shipped, ZK_DETECTOR_FILE, nullptr), status::kOk);
+  const std::string svg = DetectorAsSvg(shipped, "<20 GHz>");
+  EXPECT_EQ(CountOf(svg, curve), 65U);
+  for (const char* const part : {">&lt;20 GHz&gt;</text>", ">Frequency (GHz)</text>",
+                                 ">Calibrated value (dBm)</text>", ">8.3 M</text>", ">2</text>"}) {
+    EXPECT_THAT(svg, HasSubstr(part));
+  }
+
+  CSimpleMatrix odd;
+  odd.Resize(3, 5001);
+  odd.SetItem(1, 0, 1e308);
+  odd.SetItem(2, 0, 1e17);
+  for (std::uint32_t row = 1; row <= 5000; ++row) {
+    odd.SetItem(0, row, -1.0 * row);
+    odd.SetItem(1, row, 1e308);
+    odd.SetItem(2, row, 1e299 * (row % 3));
+  }
+  const std::string of_odd = DetectorAsSvg(odd, "");
+  EXPECT_EQ(CountOf(of_odd, curve), 80U);
+  EXPECT_EQ(CountOf(of_odd, "nan") + CountOf(of_odd, "inf"), 0U);
+}
+
+}  // namespace
