@@ -1,5 +1,6 @@
 #include "measurement/DetectorLevel.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -13,6 +14,8 @@ constexpr double kPerOctaveHigh = 0x1.34413509f6p-2;
 constexpr double kPerOctaveLow = 0x1.9fef311f12b36p-42;
 
 constexpr std::uint64_t kRootOfHalf = 0x3fe6a09e667f3bcd;  // the bits of sqrt(0.5)
+constexpr std::uint64_t kBiasedOne = 0x3ff0000000000000;   // the bits of 1
+constexpr std::uint64_t kTwoTo52 = 0x4330000000000000;     // the bits of 2^52, whose unit is 1
 constexpr int kMantissaBits = 52;
 
 /// The first bits of a number: few enough for an exact product with another such number.
@@ -29,6 +32,32 @@ double SeriesTail(double z) {
   return z * odd + w * even;
 }
 
+/// Log10 for normal positive numbers; any other gives a number without a meaning. Without branches
+/// and conversions that keep a compiler from working on several numbers at once.
+inline double Log10OfNormal(double x) {
+  // x is 2^octaves times a number from sqrt(0.5) to sqrt(2), which is 1 + f.
+  const std::uint64_t bits = std::bit_cast<std::uint64_t>(x);
+  const std::uint64_t biased = (bits + (kBiasedOne - kRootOfHalf)) >> kMantissaBits;
+  const double octaves = std::bit_cast<double>(biased | kTwoTo52) - (0x1p52 + 0x3ff);
+  const double f = std::bit_cast<double>(bits + kBiasedOne - (biased << kMantissaBits)) - 1.0;
+  // ln(1 + f) = 2 artanh(s), of which f is the part without an error.
+  const double s = f / (2.0 + f);
+  const double half_square = 0.5 * f * f;
+  const double rest = half_square - s * (half_square + SeriesTail(s * s));
+  const double high = FirstBits(f - rest);
+  const double low = (f - high) - rest;
+
+  const double whole = octaves * kPerOctaveHigh;
+  const double part = high * kPerNeperHigh;
+  const double sum = whole + part;
+  const double lost = (whole - sum) + part;
+  return sum + (lost + low * kPerNeperHigh + (high + low) * kPerNeperLow + octaves * kPerOctaveLow);
+}
+
+/// Readings up to this one have no logarithm worth having. Its own is the floor of all levels, -3,
+/// to the last bit.
+constexpr double kSmallestReading = 0.001;
+
 }  // namespace
 
 double Log10(double x) {
@@ -37,22 +66,19 @@ double Log10(double x) {
     return x > 0.0 && !std::isinf(x) ? Log10(x * 0x1p54) - 54 * (kPerOctaveHigh + kPerOctaveLow)
                                      : std::log10(x);
   }
-  // x is 2^octaves times a number from sqrt(0.5) to sqrt(2), which is 1 + f.
-  const std::uint64_t bits = std::bit_cast<std::uint64_t>(x);
-  const std::int64_t octaves = static_cast<std::int64_t>(bits - kRootOfHalf) >> kMantissaBits;
-  const double f =
-      std::bit_cast<double>(bits - (static_cast<std::uint64_t>(octaves) << kMantissaBits)) - 1.0;
-  // ln(1 + f) = 2 artanh(s), of which f is the part without an error.
-  const double s = f / (2.0 + f);
-  const double half_square = 0.5 * f * f;
-  const double rest = half_square - s * (half_square + SeriesTail(s * s));
-  const double high = FirstBits(f - rest);
-  const double low = (f - high) - rest;
+  return Log10OfNormal(x);
+}
 
-  const double whole = static_cast<double>(octaves) * kPerOctaveHigh;
-  const double part = high * kPerNeperHigh;
-  const double sum = whole + part;
-  const double lost = (whole - sum) + part;
-  return sum + (lost + low * kPerNeperHigh + (high + low) * kPerNeperLow +
-                static_cast<double>(octaves) * kPerOctaveLow);
+double DetectorLevel(double reading) { return Log10OfNormal(std::max(reading, kSmallestReading)); }
+
+void DetectorLevels(std::span<double> readings) {
+  // Plain loops of a fixed count are what a compiler makes to work on several numbers at once.
+  constexpr std::size_t kGroup = 64;
+  std::size_t first = 0;
+  for (; first + kGroup <= readings.size(); first += kGroup) {
+    double* const group = &readings[first];
+    for (std::size_t i = 0; i < kGroup; ++i) group[i] = std::max(group[i], kSmallestReading);
+    for (std::size_t i = 0; i < kGroup; ++i) group[i] = Log10OfNormal(group[i]);
+  }
+  for (double& reading : readings.subspan(first)) reading = DetectorLevel(reading);
 }

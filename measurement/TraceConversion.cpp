@@ -69,9 +69,7 @@ void Levels(const std::uint8_t* bytes, const ReadingScale& scale, std::span<doub
   for (std::size_t i = 0; i < levels.size(); ++i) {
     levels[i] = ReadingAt(bytes + i * kBytesPerPoint) * scale.multiplier / scale.divisor;
   }
-  for (double& level : levels) {
-    level = DetectorLevel(level);
-  }
+  DetectorLevels(levels);
 }
 
 }  // namespace

@@ -72,7 +72,7 @@ TEST(DetectorFile, VersionZeroGetsALevelColumn) {
 
   ConvertLevelAxisToLog10(matrix);
   EXPECT_EQ(matrix.GetItem(0, 0), 0.0) << "the corner is no level";
-  EXPECT_EQ(matrix.GetItem(0, 1), std::log10(5e6 / 16777216));
+  EXPECT_DOUBLE_EQ(matrix.GetItem(0, 1), std::log10(5e6 / 16777216));
   EXPECT_EQ(matrix.GetItem(1, 1), 1.0) << "values are not converted";
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <random>
+#include <vector>
 
 namespace {
 
@@ -36,6 +37,17 @@ TEST(Log10, IsExactWhereItCanBe) {
             std::numeric_limits<double>::infinity());
   EXPECT_TRUE(std::isnan(Log10(-1.0)));
   EXPECT_DOUBLE_EQ(Log10(std::numeric_limits<double>::denorm_min()), -323.30621534311580);
+}
+
+TEST(DetectorLevels, AreThoseOfEachReading) {
+  std::vector<double> readings;
+  for (int i = -10; i < 190; ++i) readings.push_back(i * 0.0005);
+  std::vector<double> levels = readings;
+  DetectorLevels(levels);
+  for (std::size_t i = 0; i < readings.size(); ++i) {
+    EXPECT_EQ(levels[i], DetectorLevel(readings[i])) << readings[i];
+    EXPECT_EQ(levels[i], readings[i] <= 0.001 ? -3.0 : Log10(readings[i])) << readings[i];
+  }
 }
 
 }  // namespace

@@ -140,6 +140,7 @@ TEST_F(DetectorTest, ValuesAreThoseOfTheConversionOnEverySystem) {
             "-12.696749630388616\n");
   for (const std::int32_t reading : {-1, 0, 1, 255, 99999, 8000000}) {
     std::vector<std::uint8_t> block;
+    block.reserve(12);
     for (int i = 0; i < 12; ++i) {
       block.push_back(static_cast<std::uint8_t>(static_cast<std::uint32_t>(reading) >> i % 4 * 8));
     }
