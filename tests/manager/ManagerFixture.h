@@ -61,6 +61,7 @@ constexpr std::uint8_t kTriggerInputId = 7;
 constexpr std::uint8_t kTriggerOutputId = 8;
 constexpr std::uint8_t kPulseId = 31;
 constexpr std::uint8_t kButtonId = 34;
+constexpr std::uint8_t kSyncId = 37;
 constexpr std::uint8_t kPowerId = 79;
 constexpr std::uint16_t kWrite = 3;
 constexpr std::uint16_t kRead = 4;
