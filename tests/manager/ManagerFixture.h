@@ -61,7 +61,6 @@ constexpr std::uint8_t kTriggerInputId = 7;
 constexpr std::uint8_t kTriggerOutputId = 8;
 constexpr std::uint8_t kPulseId = 31;
 constexpr std::uint8_t kButtonId = 34;
-constexpr std::uint8_t kSyncId = 37;
 constexpr std::uint8_t kPowerId = 79;
 constexpr std::uint16_t kWrite = 3;
 constexpr std::uint16_t kRead = 4;
@@ -69,6 +68,13 @@ constexpr std::uint16_t kRead = 4;
 /// A status word as the wire carries it, and what the driver makes of it.
 constexpr std::uint16_t kRefusal = 0x8005;
 constexpr Status kRefusalStatus = -32763;
+
+/// A trail of refusals at these sites.
+inline std::vector<ErrorRecord> Refusals(const std::vector<Site>& sites) {
+  std::vector<ErrorRecord> trail;
+  for (const Site site : sites) trail.push_back({kRefusalStatus, site});
+  return trail;
+}
 
 /// A data block whose readings are all the same.
 inline std::vector<std::uint8_t> Block(int points, std::uint16_t status_word = 0,

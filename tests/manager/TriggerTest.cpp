@@ -71,20 +71,6 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 // clang-format on
 
-TEST_F(ManagerTest, RefusedTriggerKeepsTheOldOne) {
-  Open();
-  visa_.Rule(kWrite, kTriggerInputId, kRefusal);
-  SweepTriggerSettings trigger{1, 1, 1};
-  EXPECT_EQ(manager_.SetSweepTrigger(trigger, true), kRefusalStatus);
-  SweepTriggerSettings kept;
-  bool step = true;
-  manager_.GetSweepTrigger(kept, step);
-  EXPECT_EQ(kept.source, 2U);
-  EXPECT_FALSE(step);
-  EXPECT_THAT(manager_.ErrorRecords(),
-              ElementsAre(ErrorRecord{kRefusalStatus, Site::kSweepTrigger}));
-}
-
 TEST_F(ManagerTest, ExternalPowerControlSwitchesTriggerAndOutput) {
   Open();
   EXPECT_EQ(manager_.SetExtPwrCtrl(true), 0);
@@ -151,35 +137,44 @@ TEST_F(ManagerTest, SecondLineIsTheSyncGenerators) {
   }
 }
 
-TEST_F(ManagerTest, RefusedTriggerOutputReadsDisabledOnceItsLineIsSet) {
-  Open();
-  TriggerOutputSettings on{.mode = 2, .enabled = 1};
-  ASSERT_EQ(manager_.SetTriggerOutput(on), 0);
-  TriggerOutputSettings changed{.mode = 3, .enabled = 1};
-  TriggerOutputSettings kept;
-  const auto refuse = [&](std::uint8_t id, std::int32_t times, std::vector<Site> sites) {
-    visa_.Rule(kWrite, id, kRefusal, 0, times);
-    changed = {.mode = 3, .enabled = 1};
-    const Status result = manager_.SetTriggerOutput(changed);
-    std::vector<ErrorRecord> trail;
-    for (const Site site : sites) trail.push_back({kRefusalStatus, site});
-    const auto records = manager_.ErrorRecords();
-    EXPECT_THAT(
-        std::vector(records.end() - static_cast<std::ptrdiff_t>(sites.size()), records.end()),
-        testing::ElementsAreArray(trail));
-    visa_.Rule(kWrite, id, 0);
-    EXPECT_EQ(manager_.GetTriggerOutput(kept), 0);
-    return result;
-  };
-  EXPECT_EQ(refuse(kTriggerOutputId, 2, {Site::kTriggerOutput, Site::kSecondTriggerOutput}),
-            kRefusalStatus);
-  EXPECT_EQ(kept.mode, 2U) << "not kept while the second line is as before";
-  EXPECT_EQ(kept.enabled, 1);
-  EXPECT_EQ(refuse(kTriggerOutputId, 1, {Site::kTriggerOutput}), 0) << "of the second line";
-  EXPECT_EQ(kept.mode, 3U);
-  EXPECT_EQ(kept.enabled, 0);
-  EXPECT_EQ(refuse(kTriggerInputId, 1, {Site::kSecondTriggerInput}), kRefusalStatus);
-  EXPECT_EQ(kept.enabled, 0);
+/// The trigger output of a session with mode 2 on, refused: what is returned, kept and recorded.
+struct OutputRefusal {
+  std::uint32_t asked;
+  std::uint8_t id;
+  std::int32_t times;
+  Status result;
+  std::uint32_t mode;
+  std::uint8_t enabled;
+  std::vector<Site> trail;
+};
+const std::array kOutputRefusals{
+    // Kept only once the second line is set, for a disabled output, too.
+    OutputRefusal{3, kTriggerOutputId, 1, 0, 3, 0, {Site::kTriggerOutput}},
+    OutputRefusal{3,
+                  kTriggerOutputId,
+                  2,
+                  kRefusalStatus,
+                  2,
+                  1,
+                  {Site::kTriggerOutput, Site::kSecondTriggerOutput}},
+    OutputRefusal{5, kTriggerInputId, 1, kRefusalStatus, 2, 1, {Site::kSecondTriggerInput}},
+};
+
+TEST_F(ManagerTest, RefusedTriggerOutputReadsDisabled) {
+  for (const OutputRefusal& row : kOutputRefusals) {
+    CK4NManager manager;
+    visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
+    ASSERT_EQ(manager.Initialize(kResource, ""), 0);
+    TriggerOutputSettings settings{.mode = 2, .enabled = 1};
+    ASSERT_EQ(manager.SetTriggerOutput(settings), 0);
+    visa_.Rule(kWrite, row.id, kRefusal, 0, row.times);
+    settings = {.mode = row.asked, .enabled = 1};
+    EXPECT_EQ(manager.SetTriggerOutput(settings), row.result);
+    EXPECT_EQ(manager.GetTriggerOutput(settings), 0);
+    EXPECT_EQ(settings.mode, row.mode);
+    EXPECT_EQ(settings.enabled, row.enabled);
+    EXPECT_THAT(manager.ErrorRecords(), testing::ElementsAreArray(Refusals(row.trail)));
+  }
 }
 
 }  // namespace
