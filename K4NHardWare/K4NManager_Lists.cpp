@@ -1,6 +1,4 @@
 // The two lists of a list sweep.
-#include <algorithm>
-
 #include "K4NHardWare/K4NManagerOperation.h"
 #include "K4NHardWare/RealArray.h"
 
@@ -19,12 +17,12 @@ Status CK4NManager::ReplaceList(SAFEARRAY* array, Synchronized<SweepList>& list,
       leave_worker_paused_ = true;
       return elements.locked();
     }
-    const std::span<double> values = elements.values();
     list.Set(nullptr);
+    std::vector<double> values = elements.Read();
     if (values.empty()) return status::kOk;
-    list.Set(std::make_shared<std::vector<double>>(values.begin(), values.end()));
+    list.Set(std::make_shared<std::vector<double>>(std::move(values)));
     const Status result = std::forward<Apply>(apply)();
-    std::ranges::copy(*list.Copy(), values.begin());
+    elements.Write(*list.Copy());
     return result;
   });
 }

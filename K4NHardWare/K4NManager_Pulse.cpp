@@ -16,18 +16,22 @@ constexpr std::uint32_t kTrainOn = 2;
 
 bool IsTime(double nanoseconds) { return nanoseconds >= 0.0; }
 
-/// The widths and delays of a packet as the client gave them, seconds.
+/// The widths and delays of a packet as the client gave them, seconds. Kept: widths without an
+/// element stay locked.
 Status ReadPacket(SAFEARRAY* widths, SAFEARRAY* delays, PulseSettings& pulse) {
   if (widths != nullptr) {
-    const RealArray elements(widths);
+    RealArray elements(widths);
     if (FAILED(elements.locked())) return elements.locked();
-    if (elements.values().empty()) return status::kInvalidValue;
-    pulse.packet_widths.assign(elements.values().begin(), elements.values().end());
+    pulse.packet_widths = elements.Read();
+    if (pulse.packet_widths.empty()) {
+      elements.KeepLocked();
+      return status::kInvalidValue;
+    }
   }
   if (delays != nullptr) {
     const RealArray elements(delays);
     if (FAILED(elements.locked())) return elements.locked();
-    pulse.packet_gaps.assign(elements.values().begin(), elements.values().end());
+    pulse.packet_gaps = elements.Read();
   }
   return pulse.packet_gaps.size() == pulse.packet_widths.size() ? status::kOk
                                                                 : status::kInvalidValue;
@@ -45,13 +49,12 @@ Status ConvertPacket(PulseSettings& pulse) {
   return status::kOk;
 }
 
-Status WriteBack(std::span<const double> nanoseconds, SAFEARRAY* array) {
+Status WriteBack(std::vector<double> nanoseconds, SAFEARRAY* array) {
   if (array == nullptr) return status::kOk;
   const RealArray elements(array);
   if (FAILED(elements.locked())) return elements.locked();
-  const std::size_t count = std::min(nanoseconds.size(), elements.values().size());
-  std::ranges::transform(nanoseconds.first(count), elements.values().begin(),
-                         [](double time) { return time / kNanosecondsPerSecond; });
+  for (double& time : nanoseconds) time /= kNanosecondsPerSecond;
+  elements.Write(nanoseconds);
   return status::kOk;
 }
 

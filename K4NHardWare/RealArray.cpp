@@ -11,27 +11,35 @@ bool IsRealVector(SAFEARRAY* array) {
   return SafeArrayGetDim(array) == 1 && SafeArrayGetVartype(array, &type) == S_OK && type == VT_R8;
 }
 
-std::size_t CountFromZero(SAFEARRAY* array) {
-  LONG lower = 0;
-  LONG upper = -1;
-  if (FAILED(SafeArrayGetLBound(array, 1, &lower)) ||
-      FAILED(SafeArrayGetUBound(array, 1, &upper))) {
-    return 0;
-  }
-  const std::int64_t wanted = std::int64_t{upper} + 1;
-  const std::int64_t present = std::int64_t{upper} - lower + 1;
-  return static_cast<std::size_t>(std::max<std::int64_t>(std::min(wanted, present), 0));
-}
-
 }  // namespace
 
 RealArray::RealArray(SAFEARRAY* array) : array_(array), right_type_(IsRealVector(array)) {
   if (!right_type_) return;
   void* data = nullptr;
   locked_ = SafeArrayAccessData(array_, &data);
-  if (SUCCEEDED(locked_)) values_ = {static_cast<double*>(data), CountFromZero(array_)};
+  LONG lower = 0;
+  LONG upper = -1;
+  if (FAILED(locked_) || FAILED(SafeArrayGetLBound(array_, 1, &lower)) ||
+      FAILED(SafeArrayGetUBound(array_, 1, &upper))) {
+    return;
+  }
+  const auto size = static_cast<std::size_t>(std::int64_t{upper} - lower + 1);
+  elements_ = {static_cast<double*>(data), size};
+  if (upper >= 0 && size != 0) count_ = static_cast<std::size_t>(upper) + 1;
 }
 
 RealArray::~RealArray() {
-  if (right_type_ && SUCCEEDED(locked_)) SafeArrayUnaccessData(array_);
+  if (SUCCEEDED(locked_) && !keep_locked_) SafeArrayUnaccessData(array_);
+}
+
+std::vector<double> RealArray::Read() const {
+  const auto present = elements_.first(std::min(count_, elements_.size()));
+  std::vector<double> values(present.begin(), present.end());
+  if (!values.empty()) values.resize(count_, values.back());
+  return values;
+}
+
+void RealArray::Write(std::span<const double> values) const {
+  std::ranges::copy(values.first(std::min({values.size(), count_, elements_.size()})),
+                    elements_.begin());
 }

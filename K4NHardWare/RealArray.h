@@ -2,6 +2,7 @@
 #pragma once
 
 #include <span>
+#include <vector>
 
 #include "platform/com/Com.h"
 
@@ -18,13 +19,21 @@ class RealArray {
   /// S_OK, or why the array could not be locked.
   [[nodiscard]] HRESULT locked() const { return locked_; }
 
-  /// The elements, upper bound + 1 of them as if the array started at 0, but never more than it
-  /// has. A client's array from 1 to n is thus taken whole; one from -1 loses its last element.
-  [[nodiscard]] std::span<double> values() const { return values_; }
+  /// As many elements as an array from 0 to the upper bound has, from the first one on. Kept: the
+  /// lower bound does not count, so that an array from 1 to n gives one more than it has, which is
+  /// its last one again, and an array from -1 loses its last one. None when the array has none.
+  [[nodiscard]] std::vector<double> Read() const;
+  /// Puts values in the place of those that Read gives, as far as the array has them.
+  void Write(std::span<const double> values) const;
+
+  /// Leaves the array locked for good.
+  void KeepLocked() { keep_locked_ = true; }
 
  private:
   SAFEARRAY* array_;
   bool right_type_ = false;
   HRESULT locked_ = E_INVALIDARG;
-  std::span<double> values_;
+  bool keep_locked_ = false;
+  std::span<double> elements_;
+  std::size_t count_ = 0;  // as if the array started at 0
 };

@@ -153,10 +153,10 @@ STDMETHODIMP CZentrelK4N::SelfTest(LONG* /*test_result*/, BSTR* /*test_message*/
 
 // Takes the oldest failure off the list; a text that the client passes in is left alone.
 STDMETHODIMP CZentrelK4N::ErrorQuery(LONG* error_code, BSTR* error_message) {
-  return SessionFrame(kUtility, [&]() -> HRESULT {
-    if (error_code == nullptr || error_message == nullptr) {
-      return E_POINTER;
-    }
+  if (error_code == nullptr || error_message == nullptr) {
+    return E_POINTER;
+  }
+  return SessionFrame(kUtility, [&] {
     std::int32_t code = 0;
     std::optional<std::string> message;
     manager_.ErrorQuery(code, message);

@@ -22,132 +22,104 @@ void PrintTo(const Operation& operation, std::ostream* stream) { *stream << oper
 
 constexpr const char* kZeros12 = " 00 00 00 00 00 00 00 00 00 00 00 00";
 
+/// Calls an operation of these arguments, which are the values afterwards.
+template <typename... Args, typename... Given>
+auto Calling(Status (D3THardWare::*operation)(Args&...), Given... given) {
+  return [operation, arguments = std::tuple<Args...>(given...)](D3THardWare& model,
+                                                                Values& values) mutable {
+    return std::apply(
+        [&](Args&... argument) {
+          const Status result = (model.*operation)(argument...);
+          values = {static_cast<double>(argument)...};
+          return result;
+        },
+        arguments);
+  };
+}
+auto Averaging(std::int32_t factor, AveragingFeatures features) {
+  return [=](D3THardWare& model, Values& values) mutable {
+    const Status result = model.SetAveraging(factor, features);
+    values = {static_cast<double>(factor)};
+    return result;
+  };
+}
+auto Trigger(Status (D3THardWare::*operation)(unsigned, TriggerElements&), unsigned group,
+             TriggerElements elements) {
+  return [=](D3THardWare& model, Values& values) mutable {
+    const Status result = (model.*operation)(group, elements);
+    values = {double(elements.code), double(elements.edge), double(elements.value),
+              double(elements.flag), double(elements.last)};
+    return result;
+  };
+}
+auto List(ListAxis axis, Values list, LevelSettings settings = {}) {
+  return [=](D3THardWare& model, Values& values) {
+    values = list;
+    return model.TransferList(axis, values, settings);
+  };
+}
+
 std::vector<Operation> SettingOperations() {
   return {
       {"DwellIsNanosecondsWithSelectorZero",
-       [](D3THardWare& model, Values& values) {
-         double dwell = 5e8;
-         const Status result = model.SetDwell(dwell);
-         values = {dwell};
-         return result;
-       },
+       Calling(&D3THardWare::SetDwell, 5e8),
        {WriteRequest(2, 0x40, "05 00 | 00 00 00 00 | 00 65 CD 1D")},
        {"05 00 | 00 00 00 00 | E8 03 00 00"},
        {1000.0}},
       {"DwellThousandsScalesBothWays",
-       [](D3THardWare& model, Values& values) {
-         double dwell = 2.5;
-         const Status result = model.SetDwellThousands(dwell);
-         values = {dwell};
-         return result;
-       },
+       Calling(&D3THardWare::SetDwellThousands, 2.5),
        {WriteRequest(2, 0x40, "05 00 | 00 00 00 00 | C4 09 00 00")},
        {"05 00 | 00 00 00 00 | B8 0B 00 00"},
        {3.0}},
       {"AveragingClampsAbove14AndSendsMaskFirst",
-       [](D3THardWare& model, Values& values) {
-         std::int32_t factor = 20;
-         const Status result = model.SetAveraging(factor);
-         values = {static_cast<double>(factor)};
-         return result;
-       },
+       Averaging(20, {}),
        {WriteRequest(1, 0x20, "17 00 FF FF"), WriteRequest(1, 0x10, "04 00 0E 00")},
        {"17 00 FF FF", "04 00 0C"},
        {12.0}},
       {"AveragingClampsBelow1AndClearsEachMaskBit",
-       [](D3THardWare& model, Values& values) {
-         std::int32_t factor = 0;
-         const Status result = model.SetAveraging(
-             factor, {.clear_bit_2 = true, .bit_3 = false, .bit_4 = false, .bit_5 = false});
-         values = {static_cast<double>(factor)};
-         return result;
-       },
+       Averaging(0, {.clear_bit_2 = true, .bit_3 = false, .bit_4 = false, .bit_5 = false}),
        {WriteRequest(1, 0x20, "17 00 C3 FF"), WriteRequest(1, 0x10, "04 00 01 00")},
        {"17 00 C3 FF", "04 00 01"},
        {1.0}},
       {"TriggerInputKeepsTheOtherGroup",
-       [](D3THardWare& model, Values& values) {
-         TriggerElements trigger{3, true, 255, 1, 2};
-         const Status result = model.SetTriggerInput(1, trigger);
-         values = {double(trigger.code), double(trigger.edge), double(trigger.value),
-                   double(trigger.flag), double(trigger.last)};
-         return result;
-       },
+       Trigger(&D3THardWare::SetTriggerInput, 1, {3, true, 255, 1, 2}),
        {ReadRequest(10, 0x10, 7, "07 00 | 00 00 00 00 00 | 00 00 00 00 00"),
         WriteRequest(10, 0x10, "07 00 | 01 02 03 04 05 | 03 01 FF 01 02")},
        {"07 00 | 01 02 03 04 05 | 06 07 08 09 0A", "07 00 | 01 02 03 04 05 | 02 00 80 04 05"},
        {2, 0, 128, 4, 5}},
       {"TriggerOutputFirstGroup",
-       [](D3THardWare& model, Values& values) {
-         TriggerElements trigger{5, true, 3, 0, 0};
-         const Status result = model.SetTriggerOutput(0, trigger);
-         values = {double(trigger.code), double(trigger.edge), double(trigger.value)};
-         return result;
-       },
+       Trigger(&D3THardWare::SetTriggerOutput, 0, {5, true, 3, 0, 0}),
        {ReadRequest(10, 0x10, 8, "08 00 | 00 00 00 00 00 | 00 00 00 00 00"),
         WriteRequest(10, 0x10, "08 00 | 05 01 03 00 00 | 06 07 08 09 0A")},
        {"08 00 | 01 02 03 04 05 | 06 07 08 09 0A", "08 00 | 04 02 02 00 00 | 06 07 08 09 0A"},
-       {4, 1, 2}},
+       {4, 1, 2, 0, 0}},
       {"SyncGeneratorCarriesOffTime",
-       [](D3THardWare& model, Values& values) {
-         double width = 1000;
-         double off_time = 2000;
-         double delay = 3000;
-         const Status result = model.SetSyncGenerator(width, off_time, delay);
-         values = {width, off_time, delay};
-         return result;
-       },
+       Calling(&D3THardWare::SetSyncGenerator, 1000, 2000, 3000),
        {WriteRequest(3, 0x40, "25 00 | E8 03 00 00 | D0 07 00 00 | B8 0B 00 00")},
        {"25 00 | E9 03 00 00 | D1 07 00 00 | B9 0B 00 00"},
        {1001, 2001, 3001}},
       {"ExternalReference",
-       [](D3THardWare& model, Values& values) {
-         bool enabled = true;
-         double frequency = 1e7;
-         const Status result = model.SetExternalReference(enabled, frequency);
-         values = {double(enabled), frequency};
-         return result;
-       },
+       Calling(&D3THardWare::SetExternalReference, true, 1e7),
        {WriteRequest(2, 0x40, "11 00 | 01 00 00 00 | 80 96 98 00")},
        {"11 00 | 00 00 00 00 | 40 4B 4C 00"},
        {0, 5e6}},
       {"PhaseDelayIsSignedFixedPoint",
-       [](D3THardWare& model, Values& values) {
-         double delay = -1.5;
-         const Status result = model.SetPhaseDelay(delay);
-         values = {delay};
-         return result;
-       },
+       Calling(&D3THardWare::SetPhaseDelay, -1.5),
        {WriteRequest(1, 0x42, "5C 00 | 00 80 FE FF")},
        {"5C 00 | 00 40 00 00"},
        {0.25}},
       {"CompensationModeIsNotChecked",
-       [](D3THardWare& model, Values& values) {
-         std::uint32_t mode = 9;
-         const Status result = model.SetCompensationMode(mode);
-         values = {double(mode)};
-         return result;
-       },
+       Calling(&D3THardWare::SetCompensationMode, 9U),
        {WriteRequest(1, 0x20, "0B 00 09 00")},
        {"0B 00 04 00"},
        {4}},
       {"KindIsTheInstrumentsOwn",
-       [](D3THardWare& model, Values& values) {
-         std::uint32_t kind = 18;
-         const Status result = model.QueryInstrumentKind(kind);
-         values = {double(kind)};
-         return result;
-       },
+       Calling(&D3THardWare::QueryInstrumentKind, 18U),
        {WriteRequest(1, 0x20, "03 00 12 00")},
        {"03 00 02 00"},
        {2}},
       {"RfButtonCarriesIdentifierInHeader",
-       [](D3THardWare& model, Values& values) {
-         bool pressed = false;
-         const Status result = model.ReadRfButton(pressed);
-         values = {double(pressed)};
-         return result;
-       },
+       Calling(&D3THardWare::ReadRfButton, false),
        {ReadRequest(1, 0x20, 34, "22 00 00 00")},
        {"22 00 00 01"},
        {1}},
@@ -169,32 +141,19 @@ std::vector<Operation> SettingOperations() {
        [](D3THardWare& model, Values& values) {
          std::array<std::uint32_t, 3> elements = {1, 2, 0xFFFFFFFF};
          const Status result = model.WritePulseTrainFixed(elements);
-         values = {double(elements[0]), double(elements[1]), double(elements[2])};
+         values.assign(elements.begin(), elements.end());
          return result;
        },
        {WriteRequest(3, 0x40, "1F 00 | 01 00 00 00 | 02 00 00 00 | FF FF FF FF")},
        {"1F 00 | 04 00 00 00 | 05 00 00 00 | 06 00 00 00"},
        {4, 5, 6}},
       {"SwitchSettingHasZeroInTheMiddle",
-       [](D3THardWare& model, Values& values) {
-         bool enabled = true;
-         std::uint32_t value = 0x1234;
-         const Status result = model.WriteSwitchSetting(enabled, value);
-         values = {double(enabled), double(value)};
-         return result;
-       },
+       Calling(&D3THardWare::WriteSwitchSetting, true, 0x1234U),
        {WriteRequest(3, 0x20, "09 00 | 01 00 | 00 00 | 34 12")},
        {"09 00 | 00 00 | 00 00 | 35 12"},
        {0, 0x1235}},
       {"ScaledSettingIsHertzAndSixteenBits",
-       [](D3THardWare& model, Values& values) {
-         double megahertz = 10;
-         std::uint32_t number = 7;
-         double value = -1.5;
-         const Status result = model.WriteScaledSetting(megahertz, number, value);
-         values = {megahertz, double(number), value};
-         return result;
-       },
+       Calling(&D3THardWare::WriteScaledSetting, 10, 7U, -1.5),
        {WriteRequest(3, 0x40, "1B 00 | 80 96 98 00 | 07 00 00 00 | 80 FE 00 00")},
        {"1B 00 | 40 42 0F 00 | 08 00 00 00 | 00 FF 00 00"},
        {1, 8, -1}},
@@ -217,21 +176,14 @@ std::vector<Operation> SettingOperations() {
        {"1A 00 | 00 02 | 00 01"},
        {2, 1}},
       {"FrequencyListOfTwo",
-       [](D3THardWare& model, Values& values) {
-         values = {1e9, 2e10};
-         return model.TransferList(ListAxis::kFrequency, values, {});
-       },
+       List(ListAxis::kFrequency, {1e9, 2e10}),
        {WriteRequest(0, 0x60,
                      "02 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 00 CA 9A 3B 00 00 |"
                      "00 C8 17 A8 04 00")},
        {"02 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 01 CA 9A 3B 00 00 | 01 C8 17 A8 04 00"},
        {1e9 + 1, 2e10 + 1}},
       {"PowerListCarriesLevelSettings",
-       [](D3THardWare& model, Values& values) {
-         values = {-60.5};
-         return model.TransferList(ListAxis::kPower, values,
-                                   {.level_control = 1, .atten_mode = 3, .further_1 = 7});
-       },
+       List(ListAxis::kPower, {-60.5}, {.level_control = 1, .atten_mode = 3, .further_1 = 7}),
        {WriteRequest(4, 0x42,
                      "4C 00 | 00 00 01 00 | 00 00 03 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 |"
                      "00 00 01 00 | 00 80 C3 FF")},

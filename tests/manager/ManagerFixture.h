@@ -69,6 +69,13 @@ constexpr std::uint16_t kRead = 4;
 constexpr std::uint16_t kRefusal = 0x8005;
 constexpr Status kRefusalStatus = -32763;
 
+/// A trail of refusals at these sites.
+inline std::vector<ErrorRecord> Refusals(const std::vector<Site>& sites) {
+  std::vector<ErrorRecord> trail;
+  for (const Site site : sites) trail.push_back({kRefusalStatus, site});
+  return trail;
+}
+
 /// A data block whose readings are all the same.
 inline std::vector<std::uint8_t> Block(int points, std::uint16_t status_word = 0,
                                        std::int32_t reading = 256) {

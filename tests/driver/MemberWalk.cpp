@@ -1,0 +1,169 @@
+#include "tests/driver/MemberWalk.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <stdexcept>
+
+#include "platform/os/Text.h"
+
+namespace driver_test {
+
+namespace {
+
+using members::Type;
+
+const IID& kComponent = __uuidof(IIviComponentIdentity);
+const IID& kUtility = __uuidof(IIviDriverUtility);
+const IID& kFrequencyStep = __uuidof(IZentrelK4NFrequencyStep);
+
+/// Members of an interface, or all that no row before it names.
+struct UnsupportedRow {
+  std::string_view beginning;
+  std::vector<std::string_view> names;  // none: all
+  Unsupported answer = {};
+};
+
+const UnsupportedRow kUnsupported[] = {
+    {"IIviDriverIdentity.", {"get Description", "get Revision", "get Vendor"}, {"", &kComponent}},
+    {"IIviDriverIdentity.", {}},
+    {"IIviDriverOperation.", {}},
+    {"IIviDriverUtility.",
+     {"Reset", "ResetWithDefaults", "Disable", "SelfTest", "LockObject", "UnlockObject"}},
+    {"RF.", {"IsSettled", "WaitUntilSettled"}},
+    {"FrequencyStep.", {"put Size", "ConfigureDwell"}},
+    {"FrequencyStep.", {"Reset"}, {"", &kUtility}},
+    {"List.", {"get SelectedName", "put SelectedName"}},
+    {"List.", {"ConfigureDwell"}, {"", &kFrequencyStep}},
+    {"List.", {"Reset"}, {"", &kUtility}},
+    {"PowerStep.", {"ConfigureDwell", "Reset"}},
+    {"PulseGenerator.",
+     {"ConfigureExternalTrigger", "put GatingEnabled", "get GatingEnabled",
+      "put ExternalTriggerSlope", "get ExternalTriggerSlope", "put ExternalTriggerDelay",
+      "get ExternalTriggerDelay"}},
+    {"PulseGenerator.", {"put TriggerSource", "get TriggerSource"}, {"_PGenerator"}},
+    {"PulseGeneratorOutput.", {}, {"_PGeneratorOutput"}},
+    {"Channel.", {"put Enabled", "get Enabled"}},
+};
+
+std::string NameOf(const members::Interface& entry, const members::Member& member) {
+  constexpr std::string_view kPrefix = "IZentrelK4N";
+  std::string name(entry.name == kPrefix             ? "Root"
+                   : entry.name.starts_with(kPrefix) ? entry.name.substr(kPrefix.size())
+                                                     : entry.name);
+  name += member.kind == members::Kind::kGet ? ".get " : ".";
+  if (member.kind == members::Kind::kPut) name += "put ";
+  return name.append(member.name);
+}
+
+/// The pointer of this interface to the object that has it.
+ComPtr<IUnknown> Find(const Surface& surface, const IID& iid) {
+  ComPtr<IUnknown> found;
+  for (IUnknown* object : std::initializer_list<IUnknown*>{
+           surface.root.Get(), surface.power_step.Get(), surface.trigger_output.Get(),
+           surface.pulse_generator.Get(), surface.pulse_double.Get(), surface.pulse_output.Get(),
+           surface.packet.Get(), surface.pulse_modulation.Get(), surface.channel.Get(),
+           surface.sync_generator.Get()}) {
+    if (object->QueryInterface(iid, found.PutVoid()) == S_OK) break;
+  }
+  return found;
+}
+
+members::Value ValueOf(Type type, double number) {
+  switch (type) {
+    case Type::kDouble:
+      return number;
+    case Type::kBool:
+      return static_cast<VARIANT_BOOL>(number);
+    case Type::kText:
+      return Text("ChannelA");
+    case Type::kArray:
+      return members::Unset{};
+    default:
+      return static_cast<LONG>(number);
+  }
+}
+
+std::string TextOf(double number) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.12g", number);
+  return text;
+}
+std::string TextOf(const Bstr& text) { return os::ToNarrow(text.View(), os::kUtf8CodePage); }
+std::string TextOf(const SafeArrayOwner& /*array*/) { return "array"; }
+std::string TextOf(const ComPtr<IUnknown>& object) { return object ? "object" : "no object"; }
+std::string TextOf(members::Unset /*value*/) { return {}; }
+std::string TextOf(members::NullReference /*value*/) { return {}; }
+
+}  // namespace
+
+bool Walked::IsWay() const {
+  return !member->parameters.empty() && member->parameters.back().type == Type::kInterface;
+}
+
+const Unsupported* Walked::FindUnsupported() const {
+  const auto* const row = std::ranges::find_if(kUnsupported, [this](const auto& entry) {
+    if (!name.starts_with(entry.beginning)) return false;
+    return entry.names.empty() ||
+           std::ranges::count(entry.names, std::string_view(name).substr(entry.beginning.size())) !=
+               0;
+  });
+  return row == std::end(kUnsupported) ? nullptr : &row->answer;
+}
+
+const std::vector<Walked>& AllMembers() {
+  static const std::vector<Walked> all = [] {
+    std::vector<Walked> list;
+    for (const auto& entry : members::Interfaces()) {
+      for (const auto& member : entry.members) {
+        list.push_back({NameOf(entry, member), &entry, &member});
+      }
+    }
+    return list;
+  }();
+  return all;
+}
+
+std::vector<std::string> UnsupportedNames() {
+  std::vector<std::string> all;
+  for (const auto& row : kUnsupported) {
+    for (const auto name : row.names) all.push_back(std::string(row.beginning).append(name));
+  }
+  return all;
+}
+
+const Walked& MemberOf(std::string_view name) {
+  const auto found = std::ranges::find(AllMembers(), name, &Walked::name);
+  if (found == AllMembers().end()) throw std::out_of_range(std::string(name));
+  return *found;
+}
+
+Answer Call(const Surface& surface, const Walked& walked, std::span<const double> numbers,
+            std::optional<std::size_t> null_out) {
+  std::vector<members::Argument> arguments;
+  for (const auto& parameter : walked.member->parameters) {
+    auto& argument = arguments.emplace_back();
+    if (null_out == arguments.size() - 1) argument.value = members::NullReference{};
+    if (parameter.IsOut()) continue;
+    argument.value = ValueOf(parameter.type, numbers.empty() ? 1.0 : numbers.front());
+    if (!numbers.empty()) numbers = numbers.subspan(1);
+  }
+  const auto object = Find(surface, walked.interface_entry->id);
+  Answer answer{walked.member->Call(object.Get(), arguments), {}};
+  for (const auto& argument : arguments) {
+    if (!argument.written) continue;
+    answer.written.push_back(
+        std::visit([](const auto& value) { return TextOf(value); }, argument.value));
+  }
+  return answer;
+}
+
+double NumberOf(const Surface& surface, std::string_view get) {
+  const Answer answer = Call(surface, MemberOf(get));
+  EXPECT_EQ(answer.result, S_OK) << get;
+  return answer.written.size() == 1 ? std::stod(answer.written.front()) : std::nan("");
+}
+
+}  // namespace driver_test

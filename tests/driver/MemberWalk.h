@@ -1,0 +1,56 @@
+// Calling every member of the surface by its name: "RF.put Level", "Root.Close".
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/driver/DriverModule.h"
+#include "zk4n/members/MemberTable.h"
+
+namespace driver_test {
+
+/// How a member says that it is not supported: under its name with something behind it, against its
+/// own interface or another one.
+struct Unsupported {
+  std::string_view behind = "";
+  const IID* iid = nullptr;
+};
+
+/// A member as the walk meets it.
+struct Walked {
+  std::string name;
+  const members::Interface* interface_entry;
+  const members::Member* member;
+
+  /// Null when it is supported.
+  [[nodiscard]] const Unsupported* FindUnsupported() const;
+  /// Whether it hands out an interface.
+  [[nodiscard]] bool IsWay() const;
+};
+
+/// All members, interface by interface. IZentrelK4N is called Root, and the others lose this
+/// beginning of their names.
+const std::vector<Walked>& AllMembers();
+/// Those that the list of the unsupported names.
+std::vector<std::string> UnsupportedNames();
+/// Throws std::out_of_range when there is none of this name.
+const Walked& MemberOf(std::string_view name);
+
+/// What a call gave: its result, and what the arguments that come out hold, as text: numbers,
+/// texts, "object", "array"; none for what was not written.
+struct Answer {
+  HRESULT result;
+  std::vector<std::string> written;
+};
+
+/// Calls with these numbers for what goes in, and 1 where they end; texts are "ChannelA", arrays
+/// null. `null_out`: the number of the argument whose reference is null.
+Answer Call(const Surface& surface, const Walked& walked, std::span<const double> numbers = {},
+            std::optional<std::size_t> null_out = std::nullopt);
+/// The one number that a get of this name gives; fails the test when it fails.
+double NumberOf(const Surface& surface, std::string_view get);
+
+}  // namespace driver_test

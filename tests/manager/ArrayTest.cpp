@@ -1,0 +1,152 @@
+// Arrays of clients: what of them goes on the wire, and what comes back into them.
+#include "platform/com/Raii.h"
+#include "tests/manager/ManagerFixture.h"
+
+namespace {
+
+using testing::ElementsAre;
+using Values = std::vector<double>;
+
+SafeArrayOwner Array(const Values& values, LONG lower = 0) {
+  SafeArrayOwner array(SafeArrayCreateVector(VT_R8, lower, static_cast<ULONG>(values.size())));
+  const SafeArrayAccess<double> access(array.Get());
+  std::ranges::copy(values, access.Values().begin());
+  return array;
+}
+Values ValuesOf(const SafeArrayOwner& array) {
+  const SafeArrayAccess<double> access(array.Get());
+  return {access.Values().begin(), access.Values().end()};
+}
+
+// --- Lists
+
+constexpr std::uint8_t kFrequencyListId = 2;
+
+struct ListCase {
+  const char* name;
+  LONG lower;  // bound of the array
+  Values given;
+  std::string answer;  // to the list; empty: as sent
+  Values sent;         // nothing: a list that is not there
+  Values back;
+};
+void PrintTo(const ListCase& row, std::ostream* stream) { *stream << row.name; }
+
+class ListTest : public ManagerTest, public testing::WithParamInterface<ListCase> {};
+
+TEST_P(ListTest, IsSentFromItsFirstElementAndComesBackCorrected) {
+  Open();
+  const ListCase& row = GetParam();
+  if (!row.answer.empty()) visa_.RuleBody(kWrite, kFrequencyListId, 0, row.answer);
+  const auto array = Array(row.given, row.lower);
+  EXPECT_EQ(manager_.SetFrequencyList(array.Get()), 0);
+  EXPECT_EQ(ValuesOf(array), row.back);
+  EXPECT_EQ(array.Get()->cLocks, 0U);
+  EXPECT_EQ(manager_.HasFrequencyList(), !row.sent.empty());
+  Values sent;
+  for (const auto& write : visa_.Calls(scripted::Function::kWrite)) {
+    if (write.size < 14 || write.bytes[0] != kFrequencyListId) continue;
+    for (std::size_t i = 14; i < write.size; i += 6) sent.push_back(write.bytes[i]);
+  }
+  EXPECT_EQ(sent, row.sent);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Lists, ListTest,
+    testing::Values(ListCase{"Corrected",
+                             0,
+                             {1, 2},
+                             "02 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 05 00 00 00 00 00 |"
+                             "06 00 00 00 00 00",
+                             {1, 2},
+                             {5, 6}},
+                    ListCase{"OneBasedSendsOneMore", 1, {1, 2, 3}, "", {1, 2, 3, 3}, {1, 2, 3}},
+                    ListCase{"BelowZeroLosesTheLast", -1, {1, 2, 3}, "", {1, 2}, {1, 2, 3}},
+                    ListCase{"Empty", 0, {}, "", {}, {}},
+                    ListCase{"EmptyFromOne", 1, {}, "", {}, {}},
+                    ListCase{"AllBelowZero", -9, {1, 2}, "", {}, {1, 2}}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(ManagerTest, RefusedListIsKept) {
+  Open();
+  visa_.Rule(kWrite, kFrequencyListId, kRefusal);
+  EXPECT_EQ(manager_.SetFrequencyList(Array({1, 2}).Get()), kRefusalStatus);
+  EXPECT_TRUE(manager_.HasFrequencyList());
+  EXPECT_THAT(manager_.ErrorRecords(),
+              ElementsAre(ErrorRecord{kRefusalStatus, Site::kFrequencyAxis},
+                          ErrorRecord{kRefusalStatus, Site::kFrequencyList}));
+  EXPECT_EQ(manager_.SetFrequencyList(nullptr), 0);
+  EXPECT_FALSE(manager_.HasFrequencyList()) << "no array clears it";
+}
+
+TEST_F(ManagerTest, ListThatCannotBeLockedLeavesTheWorkerPausedUntilTheNextOperation) {
+  Open();
+  ASSERT_EQ(manager_.SetPowerList(Array({-10}).Get()), 0);
+  StartMeasuring();
+  const auto array = Array({-20});
+  array.Get()->cLocks = 0xFFFF;
+  EXPECT_EQ(manager_.SetPowerList(array.Get()), E_UNEXPECTED);
+  array.Get()->cLocks = 0;
+  EXPECT_TRUE(manager_.HasPowerList()) << "the one before";
+  visa_.ClearRecord();
+  bool pressed = false;
+  EXPECT_EQ(manager_.GetRfButton(pressed), 0);
+  EXPECT_EQ(visa_.RequestOrder().front(), "4:34/20x1") << "nobody else was reading";
+  EXPECT_TRUE(WaitUntilRequested("6", 1));
+}
+
+// --- Packets
+
+struct PacketCase {
+  const char* name;
+  Values widths;  // seconds
+  Values delays;
+  Status result;
+  Values delays_back;
+  LONG lower = 0;
+};
+void PrintTo(const PacketCase& row, std::ostream* stream) { *stream << row.name; }
+
+class PacketTest : public ManagerTest, public testing::WithParamInterface<PacketCase> {};
+
+TEST_P(PacketTest, FillsOnePeriod) {
+  Open();
+  ASSERT_EQ(manager_.SetPulsePeriod(10'000.0), 0);
+  ASSERT_EQ(manager_.SetPulseModEnabled(true), 0);
+  ASSERT_EQ(manager_.SetDoublePulseEnabled(true), 0);
+  const PacketCase& row = GetParam();
+  const auto widths = Array(row.widths, row.lower);
+  const auto delays = Array(row.delays, row.lower);
+  EXPECT_EQ(manager_.ConfigurePacket(true, widths.Get(), delays.Get()), row.result);
+  EXPECT_EQ(ValuesOf(widths), row.widths);
+  EXPECT_THAT(ValuesOf(delays), testing::Pointwise(testing::DoubleEq(), row.delays_back));
+  EXPECT_EQ(manager_.GetPulseSettings().packet_enabled, row.result == 0);
+  EXPECT_EQ(manager_.GetPulseSettings().double_enabled, row.result != 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Packets, PacketTest,
+    testing::Values(
+        PacketCase{"LastDelayIsReplaced", {1e-6, 2e-6}, {1e-6, 9e-6}, 0, {1e-6, 6e-6}},
+        PacketCase{"LongerThanThePeriod", {6e-6, 6e-6}, {1e-6, 1e-6}, 0, {1e-6, 0}},
+        PacketCase{"OneBasedSendsOneMore", {1e-6, 2e-6}, {1e-6, 1e-6}, 0, {1e-6, 1e-6}, 1},
+        PacketCase{"CountsDiffer", {1e-6, 1e-6}, {1e-6}, status::kInvalidValue, {1e-6}},
+        PacketCase{"NegativeWidth", {1e-6, -1e-6}, {0, 0}, status::kInvalidValue, {0, 0}},
+        PacketCase{"NegativeDelay", {1e-6}, {-1e-6}, status::kInvalidValue, {-1e-6}}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(ManagerTest, PacketsWithoutAnArray) {
+  Open();
+  const auto array = Array({1e-6});
+  const auto empty = Array({});
+  EXPECT_EQ(manager_.ConfigurePacket(true, array.Get(), nullptr), status::kInvalidValue);
+  EXPECT_EQ(manager_.ConfigurePacket(true, nullptr, array.Get()), status::kInvalidValue);
+  EXPECT_EQ(array.Get()->cLocks, 0U);
+  EXPECT_EQ(manager_.ConfigurePacket(true, empty.Get(), empty.Get()), status::kInvalidValue);
+  EXPECT_EQ(empty.Get()->cLocks, 1U) << "kept: it stays locked";
+  SafeArrayUnlock(empty.Get());
+  EXPECT_EQ(manager_.ConfigurePacket(true, nullptr, nullptr), 0) << "of no pulses, not sent yet";
+  EXPECT_EQ(manager_.SetPulseModEnabled(true), status::kInvalidValue);
+}
+
+}  // namespace
