@@ -14,13 +14,14 @@ constexpr std::array<std::uint64_t, 4> kThirdKeyConstant = {0xff00ff00ff00ff00, 
 using Block = std::array<std::uint64_t, 4>;
 using Key = std::array<std::uint32_t, 8>;
 
-Block operator^(const Block& a, const Block& b) {
+inline Block operator^(const Block& a, const Block& b) {
   return {a[0] ^ b[0], a[1] ^ b[1], a[2] ^ b[2], a[3] ^ b[3]};
 }
 
-Block LoadBlock(const std::uint8_t* bytes) {
+inline Block LoadBlock(const std::uint8_t* bytes) {
   Block block{};
   for (std::size_t word = 0; word < block.size(); ++word) {
+#pragma GCC unroll 8
     for (std::size_t i = 0; i < 8; ++i) {
       block[word] |= static_cast<std::uint64_t>(bytes[8 * word + i]) << (8 * i);
     }
@@ -29,10 +30,10 @@ Block LoadBlock(const std::uint8_t* bytes) {
 }
 
 /// The standard's transformation A.
-Block TransformA(const Block& y) { return {y[1], y[2], y[3], y[0] ^ y[1]}; }
+inline Block TransformA(const Block& y) { return {y[1], y[2], y[3], y[0] ^ y[1]}; }
 
 /// The standard's transformation P: key word k is made of byte k of each of the four words.
-Key TransformP(const Block& w) {
+inline Key TransformP(const Block& w) {
   constexpr std::uint64_t kBytes = 0x00ff00ff00ff00ff;
   constexpr std::uint64_t kPairs = 0x0000ffff0000ffff;
   const auto even = [](std::uint64_t low, std::uint64_t high, std::uint64_t mask, int shift) {
@@ -58,7 +59,7 @@ Key TransformP(const Block& w) {
 }
 
 /// The four keys, one row a key.
-std::array<Key, 4> MakeKeys(const Block& state, const Block& message) {
+inline std::array<Key, 4> MakeKeys(const Block& state, const Block& message) {
   Block u = state;
   Block v = message;
   std::array<Key, 4> keys;
@@ -75,7 +76,7 @@ std::array<Key, 4> MakeKeys(const Block& state, const Block& message) {
 }
 
 /// One step of the standard's mixing transformation psi over sixteen 16-bit words.
-Block Mix(const Block& y) {
+inline Block Mix(const Block& y) {
   const std::uint64_t top = y[0] ^ (y[0] >> 16) ^ (y[0] >> 32) ^ (y[0] >> 48) ^ y[3] ^ (y[3] >> 48);
   return {(y[0] >> 16) | (y[1] << 48), (y[1] >> 16) | (y[2] << 48), (y[2] >> 16) | (y[3] << 48),
           (y[3] >> 16) | (top << 48)};
@@ -83,7 +84,7 @@ Block Mix(const Block& y) {
 
 /// Four steps of psi at once. Each new word depends on the one before it, so the four are a running
 /// exclusive or over the lanes.
-Block MixFour(const Block& y) {
+inline Block MixFour(const Block& y) {
   std::uint64_t next = y[0] ^ ((y[0] >> 16) | (y[1] << 48)) ^ ((y[0] >> 32) | (y[1] << 32)) ^
                        ((y[0] >> 48) | (y[1] << 16)) ^ y[3];
   next ^= next << 16;
@@ -92,7 +93,8 @@ Block MixFour(const Block& y) {
   return {y[1], y[2], y[3], next};
 }
 
-Block MixFourTimes(Block y, int count) {
+inline Block MixFourTimes(Block y, int count) {
+#pragma GCC unroll 3
   for (int i = 0; i < count; ++i) {
     y = MixFour(y);
   }
@@ -184,6 +186,7 @@ void Gost341194::Compress(const Block& message) {
   }
   const auto round = [&](std::array<std::uint32_t, 4>& from, std::array<std::uint32_t, 4>& to,
                          std::size_t key_word) {
+#pragma GCC unroll 4
     for (std::size_t lane = 0; lane < 4; ++lane) {
       const std::uint32_t x = from[lane] + keys[lane][key_word];
       to[lane] ^= round_table_[0][x & 0xff] ^ round_table_[1][(x >> 8) & 0xff] ^
