@@ -1,132 +1,157 @@
-// One exchange with the instrument as the driver makes it, through the VISA library and on bare
-// sockets: header and body written one after the other, the answer's header read, then its body.
-#include <arpa/inet.h>
+// One setting on its way to the instrument and back, layer by layer: bare sockets, the VISA
+// library, the instrument model, the COM member. The bytes on the wire are the same everywhere.
 #include <benchmark/benchmark.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <array>
-#include <cstdint>
+#include <chrono>
+#include <functional>
+#include <memory>
 #include <stdexcept>
-#include <string>
-#include <thread>
+#include <vector>
 
+#include "K4NHardWare/CommandExchanger.h"
+#include "K4NHardWare/D3THardWare.h"
+#include "bench/Samples.h"
+#include "bench/driver/Driver.h"
+#include "bench/link/Loopback.h"
 #include "platform/os/Module.h"
 #include "visa/Visa.h"
 
 namespace {
 
-constexpr std::size_t kHeader = 16;
-constexpr std::size_t kBody = 24;
+constexpr double kLevel = -10.0;
 
-void SetNoDelay(int fd) {
-  const int on = 1;
-  setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+void Require(bool good, const char* what) {
+  if (!good) throw std::runtime_error(what);
 }
 
-bool ReceiveAll(int fd, std::uint8_t* bytes, std::size_t size) {
-  while (size > 0) {
-    const ssize_t count = recv(fd, bytes, size, 0);
-    if (count <= 0) return false;
-    bytes += count;
-    size -= static_cast<std::size_t>(count);
-  }
-  return true;
-}
-
-/// Answers each message of one client with as many bytes.
-class Instrument {
+/// The message that tells an instrument of the newest generation its level.
+class LevelMessage {
  public:
-  Instrument() : listener_(socket(AF_INET, SOCK_STREAM, 0)) {
-    address_.sin_family = AF_INET;
-    address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address_;
-    if (bind(listener_, reinterpret_cast<sockaddr*>(&address_), size) != 0 ||
-        listen(listener_, 1) != 0 ||
-        getsockname(listener_, reinterpret_cast<sockaddr*>(&address_), &size) != 0) {
-      throw std::runtime_error("no loopback port");
-    }
-    thread_ = std::thread([this] { Serve(); });
+  LevelMessage() {
+    constexpr std::array<std::uint8_t, 10> kHeader = {0xAA, 0x55, 3, 0, 0, 0x80, 32, 0, 5, 0x62};
+    std::copy(kHeader.begin(), kHeader.end(), bytes_.begin());
   }
-  ~Instrument() {
-    thread_.join();
-    close(listener_);
-  }
-  Instrument(const Instrument&) = delete;
-  Instrument& operator=(const Instrument&) = delete;
-
-  [[nodiscard]] const sockaddr_in& address() const { return address_; }
+  std::span<std::uint8_t> all() { return bytes_; }
+  std::span<std::uint8_t> header() { return all().first(kHeaderSize); }
+  std::span<std::uint8_t> body() { return all().subspan(kHeaderSize); }
 
  private:
-  void Serve() const {
-    const int fd = accept(listener_, nullptr, nullptr);
-    SetNoDelay(fd);
-    std::array<std::uint8_t, kHeader + kBody> message{};
-    while (ReceiveAll(fd, message.data(), message.size())) {
-      send(fd, message.data(), message.size(), MSG_NOSIGNAL);
-    }
-    close(fd);
-  }
-
-  int listener_;
-  sockaddr_in address_{};
-  std::thread thread_;
+  std::array<std::uint8_t, kHeaderSize + 32> bytes_{};
 };
 
-void BareSockets(benchmark::State& state) {
-  Instrument instrument;
-  const int fd = socket(AF_INET, SOCK_STREAM, 0);
-  if (connect(fd, reinterpret_cast<const sockaddr*>(&instrument.address()), sizeof(sockaddr_in)) !=
-      0) {
-    state.SkipWithError("no connection");
+class BareLayer {
+ public:
+  explicit BareLayer(const EchoInstrument& instrument) : client_(instrument.port()) {}
+  void operator()() { client_.Exchange(message_.all()); }
+
+ private:
+  BareClient client_;
+  LevelMessage message_;
+};
+
+/// The same four calls, to the VISA library.
+class VisaLayer {
+ public:
+  explicit VisaLayer(const EchoInstrument& instrument) {
+    Require(module_.Load(ZK_VISA_MODULE), "no VISA library");
+    read_ = module_.FunctionOf<decltype(viRead)>("viRead");
+    write_ = module_.FunctionOf<decltype(viWrite)>("viWrite");
+    module_.FunctionOf<decltype(viOpenDefaultRM)>("viOpenDefaultRM")(&manager_);
+    Require(module_.FunctionOf<decltype(viOpen)>("viOpen")(
+                manager_, instrument.ResourceName().c_str(), VI_EXCLUSIVE_LOCK | VI_LOAD_CONFIG,
+                1000, &session_) == 0,
+            "no VISA session");
   }
-  SetNoDelay(fd);
-  std::array<std::uint8_t, kHeader + kBody> message{};
-  for ([[maybe_unused]] auto _ : state) {
-    const bool ok = send(fd, message.data(), kHeader, MSG_NOSIGNAL) == kHeader &&
-                    send(fd, message.data() + kHeader, kBody, MSG_NOSIGNAL) == kBody &&
-                    ReceiveAll(fd, message.data(), kHeader) &&
-                    ReceiveAll(fd, message.data() + kHeader, kBody);
-    if (!ok) state.SkipWithError("exchange failed");
+  ~VisaLayer() { module_.FunctionOf<decltype(viClose)>("viClose")(manager_); }
+  VisaLayer(const VisaLayer&) = delete;
+  VisaLayer& operator=(const VisaLayer&) = delete;
+
+  void operator()() {
+    Require(Write(message_.header()) && Write(message_.body()) && Read(message_.header()) &&
+                Read(message_.body()),
+            "VISA exchange failed");
   }
-  close(fd);
+
+ private:
+  bool Write(std::span<const std::uint8_t> bytes) {
+    ViUInt32 count = 0;
+    return write_(session_, bytes.data(), static_cast<ViUInt32>(bytes.size()), &count) >= 0;
+  }
+  bool Read(std::span<std::uint8_t> bytes) {
+    ViUInt32 count = 0;
+    return read_(session_, bytes.data(), static_cast<ViUInt32>(bytes.size()), &count) >= 0;
+  }
+
+  os::Module module_;
+  decltype(&viRead) read_;
+  decltype(&viWrite) write_;
+  ViSession manager_ = 0;
+  ViSession session_ = 0;
+  LevelMessage message_;
+};
+
+class ModelLayer {
+ public:
+  explicit ModelLayer(const EchoInstrument& instrument)
+      : exchanger_(std::make_unique<uDevice::Interface>(instrument.ResourceName())),
+        model_(exchanger_) {
+    (*this)();  // finds out the form of the parameter
+  }
+  void operator()() {
+    Require(model_.SetOutputLevel(settings_, level_) == status::kOk, "the model refuses");
+  }
+
+ private:
+  CommandExchanger exchanger_;
+  D3THardWare model_;
+  LevelSettings settings_;
+  double level_ = kLevel;
+};
+
+class ComLayer {
+ public:
+  explicit ComLayer(const EchoInstrument& instrument) {
+    driver_.Open(instrument.ResourceName());
+    (*this)();
+  }
+  void operator()() { Require(driver_.rf->put_Level(kLevel) == S_OK, "the driver refuses"); }
+
+ private:
+  bench::Driver driver_;
+};
+
+/// Microseconds that a layer's exchange takes, a few of them averaged.
+template <typename Layer>
+double Time(Layer& layer) {
+  constexpr int kExchanges = 20;
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < kExchanges; ++i) layer();
+  const std::chrono::duration<double, std::micro> passed = std::chrono::steady_clock::now() - start;
+  return passed.count() / kExchanges;
 }
 
-void VisaLibrary(benchmark::State& state) {
-  os::Module module;
-  if (!module.Load(ZK_VISA_MODULE)) {
-    state.SkipWithError("no VISA library");
-    return;
-  }
-  const auto open_manager = module.FunctionOf<decltype(viOpenDefaultRM)>("viOpenDefaultRM");
-  const auto open = module.FunctionOf<decltype(viOpen)>("viOpen");
-  const auto close_object = module.FunctionOf<decltype(viClose)>("viClose");
-  const auto read = module.FunctionOf<decltype(viRead)>("viRead");
-  const auto write = module.FunctionOf<decltype(viWrite)>("viWrite");
-  Instrument instrument;
-  const std::string name =
-      "TCPIP::127.0.0.1::" + std::to_string(ntohs(instrument.address().sin_port)) + "::SOCKET";
-  ViSession manager = 0;
-  ViSession session = 0;
-  open_manager(&manager);
-  if (open(manager, name.c_str(), VI_EXCLUSIVE_LOCK | VI_LOAD_CONFIG, 1000, &session) != 0) {
-    state.SkipWithError("no session");
-  }
-  std::array<ViByte, kHeader + kBody> message{};
-  ViUInt32 count = 0;
+/// The layers take turns, so that whatever else the machine does meets them all; each has an
+/// instrument of its own.
+void Exchange(benchmark::State& state) {
+  std::array<EchoInstrument, 4> instruments;
+  BareLayer bare(instruments[0]);
+  VisaLayer visa(instruments[1]);
+  ModelLayer model(instruments[2]);
+  ComLayer com(instruments[3]);
+  std::array<bench::Samples, 4> times;
   for ([[maybe_unused]] auto _ : state) {
-    const bool ok = write(session, message.data(), kHeader, &count) >= 0 &&
-                    write(session, message.data() + kHeader, kBody, &count) >= 0 &&
-                    read(session, message.data(), kHeader, &count) >= 0 &&
-                    read(session, message.data() + kHeader, kBody, &count) >= 0;
-    if (!ok) state.SkipWithError("exchange failed");
+    times[0].Add(Time(bare));
+    times[1].Add(Time(visa));
+    times[2].Add(Time(model));
+    times[3].Add(Time(com));
   }
-  close_object(manager);
+  state.counters["bare_us"] = times[0].Median();
+  state.counters["visa_us"] = times[1].Median();
+  state.counters["model_us"] = times[2].Median();
+  state.counters["com_us"] = times[3].Median();
 }
-
-BENCHMARK(BareSockets)->UseRealTime();
-BENCHMARK(VisaLibrary)->UseRealTime();
+BENCHMARK(Exchange)->Iterations(200)->UseRealTime();
 
 }  // namespace
