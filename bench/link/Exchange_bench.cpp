@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <vector>

@@ -44,17 +44,51 @@ void Serve(int fd) {
   close(fd);
 }
 
-}  // namespace
-
-EchoInstrument::EchoInstrument() : listener_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+/// A listening socket on a free port.
+int Listen(std::uint16_t& port) {
+  const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_in address = LoopbackAddress(0);
   socklen_t size = sizeof address;
-  if (bind(listener_, reinterpret_cast<sockaddr*>(&address), size) != 0 ||
-      listen(listener_, SOMAXCONN) != 0 ||
-      getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+  if (bind(listener, reinterpret_cast<sockaddr*>(&address), size) != 0 ||
+      listen(listener, SOMAXCONN) != 0 ||
+      getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
     throw std::runtime_error("no loopback port");
   }
-  port_ = ntohs(address.sin_port);
+  port = ntohs(address.sin_port);
+  return listener;
+}
+
+int Connect(std::uint16_t port) {
+  const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const sockaddr_in address = LoopbackAddress(port);
+  if (connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    close(fd);
+    throw std::runtime_error("no connection");
+  }
+  SetNoDelay(fd);
+  return fd;
+}
+
+/// Until the source ends.
+template <typename Note>
+void PassOn(int from, int to, const Note& note) {
+  std::vector<std::uint8_t> bytes(kLongestMessage);
+  for (;;) {
+    const ssize_t count = recv(from, bytes.data(), bytes.size(), 0);
+    if (count <= 0) break;
+    send(to, bytes.data(), static_cast<std::size_t>(count), MSG_NOSIGNAL);
+    note();
+  }
+  shutdown(to, SHUT_WR);
+}
+
+}  // namespace
+
+std::string ResourceNameOf(std::uint16_t port) {
+  return "TCPIP0::127.0.0.1::" + std::to_string(port) + "::SOCKET";
+}
+
+EchoInstrument::EchoInstrument() : listener_(Listen(port_)) {
   thread_ = std::thread([this] { Accept(); });
 }
 
@@ -65,10 +99,6 @@ EchoInstrument::~EchoInstrument() {
   close(listener_);
 }
 
-std::string EchoInstrument::ResourceName() const {
-  return "TCPIP0::127.0.0.1::" + std::to_string(port_) + "::SOCKET";
-}
-
 void EchoInstrument::Accept() {
   for (;;) {
     const int fd = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
@@ -77,14 +107,27 @@ void EchoInstrument::Accept() {
   }
 }
 
-BareClient::BareClient(std::uint16_t port) : fd_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  const sockaddr_in address = LoopbackAddress(port);
-  if (connect(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-    close(fd_);
-    throw std::runtime_error("no connection");
-  }
-  SetNoDelay(fd_);
+Tap::Tap(std::uint16_t instrument_port) : listener_(Listen(port_)) {
+  thread_ = std::thread([this, instrument_port] {
+    const int client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+    if (client < 0) return;
+    SetNoDelay(client);
+    const int instrument = Connect(instrument_port);
+    std::thread requests([&] { PassOn(client, instrument, [] {}); });
+    PassOn(instrument, client, [this] { last_answer_ = std::chrono::steady_clock::now(); });
+    requests.join();
+    close(instrument);
+    close(client);
+  });
 }
+
+Tap::~Tap() {
+  shutdown(listener_, SHUT_RDWR);
+  thread_.join();
+  close(listener_);
+}
+
+BareClient::BareClient(std::uint16_t port) : fd_(Connect(port)) {}
 
 BareClient::~BareClient() { close(fd_); }
 
