@@ -2,10 +2,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
-#include <utility>
 
 #include "measurement/AxisSearch.h"
+
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+}  // namespace
 
 double InterpolateDetector(const CSimpleMatrix& matrix, double frequency_mhz, double level) {
   const std::uint32_t columns = matrix.GetCols();
@@ -24,42 +30,46 @@ double InterpolateDetector(const CSimpleMatrix& matrix, double frequency_mhz, do
                   [&item](std::size_t i, std::size_t j) { return item(i + 1, j + 1); });
 }
 
-/// Takes the points when they are finite and ascend (equal neighbours allowed).
-bool DetectorTable::Axis::Assign(std::vector<double> axis_points) {
-  const bool finite = std::all_of(axis_points.begin(), axis_points.end(),
-                                  [](double point) { return std::isfinite(point); });
-  if (!finite || !std::is_sorted(axis_points.begin(), axis_points.end())) {
+bool DetectorTable::Axis::Assign(const std::vector<double>& points) {
+  const bool finite =
+      std::all_of(points.begin(), points.end(), [](double point) { return std::isfinite(point); });
+  if (!finite || !std::is_sorted(points.begin(), points.end())) {
     return false;
   }
-  points = std::move(axis_points);
-  const double range = points.back() - points.front();
-  steps_per_unit = range > 0.0 ? static_cast<double>(points.size() - 1) / range : 0.0;
+  const std::size_t last = points.size() - 1;
+  const double back = points.back();
+  const double range = back - points.front();
+  front_ = points.front();
+  steps_per_unit_ = range > 0.0 ? static_cast<double>(last) / range : 0.0;
+  // The ends belong to what lies beyond them, the last point first.
+  const double above_front = std::nextafter(front_, kInfinity);
+  intervals_.reserve(points.size() + 1);
+  intervals_.push_back({-kInfinity, std::min(above_front, back), 0.0, 0, 0});
+  for (std::size_t k = 0; k < last; ++k) {
+    intervals_.push_back(
+        {std::max(points[k], above_front), points[k + 1], points[k + 1] - points[k], k, k + 1});
+  }
+  intervals_.push_back({back, kInfinity, 0.0, last, last});
   return true;
 }
 
-std::size_t DetectorTable::Axis::Guess(double x) const {
-  const double steps = (x - points.front()) * steps_per_unit;
-  return steps > 0.0
-             ? static_cast<std::size_t>(std::min(steps, static_cast<double>(points.size() - 1)))
-             : 0;
+inline const DetectorTable::Interval& DetectorTable::Axis::Find(double x) const {
+  const double steps = (x - front_) * steps_per_unit_ + 1.0;
+  const auto last = static_cast<double>(intervals_.size() - 1);
+  const std::size_t guess = steps > 1.0 ? static_cast<std::size_t>(std::min(steps, last)) : 0;
+  return intervals_[guess].Holds(x) ? intervals_[guess] : Search(x);
 }
 
-AxisPosition DetectorTable::Axis::Locate(double x, std::size_t start) const {
-  const std::size_t last = points.size() - 1;
-  if (x >= points[last]) {
-    return {last, last, 0.5};
+const DetectorTable::Interval& DetectorTable::Axis::Search(double x) const {
+  static constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+  static constexpr Interval kNowhere = {kNan, kNan, kNan, 0, 0};
+  if (std::isnan(x)) {
+    return kNowhere;
   }
-  if (x <= points[0]) {
-    return {0, 0, 0.5};
-  }
-  std::size_t k = start;
-  if (k >= last || !(points[k] <= x && x < points[k + 1])) {
-    const auto above = std::upper_bound(points.begin(), points.end(), x);
-    k = static_cast<std::size_t>(above - points.begin()) - 1;
-  }
-  const std::size_t next = std::min(k + 1, last);
-  // The two points differ here, so NaN is the only x that can end without a weight.
-  return {k, next, (points[next] - x) / (points[next] - points[k])};
+  const auto found =
+      std::partition_point(intervals_.begin(), std::prev(intervals_.end()),
+                           [x](const Interval& interval) { return interval.to <= x; });
+  return *found;
 }
 
 DetectorTable::DetectorTable(const CSimpleMatrix& matrix) {
@@ -82,12 +92,12 @@ DetectorTable::DetectorTable(const CSimpleMatrix& matrix) {
   for (std::uint32_t j = 0; j < rows - 1; ++j) {
     level_points[j] = matrix.GetItem(0, row_of(j));
   }
-  if (!frequencies_.Assign(std::move(frequency_points)) ||
-      !levels_.Assign(std::move(level_points))) {
+  if (!frequencies_.Assign(frequency_points) || !levels_.Assign(level_points)) {
     irregular_ = matrix;
     return;
   }
-  values_.reserve(std::size_t{columns - 1} * (rows - 1));
+  level_count_ = rows - 1;
+  values_.reserve((columns - 1) * level_count_);
   for (std::uint32_t i = 0; i < columns - 1; ++i) {
     for (std::uint32_t j = 0; j < rows - 1; ++j) {
       values_.push_back(matrix.GetItem(column_of(i), row_of(j)));
@@ -109,16 +119,17 @@ void DetectorTable::Interpolate(std::span<const double> frequencies_mhz,
     }
     return;
   }
-  const std::size_t run = levels_.points.size();
-  AxisPosition frequency;
-  double located = std::numeric_limits<double>::quiet_NaN();  // differs from every frequency
+  const Interval* column = &frequencies_.Find(std::numeric_limits<double>::quiet_NaN());
   for (std::size_t i = 0; i < values.size(); ++i) {
-    if (frequencies_mhz[i] != located) {
-      located = frequencies_mhz[i];
-      frequency = frequencies_.Locate(located, frequency.first);
+    if (!column->Holds(frequencies_mhz[i])) {
+      column = &frequencies_.Find(frequencies_mhz[i]);
     }
-    const AxisPosition level = levels_.Locate(levels[i], levels_.Guess(levels[i]));
-    values[i] = Bilinear(frequency, level,
-                         [&](std::size_t f, std::size_t l) { return values_[f * run + l]; });
+    const Interval& row = levels_.Find(levels[i]);
+    const AxisPosition frequency = {column->first, column->second,
+                                    column->Weight(frequencies_mhz[i])};
+    const AxisPosition level = {row.first, row.second, row.Weight(levels[i])};
+    values[i] = Bilinear(frequency, level, [this](std::size_t f, std::size_t l) {
+      return values_[f * level_count_ + l];
+    });
   }
 }

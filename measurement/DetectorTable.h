@@ -5,7 +5,6 @@
 #include <span>
 #include <vector>
 
-#include "measurement/AxisSearch.h"
 #include "measurement/SimpleMatrix.h"
 
 /// The calibrated value for a frequency (MHz) and a level (base-10 logarithm), bilinear between the
@@ -30,20 +29,38 @@ class DetectorTable {
                    std::span<double> values) const;
 
  private:
-  /// An ascending axis of finite points.
-  struct Axis {
-    std::vector<double> points;
-    double steps_per_unit = 0.0;  // exact where the points are evenly spaced, a guess elsewhere
+  /// A stretch of an axis, from <= x < to, in which one pair of points decides.
+  struct Interval {
+    double from;
+    double to;     // the axis value of the second point too, where the points differ
+    double width;  // between the two points; 0 beyond an end of the axis, where they are one
+    std::size_t first;
+    std::size_t second;
 
-    [[nodiscard]] bool Assign(std::vector<double> axis_points);
-    /// The point at or below x if the points are evenly spaced.
-    [[nodiscard]] std::size_t Guess(double x) const;
-    /// `start` is the point to look at first.
-    [[nodiscard]] AxisPosition Locate(double x, std::size_t start) const;
+    [[nodiscard]] bool Holds(double x) const { return from <= x && x < to; }
+    /// The share of the first point.
+    [[nodiscard]] double Weight(double x) const { return width == 0.0 ? 0.5 : (to - x) / width; }
   };
 
-  Axis frequencies_;            // MHz
-  Axis levels_;                 // log10
+  /// An ascending axis of finite points.
+  class Axis {
+   public:
+    /// Takes the points, at least one, when they are finite and ascend (equal neighbours allowed).
+    [[nodiscard]] bool Assign(const std::vector<double>& points);
+    /// The interval that x lies in. It holds x but for NaN, for which its weight is NaN.
+    [[nodiscard]] const Interval& Find(double x) const;
+
+   private:
+    [[nodiscard]] const Interval& Search(double x) const;
+
+    std::vector<Interval> intervals_;  // ascending; one before the first point, one a point
+    double front_ = 0.0;
+    double steps_per_unit_ = 0.0;  // exact where the points are evenly spaced, a guess elsewhere
+  };
+
+  Axis frequencies_;  // MHz
+  Axis levels_;       // log10
+  std::size_t level_count_ = 0;
   std::vector<double> values_;  // one run of level values a frequency
   // A matrix whose axes are not both monotonic and finite is kept as it is: where a search ends
   // there depends on where it starts. The default object has one without an axis.

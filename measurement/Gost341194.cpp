@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 namespace {
 
@@ -11,28 +12,29 @@ constexpr std::size_t kBlockBytes = 32;
 constexpr std::array<std::uint64_t, 4> kThirdKeyConstant = {0xff00ff00ff00ff00, 0x00ff00ff00ff00ff,
                                                             0xff0000ff00ffff00, 0xff00ffff000000ff};
 
+// What follows is all for one function, Compress, in which it belongs into registers: hence
+// `inline` and the unrolled loops.
 using Block = std::array<std::uint64_t, 4>;
 using Key = std::array<std::uint32_t, 8>;
 
-Block operator^(const Block& a, const Block& b) {
+inline Block operator^(const Block& a, const Block& b) {
   return {a[0] ^ b[0], a[1] ^ b[1], a[2] ^ b[2], a[3] ^ b[3]};
 }
 
-Block LoadBlock(const std::uint8_t* bytes) {
-  Block block{};
-  for (std::size_t word = 0; word < block.size(); ++word) {
-    for (std::size_t i = 0; i < 8; ++i) {
-      block[word] |= static_cast<std::uint64_t>(bytes[8 * word + i]) << (8 * i);
-    }
-  }
+// The standard counts bytes from the least significant one, as the machines that this runs on do.
+static_assert(std::endian::native == std::endian::little);
+
+inline Block LoadBlock(const std::uint8_t* bytes) {
+  Block block;
+  std::memcpy(block.data(), bytes, sizeof block);
   return block;
 }
 
 /// The standard's transformation A.
-Block TransformA(const Block& y) { return {y[1], y[2], y[3], y[0] ^ y[1]}; }
+inline Block TransformA(const Block& y) { return {y[1], y[2], y[3], y[0] ^ y[1]}; }
 
 /// The standard's transformation P: key word k is made of byte k of each of the four words.
-Key TransformP(const Block& w) {
+inline Key TransformP(const Block& w) {
   constexpr std::uint64_t kBytes = 0x00ff00ff00ff00ff;
   constexpr std::uint64_t kPairs = 0x0000ffff0000ffff;
   const auto even = [](std::uint64_t low, std::uint64_t high, std::uint64_t mask, int shift) {
@@ -58,7 +60,7 @@ Key TransformP(const Block& w) {
 }
 
 /// The four keys, one row a key.
-std::array<Key, 4> MakeKeys(const Block& state, const Block& message) {
+inline std::array<Key, 4> MakeKeys(const Block& state, const Block& message) {
   Block u = state;
   Block v = message;
   std::array<Key, 4> keys;
@@ -75,28 +77,32 @@ std::array<Key, 4> MakeKeys(const Block& state, const Block& message) {
 }
 
 /// One step of the standard's mixing transformation psi over sixteen 16-bit words.
-Block Mix(const Block& y) {
+inline Block Mix(const Block& y) {
   const std::uint64_t top = y[0] ^ (y[0] >> 16) ^ (y[0] >> 32) ^ (y[0] >> 48) ^ y[3] ^ (y[3] >> 48);
   return {(y[0] >> 16) | (y[1] << 48), (y[1] >> 16) | (y[2] << 48), (y[2] >> 16) | (y[3] << 48),
           (y[3] >> 16) | (top << 48)};
 }
 
-/// Four steps of psi at once. Each new word depends on the one before it, so the four are a running
+/// The four words that four steps of psi append to words of which `first` are 0 to 3, `second` 4 to
+/// 7 and `last` 12 to 15. Each new word depends on the one before it, so the four are a running
 /// exclusive or over the lanes.
-Block MixFour(const Block& y) {
-  std::uint64_t next = y[0] ^ ((y[0] >> 16) | (y[1] << 48)) ^ ((y[0] >> 32) | (y[1] << 32)) ^
-                       ((y[0] >> 48) | (y[1] << 16)) ^ y[3];
+inline std::uint64_t NextFour(std::uint64_t first, std::uint64_t second, std::uint64_t last) {
+  std::uint64_t next = first ^ ((first >> 16) | (second << 48)) ^ ((first >> 32) | (second << 32)) ^
+                       ((first >> 48) | (second << 16)) ^ last;
   next ^= next << 16;
   next ^= next << 32;
-  next ^= (y[3] >> 48) * 0x0001000100010001;
-  return {y[1], y[2], y[3], next};
+  return next ^ ((last >> 48) * 0x0001000100010001);
 }
 
-Block MixFourTimes(Block y, int count) {
-  for (int i = 0; i < count; ++i) {
-    y = MixFour(y);
+/// 4 x kTimes steps of psi.
+template <std::size_t kTimes>
+inline Block MixFourTimes(const Block& y) {
+  std::array<std::uint64_t, 4 + kTimes> words = {y[0], y[1], y[2], y[3]};
+#pragma GCC unroll 16
+  for (std::size_t i = 0; i < kTimes; ++i) {
+    words[i + 4] = NextFour(words[i], words[i + 1], words[i + 3]);
   }
-  return y;
+  return {words[kTimes], words[kTimes + 1], words[kTimes + 2], words[kTimes + 3]};
 }
 
 }  // namespace
@@ -154,11 +160,7 @@ Gost341194::Digest Gost341194::Finish() {
   }
   Compress({byte_count_ << 3, byte_count_ >> 61, 0, 0});
   Compress(sum_);
-  Digest digest{};
-  for (std::size_t i = 0; i < digest.size(); ++i) {
-    digest[i] = static_cast<std::uint8_t>(state_[i / 8] >> (8 * (i % 8)));
-  }
-  return digest;
+  return std::bit_cast<Digest>(state_);
 }
 
 void Gost341194::Absorb(const std::uint8_t* bytes) {
@@ -184,6 +186,7 @@ void Gost341194::Compress(const Block& message) {
   }
   const auto round = [&](std::array<std::uint32_t, 4>& from, std::array<std::uint32_t, 4>& to,
                          std::size_t key_word) {
+#pragma GCC unroll 4
     for (std::size_t lane = 0; lane < 4; ++lane) {
       const std::uint32_t x = from[lane] + keys[lane][key_word];
       to[lane] ^= round_table_[0][x & 0xff] ^ round_table_[1][(x >> 8) & 0xff] ^
@@ -204,8 +207,8 @@ void Gost341194::Compress(const Block& message) {
   for (std::size_t lane = 0; lane < 4; ++lane) {
     encrypted[lane] = (static_cast<std::uint64_t>(low[lane]) << 32) | high[lane];
   }
-  const Block mixed = MixFourTimes(encrypted, 3) ^ message;  // psi to the 12th
-  state_ = Mix(MixFourTimes(Mix(mixed) ^ state_, 15));       // psi, then psi to the 61st
+  const Block mixed = MixFourTimes<3>(encrypted) ^ message;  // psi to the 12th
+  state_ = Mix(MixFourTimes<15>(Mix(mixed) ^ state_));       // psi, then psi to the 61st
 }
 
 std::string ToHexText(const Gost341194::Digest& digest) {

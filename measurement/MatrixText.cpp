@@ -13,7 +13,10 @@ namespace {
 constexpr std::streamoff kLargestFile = std::streamoff{1} << 30;
 constexpr std::string_view kLineStartsOfHeaders = "!#[";
 
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f'; }
+/// White space within a line.
+constexpr bool IsBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f';
+}
 
 /// A whole token as a decimal that may have a decimal comma or a leading plus sign.
 bool ParseUnusualNumber(std::string token, double& value) {

@@ -10,21 +10,21 @@ namespace {
 /// Points are worked on in pieces that stay in the first-level cache.
 constexpr std::size_t kPiece = 512;
 
-/// What a reading is multiplied by in the end; both steps are exact but for one rounding.
+/// What a reading is multiplied by, one after the other.
 struct ReadingScale {
-  double divisor = 1.0;  // a power of two
-  double multiplier = 1.0;
+  double unit = 1.0;
+  double fraction = 1.0;  // a power of two: exact
 };
 
 ReadingScale ScaleOf(const RawBlock& block) {
   constexpr std::uint32_t kOwnUnitKind = 2;
   ReadingScale scale;
   if (block.format_mark == 'A') {
-    scale.divisor = 256.0;
+    scale.fraction = 1.0 / 256.0;
   }
   if (block.instrument_kind == kOwnUnitKind) {
-    scale.divisor *= 16777216.0;
-    scale.multiplier = 5e6;
+    scale.fraction /= 16777216.0;
+    scale.unit = 5e6;
   }
   return scale;
 }
@@ -67,7 +67,7 @@ void TransformFrequencies(const ChannelTransform& transform, std::span<const dou
 /// The levels of one channel; `bytes` points at its first reading.
 void Levels(const std::uint8_t* bytes, const ReadingScale& scale, std::span<double> levels) {
   for (std::size_t i = 0; i < levels.size(); ++i) {
-    levels[i] = ReadingAt(bytes + i * kBytesPerPoint) * scale.multiplier / scale.divisor;
+    levels[i] = ReadingAt(bytes + i * kBytesPerPoint) * scale.unit * scale.fraction;
   }
   DetectorLevels(levels);
 }
@@ -89,6 +89,7 @@ void ConvertBlock(const RawBlock& block, const FrequencyPlan& plan,
   for (std::size_t first = 0; first < points; first += kPiece) {
     const std::size_t count = std::min(kPiece, points - first);
     PlanFrequencies(plan, first, std::span(generator).first(count));
+    const ChannelTransform* transformed = nullptr;  // what made the detector's frequencies
     for (std::size_t channel = 0; channel < kTraceChannels; ++channel) {
       const std::span<double> values =
           trace.Row(static_cast<std::int32_t>(channel)).subspan(first, count);
@@ -97,7 +98,10 @@ void ConvertBlock(const RawBlock& block, const FrequencyPlan& plan,
         std::fill(values.begin(), values.end(), std::numeric_limits<double>::quiet_NaN());
         continue;
       }
-      TransformFrequencies(calibration.transform, std::span(generator).first(count), detector);
+      if (transformed == nullptr || *transformed != calibration.transform) {
+        transformed = &calibration.transform;
+        TransformFrequencies(*transformed, std::span(generator).first(count), detector);
+      }
       Levels(&block.bytes[first * kBytesPerPoint + channel * 4], scale,
              std::span(levels).first(count));
       calibration.table->Interpolate(std::span(detector).first(count),

@@ -20,6 +20,8 @@ struct ChannelTransform {
   double offset = 0.0;
   double multiplier = 1.0;
   double divider = 1.0;
+
+  bool operator==(const ChannelTransform&) const = default;
 };
 
 /// What the generator's frequency did while a block was measured; Hz.

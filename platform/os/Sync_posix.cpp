@@ -1,7 +1,10 @@
+#include <linux/futex.h>
+#include <sys/syscall.h>
 #include <time.h>
+#include <unistd.h>
 
 #include <algorithm>
-#include <condition_variable>
+#include <atomic>
 #include <mutex>
 #include <thread>
 #include <utility>
@@ -13,14 +16,37 @@ namespace os {
 
 namespace {
 
-// A longer time-out is cut: the clock could not tell its end.
+using Clock = std::chrono::steady_clock;  // CLOCK_MONOTONIC
+constexpr Clock::time_point kNever = Clock::time_point::max();
+
+// A longer time-out has no end: the clock could not tell it, and waiting without one costs less.
 constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24 * 365);
 
-/// A thread that waits for one or more semaphores.
-struct Waiter {
-  std::mutex mutex;
-  std::condition_variable condition;
-  bool woken = false;
+/// Where a thread sleeps that waits for one or more semaphores. The system's own call instead of a
+/// condition variable: who is woken finds every lock free, so that handing over to another thread
+/// and back, which every setting does, takes two calls a thread.
+class Waiter {
+ public:
+  /// The next sleep ends at once. For one who sleeps already, Rouse must follow.
+  void Mark() { woken_ = 1; }
+  /// The waiter may have woken, and be gone, already: the system needs no more than the address.
+  static void Rouse(Waiter* waiter) {
+    syscall(SYS_futex, &waiter->woken_, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
+  }
+
+  /// May end without a reason. False when the time is over.
+  bool SleepUntil(Clock::time_point deadline) {
+    const auto since_boot = deadline.time_since_epoch();
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(since_boot);
+    const timespec end = {seconds.count(), (since_boot - seconds).count()};
+    syscall(SYS_futex, &woken_, FUTEX_WAIT_BITSET_PRIVATE, 0, deadline == kNever ? nullptr : &end,
+            nullptr, FUTEX_BITSET_MATCH_ANY);
+    return woken_.exchange(0) != 0 || Clock::now() < deadline;
+  }
+
+ private:
+  std::atomic<std::uint32_t> woken_ = 0;
+  static_assert(sizeof woken_ == 4 && decltype(woken_)::is_always_lock_free);
 };
 
 }  // namespace
@@ -48,13 +74,17 @@ Semaphore::Semaphore() : impl_(std::make_unique<Impl>()) {}
 Semaphore::~Semaphore() = default;
 
 void Semaphore::Release() {
-  const std::lock_guard lock(impl_->mutex);
-  impl_->signalled = true;
-  for (Waiter* const waiter : impl_->waiters) {
-    const std::lock_guard waiter_lock(waiter->mutex);
-    waiter->woken = true;
-    waiter->condition.notify_one();
+  Waiter* last = nullptr;  // mostly the only one: roused when it finds the lock free
+  {
+    const std::lock_guard lock(impl_->mutex);
+    impl_->signalled = true;
+    for (Waiter* const waiter : impl_->waiters) {
+      waiter->Mark();
+      if (last != nullptr) Waiter::Rouse(last);
+      last = waiter;
+    }
   }
+  if (last != nullptr) Waiter::Rouse(last);
 }
 
 bool Semaphore::TryAcquire() { return impl_->TryTake(); }
@@ -79,14 +109,12 @@ std::optional<std::size_t> WaitAny(std::span<Semaphore* const> semaphores,
   };
   if (auto taken = take_one()) return taken;
 
-  const auto deadline = std::chrono::steady_clock::now() + std::min(timeout, kLongest);
+  const auto deadline = timeout < kLongest ? Clock::now() + timeout : kNever;
   Waiter waiter;
   for (Semaphore* const semaphore : semaphores) semaphore->impl_->Add(waiter);
   std::optional<std::size_t> taken;
   for (bool in_time = true; !(taken = take_one()) && in_time;) {
-    std::unique_lock lock(waiter.mutex);
-    in_time = waiter.condition.wait_until(lock, deadline, [&] { return waiter.woken; });
-    waiter.woken = false;
+    in_time = waiter.SleepUntil(deadline);
   }
   for (Semaphore* const semaphore : semaphores) semaphore->impl_->Remove(waiter);
   return taken;

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <bit>
 #include <cmath>
 #include <limits>
+#include <memory>
+#include <random>
 #include <vector>
 
 namespace {
@@ -129,17 +132,72 @@ TEST(TraceConversion, OverflowingFrequencyStaysInTheTable) {
   EXPECT_NEAR(trace.Item(2, 0), 1000, 1e-6);
 }
 
-TEST(TraceConversion, ChannelsKeepTheirPlacesInALongTrace) {
-  std::vector<std::array<std::int32_t, 3>> points;
-  points.reserve(2000);
-  for (std::int32_t i = 0; i < 2000; ++i) points.push_back({i + 1, 10 * (i + 1), 100 * (i + 1)});
-  const auto bytes = Block(points);
-  TraceMatrix trace;
-  ConvertBlock({bytes, '@', kAnalyser}, {.cw = 1e9}, Channels(false), trace);
-  ASSERT_EQ(trace.ColumnCount(), 2000);
-  for (std::int32_t c = 0; c < 3; ++c) {
-    for (std::int32_t i = 0; i < 2000; ++i) {
-      ASSERT_NEAR(trace.Item(c, i), c + std::log10(i + 1), 1e-12) << c << ", " << i;
+/// One reading's value, straight from the formula.
+double Straight(std::int32_t reading, char mark, std::uint32_t kind, double hertz,
+                const ChannelTransform& transform, const CSimpleMatrix& matrix) {
+  const double mhz = (hertz * transform.multiplier / transform.divider + transform.offset) / 1e6;
+  double scaled = reading;
+  if (mark == 'A') scaled = scaled / 256;
+  if (kind == 2) scaled = scaled * 5e6 / 16777216;
+  return InterpolateDetector(matrix, mhz, scaled <= 0.001 ? -3.0 : std::log10(scaled));
+}
+
+TEST(TraceConversion, EqualsTheStraightFormulaBitForBit) {
+  std::mt19937 random(3);
+  const auto pick = [&random](const auto& values) { return values[random() % std::size(values)]; };
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  const double kFactors[] = {1, 1, 1, 2, 0, -1, 0.1, 1e300, kInfinity, std::nan("")};
+  const double kOffsets[] = {0, 0, 0, 1e9, -2e10, 1e308, std::nan("")};
+  const double kSteps[] = {1e6, 1e7, -3.3e6, 0, kInfinity, 5e9};
+  const std::int32_t kOddReadings[] = {0, 1, -1, 256, 2147483647, -2147483647 - 1};
+  for (int round = 0; round < 60; ++round) {
+    std::array<CSimpleMatrix, 3> matrices;
+    std::array<ChannelCalibration, 3> channels;
+    for (std::size_t c = 0; c < 3; ++c) {
+      CSimpleMatrix& matrix = matrices[c];
+      matrix.Resize(2 + static_cast<std::uint32_t>(random() % 30),
+                    2 + static_cast<std::uint32_t>(random() % 30));
+      const bool down = random() % 2 == 0;
+      for (std::uint32_t i = 1; i < matrix.GetCols(); ++i) {
+        const std::uint32_t place = down ? matrix.GetCols() - i : i;
+        matrix.SetItem(i, 0, 500.0 * place - 499);
+        for (std::uint32_t j = 1; j < matrix.GetRows(); ++j) {
+          matrix.SetItem(0, j, -3 + 0.3 * (down ? matrix.GetRows() - j : j));
+          matrix.SetItem(i, j, static_cast<double>(random()) / 1e9 - 2);
+        }
+      }
+      if (random() % 2 == 0)
+        channels[c].transform = {pick(kOffsets), pick(kFactors), pick(kFactors)};
+      if (random() % 4 != 0) channels[c].table = std::make_shared<const DetectorTable>(matrix);
+    }
+    std::vector<std::array<std::int32_t, 3>> points(1 + random() % 1500);
+    for (auto& point : points) {
+      for (std::int32_t& reading : point) {
+        const auto any = static_cast<std::int32_t>(random());
+        reading = random() % 8 == 0 ? pick(kOddReadings) : any >> random() % 31;
+      }
+    }
+    const FrequencyPlan plan{Mode::kStep, 0, 1e6, pick(kSteps), {}};
+    const char mark = random() % 2 == 0 ? 'A' : '@';
+    const std::uint32_t kind = random() % 2 == 0 ? 2 : kAnalyser;
+    const auto bytes = Block(points);
+    TraceMatrix trace;
+    ConvertBlock({bytes, mark, kind}, plan, channels, trace);
+    ASSERT_EQ(trace.ColumnCount(), static_cast<std::int32_t>(points.size()));
+    for (std::size_t c = 0; c < 3; ++c) {
+      for (std::size_t i = 0; i < points.size(); ++i) {
+        const double value = trace.Row(static_cast<std::int32_t>(c))[i];
+        const double straight = channels[c].table == nullptr
+                                    ? std::nan("")
+                                    : Straight(points[i][c], mark, kind,
+                                               plan.start + plan.step * static_cast<double>(i),
+                                               channels[c].transform, matrices[c]);
+        ASSERT_TRUE(std::isnan(straight) ? std::isnan(value)
+                                         : std::bit_cast<std::uint64_t>(value) ==
+                                               std::bit_cast<std::uint64_t>(straight))
+            << "round " << round << ", channel " << c << ", point " << i << ", reading "
+            << points[i][c] << ": " << value << " instead of " << straight;
+      }
     }
   }
 }

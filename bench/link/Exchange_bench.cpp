@@ -1,0 +1,156 @@
+// One setting on its way to the instrument and back, layer by layer: bare sockets, the VISA
+// library, the instrument model, the COM member. The bytes on the wire are the same everywhere.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include "K4NHardWare/CommandExchanger.h"
+#include "K4NHardWare/D3THardWare.h"
+#include "bench/Samples.h"
+#include "bench/driver/Driver.h"
+#include "bench/link/Loopback.h"
+#include "platform/os/Module.h"
+#include "visa/Visa.h"
+
+namespace {
+
+constexpr double kLevel = -10.0;
+
+void Require(bool good, const char* what) {
+  if (!good) throw std::runtime_error(what);
+}
+
+/// The message that tells an instrument of the newest generation its level.
+class LevelMessage {
+ public:
+  LevelMessage() {
+    constexpr std::array<std::uint8_t, 10> kHeader = {0xAA, 0x55, 3, 0, 0, 0x80, 32, 0, 5, 0x62};
+    std::copy(kHeader.begin(), kHeader.end(), bytes_.begin());
+  }
+  std::span<std::uint8_t> all() { return bytes_; }
+  std::span<std::uint8_t> header() { return all().first(kHeaderSize); }
+  std::span<std::uint8_t> body() { return all().subspan(kHeaderSize); }
+
+ private:
+  std::array<std::uint8_t, kHeaderSize + 32> bytes_{};
+};
+
+class BareLayer {
+ public:
+  explicit BareLayer(const EchoInstrument& instrument) : client_(instrument.port()) {}
+  void operator()() { client_.Exchange(message_.all()); }
+
+ private:
+  BareClient client_;
+  LevelMessage message_;
+};
+
+/// The same four calls, to the VISA library.
+class VisaLayer {
+ public:
+  explicit VisaLayer(const EchoInstrument& instrument) {
+    Require(module_.Load(ZK_VISA_MODULE), "no VISA library");
+    read_ = module_.FunctionOf<decltype(viRead)>("viRead");
+    write_ = module_.FunctionOf<decltype(viWrite)>("viWrite");
+    module_.FunctionOf<decltype(viOpenDefaultRM)>("viOpenDefaultRM")(&manager_);
+    Require(module_.FunctionOf<decltype(viOpen)>("viOpen")(
+                manager_, instrument.ResourceName().c_str(), VI_EXCLUSIVE_LOCK | VI_LOAD_CONFIG,
+                1000, &session_) == 0,
+            "no VISA session");
+  }
+  ~VisaLayer() { module_.FunctionOf<decltype(viClose)>("viClose")(manager_); }
+  VisaLayer(const VisaLayer&) = delete;
+  VisaLayer& operator=(const VisaLayer&) = delete;
+
+  void operator()() {
+    Require(Write(message_.header()) && Write(message_.body()) && Read(message_.header()) &&
+                Read(message_.body()),
+            "VISA exchange failed");
+  }
+
+ private:
+  bool Write(std::span<const std::uint8_t> bytes) {
+    ViUInt32 count = 0;
+    return write_(session_, bytes.data(), static_cast<ViUInt32>(bytes.size()), &count) >= 0;
+  }
+  bool Read(std::span<std::uint8_t> bytes) {
+    ViUInt32 count = 0;
+    return read_(session_, bytes.data(), static_cast<ViUInt32>(bytes.size()), &count) >= 0;
+  }
+
+  os::Module module_;
+  decltype(&viRead) read_;
+  decltype(&viWrite) write_;
+  ViSession manager_ = 0;
+  ViSession session_ = 0;
+  LevelMessage message_;
+};
+
+class ModelLayer {
+ public:
+  explicit ModelLayer(const EchoInstrument& instrument)
+      : exchanger_(std::make_unique<uDevice::Interface>(instrument.ResourceName())),
+        model_(exchanger_) {
+    (*this)();  // finds out the form of the parameter
+  }
+  void operator()() {
+    Require(model_.SetOutputLevel(settings_, level_) == status::kOk, "the model refuses");
+  }
+
+ private:
+  CommandExchanger exchanger_;
+  D3THardWare model_;
+  LevelSettings settings_;
+  double level_ = kLevel;
+};
+
+class ComLayer {
+ public:
+  explicit ComLayer(const EchoInstrument& instrument) {
+    driver_.Open(instrument.ResourceName());
+    (*this)();
+  }
+  void operator()() { Require(driver_.rf->put_Level(kLevel) == S_OK, "the driver refuses"); }
+
+ private:
+  bench::Driver driver_;
+};
+
+/// Microseconds that a layer's exchange takes, a few of them averaged.
+template <typename Layer>
+double Time(Layer& layer) {
+  constexpr int kExchanges = 20;
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < kExchanges; ++i) layer();
+  const std::chrono::duration<double, std::micro> passed = std::chrono::steady_clock::now() - start;
+  return passed.count() / kExchanges;
+}
+
+/// The layers take turns, so that whatever else the machine does meets them all; each has an
+/// instrument of its own.
+void Exchange(benchmark::State& state) {
+  std::array<EchoInstrument, 4> instruments;
+  BareLayer bare(instruments[0]);
+  VisaLayer visa(instruments[1]);
+  ModelLayer model(instruments[2]);
+  ComLayer com(instruments[3]);
+  std::array<bench::Samples, 4> times;
+  for ([[maybe_unused]] auto _ : state) {
+    times[0].Add(Time(bare));
+    times[1].Add(Time(visa));
+    times[2].Add(Time(model));
+    times[3].Add(Time(com));
+  }
+  state.counters["bare_us"] = times[0].Median();
+  state.counters["visa_us"] = times[1].Median();
+  state.counters["model_us"] = times[2].Median();
+  state.counters["com_us"] = times[3].Median();
+}
+BENCHMARK(Exchange)->Iterations(200)->UseRealTime();
+
+}  // namespace
