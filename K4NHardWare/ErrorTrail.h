@@ -1,6 +1,8 @@
 // The failures of a manager, oldest first, until the client asks for them.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <mutex>
 #include <optional>
@@ -61,16 +63,28 @@ struct ErrorRecord {
   friend bool operator==(const ErrorRecord&, const ErrorRecord&) = default;
 };
 
-/// First in, first out, without a limit. Every operation may be called from any thread.
+/// First in, first out: every record, one by one. A link that stays dead fails every few
+/// milliseconds, for months perhaps, so equal records that follow each other are kept once with
+/// their number. When kLongestTrail such runs wait unread, a further failure is counted in the
+/// newest run of its kind: nothing is lost, but the order among these no longer tells. Every
+/// operation may be called from any thread.
 class ErrorTrail {
  public:
+  static constexpr std::size_t kLongestTrail = 16384;
+
   void Append(Status status, Site site);
   /// Removes the oldest record; nothing when the trail is empty.
   std::optional<ErrorRecord> Take();
-  /// All records, oldest first.
+  struct Run {
+    ErrorRecord record;
+    std::uint64_t count = 1;
+  };
+  /// What is kept, oldest first.
+  [[nodiscard]] std::vector<Run> Runs() const;
+  /// All records, oldest first, each by itself: as many as there are.
   [[nodiscard]] std::vector<ErrorRecord> Records() const;
 
  private:
   mutable std::mutex mutex_;
-  std::deque<ErrorRecord> records_;
+  std::deque<Run> runs_;
 };

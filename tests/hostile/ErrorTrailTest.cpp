@@ -1,0 +1,41 @@
+// The error trail of a link that stays dead: every record is told, and little is kept.
+#include <gtest/gtest.h>
+
+#include "K4NHardWare/ErrorTrail.h"
+
+namespace {
+
+constexpr Status kLost = status::FromBits(0xBFFF00A6);
+constexpr ErrorRecord kRead{kLost, Site::kWorkerRead};
+constexpr ErrorRecord kButton{kLost, Site::kWorkerRfButton};
+
+TEST(ErrorTrailTest, RunsAreKeptOnceAndToldRecordByRecord) {
+  ErrorTrail trail;
+  for (int i = 0; i < 1'000'000; ++i) trail.Append(kLost, Site::kWorkerRead);
+  trail.Append(kLost, Site::kWorkerRfButton);
+  trail.Append(kLost, Site::kWorkerRead);
+  EXPECT_EQ(trail.Runs().size(), 3U);
+  for (int i = 0; i < 1'000'000; ++i) ASSERT_EQ(trail.Take(), kRead) << i;
+  EXPECT_EQ(trail.Take(), kButton) << "a record between two runs parts them";
+  EXPECT_EQ(trail.Take(), kRead);
+  EXPECT_EQ(trail.Take(), std::nullopt);
+}
+
+TEST(ErrorTrailTest, FullTrailCountsInTheNewestRunOfTheKind) {
+  ErrorTrail trail;
+  const std::size_t appended = 3 * ErrorTrail::kLongestTrail;  // each a run of its own
+  for (std::size_t i = 0; i < appended / 2; ++i) {
+    trail.Append(kLost, Site::kWorkerRead);
+    trail.Append(kLost, Site::kWorkerRfButton);
+  }
+  trail.Append(1, Site::kDwell);
+  EXPECT_EQ(trail.Runs().size(), ErrorTrail::kLongestTrail + 1) << "a new kind is kept, too";
+  EXPECT_EQ(trail.Records().size(), appended + 1) << "none is lost";
+  for (std::size_t i = 0; i + 2 < ErrorTrail::kLongestTrail; ++i) {
+    ASSERT_EQ(trail.Take(), i % 2 == 0 ? kRead : kButton) << "in order up to the limit, " << i;
+  }
+  trail.Append(kLost, Site::kDwell);
+  EXPECT_EQ(trail.Records().back(), (ErrorRecord{kLost, Site::kDwell})) << "in order again";
+}
+
+}  // namespace
