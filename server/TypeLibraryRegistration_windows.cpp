@@ -107,6 +107,19 @@ HRESULT KeepingForeignInterface(RegistrationScope scope, Act act) {
   return FAILED(result) ? result : HRESULT_FROM_WIN32(restored);
 }
 
+/// Makes the library known under the neutral locale, too. Its own locale is English: whoever asks
+/// in another language, or in none as a marshaller of interfaces may do, would not find it.
+constexpr std::string_view kNeutralLocaleScript =
+    "HKCR { NoRemove TypeLib { %LIBRARY% { 1.2 { 0 { win64 = s '%MODULE%' } } } } }";
+/// Takes away what the system leaves of the library's version: the neutral locale, and all of it
+/// where the library's own locale is gone already.
+constexpr std::string_view kRemainsScript =
+    "HKCR { NoRemove TypeLib { %LIBRARY% { ForceRemove 1.2 } } }";
+
+Registrar LibraryKey(RegistrationScope scope, const os::WideString& module_file) {
+  return {scope, {{"LIBRARY", GuidText(kTypeLibraryId)}, {"MODULE", module_file}}};
+}
+
 /// A function of the automation library that systems before per-user registration lack; null there.
 template <typename Function>
 Function* OptionalFunction(os::Module& automation, const char* name) {
@@ -116,7 +129,8 @@ Function* OptionalFunction(os::Module& automation, const char* name) {
 bool IsRegistered(RegistrationScope scope) {
   const ClassesPlace classes = ClassesOf(scope);
   RegKey key;
-  return key.Open(classes.root, classes.path + L"\\TypeLib\\" + GuidText(kTypeLibraryId) + L"\\1.2",
+  return key.Open(classes.root,
+                  classes.path + L"\\TypeLib\\" + GuidText(kTypeLibraryId) + L"\\1.2\\409",
                   KEY_READ) == ERROR_SUCCESS;
 }
 
@@ -128,7 +142,7 @@ HRESULT RegisterTypeLibrary(RegistrationScope scope, const os::WideString& modul
   if (FAILED(loaded)) return loaded;
   std::wstring file = module_file;
   std::wstring folder = file.substr(0, file.find_last_of(L'\\'));
-  return KeepingForeignInterface(scope, [&]() -> HRESULT {
+  const HRESULT registered = KeepingForeignInterface(scope, [&]() -> HRESULT {
     if (scope == RegistrationScope::kMachine) {
       return RegisterTypeLib(library.Get(), file.data(), folder.data());
     }
@@ -137,9 +151,13 @@ HRESULT RegisterTypeLibrary(RegistrationScope scope, const os::WideString& modul
         OptionalFunction<decltype(RegisterTypeLib)>(automation, "RegisterTypeLibForUser");
     return for_user == nullptr ? S_OK : for_user(library.Get(), file.data(), folder.data());
   });
+  return FAILED(registered) || !IsRegistered(scope)
+             ? registered
+             : LibraryKey(scope, module_file).Register(kNeutralLocaleScript);
 }
 
 HRESULT UnregisterTypeLibrary(RegistrationScope scope) {
+  const bool was_registered = IsRegistered(scope);
   const HRESULT result = KeepingForeignInterface(scope, [&]() -> HRESULT {
     if (scope == RegistrationScope::kMachine) {
       return UnRegisterTypeLib(kTypeLibraryId, kMajorVersion, kMinorVersion, kLocale, SYS_WIN64);
@@ -151,6 +169,7 @@ HRESULT UnregisterTypeLibrary(RegistrationScope scope) {
                ? S_OK
                : for_user(kTypeLibraryId, kMajorVersion, kMinorVersion, kLocale, SYS_WIN64);
   });
+  const HRESULT remains = LibraryKey(scope, {}).Remove(kRemainsScript);
   // A library that is not registered is refused with one code or another.
-  return FAILED(result) && !IsRegistered(scope) ? S_OK : result;
+  return FAILED(result) && was_registered ? result : remains;
 }

@@ -12,16 +12,6 @@ namespace {
 constexpr char kFractionMark = 'A';
 constexpr char kIntegerMark = '@';
 
-// Two reads carry no parameter in the usual form: theirs is told by identifier, count and type.
-bool IsFileRead(const Message& request) {
-  return request.count == 2 && request.type == 0x40 && request.body.size() >= 2 &&
-         ReadWord(request.body, 0) == 10;
-}
-bool IsSerialNumberQuery(const Message& request) {
-  return request.count == 1 && request.type == 0x20 && request.body.size() >= 2 &&
-         ReadWord(request.body, 0) == 'S';
-}
-
 Message AnswerTo(const Message& request) {
   Message answer;
   answer.command = request.command;

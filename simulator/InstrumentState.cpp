@@ -1,5 +1,6 @@
 #include "simulator/InstrumentState.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 
@@ -18,13 +19,25 @@ namespace {
 
 std::string OnOff(bool on) { return on ? "on" : "off"; }
 
+/// Their number and the first of them, each as `describe` puts it: "2 pulses: 100 + 900, 50 + 0".
+template <typename Entry, typename Describe>
+std::string DescribeList(const std::vector<Entry>& entries, const char* what, Describe describe) {
+  constexpr std::size_t kShown = 8;
+  std::string text = std::to_string(entries.size()) + " " + what;
+  for (std::size_t i = 0; i < entries.size() && i < kShown; ++i) {
+    text += (i == 0 ? ": " : ", ") + describe(entries[i]);
+  }
+  return entries.size() > kShown ? text + " ..." : text;
+}
+
 std::string DescribeAxis(const Axis& axis, const char* unit) {
   switch (axis.mode) {
     case AxisMode::kSweep:
       return Format("sweep from %.12g %s by %.12g, %u points", axis.start, unit, axis.step,
                     axis.points);
     case AxisMode::kList:
-      return Format("list of %u values", static_cast<unsigned>(axis.list.size()));
+      return "list of " +
+             DescribeList(axis.list, unit, [](double value) { return Format("%.12g", value); });
     default:
       return Format("%.12g %s", axis.start, unit);
   }
@@ -42,9 +55,10 @@ std::string DescribeGroups(const std::array<TriggerGroup, 2>& groups) {
 }
 
 std::string DescribePulses(const PulseTrain& train) {
-  return Format("%s, %s, %s, %u pulses", OnOff(train.mode == 2).c_str(),
-                train.source == 2 ? "external" : "internal", train.inverse ? "inverse" : "normal",
-                static_cast<unsigned>(train.pulses.size()));
+  return Format("%s, %s, %s, ", OnOff(train.mode == 2).c_str(),
+                train.source == 2 ? "external" : "internal", train.inverse ? "inverse" : "normal") +
+         DescribeList(train.pulses, "pulses of width + gap in ns",
+                      [](const Pulse& pulse) { return Format("%u + %u", pulse.width, pulse.gap); });
 }
 
 }  // namespace
@@ -60,7 +74,7 @@ std::vector<double> Axis::Values() const {
   return values;
 }
 
-std::vector<std::pair<std::string, std::string>> DescribeState(const InstrumentState& state) {
+std::vector<StateLine> DescribeState(const InstrumentState& state) {
   return {
       {"output", OnOff(state.output_enabled)},
       {"frequency", DescribeAxis(state.frequency, "Hz")},
@@ -83,7 +97,20 @@ std::vector<std::pair<std::string, std::string>> DescribeState(const InstrumentS
       {"PLL", state.pll_locked ? "locked" : "unlocked"},
       {"ERG", state.erg_good ? "good" : "fault"},
       {"level state", state.level_settled ? "settled" : "not settled"},
+      {"sweeps", std::to_string(state.sweeps)},
   };
+}
+
+std::vector<StateLine> DescribeChanges(const InstrumentState& before,
+                                       const InstrumentState& after) {
+  const std::vector<StateLine> old_lines = DescribeState(before);
+  std::vector<StateLine> changes;
+  for (const StateLine& line : DescribeState(after)) {
+    if (std::find(old_lines.begin(), old_lines.end(), line) == old_lines.end()) {
+      changes.push_back(line);
+    }
+  }
+  return changes;
 }
 
 }  // namespace simulator

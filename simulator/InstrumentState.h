@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace simulator {
@@ -81,7 +80,17 @@ struct InstrumentState {
   std::uint64_t sweeps = 0;  ///< data blocks delivered
 };
 
-/// The state as a person reads it: one "name: value" a line, always the same names in one order.
-std::vector<std::pair<std::string, std::string>> DescribeState(const InstrumentState& state);
+/// A setting as a person reads it.
+struct StateLine {
+  std::string name;
+  std::string value;
+  friend bool operator==(const StateLine&, const StateLine&) = default;
+};
+/// All settings, always the same names in one order. Of lists and pulse trains, their size and the
+/// first entries.
+std::vector<StateLine> DescribeState(const InstrumentState& state);
+
+/// Those whose value is another one than before.
+std::vector<StateLine> DescribeChanges(const InstrumentState& before, const InstrumentState& after);
 
 }  // namespace simulator

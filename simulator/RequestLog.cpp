@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "simulator/InstrumentFiles.h"
 #include "simulator/Wire.h"
 
 namespace simulator {
@@ -55,6 +56,22 @@ std::string ValuesText(const Message& message, bool is_signed) {
     text += " ... " + std::to_string(values.size()) + " values";
   }
   return text + "]";
+}
+
+// Of a read of a file, the path, and of its answer what stands behind the path.
+std::string FileText(const Message& message, bool is_answer) {
+  constexpr std::size_t kPathAt = 10;
+  const std::string body(message.body.begin(), message.body.end());
+  const std::size_t path_end = std::min(body.find('\0', kPathAt), body.size());
+  if (path_end < kPathAt) {
+    return {};
+  }
+  std::string text = is_answer ? body.substr(std::min(path_end + 1, body.size()))
+                               : body.substr(kPathAt, path_end - kPathAt);
+  // One line of the log stays one line.
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
+  return text;
 }
 
 std::string_view CommandName(std::uint16_t command) {
@@ -116,7 +133,9 @@ RequestRecord Describe(std::uint32_t connection, const Message& request, const M
     record.parameter = ReadWord(request.body, 0);
     name = NameOf(record.parameter);
     record.text.append(" ").append(name.name).append(" #").append(std::to_string(record.parameter));
-    if (request.command == command::kWrite) {
+    if (IsFileRead(request)) {
+      record.text.append(" ").append(FileText(request, false));
+    } else if (request.command == command::kWrite) {
       record.text.append(" ").append(ValuesText(request, name.is_signed));
     }
   }
@@ -128,7 +147,8 @@ RequestRecord Describe(std::uint32_t connection, const Message& request, const M
   record.status = answer->status;
   record.text += StatusText(answer->status);
   if (of_parameter && answer->status >= 0) {
-    record.text.append(" ").append(ValuesText(*answer, name.is_signed));
+    record.text.append(" ").append(IsFileRead(request) ? FileText(*answer, true)
+                                                       : ValuesText(*answer, name.is_signed));
   }
   return record;
 }

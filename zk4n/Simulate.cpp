@@ -4,7 +4,10 @@
 #include <chrono>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "platform/os/Sync.h"
 #include "simulator/Simulator.h"
@@ -22,6 +25,7 @@ struct SimulateOptions {
   simulator::Options instrument;
   std::string trigger_period;
   bool log = false;
+  bool show = false;
 };
 
 /// Zero for a connector to which nothing is connected.
@@ -33,10 +37,32 @@ Clock::duration TriggerPeriodOf(const SimulateOptions& options) {
   return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
 }
 
-void ShowRequest(const simulator::RequestRecord& record) {
-  std::printf("%u: %s\n", record.connection, record.text.c_str());
+void PrintLines(const std::vector<simulator::StateLine>& lines) {
+  for (const simulator::StateLine& line : lines) {
+    std::printf("   %-17s %s\n", line.name.c_str(), line.value.c_str());
+  }
   std::fflush(stdout);
 }
+
+/// Prints each request, and behind it what it changed at the instrument.
+class RequestPrinter {
+ public:
+  /// Without a state to begin with, requests alone are printed.
+  explicit RequestPrinter(std::optional<simulator::InstrumentState> state)
+      : state_(std::move(state)) {}
+
+  void operator()(const simulator::RequestRecord& record, const simulator::InstrumentState& state) {
+    std::printf("%u: %s\n", record.connection, record.text.c_str());
+    if (state_) {
+      PrintLines(DescribeChanges(*state_, state));
+      state_ = state;
+    }
+    std::fflush(stdout);
+  }
+
+ private:
+  std::optional<simulator::InstrumentState> state_;
+};
 
 void RunUntilInterrupted(simulator::Simulator& instrument, Clock::duration trigger_period) {
   auto next_trigger = Clock::now() + trigger_period;
@@ -59,9 +85,11 @@ int Simulate(const SimulateOptions& options) {
   const Clock::duration trigger_period = TriggerPeriodOf(options);
   const InterruptGuard interrupt;
   simulator::Simulator instrument(options.instrument);
-  if (options.log) {
-    instrument.Observe([](const simulator::RequestRecord& record,
-                          const simulator::InstrumentState& /*state*/) { ShowRequest(record); });
+  const simulator::InstrumentState state = instrument.State();
+  if (options.show) {
+    instrument.Observe(RequestPrinter(state));
+  } else if (options.log) {
+    instrument.Observe(RequestPrinter(std::nullopt));
   }
   try {
     instrument.Start();
@@ -70,6 +98,7 @@ int Simulate(const SimulateOptions& options) {
                      std::to_string(options.instrument.port) + ": " + error.what());
   }
   std::printf("%s\n", instrument.ResourceName().c_str());
+  if (options.show) PrintLines(DescribeState(state));
   std::fflush(stdout);
   RunUntilInterrupted(instrument, trigger_period);
   return exit_status::kOk;
@@ -89,6 +118,8 @@ void AddSimulateCommand(CLI::App& app, int& status) {
   command->add_option("--trigger-period", options->trigger_period,
                       "Time between pulses at its trigger connector (default: none come)");
   command->add_flag("--log", options->log, "Print each request and its answer, a line each");
+  command->add_flag("--show", options->show,
+                    "Print the instrument's state, then each request and what it changes");
   AddInstrumentOptions(*command, options->instrument);
   command->callback([options, &status] { status = Simulate(*options); });
 }

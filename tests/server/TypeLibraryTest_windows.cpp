@@ -62,7 +62,10 @@ class TypeLibraryRegistration : public testing::Test {
 TEST_F(TypeLibraryRegistration, LibraryIsLoadedByItsIdentity) {
   ASSERT_EQ(Register(), S_OK);
   ComPtr<ITypeLib> library;
-  ASSERT_EQ(LoadRegTypeLib(kTypeLibraryId, 1, 2, 0x409, library.Put()), S_OK);
+  // Its own language, any, and a user's.
+  for (const LCID language : {0x409, 0, 0x419}) {
+    ASSERT_EQ(LoadRegTypeLib(kTypeLibraryId, 1, 2, language, library.Put()), S_OK) << language;
+  }
   ComPtr<ITypeInfo> info;
   EXPECT_EQ(library->GetTypeInfoOfGuid(__uuidof(IZentrelK4N), info.Put()), S_OK);
   EXPECT_EQ(RegistryText(HKEY_CLASSES_ROOT,
@@ -74,8 +77,19 @@ TEST_F(TypeLibraryRegistration, LibraryIsLoadedByItsIdentity) {
   EXPECT_NE(LoadRegTypeLib(kTypeLibraryId, 1, 2, 0x409, library.Put()), S_OK);
 }
 
-TEST_F(TypeLibraryRegistration, ObjectTellsItsClass) {
+TEST_F(TypeLibraryRegistration, RemovingTakesWhatIsLeftOfALibrary) {
+  const std::wstring key = L"Software\\Classes\\TypeLib\\{389B1F24-04DA-4E1D-8DCF-A0C93677F2AF}";
   ASSERT_EQ(Register(), S_OK);
+  EXPECT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, (key + L"\\1.2\\409").c_str()), ERROR_SUCCESS);
+  EXPECT_EQ(Unregister(), S_OK);
+  RegKey left;
+  EXPECT_EQ(left.Open(HKEY_LOCAL_MACHINE, key, KEY_READ), ERROR_FILE_NOT_FOUND);
+}
+
+TEST_F(TypeLibraryRegistration, ObjectTellsItsClassInAnyLanguage) {
+  ASSERT_EQ(Register(), S_OK);
+  const LCID users_language = GetThreadLocale();
+  ASSERT_TRUE(SetThreadLocale(0x419));
   ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
   {
     ComPtr<IProvideClassInfo2> object;
@@ -89,6 +103,7 @@ TEST_F(TypeLibraryRegistration, ObjectTellsItsClass) {
     EXPECT_TRUE(IsEqualGUID(attributes->guid, __uuidof(ZentrelK4N)));
     info->ReleaseTypeAttr(attributes);
   }
+  SetThreadLocale(users_language);
   CoUninitialize();
 }
 

@@ -47,10 +47,18 @@ printf '\177ELF\001' >"$folder/old.so"
 expect 1 'FAILED +bitness +64-bit program, 32-bit driver [^\n]*: they cannot work together' \
   check --module "$folder/old.so"
 
-start "$folder/resource" "$zk4n" simulate --port 0 --serial 12345
+start "$folder/resource" "$zk4n" simulate --port 0 --serial 12345 --show
 for _ in $(seq 300); do [ -s "$folder/resource" ] && break; sleep 0.1; done
-resource=$(tr -d '\r' <"$folder/resource")
+resource=$(head -n 1 "$folder/resource" | tr -d '\r')
 expect 0 'ok +connection +TCPIP[^\n]*\nok +lock +free\nok +identity +K4N[^\n]*, serial number 12345' check --resource "$resource"
+# The simulator shows what it is asked for, and what that changes at it: the mask is written before and after.
+said=$(tr -d '\r' <"$folder/resource")
+pattern="\n   feature mask +0xFFFF\n(?s:.*)\n2: write feature mask #23 \[65531\] -> 0 \[65531\]\n   feature mask +0xFFFB\n2: "
+pattern+="(?s:.*)\n2: read file #10 \\\\FRAM\\\\TYPE.TXT -> 0 K4N"
+if ! grep -Pqz "$pattern" <<<"$said"; then
+  printf '%s\n' "simulate --show says:" "$said"
+  failures=$((failures + 1))
+fi
 expect 0 'ok +registration +not used with --module: [^\n]*\n(.|\n)*ok +identity +K4N' check --resource "$resource" --module "$driver"
 
 start "$folder/holder" "$lock_holder" "$resource"

@@ -241,5 +241,18 @@ TEST(Settings, SmallSettingsAnswerWithWhatWasSet) {
         {{"reference without frequency", 2, 0x40, "11 00 01 00 00 00 01 00 00 00", "0x8003"}});
 }
 
+TEST(Settings, ChangesAreToldWithTheFirstEntries) {
+  Settings settings(Options{});
+  const InstrumentState before = settings.state();
+  Execute(settings, 0, 0x60,
+          "02 00 00 00 00 00 00 00 02 00 00 00 00 00 00 CA 9A 3B 00 00 00 94 35 77 00 00");
+  Execute(settings, 2, 0x40,
+          "1F 00 02 00 00 00 02 00 00 00 00 00 00 00 01 00 00 00 64 00 00 00 C8 00 00 00");
+  const std::vector<StateLine> expected{
+      {"frequency", "list of 2 Hz: 1000000000, 2000000000"},
+      {"pulse train", "on, external, normal, 1 pulses of width + gap in ns: 100 + 200"}};
+  EXPECT_EQ(DescribeChanges(before, settings.state()), expected);
+}
+
 }  // namespace
 }  // namespace simulator
