@@ -10,6 +10,8 @@
 #include <random>
 #include <vector>
 
+#include "measurement/DetectorLevel.h"
+
 namespace {
 
 constexpr std::uint32_t kAnalyser = 18;
@@ -139,7 +141,7 @@ double Straight(std::int32_t reading, char mark, std::uint32_t kind, double hert
   double scaled = reading;
   if (mark == 'A') scaled = scaled / 256;
   if (kind == 2) scaled = scaled * 5e6 / 16777216;
-  return InterpolateDetector(matrix, mhz, scaled <= 0.001 ? -3.0 : std::log10(scaled));
+  return InterpolateDetector(matrix, mhz, DetectorLevel(scaled));
 }
 
 TEST(TraceConversion, EqualsTheStraightFormulaBitForBit) {
