@@ -203,6 +203,9 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status ProgramTriggerOutput(TriggerOutputSettings& settings);
   Status RouteSyncGenerator(bool routed);
   Status ProgramAveraging(std::int32_t count);
+  // Channel index 3 or more: ignored, 0.
+  Status SetChannel(std::size_t channel, double ChannelTransform::*element, double value);
+  Status GetChannel(std::size_t channel, double ChannelTransform::*element, double& value) const;
   template <typename Read>
   Status ReadState(std::atomic<bool>& state, Site site, bool& value, Read&& read);
   Status ReadSingleBlock();

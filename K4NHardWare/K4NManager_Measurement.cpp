@@ -85,49 +85,45 @@ Status CK4NManager::ReadSingleBlock() {
   });
 }
 
-Status CK4NManager::SetChannelOffset(std::size_t channel, double offset) {
-  if (!(std::abs(offset) <= kLargestOffset)) return status::kInvalidValue;
+Status CK4NManager::SetChannel(std::size_t channel, double ChannelTransform::*element,
+                               double value) {
   if (channel < kChannelCount) {
-    settings_.With([&](InstrumentSettings& live) { live.channels[channel].offset = offset; });
+    settings_.With([&](InstrumentSettings& live) { live.channels[channel].*element = value; });
   }
   return status::kOk;
+}
+
+Status CK4NManager::GetChannel(std::size_t channel, double ChannelTransform::*element,
+                               double& value) const {
+  if (channel < kChannelCount) {
+    settings_.With(
+        [&](const InstrumentSettings& live) { value = live.channels[channel].*element; });
+  }
+  return status::kOk;
+}
+
+Status CK4NManager::SetChannelOffset(std::size_t channel, double offset) {
+  return std::abs(offset) <= kLargestOffset ? SetChannel(channel, &ChannelTransform::offset, offset)
+                                            : status::kInvalidValue;
 }
 
 Status CK4NManager::GetChannelOffset(std::size_t channel, double& offset) const {
-  if (channel < kChannelCount) {
-    settings_.With([&](const InstrumentSettings& live) { offset = live.channels[channel].offset; });
-  }
-  return status::kOk;
+  return GetChannel(channel, &ChannelTransform::offset, offset);
 }
 
 Status CK4NManager::SetChannelMultiplier(std::size_t channel, double multiplier) {
-  if (channel < kChannelCount) {
-    settings_.With(
-        [&](InstrumentSettings& live) { live.channels[channel].multiplier = multiplier; });
-  }
-  return status::kOk;
+  return SetChannel(channel, &ChannelTransform::multiplier, multiplier);
 }
 
 Status CK4NManager::GetChannelMultiplier(std::size_t channel, double& multiplier) const {
-  if (channel < kChannelCount) {
-    settings_.With(
-        [&](const InstrumentSettings& live) { multiplier = live.channels[channel].multiplier; });
-  }
-  return status::kOk;
+  return GetChannel(channel, &ChannelTransform::multiplier, multiplier);
 }
 
 Status CK4NManager::SetChannelDivider(std::size_t channel, double divider) {
-  if (!(divider >= kSmallestDivider)) return status::kInvalidValue;
-  if (channel < kChannelCount) {
-    settings_.With([&](InstrumentSettings& live) { live.channels[channel].divider = divider; });
-  }
-  return status::kOk;
+  return divider >= kSmallestDivider ? SetChannel(channel, &ChannelTransform::divider, divider)
+                                     : status::kInvalidValue;
 }
 
 Status CK4NManager::GetChannelDivider(std::size_t channel, double& divider) const {
-  if (channel < kChannelCount) {
-    settings_.With(
-        [&](const InstrumentSettings& live) { divider = live.channels[channel].divider; });
-  }
-  return status::kOk;
+  return GetChannel(channel, &ChannelTransform::divider, divider);
 }

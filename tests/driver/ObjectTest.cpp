@@ -16,9 +16,9 @@ struct ClassRow {
   std::vector<IID> interfaces;  ///< the first supports error information
 };
 
+// clang-format off
 const ClassRow kClasses[] = {
-    {"ZentrelK4N",
-     __uuidof(ZentrelK4N),
+    {"ZentrelK4N", __uuidof(ZentrelK4N),
      {__uuidof(IZentrelK4N), __uuidof(IProvideClassInfo), __uuidof(IProvideClassInfo2),
       __uuidof(ISupportErrorInfo), __uuidof(IIviDriverIdentity), __uuidof(IIviDriverOperation),
       __uuidof(IIviDriverUtility), __uuidof(IIviComponentIdentity), __uuidof(IZentrelK4NRF),
@@ -27,21 +27,14 @@ const ClassRow kClasses[] = {
     {"Channel", __uuidof(ZentrelK4NChannel), {__uuidof(IZentrelK4NChannel)}},
     {"PowerStep", __uuidof(ZentrelK4NPowerStep), {__uuidof(IZentrelK4NPowerStep)}},
     {"PulseGenerator", __uuidof(ZentrelK4NPulseGenerator), {__uuidof(IZentrelK4NPulseGenerator)}},
-    {"PulseGeneratorOutput",
-     __uuidof(ZentrelK4NPulseGeneratorOutput),
-     {__uuidof(IZentrelK4NPulseGeneratorOutput)}},
-    {"PulseGeneratorDouble",
-     __uuidof(ZentrelK4NPulseGeneratorDouble),
-     {__uuidof(IZentrelK4NPulseGeneratorDouble)}},
-    {"PulsePacketGenerator",
-     __uuidof(ZentrelK4NPulsePacketGenerator),
-     {__uuidof(IZentrelK4NPulsePacketGenerator)}},
-    {"PulseModulation",
-     __uuidof(ZentrelK4NPulseModulation),
-     {__uuidof(IZentrelK4NPulseModulation)}},
+    {"PulseGeneratorOutput", __uuidof(ZentrelK4NPulseGeneratorOutput), {__uuidof(IZentrelK4NPulseGeneratorOutput)}},
+    {"PulseGeneratorDouble", __uuidof(ZentrelK4NPulseGeneratorDouble), {__uuidof(IZentrelK4NPulseGeneratorDouble)}},
+    {"PulsePacketGenerator", __uuidof(ZentrelK4NPulsePacketGenerator), {__uuidof(IZentrelK4NPulsePacketGenerator)}},
+    {"PulseModulation", __uuidof(ZentrelK4NPulseModulation), {__uuidof(IZentrelK4NPulseModulation)}},
     {"TriggerOutput", __uuidof(ZentrelK4NTriggerOutput), {__uuidof(IZentrelK4NTriggerOutput)}},
     {"SyncGenerator", __uuidof(ZentrelK4NSyncGenerator), {__uuidof(IZentrelK4NSyncGenerator)}},
 };
+// clang-format on
 
 ComPtr<IUnknown> Query(IUnknown& object, const IID& iid) {
   ComPtr<IUnknown> found;

@@ -56,19 +56,19 @@ struct Setting {
 };
 
 // clang-format off
-// One after the other on one session.
+// One after the other on one session. Numbers that the instrument corrects read back corrected.
 const Setting kSettings[] = {
     {"RF.put Frequency", {2.4e9}, "RF.get Frequency", 2.4e9, "frequency #0 [2400000000]", kFrequencyId, kRefusal, 2, 2.4e9},
     {"RF.put Frequency", {30e9}, "RF.get Frequency", 20e9, "frequency #0 [20000000000]", kFrequencyId, kRefusal, 2, 30e9},
-    {"RF.put Level", {-12.5}, "RF.get Level", -12.5, "level #79 [0, 4, 0, 0, -12.5]", kLevelId, kRefusal, 2, -12.5},
-    {"RF.put OutputEnabled", {VARIANT_TRUE}, "RF.get OutputEnabled", 1, "level #79 [1, 4, 0, 0, -12.5]", kLevelId, kRefusal, 2, 1},
+    {"RF.put Level", {99}, "RF.get Level", 20, "level #79 [0, 4, 0, 0, 99]", kLevelId, kRefusal, 2, 99},
+    {"RF.put OutputEnabled", {VARIANT_TRUE}, "RF.get OutputEnabled", 1, "level #79 [1, 4, 0, 0, 20]", kLevelId, kRefusal, 2, 1},
     {"RF.Configure", {1e9, -3}, "RF.get Level", -3, "level #79 [1, 4, 0, 0, -3]", kFrequencyId, kRefusal, 2},
     {"FrequencyStep.ConfigureStartStop", {1e9, 2e9, 0, 1e7}, "FrequencyStep.get Size", 1e7, "frequency #0 [1000000000]", kFrequencyId, S_OK, 3, 1e7},
     {"Sweep.put Mode", {3 + 256}, "Sweep.get Mode", 3, "trigger input #7 [0, 0, 0, 0, 2, 0, 0, 0, 0, 0]", kLevelId, kInstrumentErrorCode},
     {"FrequencyStep.put Start", {1.5e9}, "FrequencyStep.get Start", 1.5e9, "frequency #0 [1500000000, 51, 10000000, 2000000000]", kFrequencyId, S_OK, 2, 1.5e9},
     {"FrequencyStep.put Stop", {1.6e9}, "FrequencyStep.get Stop", 1.6e9, "frequency #0 [1500000000, 11, 10000000, 1600000000]", kFrequencyId, S_OK, 2, 1.6e9},
     {"FrequencyStep.put Scaling", {0}, "FrequencyStep.get Scaling", 0, ""},
-    {"FrequencyStep.put Dwell", {1e-3}, "PowerStep.get Dwell", 1e-3, "dwell #5 [0, 1000000]", kDwellId},
+    {"FrequencyStep.put Dwell", {1.00004e-3}, "PowerStep.get Dwell", 1e-3, "dwell #5 [0, 1000040]", kDwellId},
     {"PowerStep.put Dwell", {0.5}, "List.get Dwell", 0.5, "dwell #5 [0, 500000000]", kDwellId, S_OK},
     {"List.put Dwell", {2e-3}, "FrequencyStep.get Dwell", 2e-3, "dwell #5 [0, 2000000]", kDwellId},
     {"FrequencyStep.put SingleStepEnabled", {5}, "List.get SingleStepEnabled", 1, "trigger input #7 [0, 0, 0, 0, 2, 0, 0, 0, 0, 0]", kInputId},
@@ -91,7 +91,7 @@ const Setting kSettings[] = {
     {"Acquisition.put Averaging", {99}, "Acquisition.get Averaging", 14, "averaging #4 [14, 0]", kAveragingId, kRefusal, 1, 99},
     {"PulseGenerator.put Width", {2e-6}, "PulseGenerator.get Width", 2e-6, ""},
     {"PulseModulation.put Enabled", {1}, "PulseModulation.get Enabled", -1, "pulse train #31 [2, 3, 0, 0, 1, 2000, 0]", kPulseId, kRefusal, 1, -1},
-    {"PulseGenerator.put InternalTriggerPeriod", {1e-5}, "PulseGenerator.get InternalTriggerPeriod", 1e-5, "pulse train #31 [2, 3, 0, 0, 1, 2000, 8000]", kPulseId, kRefusal, 1, 1e-5},
+    {"PulseGenerator.put InternalTriggerPeriod", {1.0004e-5}, "PulseGenerator.get InternalTriggerPeriod", 1e-5, "pulse train #31 [2, 3, 0, 0, 1, 2000, 8004]", kPulseId, kRefusal, 1, 1.0004e-5},
     {"PulseGenerator.put Width", {3e-6}, "PulseGenerator.get Width", 3e-6, "pulse train #31 [2, 3, 0, 0, 1, 3000, 7000]", kPulseId, kRefusal, 1, 3e-6},
     {"PulseGenerator.Configure", {1, 1e-6, VARIANT_TRUE}, "PulseGenerator.get Width", 1e-6, "pulse train #31 [2, 3, 0, 0, 1, 1000, 9000]", kPulseId, kRefusal, 1, 1e-6},
     {"PulseGeneratorDouble.put Enabled", {1}, "PulseGeneratorDouble.get Enabled", -1, "pulse train #31 [2, 3, 0, 0, 2, 1000, 0, 1000, 8000]", kPulseId, kRefusal, 1, -1},
@@ -107,11 +107,11 @@ const Setting kSettings[] = {
     {"TriggerOutput.put Mode", {1}, "TriggerOutput.get Mode", 1, "trigger output #8 [4, 0, 3, 0, 0, 0, 1, 1, 1, 0]", kOutputId, S_OK, 2},
     {"TriggerOutput.put Mode", {7}, "TriggerOutput.get Mode", 1, "trigger output #8 [4, 0, 3, 0, 0, 0, 1, 1, 1, 0]", kOutputId, S_OK, 2},
     {"TriggerOutput.put Polarity", {1}, "TriggerOutput.get Polarity", 1, "trigger output #8 [4, 1, 3, 0, 0, 0, 1, 1, 1, 0]", kOutputId, S_OK, 2},
-    {"SyncGenerator.put Width", {2e-6}, "SyncGenerator.get Period", 2e-6, "sync generator #37 [2000, 0, 0]", kSyncId, kRefusal, 1, 2e-6},
+    {"SyncGenerator.put Width", {2.004e-6}, "SyncGenerator.get Period", 2e-6, "sync generator #37 [2004, 0, 0]", kSyncId, kRefusal, 1, 2.004e-6},
     {"SyncGenerator.put Period", {1e-5}, "SyncGenerator.get Period", 1e-5, "sync generator #37 [2000, 8000, 0]", kSyncId, kRefusal, 1, 1e-5},
     {"SyncGenerator.put Delay", {1e-6}, "SyncGenerator.get Delay", 1e-6, "sync generator #37 [2000, 8000, 1000]", kSyncId, kRefusal, 1, 1e-6},
-    {"System.put ExtRefGenFrequency", {5e6}, "System.get ExtRefGenFrequency", 5e6, "reference #17 [0, 5000000]", kReferenceId, kRefusal, 1, 5e6},
-    {"System.put ExtRefGenEnabled", {VARIANT_TRUE}, "System.get ExtRefGenEnabled", 1, "reference #17 [1, 5000000]", kReferenceId, kRefusal, 1, 1},
+    {"System.put ExtRefGenFrequency", {1e9}, "System.get ExtRefGenFrequency", 250e6, "reference #17 [0, 1000000000]", kReferenceId, kRefusal, 1, 1e9},
+    {"System.put ExtRefGenEnabled", {VARIANT_TRUE}, "System.get ExtRefGenEnabled", 1, "reference #17 [1, 250000000]", kReferenceId, kRefusal, 1, 1},
     {"System.put ExtRefPhaseDelay", {-7}, "System.get ExtRefPhaseDelay", -7, "phase delay #92 [-7]", kPhaseId},
     {"System.put CompensMode", {4}, "System.get CompensMode", 4, "compensation mode #11 [4]", kCompensationId, kRefusal, 1, 4},
     {"System.put ExtPwrCtrl", {VARIANT_TRUE}, "System.get ExtPwrCtrl", 0, "trigger output #8 [6, 1, 3, 1, 0, 0, 1, 1, 1, 0]", kInputId, kRefusal, 1, -1},

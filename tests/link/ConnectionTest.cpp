@@ -74,37 +74,21 @@ TEST_P(FormTest, FindsTheForm) {
   EXPECT_EQ(model_.frequency_class(), GetParam().frequency_class);
 }
 
+// clang-format off
 INSTANTIATE_TEST_SUITE_P(
     Forms, FormTest,
-    testing::Values(
-        FormCase{"FourElement", {0}, kLimitsAnswer, 0, {"3:0/60x4"}, 2e10, 2},
-        FormCase{"NoticesOfTheProbeDoNotCount", {1}, kLimitsAnswer, 0, {"3:0/60x4"}, 2e10, 2},
-        FormCase{"UnusableNoticeKeepsFourElement", {2}, kLimitsAnswer, 0, {"3:0/60x4"}, 2e10, 2},
-        FormCase{"Wide",
-                 {0x8003, 0},
-                 "00 00 | 80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 91 D2 ED 00 00",
-                 0,
-                 {"3:0/60x4", "3:0/60x3"},
-                 4e9,
-                 1},
-        FormCase{"Narrow",
-                 {0x8003, 0x8003, 0},
-                 "00 00 | 80 96 98 00 | 02 00 00 00 | 80 91 D2 ED",
-                 0,
-                 {"3:0/60x4", "3:0/60x3", "3:0/40x3"},
-                 4e9,
-                 1},
-        FormCase{"OtherRefusalOfFourElementEnds", {0x8002}, "", -32766, {"3:0/60x4"}, 0, 0},
-        FormCase{
-            "OtherRefusalOfWideEnds", {0x8003, 0x8005}, "", -32763, {"3:0/60x4", "3:0/60x3"}, 0, 0},
-        FormCase{"NoFormAtAllEnds",
-                 {0x8003, 0x8003, 0x8003},
-                 "",
-                 -32765,
-                 {"3:0/60x4", "3:0/60x3", "3:0/40x3"},
-                 0,
-                 0}),
+    testing::ValuesIn(std::vector<FormCase>{
+        {"FourElement", {0}, kLimitsAnswer, 0, {"3:0/60x4"}, 2e10, 2},
+        {"NoticesOfTheProbeDoNotCount", {1}, kLimitsAnswer, 0, {"3:0/60x4"}, 2e10, 2},
+        {"UnusableNoticeKeepsFourElement", {2}, kLimitsAnswer, 0, {"3:0/60x4"}, 2e10, 2},
+        {"Wide", {0x8003, 0}, "00 00 | 80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 91 D2 ED 00 00", 0, {"3:0/60x4", "3:0/60x3"}, 4e9, 1},
+        {"Narrow", {0x8003, 0x8003, 0}, "00 00 | 80 96 98 00 | 02 00 00 00 | 80 91 D2 ED", 0, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, 4e9, 1},
+        {"OtherRefusalOfFourElementEnds", {0x8002}, "", -32766, {"3:0/60x4"}, 0, 0},
+        {"OtherRefusalOfWideEnds", {0x8003, 0x8005}, "", -32763, {"3:0/60x4", "3:0/60x3"}, 0, 0},
+        {"NoFormAtAllEnds", {0x8003, 0x8003, 0x8003}, "", -32765, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, 0, 0},
+    }),
     [](const auto& row) { return row.param.name; });
+// clang-format on
 
 TEST_F(LinkTest, NarrowProbeAsksForItsLargestSpan) {
   visa_.Rule(3, 0, 0x8003, 0x60);

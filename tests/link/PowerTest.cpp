@@ -42,46 +42,26 @@ TEST_P(VariantTest, ProbesOnceAndThenSpeaksTheVariant) {
   EXPECT_THAT(visa_.RequestOrder(), ElementsAre(GetParam().writes.back()));
 }
 
+// clang-format off
 INSTANTIATE_TEST_SUITE_P(
     Variants, VariantTest,
-    testing::Values(
-        VariantCase{"Five", {0, 0}, {"3:79/62x5", "3:79/62x8", "3:79/62x5"}, 5},
-        VariantCase{"FiveUnusableStaysThree", {0, 2}, {"3:79/62x5", "3:79/62x8", "3:79/62x5"}, 3},
-        VariantCase{"NoticeIsAccepted", {1, 3}, {"3:79/62x5", "3:79/62x8", "3:79/62x5"}, 5},
-        VariantCase{"Three", {0, 0x8003}, {"3:79/62x5", "3:79/62x8", "3:79/62x5"}, 3},
-        VariantCase{
-            "Four", {0x8003, 0, 0}, {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x5"}, 4},
-        VariantCase{"FourUnusableIsTwo",
-                    {0x8003, 0, 2},
-                    {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x5"},
-                    2},
-        VariantCase{"TwoByLongForm",
-                    {0x8003, 0, 0x8003, 0},
-                    {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x7", "3:79/42x5"},
-                    2},
-        VariantCase{"OtherRefusalOfStopFormIsTwo",
-                    {0x8003, 0, 0x8005},
-                    {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x5"},
-                    2},
-        VariantCase{"LongFormRefusedStaysThree",
-                    {0x8003, 0, 0x8003, 0x8003},
-                    {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x7", "3:79/62x5"},
-                    3},
-        VariantCase{"LongFormUnusableStaysThree",
-                    {0x8003, 0, 0x8003, 2},
-                    {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x7", "3:79/62x5"},
-                    3},
-        VariantCase{
-            "One", {0x8003, 0x8003, 0}, {"3:79/62x5", "3:79/42x5", "3:12/21x2", "3:12/42x2"}, 1},
-        VariantCase{"ZeroOnlyAtTheSecondTry",
-                    {0x8003, 0x8003, 0x8003, 0},
-                    {"3:79/62x5", "3:79/42x5", "3:12/21x2", "3:12/21x2", "3:12/21x2"},
-                    0},
-        VariantCase{"NothingAcceptedStaysThree",
-                    {0x8003, 0x8003, 0x8003, 0x8003},
-                    {"3:79/62x5", "3:79/42x5", "3:12/21x2", "3:12/21x2", "3:79/62x5"},
-                    3}),
+    testing::ValuesIn(std::vector<VariantCase>{
+        {"Five", {0, 0}, {"3:79/62x5", "3:79/62x8", "3:79/62x5"}, 5},
+        {"FiveUnusableStaysThree", {0, 2}, {"3:79/62x5", "3:79/62x8", "3:79/62x5"}, 3},
+        {"NoticeIsAccepted", {1, 3}, {"3:79/62x5", "3:79/62x8", "3:79/62x5"}, 5},
+        {"Three", {0, 0x8003}, {"3:79/62x5", "3:79/62x8", "3:79/62x5"}, 3},
+        {"Four", {0x8003, 0, 0}, {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x5"}, 4},
+        {"FourUnusableIsTwo", {0x8003, 0, 2}, {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x5"}, 2},
+        {"TwoByLongForm", {0x8003, 0, 0x8003, 0}, {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x7", "3:79/42x5"}, 2},
+        {"OtherRefusalOfStopFormIsTwo", {0x8003, 0, 0x8005}, {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x5"}, 2},
+        {"LongFormRefusedStaysThree", {0x8003, 0, 0x8003, 0x8003}, {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x7", "3:79/62x5"}, 3},
+        {"LongFormUnusableStaysThree", {0x8003, 0, 0x8003, 2}, {"3:79/62x5", "3:79/42x5", "3:79/42x8", "3:79/42x7", "3:79/62x5"}, 3},
+        {"One", {0x8003, 0x8003, 0}, {"3:79/62x5", "3:79/42x5", "3:12/21x2", "3:12/42x2"}, 1},
+        {"ZeroOnlyAtTheSecondTry", {0x8003, 0x8003, 0x8003, 0}, {"3:79/62x5", "3:79/42x5", "3:12/21x2", "3:12/21x2", "3:12/21x2"}, 0},
+        {"NothingAcceptedStaysThree", {0x8003, 0x8003, 0x8003, 0x8003}, {"3:79/62x5", "3:79/42x5", "3:12/21x2", "3:12/21x2", "3:79/62x5"}, 3},
+    }),
     [](const auto& row) { return row.param.name; });
+// clang-format on
 
 TEST_F(LinkTest, ProbeOfVariantFiveByteForByte) {
   LevelSettings settings{.level_control = 1, .atten_mode = 2, .further_1 = 3, .further_2 = 4};
@@ -165,27 +145,17 @@ constexpr const char* kSweep62 =
     "4F 00 | 00 00 01 00 00 00 | 00 00 02 00 00 00 | 00 00 00 00 00 00 | 00 00 00 00 00 00 |"
     "00 00 C4 FF FF FF | 00 00 05 00 00 00 | 00 80 02 00 00 00";
 
+// clang-format off
 INSTANTIATE_TEST_SUITE_P(
     ByVariant, PowerSweepTest,
-    testing::Values(
-        SweepCase{
-            1,
-            {0x8003, 0x8003, 0},
-            WriteRequest(4, 0x42, "0C 00 | 00 00 01 00 | 00 00 C4 FF | 00 00 05 00 | 00 80 02 00"),
-            "0C 00 | 00 00 01 00 | 00 00 C5 FF | 00 00 03 00 | 00 00 02 00",
-            -55},
-        SweepCase{2, {0x8003, 0, 0x8005}, WriteRequest(7, 0x42, kSweep42), kAnswer42, -55},
-        SweepCase{3, {0, 0x8003}, WriteRequest(7, 0x62, kSweep62), kAnswer62, -55},
-        SweepCase{4,
-                  {0x8003, 0, 0},
-                  WriteRequest(8, 0x42, std::string(kSweep42) + "| 00 00 CE FF"),
-                  kAnswer42,
-                  -50},
-        SweepCase{5,
-                  {0, 0},
-                  WriteRequest(8, 0x62, std::string(kSweep62) + "| 00 00 CE FF FF FF"),
-                  kAnswer62,
-                  -50}));
+    testing::ValuesIn(std::vector<SweepCase>{
+        {1, {0x8003, 0x8003, 0}, WriteRequest(4, 0x42, "0C 00 | 00 00 01 00 | 00 00 C4 FF | 00 00 05 00 | 00 80 02 00"), "0C 00 | 00 00 01 00 | 00 00 C5 FF | 00 00 03 00 | 00 00 02 00", -55},
+        {2, {0x8003, 0, 0x8005}, WriteRequest(7, 0x42, kSweep42), kAnswer42, -55},
+        {3, {0, 0x8003}, WriteRequest(7, 0x62, kSweep62), kAnswer62, -55},
+        {4, {0x8003, 0, 0}, WriteRequest(8, 0x42, std::string(kSweep42) + "| 00 00 CE FF"), kAnswer42, -50},
+        {5, {0, 0}, WriteRequest(8, 0x62, std::string(kSweep62) + "| 00 00 CE FF FF FF"), kAnswer62, -50},
+    }));
+// clang-format on
 
 TEST_F(LinkTest, VariantZeroHasNoPowerSweep) {
   for (const int code : {0x8003, 0, 0x8003, 0, 0x8003, 0, 0}) {

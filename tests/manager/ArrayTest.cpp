@@ -51,21 +51,19 @@ TEST_P(ListTest, IsSentFromItsFirstElementAndComesBackCorrected) {
   EXPECT_EQ(sent, row.sent);
 }
 
+// clang-format off
 INSTANTIATE_TEST_SUITE_P(
     Lists, ListTest,
-    testing::Values(ListCase{"Corrected",
-                             0,
-                             {1, 2},
-                             "02 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 05 00 00 00 00 00 |"
-                             "06 00 00 00 00 00",
-                             {1, 2},
-                             {5, 6}},
-                    ListCase{"OneBasedSendsOneMore", 1, {1, 2, 3}, "", {1, 2, 3, 3}, {1, 2, 3}},
-                    ListCase{"BelowZeroLosesTheLast", -1, {1, 2, 3}, "", {1, 2}, {1, 2, 3}},
-                    ListCase{"Empty", 0, {}, "", {}, {}},
-                    ListCase{"EmptyFromOne", 1, {}, "", {}, {}},
-                    ListCase{"AllBelowZero", -9, {1, 2}, "", {}, {1, 2}}),
+    testing::ValuesIn(std::vector<ListCase>{
+        {"Corrected", 0, {1, 2}, "02 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 05 00 00 00 00 00 |06 00 00 00 00 00", {1, 2}, {5, 6}},
+        {"OneBasedSendsOneMore", 1, {1, 2, 3}, "", {1, 2, 3, 3}, {1, 2, 3}},
+        {"BelowZeroLosesTheLast", -1, {1, 2, 3}, "", {1, 2}, {1, 2, 3}},
+        {"Empty", 0, {}, "", {}, {}},
+        {"EmptyFromOne", 1, {}, "", {}, {}},
+        {"AllBelowZero", -9, {1, 2}, "", {}, {1, 2}},
+    }),
     [](const auto& row) { return row.param.name; });
+// clang-format on
 
 TEST_F(ManagerTest, RefusedListIsKept) {
   Open();

@@ -206,19 +206,6 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 // clang-format on
 
-TEST_F(ManagerTest, ListModeRunsOnStandInsWithoutLists) {
-  Open();
-  ASSERT_EQ(manager_.SetSweepMode(SweepMode::kList), 0);
-  EXPECT_THAT(Requests(),
-              testing::IsSupersetOf(
-                  {WriteRequest(0, 0x60,
-                                "02 00 | 00 00 00 00 00 00 | 01 00 00 00 00 00 |"
-                                "80 96 98 00 00 00"),
-                   WriteRequest(4, 0x42,
-                                "4C 00 | 00 00 01 00 | 00 00 03 00 | 00 00 00 00 |"
-                                "00 00 00 00 | 00 00 00 00 | 00 00 01 00 | 00 00 C4 FF")}));
-}
-
 struct ModeFailureCase {
   const char* name;
   std::uint8_t refused;  // identifier

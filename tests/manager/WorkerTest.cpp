@@ -43,25 +43,22 @@ void ConfiguredFrequencyStep(CK4NManager& manager) {
   ImmediateFrequencyStep(manager);
 }
 
+// clang-format off
 INSTANTIATE_TEST_SUITE_P(
     Resume, ResumeTest,
-    testing::Values(
-        ResumeCase{"NoSweep", "", Output::kOn, Immediate, false},
-        ResumeCase{"List", "", Output::kOn, ImmediateList, true},
-        ResumeCase{"FrequencyStepNotConfigured", "", Output::kOn, ImmediateFrequencyStep, false},
-        ResumeCase{"FrequencyStepConfigured", "", Output::kOn, ConfiguredFrequencyStep, true},
-        ResumeCase{"SoftwareWithoutTrigger", "", Output::kOn,
-                   [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, false},
-        ResumeCase{"SoftwareWithTrigger", "", Output::kOn,
-                   [](CK4NManager& m) {
-                     m.SetSweepMode(SweepMode::kList);
-                     m.RequestSoftwareTrigger();
-                   },
-                   true},
-        ResumeCase{"AnalyserOutputOff", "", Output::kOff, ImmediateList, true},
-        ResumeCase{"GeneratorOutputOff", "GENERATOR", Output::kOff, ImmediateList, false},
-        ResumeCase{"GeneratorOutputOn", "GENERATOR", Output::kOn, ImmediateList, true}),
+    testing::ValuesIn(std::vector<ResumeCase>{
+        {"NoSweep", "", Output::kOn, Immediate, false},
+        {"List", "", Output::kOn, ImmediateList, true},
+        {"FrequencyStepNotConfigured", "", Output::kOn, ImmediateFrequencyStep, false},
+        {"FrequencyStepConfigured", "", Output::kOn, ConfiguredFrequencyStep, true},
+        {"SoftwareWithoutTrigger", "", Output::kOn, [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, false},
+        {"SoftwareWithTrigger", "", Output::kOn, [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); m.RequestSoftwareTrigger(); }, true},
+        {"AnalyserOutputOff", "", Output::kOff, ImmediateList, true},
+        {"GeneratorOutputOff", "GENERATOR", Output::kOff, ImmediateList, false},
+        {"GeneratorOutputOn", "GENERATOR", Output::kOn, ImmediateList, true},
+    }),
     [](const auto& row) { return row.param.name; });
+// clang-format on
 
 TEST_F(ManagerTest, WorkerStoresBlockAfterBlock) {
   Open();
@@ -131,27 +128,19 @@ TEST_P(ReadFailureTest, IsRecordedAndReadingGoesOn) {
   }
 }
 
+// clang-format off
 INSTANTIATE_TEST_SUITE_P(
     Reads, ReadFailureTest,
-    testing::Values(
-        ReadFailureCase{
-            "RefusedAtOnce", kRefusal, 0, true, {{kRefusalStatus, Site::kWorkerRead}}, true},
-        ReadFailureCase{"RefusedLater",
-                        kRefusal,
-                        0,
-                        false,
-                        {{kRefusalStatus, Site::kWorkerRepeatedRead}},
-                        true},
-        ReadFailureCase{"NegativeWordOfTheBlock",
-                        0,
-                        kRefusal,
-                        false,
-                        {{kRefusalStatus, Site::kWorkerRepeatedRead}},
-                        true},
-        ReadFailureCase{"NoticeInsteadOfABlock", 6, 0, false, {}, true},
-        ReadFailureCase{"NoticeWithABlock", 0, 6, false, {}, false},
-        ReadFailureCase{"BlockWithAnUnknownWord", 0, 7, false, {{7, Site::kBlockStatus}}, false}),
+    testing::ValuesIn(std::vector<ReadFailureCase>{
+        {"RefusedAtOnce", kRefusal, 0, true, {{kRefusalStatus, Site::kWorkerRead}}, true},
+        {"RefusedLater", kRefusal, 0, false, {{kRefusalStatus, Site::kWorkerRepeatedRead}}, true},
+        {"NegativeWordOfTheBlock", 0, kRefusal, false, {{kRefusalStatus, Site::kWorkerRepeatedRead}}, true},
+        {"NoticeInsteadOfABlock", 6, 0, false, {}, true},
+        {"NoticeWithABlock", 0, 6, false, {}, false},
+        {"BlockWithAnUnknownWord", 0, 7, false, {{7, Site::kBlockStatus}}, false},
+    }),
     [](const auto& row) { return row.param.name; });
+// clang-format on
 
 /// While the worker measures, the state comes from what it reads. A level that is not settled shows
 /// until the next read that says otherwise, so blocks that say so keep coming.
