@@ -26,9 +26,9 @@ void KeepFirst(LSTATUS& first, LSTATUS status) {
 LSTATUS MakeContent(HKEY key, const ScriptKey& content);
 
 LSTATUS MakeKey(HKEY parent, const ScriptKey& script) {
-  if (script.removal == KeyRemoval::kForced) {
+  if (script.removal == KeyRemoval::kForced || script.removal == KeyRemoval::kBefore) {
     const LSTATUS removed = Removed(RegDeleteTreeW(parent, script.name.c_str()));
-    if (removed != ERROR_SUCCESS) return removed;
+    if (removed != ERROR_SUCCESS || script.removal == KeyRemoval::kBefore) return removed;
   }
   RegKey key;
   const LSTATUS created = key.Create(parent, script.name);
@@ -37,7 +37,8 @@ LSTATUS MakeKey(HKEY parent, const ScriptKey& script) {
 
 LSTATUS MakeContent(HKEY key, const ScriptKey& content) {
   for (const ScriptValue& value : content.values) {
-    const LSTATUS set = SetRegistryText(key, value.name, value.text);
+    const LSTATUS set = RegSetValueExW(key, value.name.c_str(), 0, static_cast<DWORD>(value.type),
+                                       value.data.data(), static_cast<DWORD>(value.data.size()));
     if (set != ERROR_SUCCESS) return set;
   }
   for (const ScriptKey& subkey : content.keys) {
@@ -57,6 +58,7 @@ bool HasSubkeys(HKEY key) {
 LSTATUS RemoveContent(HKEY key, const ScriptKey& content);
 
 LSTATUS RemoveKey(HKEY parent, const ScriptKey& script) {
+  if (script.removal == KeyRemoval::kBefore) return ERROR_SUCCESS;
   const OLECHAR* const name = script.name.c_str();
   if (script.removal == KeyRemoval::kForced) return Removed(RegDeleteTreeW(parent, name));
   RegKey key;

@@ -28,7 +28,8 @@ class Registrar {
       : scope_(scope), replacements_(std::move(replacements)) {}
 
   /// Makes the script's keys and values. Gives the first failing result: kScriptUnreadable, or the
-  /// registry's code as an HRESULT.
+  /// registry's code as an HRESULT (E_INVALIDARG for other values than texts where the registry
+  /// holds texts alone, as it does elsewhere than on Windows).
   HRESULT Register(std::string_view script) const noexcept;
 
   /// Takes away the script's values and its keys, as each key's removal says. What is not there is

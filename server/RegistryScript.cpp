@@ -1,7 +1,10 @@
 #include "server/RegistryScript.h"
 
 #include <algorithm>
+#include <charconv>
+#include <iterator>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -96,6 +99,55 @@ class Words {
   int line_ = 1;
 };
 
+struct RootName {
+  std::string_view name;
+  std::string_view long_name;
+};
+constexpr RootName kRoots[] = {
+    {"HKCR", "HKEY_CLASSES_ROOT"}, {"HKCU", "HKEY_CURRENT_USER"}, {"HKLM", "HKEY_LOCAL_MACHINE"}};
+
+/// The bytes of a text with its end.
+std::vector<std::uint8_t> TextData(const os::WideString& text) {
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.c_str());
+  return {bytes, bytes + (text.size() + 1) * sizeof(os::WideChar)};
+}
+
+/// Texts with \0 between them; one more end follows the last one's.
+std::vector<std::uint8_t> TextsData(os::WideString texts) {
+  constexpr os::WideChar kSeparator[] = {'\\', '0', 0};
+  for (std::size_t at = 0; (at = texts.find(kSeparator, at)) != texts.npos; ++at) {
+    texts.replace(at, 2, 1, 0);
+  }
+  texts += os::WideChar{};
+  return TextData(texts);
+}
+
+/// A number of 32 bits, its lowest byte first; nothing for other texts.
+std::optional<std::vector<std::uint8_t>> NumberData(std::string_view text) {
+  const bool is_hexadecimal = text.starts_with("0x");
+  if (is_hexadecimal) text.remove_prefix(2);
+  std::uint32_t number = 0;
+  const auto [end, error] =
+      std::from_chars(text.data(), text.data() + text.size(), number, is_hexadecimal ? 16 : 10);
+  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
+  std::vector<std::uint8_t> data;
+  for (int shift = 0; shift < 32; shift += 8) {
+    data.push_back(static_cast<std::uint8_t>(number >> shift));
+  }
+  return data;
+}
+
+/// Bytes of two hexadecimal digits each; nothing for other texts.
+std::optional<std::vector<std::uint8_t>> BinaryData(std::string_view text) {
+  std::vector<std::uint8_t> data(text.size() / 2);
+  for (std::size_t i = 0; i < data.size(); ++i) {
+    const char* const digits = text.data() + 2 * i;
+    if (std::from_chars(digits, digits + 2, data[i], 16).ptr != digits + 2) return std::nullopt;
+  }
+  if (text.size() % 2 != 0) return std::nullopt;
+  return data;
+}
+
 class Parser {
  public:
   Parser(std::string_view script, const Replacements& replacements)
@@ -105,10 +157,12 @@ class Parser {
     std::vector<ScriptKey> roots;
     do {
       const Word name = words_.TakeText("a root key");
-      if (!name.Is("HKCR") && !name.Is("HKCU") && !name.Is("HKLM")) {
-        Fail(name.line, name.text + " is no root key");
-      }
-      roots.push_back({Replaced(name), KeyRemoval::kNever, {}, {}});
+      const auto* const root = std::find_if(
+          std::begin(kRoots), std::end(kRoots),
+          [&name](const RootName& row) { return name.Is(row.name) || name.Is(row.long_name); });
+      if (root == std::end(kRoots)) Fail(name.line, name.text + " is no root key");
+      const os::WideString short_name = os::ToWide(root->name, os::kUtf8CodePage);
+      roots.push_back({short_name, KeyRemoval::kNever, {}, {}});
       words_.Require("{");
       Content(roots.back(), false);
     } while (!words_.AtEnd());
@@ -121,7 +175,7 @@ class Parser {
     while (!words_.TakeIf("}")) {
       if (may_have_values && words_.TakeIf("val")) {
         const os::WideString name = Replaced(words_.TakeText("a value's name"));
-        key.values.push_back({name, Value()});
+        key.values.push_back(Value(name));
       } else {
         key.keys.push_back(Key());
       }
@@ -134,23 +188,37 @@ class Parser {
       key.removal = KeyRemoval::kNever;
     } else if (words_.TakeIf("ForceRemove")) {
       key.removal = KeyRemoval::kForced;
+    } else if (words_.TakeIf("Delete")) {
+      key.removal = KeyRemoval::kBefore;
     }
     const Word name = words_.TakeText("a key's name");
     if (name.Is("val")) Fail(name.line, "no value can stand here");
     key.name = Replaced(name);
     // An empty path would be the key above, and a forced removal take that.
     if (key.name.find_first_not_of('\\') == key.name.npos) Fail(name.line, "a key without a name");
-    if (words_.NextIs("=")) key.values.push_back({{}, Value()});
+    if (words_.NextIs("=")) key.values.push_back(Value({}));
     if (words_.TakeIf("{")) Content(key, true);
     return key;
   }
 
-  os::WideString Value() {
+  ScriptValue Value(const os::WideString& name) {
     words_.Require("=");
-    words_.Require("s");
-    const Word text = words_.Take("a text");
-    if (!text.quoted) Fail(text.line, "a text in apostrophes should be where " + text.text + " is");
-    return Replaced(text);
+    const Word type = words_.Take("a value's type");
+    const Word word = words_.Take("a text");
+    if (!word.quoted) Fail(word.line, "a text in apostrophes should be where " + word.text + " is");
+    const os::WideString text = Replaced(word);
+    if (type.Is("s")) return {name, ValueType::kText, TextData(text)};
+    if (type.Is("m")) return {name, ValueType::kTexts, TextsData(text)};
+    const std::string narrow = os::ToNarrow(text, os::kUtf8CodePage);
+    if (type.Is("d")) return {name, ValueType::kNumber, Valid(NumberData(narrow), word)};
+    if (type.Is("b")) return {name, ValueType::kBinary, Valid(BinaryData(narrow), word)};
+    Fail(type.line, type.text + " is no type of a value");
+  }
+
+  static std::vector<std::uint8_t> Valid(std::optional<std::vector<std::uint8_t>> data,
+                                         const Word& word) {
+    if (!data) Fail(word.line, word.text + " is no value of its type");
+    return std::move(*data);
   }
 
   [[nodiscard]] os::WideString Replaced(const Word& word) const {

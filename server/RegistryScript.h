@@ -1,6 +1,7 @@
 // Registration scripts in the registrar's syntax, read into keys and values.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -20,13 +21,17 @@ enum class KeyRemoval {
   kWhenEmpty,  ///< it goes unless others have put keys below it
   kNever,      ///< NoRemove: it stays, what the script has below it goes
   kForced,  ///< ForceRemove: it goes with all that is below it, also before it is registered anew
+  kBefore,  ///< Delete: it goes when the script is run in the registering direction, for good
 };
 
-/// A text; the empty name is the key's default value.
+/// Types of values, numbered as in the registry.
+enum class ValueType : std::uint32_t { kText = 1, kBinary = 3, kNumber = 4, kTexts = 7 };
+
+/// The empty name is the key's default value.
 struct ScriptValue {
   os::WideString name;
-  os::WideString text;
-  bool operator==(const ScriptValue&) const = default;
+  ValueType type = ValueType::kText;
+  std::vector<std::uint8_t> data;  ///< as the registry keeps it
 };
 
 struct ScriptKey {
@@ -34,7 +39,6 @@ struct ScriptKey {
   KeyRemoval removal = KeyRemoval::kWhenEmpty;
   std::vector<ScriptValue> values;
   std::vector<ScriptKey> keys;
-  bool operator==(const ScriptKey&) const = default;
 };
 
 /// What stands for %NAME% in the texts and names of a script.
@@ -42,10 +46,12 @@ using Replacements = std::map<std::string, os::WideString>;
 
 /// Reads a script (UTF-8). Words are separated by blanks and line breaks:
 ///
-///     root { [NoRemove|ForceRemove] key [= s 'text'] [{ ... }]   val name = s 'text' }
+///     root { [NoRemove|ForceRemove|Delete] key [= value] [{ ... }]   val name = value }
 ///
-/// with HKCR, HKCU or HKLM as the root; there may be several. A name or text in apostrophes may
-/// hold blanks, and an apostrophe written twice; %% is a per cent sign. Values are texts: nothing
-/// that is registered here is of another type. Returns the root keys. Throws ScriptError.
+/// with HKCR, HKCU or HKLM (or their long names) as the root; there may be several. A name or text
+/// in apostrophes may hold blanks, and an apostrophe written twice; %% is a per cent sign. A value
+/// is its type and a text in apostrophes: s 'text', d 'number' (32 bits, 0x for hexadecimal),
+/// b 'hexadecimal bytes', m 'text\0text'. Returns the root keys, with their short names. Throws
+/// ScriptError.
 std::vector<ScriptKey> ParseRegistryScript(std::string_view script,
                                            const Replacements& replacements);

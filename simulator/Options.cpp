@@ -1,5 +1,6 @@
 #include "simulator/Options.h"
 
+#include <asio/ip/address.hpp>
 #include <cmath>
 #include <stdexcept>
 
@@ -30,6 +31,9 @@ void ValidateDevice(const DeviceUnderTest& device) {
 }  // namespace
 
 void Validate(const Options& options) {
+  asio::error_code not_numeric;
+  asio::ip::make_address(options.address, not_numeric);
+  Require(!not_numeric, "address: an IP address in numbers, such as 127.0.0.1 or ::1");
   // What a level and a frequency element can carry.
   constexpr double kLargestLevel = 127.0;
   constexpr double kLargestFrequency = 1e12;

@@ -56,6 +56,32 @@ TEST_F(RegistrarTest, OnlyForcedRemovalTakesWhatOthersPutThere) {
   EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk\\P", "Zk\\P\\Others", "Zk\\P\\Others\\X"}));
 }
 
+TEST_F(RegistrarTest, DeletingTakesAwayWhatFormerVersionsLeft) {
+  constexpr auto kScript = "HKCR { NoRemove Zk { Delete Old N } }";
+  EXPECT_EQ(registrar_.Register("HKCR { Zk { Old { X } } }"), S_OK);
+  EXPECT_EQ(registrar_.Register(kScript), S_OK);
+  EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk\\N"}));
+  EXPECT_EQ(registrar_.Register("HKCR { Zk { Old } }"), S_OK);
+  EXPECT_EQ(registrar_.Remove(kScript), S_OK);
+  EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk\\Old"}));
+}
+
+TEST_F(RegistrarTest, NumbersNeedARegistryThatHoldsThem) {
+  const HRESULT result = registrar_.Register("HKCR { Zk { val N = d '7' } }");
+#ifdef _WIN32
+  EXPECT_EQ(result, S_OK);
+  const Key key(HKEY_CURRENT_USER, OLESTR("Software\\Classes\\Zk"));
+  DWORD type = 0;
+  DWORD number = 0;
+  DWORD size = sizeof number;
+  RegQueryValueExW(key.Get(), L"N", nullptr, &type, reinterpret_cast<BYTE*>(&number), &size);
+  EXPECT_EQ(type, REG_DWORD);
+  EXPECT_EQ(number, 7U);
+#else
+  EXPECT_EQ(result, HRESULT_FROM_WIN32(ERROR_INVALID_PARAMETER));
+#endif
+}
+
 TEST_F(RegistrarTest, BadScriptChangesNothing) {
   constexpr auto kScript = "HKCR { Zk { A } } HKCR { Zk { B = s %NOTHING% } }";
   EXPECT_EQ(registrar_.Register(kScript), Registrar::kScriptUnreadable);

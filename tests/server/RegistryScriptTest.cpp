@@ -11,6 +11,21 @@ os::WideString Wide(std::string_view text) { return os::ToWide(text, os::kUtf8Co
 
 std::string Utf8(os::WideView text) { return os::ToNarrow(text, os::kUtf8CodePage); }
 
+/// A value's text, or its type's number and its bytes.
+std::string ShownValue(const ScriptValue& value) {
+  if (value.type == ValueType::kText) {
+    const auto* const text = reinterpret_cast<const os::WideChar*>(value.data.data());
+    return Utf8({text, value.data.size() / sizeof(os::WideChar) - 1});
+  }
+  std::string shown = std::to_string(static_cast<unsigned>(value.type)) + ":";
+  for (const unsigned byte : value.data) {
+    char digits[4];
+    std::snprintf(digits, sizeof digits, "%02X", byte);
+    shown += digits;
+  }
+  return shown;
+}
+
 /// Keys as one line: "name[removal](value=text)...{keys};".
 std::string Shown(const std::vector<ScriptKey>& keys) {
   std::string text;
@@ -18,8 +33,9 @@ std::string Shown(const std::vector<ScriptKey>& keys) {
     text += Utf8(key.name);
     if (key.removal == KeyRemoval::kNever) text += "[no]";
     if (key.removal == KeyRemoval::kForced) text += "[force]";
+    if (key.removal == KeyRemoval::kBefore) text += "[before]";
     for (const ScriptValue& value : key.values) {
-      text.append("(").append(Utf8(value.name)).append("=").append(Utf8(value.text)).append(")");
+      text.append("(").append(Utf8(value.name)).append("=").append(ShownValue(value)).append(")");
     }
     if (!key.keys.empty()) text.append("{").append(Shown(key.keys)).append("}");
     text += ';';
@@ -54,8 +70,12 @@ constexpr ScriptCase kScripts[] = {
     {"EmptyRoot", "HKCR { }", "HKCR[no];"},
     {"SeveralRoots", "HKCR { a } HKCU { b } HKLM { c }", "HKCR[no]{a;};HKCU[no]{b;};HKLM[no]{c;};"},
     {"DefaultValue", "HKCR\n{\r\n\tA.B.1 = s 'A Class'\n}", "HKCR[no]{A.B.1(=A Class);};"},
-    {"RemovalMarks", "HKCR { NoRemove A { ForceRemove B = s 'b' { C } } D }",
-     "HKCR[no]{A[no]{B[force](=b){C;};};D;};"},
+    {"RemovalMarks", "HKCR { NoRemove A { ForceRemove B = s 'b' { C } } Delete D }",
+     "HKCR[no]{A[no]{B[force](=b){C;};};D[before];};"},
+    {"LongRoot", "HKEY_CURRENT_USER { }", "HKCU[no];"},
+    {"NumbersAndBytes", "HKCR { K = d '258' { val H = d '0xFFFFFFFF' val B = b '01aF' } }",
+     "HKCR[no]{K(=4:02010000)(H=4:FFFFFFFF)(B=3:01AF);};"},
+    {"Texts", "HKCR { K = m 'a\\0b' }", "HKCR[no]{K(=7:61000000620000000000);};"},
     {"NamedValues", "HKCR { K = s 'd' { val One = s '1' val 'The Two' = s '' } }",
      "HKCR[no]{K(=d)(One=1)(The Two=);};"},
     {"BracesInNames", "HKCR { {0-1} = s '{2-3}' }", "HKCR[no]{{0-1}(={2-3});};"},
@@ -71,7 +91,10 @@ constexpr ScriptCase kScripts[] = {
     {"BraceTooMany", "HKCR { } }", "line 1: a root key should be where } is"},
     {"OpenApostrophe", "HKCR {\n K = s 'abc }", "line 2: the closing apostrophe is missing"},
     {"BareText", "HKCR { K = s abc }", "line 1: a text in apostrophes should be where abc is"},
-    {"OtherValueType", "HKCR { K = d '1' }", "line 1: s should be where d is"},
+    {"OtherValueType", "HKCR { K = x '1' }", "line 1: x is no type of a value"},
+    {"NoNumber", "HKCR { K = d '4294967296' }", "line 1: 4294967296 is no value of its type"},
+    {"NoBytes", "HKCR { K = b '0g' }", "line 1: 0g is no value of its type"},
+    {"HalfAByte", "HKCR { K = b '012' }", "line 1: 012 is no value of its type"},
     {"ValueOfARoot", "HKCR { val N = s '1' }", "line 1: no value can stand here"},
     {"ValueWithoutText", "HKCR { K { val N } }", "line 1: = should be where } is"},
     {"NameMissing", "HKCR {\n= s 'x' }", "line 2: a key's name should be where = is"},

@@ -120,6 +120,7 @@ TEST_F(ClientTest, BadArgumentsGiveOneLineAndWriteNothing) {
       {"no such delay", {"simulate", "--response-delay", "2h"}, "--response-delay"},
       {"endless delay", {"simulate", "--response-delay", "3601s"}, "response delay: 0 to 1 h"},
       {"no trigger", {"simulate", "--trigger-period", "0s"}, "--trigger-period"},
+      {"name as address", {"simulate", "--address", "localhost"}, "address: an IP address"},
       {"address of others", {"simulate", "--address", "192.0.2.1"}, "cannot listen on 192.0.2.1"},
   };
   for (const Failure& row : cases) {
