@@ -100,6 +100,23 @@ TEST_F(VisaTest, WritesEverythingOrCountsWhatWent) {
   EXPECT_STATUS(status, VI_ERROR_CONN_LOST);
 }
 
+TEST_F(VisaTest, WriteThatTimesOutCountsWhatTheSystemTook) {
+  Peer peer;
+  const ViSession session = OpenSession(peer.Name());
+  auto instrument = peer.Accept();
+  const std::string block(64 << 20, 'x');  // more than all buffers on the way
+  ViUInt32 sent = 0;
+  EXPECT_STATUS(visa.viWrite(session, reinterpret_cast<const ViByte*>(block.data()),
+                             static_cast<ViUInt32>(block.size()), &sent),
+                VI_ERROR_TMO);
+  visa.viClose(session);
+  asio::error_code end;
+  std::string arrived;
+  asio::read(instrument, asio::dynamic_buffer(arrived), end);
+  EXPECT_GT(sent, 0U);
+  EXPECT_EQ(arrived.size(), sent);
+}
+
 TEST_F(VisaTest, ClearDropsWhatArrivedAndSendsNothing) {
   Peer peer;
   const ViSession session = OpenSession(peer.Name());
