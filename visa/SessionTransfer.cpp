@@ -92,8 +92,8 @@ ViStatus Session::Push(std::span<const ViByte> bytes, ViUInt32& returned) {
   Deadline deadline(static_cast<std::uint32_t>(attributes_.Number(Slot::kTimeout)));
   while (returned < bytes.size()) {
     const Transfer transfer = socket_.Send(bytes.subspan(returned), deadline);
-    if (transfer.status != VI_SUCCESS) return transfer.status;
     returned += static_cast<ViUInt32>(transfer.count);
+    if (transfer.status != VI_SUCCESS) return transfer.status;
   }
   return VI_SUCCESS;
 }
