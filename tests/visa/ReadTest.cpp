@@ -72,19 +72,6 @@ TEST_F(VisaTest, KeepsWhatCameBehindTheTerminator) {
   EXPECT_EQ(text, "three");
 }
 
-TEST_F(VisaTest, ReadsLongBlocksThatComeInPieces) {
-  Peer peer;
-  const ViSession session = OpenSession(peer.Name(), 10000);
-  auto instrument = peer.Accept();
-  std::string block(1 << 20, '\0');
-  for (std::size_t i = 0; i < block.size(); ++i) block[i] = static_cast<char>(i * 7 + i / 251);
-  std::thread sender([&] { asio::write(instrument, asio::buffer(block)); });
-  std::string text;
-  EXPECT_STATUS(Read(session, static_cast<ViUInt32>(block.size()), text), VI_SUCCESS_MAX_CNT);
-  sender.join();
-  EXPECT_TRUE(text == block);
-}
-
 TEST_F(VisaTest, WritesEverythingOrCountsWhatWent) {
   Peer peer;
   const ViSession session = OpenSession(peer.Name());
