@@ -19,6 +19,7 @@ struct Row {
   std::uint64_t initial;
   std::uint64_t minimum;
   std::uint64_t maximum;
+  std::uint64_t step = 1;  // between the values
 };
 
 constexpr std::uint64_t kMax8 = 0xFF;
@@ -32,15 +33,16 @@ constexpr std::uint64_t kBufferSize = 4096;  // of formatted input and output
 constexpr auto kR = Access::kRead;
 constexpr auto kW = Access::kWrite;
 
-// A mode of the read buffer is 1 (flush on access) or 3 (off), one of the write buffer 1 or 2 (when
-// full); nothing is buffered here, so any of them tells the truth.
+// A mode of the read buffer is 1 (flush on access) or 3 (off); nothing is read ahead, so either
+// tells the truth.
 constexpr Row kRows[] = {
     {VI_ATTR_TMO_VALUE, Slot::kTimeout, Type::kLong, kW, false, 2000, 0, kMax32},
     {VI_ATTR_TERMCHAR, Slot::kTermChar, Type::kByte, kW, false, '\n', 0, kMax8},
     {VI_ATTR_TERMCHAR_EN, Slot::kTermCharEnabled, Type::kWord, kW, false, 0, 0, 1},
     {VI_ATTR_SEND_END_EN, Slot::kSendEnd, Type::kWord, kW, false, 1, 0, 1},
     {VI_ATTR_SUPPRESS_END_EN, Slot::kSuppressEnd, Type::kWord, kW, false, 1, 0, 1},
-    {VI_ATTR_IO_PROT, Slot::kIoProtocol, Type::kWord, kW, false, 1, 1, 1},
+    {VI_ATTR_IO_PROT, Slot::kIoProtocol, Type::kWord, kW, false, VI_PROT_NORMAL, VI_PROT_NORMAL,
+     VI_PROT_4882_STRS, VI_PROT_4882_STRS - VI_PROT_NORMAL},
     {VI_ATTR_TCPIP_NODELAY, Slot::kNoDelay, Type::kWord, kW, false, 1, 0, 1},
     {VI_ATTR_TCPIP_KEEPALIVE, Slot::kKeepAlive, Type::kWord, kW, false, 0, 0, 1},
     {VI_ATTR_TCPIP_PORT, Slot::kPort, Type::kWord, kR, false, 0, 0, 0},
@@ -55,8 +57,9 @@ constexpr Row kRows[] = {
     {VI_ATTR_MAX_QUEUE_LENGTH, Slot::kQueueLength, Type::kLong, kW, true, 50, 1, kMax32},
     {VI_ATTR_USER_DATA_32, Slot::kUserData, Type::kLong, kW, true, 0, 0, kMax32},
     {VI_ATTR_USER_DATA, Slot::kUserData, Type::kQuad, kW, true, 0, 0, kMax64},
-    {VI_ATTR_RD_BUF_OPER_MODE, Slot::kReadMode, Type::kWord, kW, false, 3, 1, 3},
-    {VI_ATTR_WR_BUF_OPER_MODE, Slot::kWriteMode, Type::kWord, kW, false, 2, 1, 2},
+    {VI_ATTR_RD_BUF_OPER_MODE, Slot::kReadMode, Type::kWord, kW, false, 3, 1, 3, 2},
+    {VI_ATTR_WR_BUF_OPER_MODE, Slot::kWriteMode, Type::kWord, kW, false, VI_FLUSH_WHEN_FULL,
+     VI_FLUSH_ON_ACCESS, VI_FLUSH_WHEN_FULL},
     {VI_ATTR_RD_BUF_SIZE, Slot::kReadBufferSize, Type::kLong, kR, false, kBufferSize, 0, 0},
     {VI_ATTR_WR_BUF_SIZE, Slot::kWriteBufferSize, Type::kLong, kR, false, kBufferSize, 0, 0},
     {VI_ATTR_FILE_APPEND_EN, Slot::kFileAppend, Type::kWord, kW, false, 0, 0, 1},
@@ -67,6 +70,7 @@ constexpr Row kRows[] = {
     {VI_ATTR_RSRC_CLASS, Slot::kClass, Type::kText, kR, true, 0, 0, 0},
     {VI_ATTR_INTF_INST_NAME, Slot::kInterfaceName, Type::kText, kR, false, 0, 0, 0},
     {VI_ATTR_RSRC_MANF_NAME, Slot::kMakerName, Type::kText, kR, true, 0, 0, 0},
+    {VI_ATTR_ZENTREL_LOCK_OWNER, Slot::kLockOwner, Type::kText, kR, false, 0, 0, 0},
 };
 
 const Row* FindRow(ViAttr attribute, Owner owner) {
@@ -75,9 +79,9 @@ const Row* FindRow(ViAttr attribute, Owner owner) {
   return found ? row : nullptr;
 }
 
-// Clients hand narrow values in a 64-bit one, sign-extended or with anything above.
+// Clients that know the value as 32 bits, as it is elsewhere, leave anything above them.
 std::uint64_t Narrowed(const Row& row, ViAttrState value) {
-  return row.type == Type::kLong ? value & kMax32 : value;
+  return row.type == Type::kQuad ? value : value & kMax32;
 }
 
 std::size_t TextIndex(Slot slot) {
@@ -113,7 +117,9 @@ ViStatus Attributes::Check(ViAttr attribute, ViAttrState value) const {
   if (row == nullptr) return VI_ERROR_NSUP_ATTR;
   if (row->access == Access::kRead) return VI_ERROR_ATTR_READONLY;
   const std::uint64_t number = Narrowed(*row, value);
-  return number >= row->minimum && number <= row->maximum ? VI_SUCCESS : VI_ERROR_NSUP_ATTR_STATE;
+  const bool is_one =
+      number >= row->minimum && number <= row->maximum && (number - row->minimum) % row->step == 0;
+  return is_one ? VI_SUCCESS : VI_ERROR_NSUP_ATTR_STATE;
 }
 
 ViStatus Attributes::Set(ViAttr attribute, ViAttrState value) {

@@ -43,6 +43,7 @@ enum class Slot : std::uint8_t {
   kClass,
   kInterfaceName,
   kMakerName,
+  kLockOwner,
   kSlots
 };
 

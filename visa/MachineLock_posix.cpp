@@ -5,18 +5,23 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
+#include <fstream>
 
 #include "visa/MachineLock.h"
 
 // An abstract local socket address is a name that the kernel gives to one socket at a time and
 // takes back when the socket goes: no file to leave behind, no folder to be allowed to write to, no
-// owner.
+// owner. Everybody may read the list of these names, so a second one is enough to say who holds the
+// first.
 namespace zevisa {
 namespace {
 
+constexpr std::string_view kLock = "zevisa-lock/";
+constexpr std::string_view kHolder = "zevisa-holder/";  // the lock's name, "/", the holder follow
+
 struct LockAddress {
-  explicit LockAddress(const std::string& name) {
-    const std::string full = "zevisa-lock/" + name;
+  LockAddress(std::string_view kind, const std::string& name) {
+    const std::string full = std::string(kind) + name;
     const std::size_t room = std::min(full.size(), sizeof socket.sun_path - 1);
     std::copy_n(full.data(), room, socket.sun_path + 1);
     length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + room);
@@ -30,33 +35,58 @@ struct LockAddress {
 
 int NewSocket() { return socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0); }
 
+/// A socket of that name; -1 when there is one already, or no more sockets.
+int Bind(const LockAddress& address) {
+  const int fd = NewSocket();
+  if (fd < 0 || bind(fd, address.Get(), address.length) == 0) return fd;
+  close(fd);
+  return -1;
+}
+
+void Close(std::intptr_t fd) {
+  if (fd >= 0) close(static_cast<int>(fd));
+}
+
+std::string ThisProcess() {
+  std::string program;
+  std::getline(std::ifstream("/proc/self/comm"), program);
+  return "process " + std::to_string(getpid()) + (program.empty() ? "" : " (" + program + ")");
+}
+
 }  // namespace
 
 bool MachineLock::TryAcquire(const std::string& name) {
-  const int fd = NewSocket();
+  const int fd = Bind({kLock, name});
   if (fd < 0) return false;
-  const LockAddress address(name);
-  if (bind(fd, address.Get(), address.length) != 0) {
-    close(fd);
-    return false;
-  }
   Release();
   handle_ = fd;
+  note_ = Bind({kHolder, name + "/" + ThisProcess()});
   return true;
 }
 
 void MachineLock::Release() {
-  if (handle_ != kNone) close(static_cast<int>(handle_));
-  handle_ = kNone;
+  Close(note_);
+  Close(handle_);
+  note_ = handle_ = kNone;
 }
 
 bool MachineLock::IsHeld(const std::string& name) {
   const int fd = NewSocket();
   if (fd < 0) return false;
-  const LockAddress address(name);
+  const LockAddress address(kLock, name);
   const bool is_held = connect(fd, address.Get(), address.length) == 0 || errno != ECONNREFUSED;
   close(fd);
   return is_held;
+}
+
+std::string MachineLock::Holder(const std::string& name) {
+  const std::string prefix = "@" + std::string(kHolder) + name + "/";
+  std::ifstream names("/proc/net/unix");
+  for (std::string line; std::getline(names, line);) {
+    const auto found = line.find(prefix);
+    if (found != line.npos) return line.substr(found + prefix.size());
+  }
+  return {};
 }
 
 }  // namespace zevisa

@@ -39,6 +39,8 @@ class ResourceLock {
   }
   /// 0, VI_EXCLUSIVE_LOCK or VI_SHARED_LOCK, whoever holds it.
   [[nodiscard]] ViUInt32 State() const;
+  /// The process that holds it, for people; empty when none does or the system does not tell.
+  [[nodiscard]] std::string Owner() const { return MachineLock::Holder(name_); }
 
  private:
   [[nodiscard]] bool AdmitsBesideOthers(ViSession session) const;

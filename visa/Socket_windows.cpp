@@ -71,7 +71,8 @@ ViStatus WaitComplete(Direction& direction, Deadline& deadline) {
 }
 
 /// Ends a transfer that the system has begun; its buffer is the caller's again afterwards. What was
-/// transferred before a time-out or an abort counts.
+/// transferred before a time-out or an abort counts: bytes that were sent have gone, those received
+/// complete the transfer.
 Transfer Finish(SOCKET handle, OVERLAPPED& overlapped, Direction& direction, Deadline& deadline) {
   const ViStatus waited = WaitComplete(direction, deadline);
   if (waited != VI_SUCCESS) CancelIoEx(reinterpret_cast<HANDLE>(handle), &overlapped);
@@ -79,8 +80,8 @@ Transfer Finish(SOCKET handle, OVERLAPPED& overlapped, Direction& direction, Dea
   DWORD flags = 0;
   const bool done = WSAGetOverlappedResult(handle, &overlapped, &count, TRUE, &flags) != FALSE;
   if (done) return {count > 0 ? VI_SUCCESS : VI_ERROR_CONN_LOST, count};
-  if (waited != VI_SUCCESS) return {waited, 0};
-  return {StatusOf(static_cast<DWORD>(WSAGetLastError())), 0};
+  if (waited != VI_SUCCESS) return {waited, count};
+  return {StatusOf(static_cast<DWORD>(WSAGetLastError())), count};
 }
 
 bool SetFlag(SOCKET handle, int level, int option, bool on) {

@@ -1,54 +1,26 @@
-// The entry points that are really there. Each finds its object and hands over; no exception
-// leaves.
+// The entry points around a session: managers, names, opening and closing, attributes, locks,
+// events.
 #include "visa/Visa.h"
 
 #include <cstdio>
-#include <cstring>
-#include <new>
-#include <string>
 
-#include "visa/Objects.h"
+#include "visa/EntryPoint.h"
 #include "visa/ResourceName.h"
 #include "visa/StatusText.h"
 
 namespace {
 
+using zevisa::Give;
+using zevisa::GiveText;
+using zevisa::Guarded;
 using zevisa::Objects;
 using zevisa::Session;
+using zevisa::WithSession;
 
 constexpr ViUInt32 kDefaultOpenTimeout = 2000;  // ms, for 0
 
-template <typename Body>
-ViStatus Guarded(const Body& body) noexcept {
-  try {
-    return body();
-  } catch (const std::bad_alloc&) {
-    return VI_ERROR_ALLOC;
-  } catch (...) {
-    return VI_ERROR_SYSTEM_ERROR;
-  }
-}
-
-template <typename Body>
-ViStatus WithSession(ViSession number, const Body& body) noexcept {
-  return Guarded([&] {
-    const auto session = Objects::Instance().FindSession(number);
-    return session ? body(*session) : VI_ERROR_INV_OBJECT;
-  });
-}
-
 bool IsObject(ViObject object) {
   return Objects::Instance().FindSession(object) || Objects::Instance().FindManager(object);
-}
-
-/// Stores a result that the client may have no use for.
-template <typename Value>
-void Give(Value* place, Value value) {
-  if (place != nullptr) *place = value;
-}
-
-void GiveText(char* place, const std::string& text) {
-  if (place != nullptr) std::memcpy(place, text.c_str(), text.size() + 1);
 }
 
 template <typename Use>
@@ -96,11 +68,12 @@ ViStatus viOpen(ViSession manager, const char* name, ViAccessMode mode, ViUInt32
   *session = 0;
   return ParseFor(manager, name, [&](const zevisa::ResourceName& parsed) {
     // There is no configuration to load: the defaults are it, and the success is a plain one.
-    if ((mode & ~(VI_EXCLUSIVE_LOCK | VI_LOAD_CONFIG)) != 0) return VI_ERROR_INV_ACC_MODE;
+    const ViAccessMode lock = mode & ~VI_LOAD_CONFIG;
+    if (lock > VI_SHARED_LOCK) return VI_ERROR_INV_ACC_MODE;
     const ViSession number = Objects::Instance().NewNumber();
     const auto opened = std::make_shared<Session>(number, manager);
     const ViStatus status =
-        opened->Open(parsed, mode, timeout == 0 ? kDefaultOpenTimeout : timeout);
+        opened->Open(parsed, lock, timeout == 0 ? kDefaultOpenTimeout : timeout);
     if (status != VI_SUCCESS) return status;
     if (!Objects::Instance().AddSession(number, opened)) return VI_ERROR_INV_OBJECT;
     *session = number;
@@ -117,6 +90,12 @@ ViStatus viFindRsrc(ViSession manager, const char* /*expression*/, ViFindList* l
     GiveText(description, "");
     return VI_ERROR_RSRC_NFOUND;  // raw sockets cannot be searched for
   });
+}
+
+// No search ever has a second result.
+ViStatus viFindNext(ViFindList /*list*/, char* description) {
+  GiveText(description, "");
+  return VI_ERROR_RSRC_NFOUND;
 }
 
 ViStatus viClose(ViObject object) {
@@ -159,15 +138,6 @@ ViStatus viStatusDesc(ViObject /*object*/, ViStatus status, char* description) {
   return VI_WARN_UNKNOWN_STATUS;
 }
 
-ViStatus viTerminate(ViObject object, ViUInt16 degree, ViJobId job) {
-  return WithSession(object, [&](Session& session) {
-    if (degree != 0) return VI_ERROR_INV_DEGREE;
-    if (job != 0) return VI_ERROR_INV_JOB_ID;  // no operation goes on by itself
-    session.Terminate();
-    return VI_SUCCESS;
-  });
-}
-
 ViStatus viLock(ViSession number, ViAccessMode type, ViUInt32 timeout, const char* requested_key,
                 char* access_key) {
   return WithSession(number, [&](Session& session) {
@@ -196,30 +166,6 @@ ViStatus viDisableEvent(ViSession session, ViEventType /*type*/, ViUInt16 /*mech
 
 ViStatus viDiscardEvents(ViSession session, ViEventType /*type*/, ViUInt16 /*mechanism*/) {
   return Guarded([&] { return IsObject(session) ? VI_SUCCESS_QUEUE_EMPTY : VI_ERROR_INV_OBJECT; });
-}
-
-ViStatus viRead(ViSession number, ViByte* buffer, ViUInt32 count, ViUInt32* returned) {
-  ViUInt32 done = 0;
-  const ViStatus status = WithSession(number, [&](Session& session) {
-    if (buffer == nullptr && count > 0) return VI_ERROR_USER_BUF;
-    return session.Read({buffer, count}, done);
-  });
-  Give(returned, done);
-  return status;
-}
-
-ViStatus viWrite(ViSession number, const ViByte* buffer, ViUInt32 count, ViUInt32* returned) {
-  ViUInt32 done = 0;
-  const ViStatus status = WithSession(number, [&](Session& session) {
-    if (buffer == nullptr && count > 0) return VI_ERROR_USER_BUF;
-    return session.Write({buffer, count}, done);
-  });
-  Give(returned, done);
-  return status;
-}
-
-ViStatus viClear(ViSession number) {
-  return WithSession(number, [](Session& session) { return session.Clear(); });
 }
 
 }  // extern "C"

@@ -40,6 +40,24 @@ inline constexpr ViAccessMode VI_LOAD_CONFIG = 4;
 inline constexpr ViUInt32 VI_TMO_IMMEDIATE = 0;
 inline constexpr ViUInt32 VI_TMO_INFINITE = 0xFFFFFFFF;
 
+// Buffers of viSetBuf, and what viFlush does with them: one flag a buffer.
+inline constexpr ViUInt16 VI_READ_BUF = 1;
+inline constexpr ViUInt16 VI_WRITE_BUF = 2;
+inline constexpr ViUInt16 VI_READ_BUF_DISCARD = 4;
+inline constexpr ViUInt16 VI_WRITE_BUF_DISCARD = 8;
+inline constexpr ViUInt16 VI_IO_IN_BUF = 16;
+inline constexpr ViUInt16 VI_IO_OUT_BUF = 32;
+inline constexpr ViUInt16 VI_IO_IN_BUF_DISCARD = 64;
+inline constexpr ViUInt16 VI_IO_OUT_BUF_DISCARD = 128;
+
+/// Modes of the write buffer.
+inline constexpr ViUInt16 VI_FLUSH_ON_ACCESS = 1;
+inline constexpr ViUInt16 VI_FLUSH_WHEN_FULL = 2;
+
+// Protocols of a session: bytes as they are, and besides them the common commands in text.
+inline constexpr ViUInt16 VI_PROT_NORMAL = 1;
+inline constexpr ViUInt16 VI_PROT_4882_STRS = 4;
+
 /// The interface type of TCP/IP resources.
 inline constexpr ViUInt16 VI_INTF_TCPIP = 6;
 /// The buffers that clients give for texts have this many bytes.
@@ -78,6 +96,11 @@ inline constexpr ViAttr VI_ATTR_TCPIP_PORT = 0x3FFF0197;         // 16
 inline constexpr ViAttr VI_ATTR_TCPIP_NODELAY = 0x3FFF019A;      // 16
 inline constexpr ViAttr VI_ATTR_TCPIP_KEEPALIVE = 0x3FFF019B;    // 16
 
+/// Of this maker: who holds the lock on the instrument, for people, "process 1234 (zk4n)"; empty
+/// when nobody does or the system does not tell. Text, read-only; it may be asked while others hold
+/// it.
+inline constexpr ViAttr VI_ATTR_ZENTREL_LOCK_OWNER = 0xBFFA0001;
+
 // Statuses that the library gives or that clients test.
 inline constexpr ViStatus VI_SUCCESS = 0;
 inline constexpr ViStatus VI_SUCCESS_EVENT_DIS = 0x3FFF0003;
@@ -86,6 +109,7 @@ inline constexpr ViStatus VI_SUCCESS_TERM_CHAR = 0x3FFF0005;
 inline constexpr ViStatus VI_SUCCESS_MAX_CNT = 0x3FFF0006;
 inline constexpr ViStatus VI_WARN_NULL_OBJECT = 0x3FFF0082;
 inline constexpr ViStatus VI_WARN_UNKNOWN_STATUS = 0x3FFF0085;
+inline constexpr ViStatus VI_WARN_NSUP_BUF = 0x3FFF0088;
 inline constexpr ViStatus VI_SUCCESS_NESTED_SHARED = 0x3FFF0099;
 inline constexpr ViStatus VI_SUCCESS_NESTED_EXCLUSIVE = 0x3FFF009A;
 inline constexpr ViStatus VI_ERROR_SYSTEM_ERROR = static_cast<ViStatus>(0xBFFF0000);
@@ -106,11 +130,15 @@ inline constexpr ViStatus VI_ERROR_INV_EVENT = static_cast<ViStatus>(0xBFFF0026)
 inline constexpr ViStatus VI_ERROR_ABORT = static_cast<ViStatus>(0xBFFF0030);
 inline constexpr ViStatus VI_ERROR_INP_PROT_VIOL = static_cast<ViStatus>(0xBFFF0037);
 inline constexpr ViStatus VI_ERROR_ALLOC = static_cast<ViStatus>(0xBFFF003C);
+inline constexpr ViStatus VI_ERROR_INV_MASK = static_cast<ViStatus>(0xBFFF003D);
 inline constexpr ViStatus VI_ERROR_IO = static_cast<ViStatus>(0xBFFF003E);
 inline constexpr ViStatus VI_ERROR_NSUP_OPER = static_cast<ViStatus>(0xBFFF0067);
 inline constexpr ViStatus VI_ERROR_USER_BUF = static_cast<ViStatus>(0xBFFF0071);
+inline constexpr ViStatus VI_ERROR_INV_PROT = static_cast<ViStatus>(0xBFFF0079);
 inline constexpr ViStatus VI_ERROR_SESN_NLOCKED = static_cast<ViStatus>(0xBFFF009C);
 inline constexpr ViStatus VI_ERROR_LIBRARY_NFOUND = static_cast<ViStatus>(0xBFFF009E);
+inline constexpr ViStatus VI_ERROR_FILE_ACCESS = static_cast<ViStatus>(0xBFFF00A1);
+inline constexpr ViStatus VI_ERROR_FILE_IO = static_cast<ViStatus>(0xBFFF00A2);
 inline constexpr ViStatus VI_ERROR_CONN_LOST = static_cast<ViStatus>(0xBFFF00A6);
 
 #ifdef _WIN32

@@ -3,22 +3,13 @@
 #include "visa/Visa.h"
 
 extern "C" {
-ViStatus viFindNext(ViFindList, char*) { return VI_ERROR_NSUP_OPER; }
 ViStatus viWaitOnEvent(ViSession, ViEventType, ViUInt32, ViEventType*, ViEvent*) {
   return VI_ERROR_NSUP_OPER;
 }
 ViStatus viInstallHandler(ViSession, ViEventType, ViHndlr, void*) { return VI_ERROR_NSUP_OPER; }
 ViStatus viUninstallHandler(ViSession, ViEventType, ViHndlr, void*) { return VI_ERROR_NSUP_OPER; }
 ViStatus viReadAsync(ViSession, ViByte*, ViUInt32, ViJobId*) { return VI_ERROR_NSUP_OPER; }
-ViStatus viReadToFile(ViSession, const char*, ViUInt32, ViUInt32*) { return VI_ERROR_NSUP_OPER; }
 ViStatus viWriteAsync(ViSession, const ViByte*, ViUInt32, ViJobId*) { return VI_ERROR_NSUP_OPER; }
-ViStatus viWriteFromFile(ViSession, const char*, ViUInt32, ViUInt32*) { return VI_ERROR_NSUP_OPER; }
-ViStatus viAssertTrigger(ViSession, ViUInt16) { return VI_ERROR_NSUP_OPER; }
-ViStatus viReadSTB(ViSession, ViUInt16*) { return VI_ERROR_NSUP_OPER; }
-ViStatus viSetBuf(ViSession, ViUInt16, ViUInt32) { return VI_ERROR_NSUP_OPER; }
-ViStatus viFlush(ViSession, ViUInt16) { return VI_ERROR_NSUP_OPER; }
-ViStatus viBufWrite(ViSession, const ViByte*, ViUInt32, ViUInt32*) { return VI_ERROR_NSUP_OPER; }
-ViStatus viBufRead(ViSession, ViByte*, ViUInt32, ViUInt32*) { return VI_ERROR_NSUP_OPER; }
 ViStatus viPrintf(ViSession, const char*, ...) { return VI_ERROR_NSUP_OPER; }
 ViStatus viVPrintf(ViSession, const char*, ViVAList) { return VI_ERROR_NSUP_OPER; }
 ViStatus viSPrintf(ViSession, ViByte*, const char*, ...) { return VI_ERROR_NSUP_OPER; }

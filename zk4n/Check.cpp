@@ -70,7 +70,9 @@ class Checks {
   std::string Lock() {
     const ViStatus locked = visa_.TryLock();
     if (locked == VI_ERROR_RSRC_LOCKED) {
-      throw std::runtime_error("held by another program, which has the instrument open");
+      const std::string owner = visa_.LockOwner();
+      throw std::runtime_error("held by " + (owner.empty() ? "another program" : owner) +
+                               ", which has the instrument open");
     }
     if (locked < 0) throw std::runtime_error(visa_.Describe(locked));
     // The driver has to find the library by itself, and the instrument free.

@@ -28,8 +28,8 @@ bool VisaProbe::Bind() {
     return function != nullptr;
   };
   return find(open_manager_, "viOpenDefaultRM") && find(open_, "viOpen") &&
-         find(close_, "viClose") && find(lock_, "viLock") && find(unlock_, "viUnlock") &&
-         find(describe_, "viStatusDesc");
+         find(close_, "viClose") && find(get_attribute_, "viGetAttribute") &&
+         find(lock_, "viLock") && find(unlock_, "viUnlock") && find(describe_, "viStatusDesc");
 }
 
 std::string VisaProbe::File() const { return os::ToNarrow(module_.File(), os::kUtf8CodePage); }
@@ -43,6 +43,12 @@ ViStatus VisaProbe::TryLock() {
   const ViStatus locked = lock_(session_, VI_EXCLUSIVE_LOCK, VI_TMO_IMMEDIATE, nullptr, nullptr);
   if (locked >= 0) unlock_(session_);
   return locked;
+}
+
+// An attribute of our own library; others answer that they do not know it.
+std::string VisaProbe::LockOwner() const {
+  std::array<char, VI_FIND_BUFLEN> text{};
+  return get_attribute_(session_, VI_ATTR_ZENTREL_LOCK_OWNER, text.data()) < 0 ? "" : text.data();
 }
 
 std::string VisaProbe::Describe(ViStatus status) const {

@@ -26,6 +26,8 @@ class VisaProbe {
   ViStatus Open(const std::string& resource);
   /// Takes the exclusive lock, without waiting, and gives it back; the status.
   ViStatus TryLock();
+  /// Who holds the lock, "process 1234 (zk4n)"; empty when the library cannot tell.
+  [[nodiscard]] std::string LockOwner() const;
   /// The code, and what the library says of it.
   [[nodiscard]] std::string Describe(ViStatus status) const;
 
@@ -39,6 +41,7 @@ class VisaProbe {
   decltype(&viOpenDefaultRM) open_manager_ = nullptr;
   decltype(&viOpen) open_ = nullptr;
   decltype(&viClose) close_ = nullptr;
+  decltype(&viGetAttribute) get_attribute_ = nullptr;
   decltype(&viLock) lock_ = nullptr;
   decltype(&viUnlock) unlock_ = nullptr;
   decltype(&viStatusDesc) describe_ = nullptr;

@@ -66,7 +66,7 @@ for _ in $(seq 100); do
   $runner "$zk4n" check --resource "$resource" | grep -q 'FAILED' && break
   sleep 0.1
 done
-expect 1 'FAILED +lock +held by another program' check --resource "$resource"
+expect 1 'FAILED +lock +held by process [0-9]+ \([^\n]*lock_hold[^\n]*\), which' check --resource "$resource"
 kill "${children[@]}"
 wait
 children=()

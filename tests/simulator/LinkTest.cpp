@@ -78,7 +78,7 @@ TEST_F(LinkTest, ACommandDuringTheSweepDropsItsBlock) {
   WireClient client(simulator_->Port());
   SetSlowSweep(client);
   client.Send(kDataRequest);
-  EXPECT_TRUE(client.StaysQuiet(milliseconds(50)));
+  EXPECT_TRUE(client.StaysQuiet(milliseconds(20)));
   EXPECT_EQ(client.Exchange(kRecovery).sequence, 7U);
   EXPECT_TRUE(client.StaysQuiet(milliseconds(300))) << "the stale block came";
   EXPECT_EQ(client.Exchange(kDataRequest).body.size(), kSweepBlock);
@@ -89,6 +89,7 @@ TEST_F(LinkTest, AnotherClientsSettingRestartsTheSweep) {
   WireClient client(simulator_->Port());
   WireClient other(simulator_->Port());
   SetSlowSweep(client);
+  EXPECT_EQ(client.Exchange(Dwell(500000)).status, 0);  // long beside the quiet below
   client.Send(kDataRequest);
   EXPECT_TRUE(client.StaysQuiet(milliseconds(150)));
   const auto start = steady_clock::now();

@@ -23,7 +23,7 @@ TEST_F(VisaTest, AttributesHaveTheirSizesAndDefaults) {
       {VI_ATTR_TERMCHAR_EN, 2, 0, 1, 2},
       {VI_ATTR_SEND_END_EN, 2, 1, 0, 2},
       {VI_ATTR_SUPPRESS_END_EN, 2, 1, 0, 2},
-      {VI_ATTR_IO_PROT, 2, 1, 1, 4},
+      {VI_ATTR_IO_PROT, 2, 1, 4, 2},
       {VI_ATTR_TCPIP_NODELAY, 2, 1, 0, 2},
       {VI_ATTR_TCPIP_KEEPALIVE, 2, 0, 1, 2},
       {VI_ATTR_TCPIP_PORT, 2, port},

@@ -11,9 +11,11 @@ class ChildProcess {
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
+  [[nodiscard]] unsigned long Id() const { return id_; }
   /// Ends the process as a crash would, and waits until it has gone.
   void Kill();
 
  private:
   std::intptr_t process_ = 0;
+  unsigned long id_ = 0;
 };

@@ -16,6 +16,7 @@ ChildProcess::ChildProcess(const std::string& program, const std::string& argume
     throw std::runtime_error("cannot start " + program);
   }
   process_ = pid;
+  id_ = static_cast<unsigned long>(pid);
 }
 
 void ChildProcess::Kill() {

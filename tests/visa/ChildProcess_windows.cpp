@@ -15,6 +15,7 @@ ChildProcess::ChildProcess(const std::string& program, const std::string& argume
   }
   CloseHandle(info.hThread);
   process_ = reinterpret_cast<std::intptr_t>(info.hProcess);
+  id_ = info.dwProcessId;
 }
 
 void ChildProcess::Kill() {

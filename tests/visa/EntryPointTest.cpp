@@ -19,7 +19,9 @@ TEST_F(VisaTest, EveryNameIsThereAndWhatIsNotSupportedSaysSo) {
       "viOpenDefaultRM", "viParseRsrc",    "viParseRsrcEx",  "viOpen",         "viFindRsrc",
       "viClose",         "viGetAttribute", "viSetAttribute", "viStatusDesc",   "viTerminate",
       "viLock",          "viUnlock",       "viEnableEvent",  "viDisableEvent", "viDiscardEvents",
-      "viRead",          "viWrite",        "viClear"};
+      "viRead",          "viWrite",        "viClear",        "viFindNext",     "viBufRead",
+      "viBufWrite",      "viFlush",        "viSetBuf",       "viReadToFile",   "viWriteFromFile",
+      "viReadSTB",       "viAssertTrigger"};
   const auto names = ExportedNames();
   EXPECT_EQ(names.size(), 105U);
   for (const std::string& name : names) {
@@ -69,6 +71,8 @@ TEST_F(VisaTest, ClosingClientsGetTheAnswersTheyNeed) {
   ViUInt32 count = 7;
   EXPECT_STATUS(visa.viFindRsrc(manager, "?*", &list, &count, nullptr), VI_ERROR_RSRC_NFOUND);
   EXPECT_EQ(count, 0U);
+  EXPECT_STATUS(visa.module.FunctionOf<decltype(viFindNext)>("viFindNext")(list, nullptr),
+                VI_ERROR_RSRC_NFOUND);
 }
 
 TEST(VisaUnload, LeavesNothingOpenAndLoadsAgain) {

@@ -10,6 +10,12 @@ class VisaLock : public VisaTest {
     EXPECT_STATUS(visa.viGetAttribute(session, VI_ATTR_RSRC_LOCK_STATE, &state), VI_SUCCESS);
     return state;
   }
+  std::string Owner(ViSession session) {
+    std::array<char, 256> text{'?'};
+    EXPECT_STATUS(visa.viGetAttribute(session, VI_ATTR_ZENTREL_LOCK_OWNER, text.data()),
+                  VI_SUCCESS);
+    return text.data();
+  }
   ViStatus Exclusive(ViSession session, ViUInt32 timeout = 0) {
     return visa.viLock(session, VI_EXCLUSIVE_LOCK, timeout, nullptr, nullptr);
   }
@@ -26,7 +32,7 @@ TEST_F(VisaLock, SecondExclusiveOpenWaitsInVainThenGetsIt) {
   ViSession second = 0;
   ViSession other_manager = 0;
   ASSERT_EQ(visa.viOpenDefaultRM(&other_manager), VI_SUCCESS);
-  ASSERT_EQ(Open(peer.Name(), VI_EXCLUSIVE_LOCK, first), VI_SUCCESS);
+  ASSERT_EQ(Open(peer.Name(), VI_SHARED_LOCK, first), VI_SUCCESS);
   // The same instrument by another name.
   const auto alias = "TCPIP7::localhost::" + peer.Port() + "::SOCKET";
   EXPECT_STATUS(visa.viOpen(other_manager, alias.c_str(), VI_EXCLUSIVE_LOCK, 20, &second),
@@ -94,10 +100,16 @@ TEST_F(VisaLock, HoldsAcrossProcessesAndGoesWithItsOwner) {
   const ViSession watcher = OpenSession(peer.Name());
   EXPECT_EQ(State(watcher), VI_EXCLUSIVE_LOCK);
   EXPECT_STATUS(Write(watcher, "x"), VI_ERROR_RSRC_LOCKED);
+  const std::string owner = Owner(watcher);
+  EXPECT_TRUE(owner.starts_with("process " + std::to_string(holder.Id()) + " (visa_lock_hold"))
+      << owner;
   ViSession session = 0;
   EXPECT_STATUS(Open(peer.Name(), VI_EXCLUSIVE_LOCK, session, 20), VI_ERROR_RSRC_LOCKED);
   holder.Kill();
   EXPECT_STATUS(Open(peer.Name(), VI_EXCLUSIVE_LOCK, session, 5000), VI_SUCCESS);
+  EXPECT_NE(Owner(watcher), owner);
+  visa.viClose(session);
+  EXPECT_EQ(Owner(watcher), "");
 }
 
 }  // namespace

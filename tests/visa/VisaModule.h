@@ -35,6 +35,14 @@ struct VisaModule {
   decltype(::viDisableEvent)* viDisableEvent = Entry("viDisableEvent");
   decltype(::viDiscardEvents)* viDiscardEvents = Entry("viDiscardEvents");
   decltype(::viRead)* viRead = Entry("viRead");
+  decltype(::viBufRead)* viBufRead = Entry("viBufRead");
+  decltype(::viBufWrite)* viBufWrite = Entry("viBufWrite");
+  decltype(::viFlush)* viFlush = Entry("viFlush");
+  decltype(::viSetBuf)* viSetBuf = Entry("viSetBuf");
+  decltype(::viReadToFile)* viReadToFile = Entry("viReadToFile");
+  decltype(::viWriteFromFile)* viWriteFromFile = Entry("viWriteFromFile");
+  decltype(::viReadSTB)* viReadSTB = Entry("viReadSTB");
+  decltype(::viAssertTrigger)* viAssertTrigger = Entry("viAssertTrigger");
   decltype(::viWrite)* viWrite = Entry("viWrite");
   decltype(::viClear)* viClear = Entry("viClear");
 
