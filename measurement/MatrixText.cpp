@@ -135,6 +135,7 @@ bool MatrixText::TakeDataLine(std::string_view line) {
   }
   if (rows_ == 0) {
     columns_ = static_cast<std::uint32_t>(count);
+    numbers_.reserve(std::min(count * (text_.size() / line.size() + 1), text_.size() / 2 + 1));
   }
   ++rows_;
   return count == columns_;
