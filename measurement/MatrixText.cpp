@@ -139,6 +139,7 @@ void MatrixText::TakeDataLine(std::string_view line) {
   }
   if (rows_ == 0) {
     columns_ = static_cast<std::uint32_t>(count);
+    numbers_.reserve(std::min(count * (text_.size() / line.size() + 1), text_.size() / 2 + 1));
   }
   ++rows_;
   if (count != columns_ && uneven_row_ == 0) {
