@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "platform/os/Console.h"
+#include "platform/os/Text.h"
 #include "zk4n/Arguments.h"
 #include "zk4n/Commands.h"
 #include "zk4n/DriverFile.h"
@@ -15,8 +16,6 @@
 #include "zk4n/shell/Report.h"
 
 namespace {
-
-constexpr char kProgId[] = "ZentrelK4NLib.ZentrelK4N";
 
 struct ShellOptions {
   bool json = false;
@@ -70,10 +69,11 @@ int RunShell(const ShellOptions& options) {
     RequireReadable(options.script);
     script.open(PathArgument(options.script), std::ios::binary);
   }
+  const std::string module = options.registered ? "" : DriverFile(options.module);
   os::UseByteStreams();
-  shell::Console console([&options] {
-    return options.registered ? DriverClient::Registered(kProgId)
-                              : DriverClient(DriverFile(options.module));
+  shell::Console console([&] {
+    return options.registered ? DriverClient::Registered(kDriverProgId)
+                              : DriverClient(os::ToNarrow(os::ToWide(module, os::kUtf8CodePage)));
   });
   const bool is_interactive =
       !script.is_open() && !options.json && os::IsTerminal(stdin) && os::IsTerminal(stdout);

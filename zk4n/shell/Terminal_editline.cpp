@@ -30,6 +30,10 @@ class EditedLines final : public LineSource {
     el_set(editor_.get(), EL_HIST, &history, history_.get());
     el_set(editor_.get(), EL_ADDFN, "zk4n-complete", "Complete the name of a member", &OnTab);
     el_set(editor_.get(), EL_BIND, "^I", "zk4n-complete", nullptr);
+    // While a line is typed Ctrl-C discards it, instead of ending the program and with it the
+    // session: keys make no signals then.
+    el_set(editor_.get(), EL_SETTY, "-d", "-isig", nullptr);
+    el_set(editor_.get(), EL_BIND, "^C", "em-kill-line", nullptr);
     el_set(editor_.get(), EL_BIND, "^R", "em-inc-search-prev", nullptr);
   }
 
