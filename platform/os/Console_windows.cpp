@@ -26,4 +26,10 @@ void UseUtf8Output() {
   _setmode(_fileno(stdout), _O_BINARY);
 }
 
+void UseByteStreams() {
+  SetConsoleCP(CP_UTF8);
+  _setmode(_fileno(stdin), _O_BINARY);
+  _setmode(_fileno(stdout), _O_BINARY);
+}
+
 }  // namespace os
