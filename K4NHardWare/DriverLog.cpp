@@ -26,8 +26,8 @@ std::string Date() { return LocalTime("%m/%d/%y"); }
 DriverLog::DriverLog(const std::string& file_name) {
   const std::string path = os::DocumentsFolder() + "\\zentrel lumigraf\\" + file_name;
   {
-    // Users' folders carry Cyrillic names.
-    const os::LocaleSwitch cyrillic_names("Russian");
+    // Users' folders carry Cyrillic names. Kept: a process that opens a log goes on in English.
+    const os::LocaleSwitch cyrillic_names("Russian", "English");
     last_tick_ = os::TickCount();
     file_ = os::OpenForWriting(path);
   }

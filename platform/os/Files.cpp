@@ -26,12 +26,14 @@ CodePage FileNameCodePage() {
   return switched != 0 ? switched : ThreadAnsiCodePage();
 }
 
-LocaleSwitch::LocaleSwitch(const char* locale_name)
-    : previous_locale_(system::SetLocale(locale_name)),
-      previous_code_page_(switched_code_page.exchange(CodePageOfLocale(locale_name))) {}
+LocaleSwitch::LocaleSwitch(const char* locale_name, const char* afterwards)
+    : locale_afterwards_(system::SetLocale(locale_name)),
+      previous_code_page_(switched_code_page.exchange(CodePageOfLocale(locale_name))) {
+  if (afterwards != nullptr) locale_afterwards_ = afterwards;
+}
 
 LocaleSwitch::~LocaleSwitch() {
-  if (!previous_locale_.empty()) system::SetLocale(previous_locale_.c_str());
+  if (!locale_afterwards_.empty()) system::SetLocale(locale_afterwards_.c_str());
   switched_code_page.store(previous_code_page_);
 }
 

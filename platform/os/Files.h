@@ -16,18 +16,19 @@ namespace os {
 /// of the innermost LocaleSwitch.
 CodePage FileNameCodePage();
 
-/// Switches the process locale (all categories) for its life time and restores the previous one:
-/// "Russian" makes file names Windows-1251, "English" Windows-1252. The switch is process-wide; it
-/// does not touch how the driver parses or prints numbers.
+/// Switches the process locale (all categories) for its life time and restores the previous one, or
+/// leaves the process in another one: "Russian" makes file names Windows-1251, "English"
+/// Windows-1252. The switch is process-wide; it does not touch how the driver parses or prints
+/// numbers.
 class LocaleSwitch {
  public:
-  explicit LocaleSwitch(const char* locale_name);
+  explicit LocaleSwitch(const char* locale_name, const char* afterwards = nullptr);
   ~LocaleSwitch();
   LocaleSwitch(const LocaleSwitch&) = delete;
   LocaleSwitch& operator=(const LocaleSwitch&) = delete;
 
  private:
-  std::string previous_locale_;
+  std::string locale_afterwards_;
   CodePage previous_code_page_;
 };
 
