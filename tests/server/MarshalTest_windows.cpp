@@ -167,17 +167,15 @@ TEST_P(Marshalling, CarriesArraysIn) {
 }
 
 TEST_P(Marshalling, CarriesAChildAndArraysOut) {
-  ComPtr<IZentrelK4NAcquisition> acquisition;
-  ComPtr<IZentrelK4NAcquisition> acquisition_proxy;
   ComPtr<IZentrelK4NChannel> channel;
   ComPtr<IZentrelK4NChannel> channel_proxy;
   home_.Do([&] {
+    ComPtr<IZentrelK4NAcquisition> acquisition;
     ComPtr<IZentrelK4NChannels> channels;
     ASSERT_EQ(root_->get_Acquisition(acquisition.Put()), S_OK);
     ASSERT_EQ(acquisition->get_Channels(channels.Put()), S_OK);
     ASSERT_EQ(channels->get_Item(Text("ChannelR").Get(), channel.Put()), S_OK);
   });
-  Carry(acquisition, acquisition_proxy);
   Carry(channel, channel_proxy);
   away_.Do([&] {
     Open();
@@ -192,11 +190,13 @@ TEST_P(Marshalling, CarriesAChildAndArraysOut) {
     EXPECT_EQ(
         sweep->Configure(ZentrelK4NSweepModeFrequencyStep, ZentrelK4NSweepTriggerSourceSoftware),
         S_OK);
-    EXPECT_EQ(acquisition_proxy->Initiate(), S_OK);
+    ComPtr<IZentrelK4NAcquisition> acquisition;
+    ASSERT_EQ(proxy_->get_Acquisition(acquisition.Put()), S_OK);
+    EXPECT_EQ(acquisition->Initiate(), S_OK);
     auto status = ZentrelK4NAcquisitionStatusInProgress;
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
     while (status == ZentrelK4NAcquisitionStatusInProgress) {
-      ASSERT_EQ(acquisition_proxy->get_Status(&status), S_OK);
+      ASSERT_EQ(acquisition->get_Status(&status), S_OK);
       ASSERT_LT(std::chrono::steady_clock::now(), deadline);
     }
     // The second time with the array of the first: a proxy, unlike the driver, puts the new values
@@ -212,12 +212,8 @@ TEST_P(Marshalling, CarriesAChildAndArraysOut) {
     }
     SafeArrayDestroy(array);
     channel_proxy.Reset();
-    acquisition_proxy.Reset();
   });
-  home_.Do([&] {
-    channel.Reset();
-    acquisition.Reset();
-  });
+  home_.Do([&] { channel.Reset(); });
 }
 
 TEST_P(Marshalling, CarriesFailuresAndCodesOfSuccess) {
