@@ -85,14 +85,6 @@ TEST_F(Acquisition, TheAxisIsTheSweepsWhateverTheChannelTransforms) {
   EXPECT_EQ(power.x_increment, 2.0);
   ASSERT_EQ(power.values.size(), 11u);
   EXPECT_NEAR(power.values[10] - power.values[0], 20.0, 0.1);
-
-  Open();
-  const double kDefaults[] = {0.0, 1.0, 1.0};
-  double values[3]{};
-  EXPECT_EQ(channel->get_FrequencyOffset(&values[0]), S_OK);
-  EXPECT_EQ(channel->get_FrequencyMultiplier(&values[1]), S_OK);
-  EXPECT_EQ(channel->get_FrequencyDivider(&values[2]), S_OK);
-  EXPECT_THAT(values, testing::ElementsAreArray(kDefaults)) << "a connection starts afresh";
 }
 
 TEST_F(Acquisition, ASoftwareTriggerReadsOneSweep) {

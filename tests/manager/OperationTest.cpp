@@ -225,14 +225,15 @@ TEST_P(ModeFailureTest, RestoresTheMode) {
   EXPECT_THAT(manager_.ErrorRecords(), ElementsAreArray(Refusals(GetParam().trail)));
 }
 
+// clang-format off
 INSTANTIATE_TEST_SUITE_P(
     Axes, ModeFailureTest,
-    testing::Values(ModeFailureCase{"Power", 76, {"3:76/42x4", "1"}, {Site::kPowerAxis}},
-                    ModeFailureCase{"Frequency",
-                                    2,
-                                    {"3:76/42x4", "3:2/60x0", "1", "3:79/62x5"},
-                                    {Site::kFrequencyAxis}}),
+    testing::ValuesIn(std::vector<ModeFailureCase>{
+        {"Power", 76, {"3:76/42x4", "1"}, {Site::kPowerAxis}},
+        {"Frequency", 2, {"3:76/42x4", "3:2/60x0", "1", "3:79/62x5"}, {Site::kFrequencyAxis}},
+    }),
     [](const auto& row) { return row.param.name; });
+// clang-format on
 
 // --- Error trail
 
@@ -262,17 +263,17 @@ TEST_P(QueryTest, TellsCodeAndText) {
   EXPECT_EQ(text, std::nullopt);
 }
 
+// clang-format off
 INSTANTIATE_TEST_SUITE_P(Texts, QueryTest,
-                         testing::Values(QueryCase{"InstrumentCode", 0, kRefusalStatus, "-32763"},
-                                         QueryCase{"FirstVisaCode", 0xBFFF0000, status::kVisaFirst,
-                                                   "text of BF FF 00 00"},
-                                         QueryCase{"LastVisaCode", 0xBFFF00A8, status::kVisaLast,
-                                                   "text of BF FF 00 A8"},
-                                         QueryCase{"BehindTheLastVisaCodeDecimalInFull", 0xBFFF00A9,
-                                                   status::FromBits(0xBFFF00A9), "-1073807191"},
-                                         QueryCase{"BeforeTheFirst", 0xBFFEFFFF,
-                                                   status::FromBits(0xBFFEFFFF), "-1073807361"}),
+                         testing::ValuesIn(std::vector<QueryCase>{
+        {"InstrumentCode", 0, kRefusalStatus, "-32763"},
+        {"FirstVisaCode", 0xBFFF0000, status::kVisaFirst, "text of BF FF 00 00"},
+        {"LastVisaCode", 0xBFFF00A8, status::kVisaLast, "text of BF FF 00 A8"},
+        {"BehindTheLastVisaCodeDecimalInFull", 0xBFFF00A9, status::FromBits(0xBFFF00A9), "-1073807191"},
+        {"BeforeTheFirst", 0xBFFEFFFF, status::FromBits(0xBFFEFFFF), "-1073807361"},
+    }),
                          [](const auto& row) { return row.param.name; });
+// clang-format on
 
 TEST_F(ManagerTest, ErrorsAreToldOldestFirstAlsoAfterTheSession) {
   Open();

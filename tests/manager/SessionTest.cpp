@@ -208,14 +208,4 @@ TEST_F(ManagerTest, OutputStateOfTheInstrumentIsTakenOver) {
   EXPECT_TRUE(enabled);
 }
 
-TEST_F(ManagerTest, MissingPulseModulatorIsRemembered) {
-  EXPECT_TRUE(manager_.GetPulseSettings().modulation_available);
-  visa_.Rule(kWrite, kPulseId, 0x8002, 0, 1);
-  ASSERT_EQ(manager_.Initialize(kResource, ""), 0);
-  EXPECT_FALSE(manager_.GetPulseSettings().modulation_available);
-  visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
-  ASSERT_EQ(manager_.Initialize(kResource, ""), 0);
-  EXPECT_TRUE(manager_.GetPulseSettings().modulation_available) << "in a new session";
-}
-
 }  // namespace

@@ -140,18 +140,14 @@ struct OutputRefusal {
   std::uint8_t enabled;
   std::vector<Site> trail;
 };
+// clang-format off
 const std::array kOutputRefusals{
     // Kept only once the second line is set, for a disabled output, too.
     OutputRefusal{3, kTriggerOutputId, 1, 0, 3, 0, {Site::kTriggerOutput}},
-    OutputRefusal{3,
-                  kTriggerOutputId,
-                  2,
-                  kRefusalStatus,
-                  2,
-                  1,
-                  {Site::kTriggerOutput, Site::kSecondTriggerOutput}},
+    OutputRefusal{3, kTriggerOutputId, 2, kRefusalStatus, 2, 1, {Site::kTriggerOutput, Site::kSecondTriggerOutput}},
     OutputRefusal{5, kTriggerInputId, 1, kRefusalStatus, 2, 1, {Site::kSecondTriggerInput}},
 };
+// clang-format on
 
 TEST_F(ManagerTest, RefusedTriggerOutputReadsDisabled) {
   for (const OutputRefusal& row : kOutputRefusals) {
