@@ -1,5 +1,5 @@
-# commands.sh ZK4N DRIVER LOCK_HOLDER [RUNNER] - zk4n register, zk4n check and zk4n shell --registered as processes: what they say, and their exit
-# status.
+# commands.sh ZK4N DRIVER LOCK_HOLDER [RUNNER] - zk4n register, zk4n check and zk4n shell --registered as processes:
+# what they say, and their exit status.
 set -u
 zk4n=$1 driver=$2 lock_holder=$3 runner=${4:-}
 folder=$(mktemp -d)

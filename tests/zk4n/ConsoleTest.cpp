@@ -85,7 +85,7 @@ std::string NextLine(const Program& program, std::size_t& read) {
     const std::string output = program.Output();
     const std::size_t end = output.find('\n', read);
     if (end != std::string::npos) {
-      const std::string line = output.substr(read, end - read);
+      std::string line = output.substr(read, end - read);
       read = end + 1;
       return line;
     }

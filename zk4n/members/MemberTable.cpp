@@ -13,9 +13,9 @@ namespace {
 using internal::Named;
 using Names = std::initializer_list<Named>;
 
-Named InOut(std::string_view name) { return {name, {}, Direction::kInOut, true}; }
-Named Unstated(std::string_view name) { return {name, {}, Direction::kUnstated, true}; }
-Named Optional(std::string_view name) { return {name, {}, Direction::kIn, true, true}; }
+Named InOut(std::string_view name) { return {name, {}, Direction::kInOut}; }
+Named Unstated(std::string_view name) { return {name, {}, Direction::kUnstated}; }
+Named Optional(std::string_view name) { return {name, {}, Direction::kIn, true}; }
 
 template <auto kFunction>
 Member Get(std::string_view name, Names names) {

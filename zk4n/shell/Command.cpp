@@ -71,7 +71,7 @@ class Reader {
   }
 
   /// Throws Fault, telling what stands there instead.
-  [[noreturn]] void Unexpected(std::string what) {
+  [[noreturn]] void Unexpected(const std::string& what) {
     SkipBlanks();
     if (rest_.empty()) throw Fault(what + ", not the end of the line");
     throw Fault(what + ", not: " + Excerpt(rest_));
@@ -312,6 +312,7 @@ Command ParseCommand(std::string_view line) {
 const std::vector<std::string_view>& VerbNames() {
   static const std::vector<std::string_view> names = [] {
     std::vector<std::string_view> list;
+    list.reserve(kVerbs.size());
     for (const NamedVerb& verb : kVerbs) list.push_back(verb.name);
     return list;
   }();

@@ -34,6 +34,6 @@ using Complete = std::function<Completion(std::string_view line)>;
 
 /// Lines that a person types at the terminal, with a prompt; where there is a library for it with
 /// editing, a history, and completion by Tab.
-std::unique_ptr<LineSource> LinesOfTerminal(const char* prompt, Complete complete);
+std::unique_ptr<LineSource> LinesOfTerminal(const char* prompt, const Complete& complete);
 
 }  // namespace shell

@@ -95,8 +95,8 @@ class EditedLines final : public LineSource {
 
 }  // namespace
 
-std::unique_ptr<LineSource> LinesOfTerminal(const char* prompt, Complete complete) {
-  return std::make_unique<EditedLines>(prompt, std::move(complete));
+std::unique_ptr<LineSource> LinesOfTerminal(const char* prompt, const Complete& complete) {
+  return std::make_unique<EditedLines>(prompt, complete);
 }
 
 }  // namespace shell

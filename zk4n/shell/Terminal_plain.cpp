@@ -24,7 +24,7 @@ class PromptedLines final : public LineSource {
 
 }  // namespace
 
-std::unique_ptr<LineSource> LinesOfTerminal(const char* prompt, Complete /*complete*/) {
+std::unique_ptr<LineSource> LinesOfTerminal(const char* prompt, const Complete& /*complete*/) {
   return std::make_unique<PromptedLines>(prompt);
 }
 
