@@ -1,6 +1,7 @@
 // Moves framed messages to the instrument and back; knows nothing of what they mean.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -22,7 +23,9 @@ class CommandExchanger final : public uIEvent::EventProcessor {
   /// that is still pending is dropped first by clearing the session (the instrument restarts its
   /// sweep). Returns 0, a VISA status, or 0xBFFF0037 for an answer that is no message of the
   /// protocol or longer than its buffer. Failed writes show up in the read that follows. A body
-  /// whose rest never comes is waited for without limit.
+  /// whose rest never comes is waited for without limit, but see Abandon. After a failure the
+  /// session is cleared before the next requests are sent; answers to earlier requests, which came
+  /// too late or twice, are passed over.
   Status SendMessages(std::span<ProtocolMessage* const> messages);
 
   /// The resumable exchange of the data reads: sends the request unless one is pending, then takes
@@ -30,20 +33,31 @@ class CommandExchanger final : public uIEvent::EventProcessor {
   /// buffer.
   Status StartRead(ProtocolMessage& message);
 
+  /// The last answer was not the awaited one: the session is cleared as after a failure.
+  void Distrust() { out_of_step_ = true; }
+  /// Ends a wait for the rest of a body, now and from now on, at its next time-out: the session
+  /// ends. May be called from any thread.
+  void Abandon() { abandoned_ = true; }
+
   [[nodiscard]] uDevice::Interface& device() { return *device_; }
 
  private:
   void Send(ProtocolMessage& message);
-  Status ReceiveMessage(ProtocolMessage& message);
+  Status ReceiveMessage(ProtocolMessage& message, std::uint32_t number);
   Status PollMessage(ProtocolMessage& message);
   Status ReceiveHeader(ProtocolMessage& message);
   Status ReceiveBodyPart(ProtocolMessage& message);
+  bool IsLeftOver(const ProtocolMessage& message, std::uint32_t number);
 
   std::unique_ptr<uDevice::Interface> device_;
   std::uint32_t outstanding_ = 0;  // requests whose answers have not been read
   std::uint32_t sequence_ = 0;     // the last number used
   bool read_pending_ = false;
   bool header_received_ = false;
-  std::uint32_t body_offset_ = 0;  // bytes of the pending answer's body that are in
+  bool out_of_step_ = false;            // the last exchange failed: its answer may come still
+  std::uint32_t numbers_repeated_ = 0;  // answers that carried their requests' numbers
+  std::atomic<bool> abandoned_ = false;
+  std::uint32_t header_offset_ = 0;  // bytes of the awaited header that are in
+  std::uint32_t body_offset_ = 0;    // bytes of the pending answer's body that are in
   ProtocolMessage::Header saved_header_{};
 };

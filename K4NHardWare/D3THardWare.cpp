@@ -51,9 +51,16 @@ Status D3THardWare::Transact(HardWareParametr& parameter) {
   if (!IsInstrumentCode(result)) return result;
   if (result < 0) {
     Recover();
-  } else {
-    parameter.Deserialise(message_.payload());
+    return result;
   }
+  // What another parameter holds must not become this one's values.
+  const std::span<const std::uint8_t> image = message_.payload();
+  const auto identifier = image.first(std::min<std::size_t>(image.size(), 2));
+  if (!std::ranges::equal(identifier, parameter.Serialise().first(identifier.size()))) {
+    exchanger_.Distrust();
+    return status::kVisaProtocolViolation;
+  }
+  parameter.Deserialise(image);
   return result;
 }
 

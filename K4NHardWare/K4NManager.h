@@ -171,6 +171,7 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   template <typename Read>
   Status Cached(Read&& read) const;
 
+  void AbandonExchange();
   // The rest is called within an operation.
   Status OpenSession(const std::string& resource_name);
   Status StartSession(bool generator_only);

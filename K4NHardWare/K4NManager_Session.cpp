@@ -23,6 +23,7 @@ bool IsNotSupported(Status result) {
 
 Status CK4NManager::Initialize(const std::string& resource_name, const std::string& option_string) {
   os::Sleep(kSettleTime);
+  AbandonExchange();
   const Operation operation(*this);
   EndSession(Output::kSwitchOff);
   if (const Status opened = OpenSession(resource_name); opened != status::kOk) return opened;
@@ -37,8 +38,15 @@ Status CK4NManager::Initialize(const std::string& resource_name, const std::stri
 }
 
 Status CK4NManager::Close() {
+  AbandonExchange();
   const Operation operation(*this);
   return EndSession(Output::kSwitchOff);
+}
+
+/// An operation, or the worker, may be waiting for the rest of an answer that never comes.
+void CK4NManager::AbandonExchange() {
+  const std::lock_guard lock(session_mutex_);
+  if (exchanger_ != nullptr) exchanger_->Abandon();
 }
 
 Status CK4NManager::OpenSession(const std::string& resource_name) {

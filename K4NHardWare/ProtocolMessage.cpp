@@ -64,6 +64,11 @@ Status ProtocolMessage::status() const {
 
 std::uint16_t ProtocolMessage::length() const { return Get16(header_, kLengthOffset); }
 
+std::uint32_t ProtocolMessage::sequence() const {
+  return Get16(header_, kSequenceOffset) |
+         static_cast<std::uint32_t>(Get16(header_, kSequenceOffset + 2)) << 16;
+}
+
 std::span<const std::uint8_t> ProtocolMessage::payload() const {
   return buffer_.first(std::min<std::size_t>(length(), buffer_.size()));
 }

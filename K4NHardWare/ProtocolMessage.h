@@ -50,6 +50,7 @@ class ProtocolMessage {
   [[nodiscard]] Status status() const;
   /// Number of body bytes.
   [[nodiscard]] std::uint16_t length() const;
+  [[nodiscard]] std::uint32_t sequence() const;
   [[nodiscard]] std::uint8_t type() const { return header_[kTypeOffset]; }
 
   [[nodiscard]] Header& header() { return header_; }

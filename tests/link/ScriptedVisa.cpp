@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <deque>
 #include <memory>
@@ -10,6 +11,7 @@
 #include <optional>
 #include <set>
 
+#include "platform/os/Sync.h"
 #define ZK_VISA_LIBRARY
 #include "visa/Visa.h"
 
@@ -87,6 +89,8 @@ class Script final : public Control {
                std::int32_t times) override;
   void CompleteData(std::int16_t status, char format, const std::uint8_t* body,
                     std::size_t size) override;
+  void SpoilAnswer(const Spoiling& spoiling) override;
+  bool LinkIsBack() override;
   std::size_t CallCount() const override;
   bool GetCall(std::size_t index, CallView& call) const override;
   void ClearRecord() override;
@@ -116,6 +120,11 @@ class Script final : public Control {
   void HandleRequest(const Bytes& request);
   const Answer* FindRule(const Bytes& request, bool& echo);
   void Send(const Bytes& request, const Answer& answer);
+  void SendSpoiled(Bytes bytes);
+  [[nodiscard]] bool IsLost() const {
+    return spoilt_ && spoilt_->silences == 0 && spoilt_->then < 0;
+  }
+  ViStatus ReadNothing(ViByte* buffer, ViUInt32 count, ViUInt32* returned);
 
   mutable std::mutex mutex_;
   std::array<ForcedResult, static_cast<std::size_t>(Function::kCount)> forced_{};
@@ -129,6 +138,8 @@ class Script final : public Control {
   Bytes written_;  // of the request that is not complete
   std::deque<Part> to_read_;
   std::optional<Bytes> data_request_;  // that waits for its block
+  std::optional<Spoiling> spoiling_;   // of an answer to come
+  std::optional<Spoiling> spoilt_;     // what the last one left
 };
 
 void Script::Reset() {
@@ -143,6 +154,8 @@ void Script::Reset() {
   written_.clear();
   to_read_.clear();
   data_request_.reset();
+  spoiling_.reset();
+  spoilt_.reset();
 }
 
 void Script::SetResult(Function function, std::int32_t result, std::int32_t times) {
@@ -193,6 +206,19 @@ void Script::CompleteData(std::int16_t status, char format, const std::uint8_t* 
   } else {
     blocks_.push_back(std::move(block));
   }
+}
+
+void Script::SpoilAnswer(const Spoiling& spoiling) {
+  const std::lock_guard lock(mutex_);
+  spoiling_ = spoiling;
+}
+
+bool Script::LinkIsBack() {
+  const std::lock_guard lock(mutex_);
+  const bool has_spoilt = !spoiling_.has_value();
+  spoiling_.reset();
+  spoilt_.reset();
+  return has_spoilt;
 }
 
 std::size_t Script::CallCount() const {
@@ -246,6 +272,8 @@ ViStatus Script::Open(const char* name, ViAccessMode mode, ViUInt32 timeout, ViS
   const ViStatus result = TakeForced(Function::kOpen).value_or(VI_SUCCESS);
   if (result >= 0) {
     *session = ++last_session_;
+    spoilt_.reset();
+    to_read_.clear();
     sessions_.insert(*session);
   }
   const auto* const text = reinterpret_cast<const std::uint8_t*>(name);
@@ -283,7 +311,7 @@ ViStatus Script::Read(ViSession session, ViByte* buffer, ViUInt32 count, ViUInt3
   ViStatus result = VI_SUCCESS_MAX_CNT;
   while (*returned < count) {
     if (to_read_.empty()) {
-      result = VI_ERROR_TMO;
+      result = ReadNothing(buffer, count, returned);
       break;
     }
     Part& part = to_read_.front();
@@ -303,6 +331,19 @@ ViStatus Script::Read(ViSession session, ViByte* buffer, ViUInt32 count, ViUInt3
   return Record(Function::kRead, session, count, result, ToBytes(buffer, *returned));
 }
 
+ViStatus Script::ReadNothing(ViByte* buffer, ViUInt32 count, ViUInt32* returned) {
+  if (!spoilt_ || spoilt_->then == Spoiling::kGoesOn) return VI_ERROR_TMO;
+  if (spoilt_->silences != 0) {
+    if (spoilt_->silences != Spoiling::kAlways) --spoilt_->silences;
+    os::Sleep(std::chrono::milliseconds(1));  // lest the record grow without end
+    return VI_ERROR_TMO;
+  }
+  if (spoilt_->then != Spoiling::kEndless) return spoilt_->then;
+  std::fill(buffer + *returned, buffer + count, ViByte{0x5A});
+  *returned = count;
+  return VI_SUCCESS_MAX_CNT;
+}
+
 ViStatus Script::Write(ViSession session, const ViByte* buffer, ViUInt32 count,
                        ViUInt32* returned) {
   const std::lock_guard lock(mutex_);
@@ -310,7 +351,7 @@ ViStatus Script::Write(ViSession session, const ViByte* buffer, ViUInt32 count,
   *returned = forced ? 0 : count;
   const ViStatus result =
       Record(Function::kWrite, session, count, forced.value_or(VI_SUCCESS), ToBytes(buffer, count));
-  if (!forced && count != 0) {
+  if (!forced && !IsLost() && count != 0) {
     written_.insert(written_.end(), buffer, buffer + count);
     TakeRequests();
   }
@@ -319,7 +360,8 @@ ViStatus Script::Write(ViSession session, const ViByte* buffer, ViUInt32 count,
 
 ViStatus Script::Clear(ViSession session) {
   const std::lock_guard lock(mutex_);
-  const ViStatus result = TakeForced(Function::kClear).value_or(VI_SUCCESS);
+  const ViStatus result =
+      TakeForced(Function::kClear).value_or(IsLost() ? spoilt_->then : VI_SUCCESS);
   if (result >= 0) {
     to_read_.clear();
     data_request_.reset();
@@ -404,9 +446,28 @@ void Script::Send(const Bytes& request, const Answer& answer) {
     if (answer.format) bytes[9] = static_cast<std::uint8_t>(*answer.format);
   }
   bytes.insert(bytes.end(), answer.bytes.begin(), answer.bytes.end());
+  if (spoiling_ && spoiling_->after-- == 0) {
+    SendSpoiled(std::move(bytes));
+    return;
+  }
   to_read_.push_back({std::move(bytes), !answer.later_parts.empty()});
   for (std::size_t i = 0; i < answer.later_parts.size(); ++i) {
     to_read_.push_back({answer.later_parts[i], i + 1 < answer.later_parts.size()});
+  }
+}
+
+void Script::SendSpoiled(Bytes bytes) {
+  spoilt_ = spoiling_;
+  spoiling_.reset();
+  if (spoilt_->change != nullptr) {
+    const std::size_t size = bytes.size();
+    bytes.resize(kHeaderSize + kComputedCapacity);
+    bytes.resize(spoilt_->change(bytes.data(), size, bytes.size()));
+  }
+  const std::size_t piece = spoilt_->piece != 0 ? spoilt_->piece : bytes.size();
+  for (std::size_t at = 0; at < bytes.size(); at += piece) {
+    const std::size_t size = std::min(piece, bytes.size() - at);
+    to_read_.push_back({ToBytes(bytes.data() + at, size), at + size < bytes.size()});
   }
 }
 

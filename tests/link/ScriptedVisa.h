@@ -46,6 +46,21 @@ inline constexpr std::int32_t kThrow = 1;  ///< as a result of SetResult: the ca
 inline constexpr std::int32_t kTimeout = static_cast<std::int32_t>(0xBFFF0015);
 inline constexpr std::int32_t kConnectionLost = static_cast<std::int32_t>(0xBFFF00A6);
 
+/// How one answer goes wrong on its way, and what the link is like after it.
+struct Spoiling {
+  static constexpr std::int32_t kGoesOn = 0;
+  static constexpr std::int32_t kEndless = 2;  ///< reads find bytes for ever, until LinkIsBack
+  static constexpr std::uint32_t kAlways = 0xFFFFFFFF;
+
+  std::uint32_t after = 0;  ///< answers that pass first
+  /// Changes the answer in place and returns its size; null: as it is.
+  std::size_t (*change)(std::uint8_t* answer, std::size_t size, std::size_t capacity) = nullptr;
+  std::size_t piece = 0;       ///< bytes between two time-outs; 0: all at once
+  std::uint32_t silences = 0;  ///< time-outs of reads that find nothing more, before `then`
+  /// What reads and clears give from then on until LinkIsBack or viOpen.
+  std::int32_t then = kGoesOn;
+};
+
 /// What the module offers; safe from any thread. Without a script every request is answered at once
 /// with status 0 and its own body, and data requests (command 6) stay unanswered. A read that finds
 /// too little returns what there is with a time-out, without waiting.
@@ -77,6 +92,11 @@ class Control {
   /// Completes the data request that waits, or else the next one. `format`: the answer's type byte.
   virtual void CompleteData(std::int16_t status, char format, const std::uint8_t* body,
                             std::size_t size) = 0;
+
+  /// Spoils one of the answers to come, once.
+  virtual void SpoilAnswer(const Spoiling& spoiling) = 0;
+  /// Ends whatever a spoiled answer left, also one that has not been spoiled yet. True if one has.
+  virtual bool LinkIsBack() = 0;
 
   /// The record since the last Reset or ClearRecord, in the order of the calls.
   virtual std::size_t CallCount() const = 0;

@@ -1,0 +1,398 @@
+// Every operation over an instrument that spoils one of its answers in every way there is. The
+// cases are generated: each answer of each operation meets each fault.
+#include <array>
+#include <cstdio>
+#include <thread>
+
+#include "platform/com/Raii.h"
+#include "tests/hostile/LiveAllocations.h"
+#include "tests/manager/ManagerFixture.h"
+
+namespace {
+
+using scripted::Function;
+using scripted::Spoiling;
+using std::size_t;
+using Byte = std::uint8_t;
+
+constexpr size_t kHeader = ProtocolMessage::kHeaderSize;
+constexpr Status kLost = status::FromBits(0xBFFF00A6);
+constexpr Status kReset = status::kVisaIo;
+
+// --- Faults
+
+struct Fault {
+  std::string name;
+  Spoiling spoiling;
+  bool misleads = false;  ///< the next member meets what the fault left behind
+};
+
+size_t Announce(Byte* answer, size_t length, size_t size) {
+  answer[6] = static_cast<Byte>(length);
+  answer[7] = static_cast<Byte>(length >> 8);
+  return size;
+}
+template <int delta>  // bytes that the body is longer
+size_t Resize(Byte* answer, size_t size, size_t) {
+  const size_t length = size - kHeader + std::max(delta, -static_cast<int>(size - kHeader));
+  return Announce(answer, length, kHeader + length);
+}
+template <int delta>  // bytes that the header announces more than there are
+size_t Misannounce(Byte* answer, size_t size, size_t) {
+  const size_t length = size - kHeader + std::max(delta, -static_cast<int>(size - kHeader));
+  return Announce(answer, std::min<size_t>(length, 0xFFFF), size);
+}
+template <int code, bool has_body>
+size_t Answer(Byte* answer, size_t size, size_t) {
+  answer[4] = static_cast<Byte>(code);
+  answer[5] = static_cast<Byte>(code >> 8);
+  return has_body ? size : Announce(answer, 0, kHeader);
+}
+template <size_t at, Byte mask>
+size_t Flip(Byte* answer, size_t size, size_t) {
+  if (at < size) answer[at] ^= mask;
+  return size;
+}
+template <size_t count>
+size_t AppendGarbage(Byte* answer, size_t size, size_t) {
+  std::fill_n(answer + size, count, Byte{0xA5});
+  return size + count;
+}
+size_t Twice(Byte* answer, size_t size, size_t) {
+  std::copy_n(answer, size, answer + size);
+  return 2 * size;
+}
+template <size_t kept>
+size_t Cut(Byte*, size_t size, size_t) {
+  return std::min(size, kept);
+}
+size_t CutInTheMiddle(Byte*, size_t size, size_t) { return kHeader + (size - kHeader) / 2; }
+
+std::vector<Fault> Faults() {
+  std::vector<Fault> faults = {
+      {"wrong header word", {.change = Flip<1, 1>}},
+      {"answer to another parameter", {.change = Flip<kHeader, 0x40>}},
+      {"refusal", {.change = Answer<kRefusal, false>}},
+      {"refusal with a body", {.change = Answer<kRefusal, true>}},
+      {"notice", {.change = Answer<6, true>}},
+      {"unknown positive status", {.change = Answer<7, true>}},
+      {"no body", {.change = Resize<-65535>}},
+      {"odd body", {.change = Resize<-1>}},
+      {"short body", {.change = Resize<-4>}},
+      {"long body", {.change = Resize<8>}},
+      {"longest length", {.change = Misannounce<65535>}},
+      {"too short a length", {.change = Misannounce<-3>}, true},
+      {"too long a length", {.change = Misannounce<3>, .silences = 3, .then = kLost}},
+      {"garbage behind", {.change = AppendGarbage<5>}, true},
+      {"much garbage behind", {.change = AppendGarbage<40>}, true},
+      {"answered twice", {.change = Twice}},
+      {"one byte a second", {.piece = 1}},
+      {"in pieces with pauses", {.piece = kHeader}},
+      {"endless stream", {.silences = 0, .then = Spoiling::kEndless}},
+      {"endless stream in the header", {.change = Cut<7>, .then = Spoiling::kEndless}},
+  };
+  const std::pair<const char*, decltype(Spoiling::change)> phases[] = {
+      {" before the header", Cut<0>},
+      {" in the header", Cut<7>},
+      {" before the body", Cut<kHeader>},
+      {" in the body", CutInTheMiddle}};
+  for (const auto& [phase, cut] : phases) {
+    const auto add = [&faults, &phase, &cut](const char* what, std::uint32_t silences, Status end) {
+      faults.push_back(
+          {std::string(what) + phase, {.change = cut, .silences = silences, .then = end}});
+    };
+    add("silence", 3, kLost);  // the system gives a silent peer up some time
+    add("drop", 0, kLost);
+    if (cut != Cut<7> && cut != Cut<kHeader>) add("reset", 0, kReset);
+  }
+  return faults;
+}
+
+// --- Operations
+
+struct Operation {
+  const char* name;
+  std::function<Status(CK4NManager&)> run;
+  std::vector<Site> sites;  ///< one of which tells a failure; none: it is only returned
+};
+
+SafeArrayOwner List(std::initializer_list<double> values) {
+  SafeArrayOwner array(SafeArrayCreateVector(VT_R8, 0, static_cast<ULONG>(values.size())));
+  void* data = nullptr;
+  EXPECT_EQ(SafeArrayAccessData(array.Get(), &data), S_OK);
+  std::ranges::copy(values, static_cast<double*>(data));
+  SafeArrayUnaccessData(array.Get());
+  return array;
+}
+
+template <typename Value>
+auto State(Status (CK4NManager::*get)(Value&)) {
+  return [get](CK4NManager& manager) {
+    Value value{};
+    return (manager.*get)(value);
+  };
+}
+
+std::vector<Operation> Operations() {
+  using enum Site;
+  std::vector<Operation> operations = {
+      {"initialize",
+       [](auto& m) { return m.Initialize(kResource, ""); },
+       {kInitializeModel, kKindProbe, kInstrumentKind, kOutputState, kAveraging, kPowerAxis,
+        kFrequencyAxis, kSweepTrigger, kPulseOff}},
+      {"frequency", [](auto& m) { return m.SetFrequency(1e9); }, {kFrequencyAxis}},
+      {"level", [](auto& m) { return m.SetLevel(-30.0); }, {kPowerAxis}},
+      {"output off", [](auto& m) { return m.SetOutputEnabled(false); }, {kOutputEnabled}},
+      {"output on", [](auto& m) { return m.SetOutputEnabled(true); }, {kPowerAxis}},
+      {"frequency step",
+       [](auto& m) {
+         double start = 1e9;
+         double stop = 2e9;
+         double step = 5e8;
+         return m.SetFrequencyStep(start, stop, step);
+       },
+       {kFrequencyAxis}},
+      {"power step",
+       [](auto& m) {
+         double start = -10.0;
+         double stop = -8.0;
+         double step = 0.5;
+         return m.SetPowerStep(start, stop, step);
+       },
+       {kPowerAxis}},
+      {"sweep trigger",
+       [](auto& m) {
+         SweepTriggerSettings trigger{.source = 1};
+         return m.SetSweepTrigger(trigger, true);
+       },
+       {kSweepTrigger}},
+      {"dwell", [](auto& m) { return m.SetDwell(1e6); }, {kDwell}},
+      {"frequency list",
+       [](auto& m) {
+         return m.SetFrequencyList(List({1e9, 2e9}).Get());
+       },
+       {kFrequencyAxis}},
+      {"power list",
+       [](auto& m) {
+         return m.SetPowerList(List({-1.0, -2.0}).Get());
+       },
+       {kPowerAxis}},
+      {"pulse",
+       [](auto& m) {
+         const Status on = m.SetPulseModEnabled(true);
+         return on != 0 ? on : m.SetPulseWidth(5.0);
+       },
+       {kPulseTrain}},
+      {"packet",
+       [](auto& m) {
+         const Status on = m.SetPulseModEnabled(true);
+         return on != 0 ? on : m.ConfigurePacket(true, List({1e-6}).Get(), List({2e-6}).Get());
+       },
+       {kPulseTrain}},
+      {"pulse modulation off", [](auto& m) { return m.SetPulseModEnabled(false); }, {kPulseOff}},
+      {"trigger output",
+       [](auto& m) {
+         TriggerOutputSettings output{.mode = 5, .enabled = 1};
+         return m.SetTriggerOutput(output);
+       },
+       {kTriggerOutput, kSecondTriggerInput, kSecondTriggerOutput}},
+      {"sync generator",
+       [](auto& m) {
+         SyncGeneratorSettings sync{.width = 10.0, .period = 30.0, .delay = 5.0};
+         return m.SetSyncGenerator(sync);
+       },
+       {kSyncGenerator}},
+      {"serial number", State(&CK4NManager::GetSerialNumber), {}},
+      {"instrument type", State(&CK4NManager::GetInstrumentType), {}},
+      {"RF button", State(&CK4NManager::GetRfButton), {kRfButton}},
+      {"PLL state", State(&CK4NManager::GetPllState), {kPllState}},
+      {"ERG state", State(&CK4NManager::GetErgState), {kErgState}},
+      {"level state", State(&CK4NManager::GetLevelState), {kLevelState}},
+      {"attenuator", [](auto& m) { return m.SetAttenMode(5); }, {kAttenMode}},
+      {"external reference", [](auto& m) { return m.SetExtRefGen(true, 5e6); }, {kExtRefGen}},
+      {"phase delay", [](auto& m) { return m.SetExtRefPhaseDelay(-7); }, {kExtRefPhaseDelay}},
+      {"external power control",
+       [](auto& m) { return m.SetExtPwrCtrl(true); },
+       {kSweepTrigger, kTriggerOutput, kSecondTriggerInput, kSecondTriggerOutput}},
+      {"compensation", [](auto& m) { return m.SetCompensMode(2); }, {kCompensMode}},
+      {"averaging", [](auto& m) { return m.SetAveraging(5); }, {kAveraging}},
+  };
+  for (const SweepMode mode : {SweepMode::kPowerStep, SweepMode::kFrequencyStep, SweepMode::kList,
+                               SweepMode::kContinuousWave}) {
+    operations.push_back({"sweep mode",
+                          [mode](auto& m) { return m.SetSweepMode(mode); },
+                          {kPowerAxis, kFrequencyAxis, kSweepTrigger}});
+  }
+  return operations;
+}
+
+// --- The matrix
+
+/// What stands for the failure, which the trail has as it was.
+bool IsDriversOwn(Status result) {
+  return result == status::kRefused || result == status::kUnknownResource ||
+         result == status::kIdentificationFailed;
+}
+
+class HostileTest : public ManagerTest {
+ protected:
+  void OpenSession() {
+    ExpectLimits();
+    ASSERT_EQ(manager_.Initialize(kResource, ""), 0);
+    DrainTrail();
+  }
+  /// The next session asks for them once.
+  void ExpectLimits() { visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1); }
+
+  std::vector<ErrorRecord> DrainTrail() {
+    const std::vector<ErrorRecord> records = manager_.ErrorRecords();
+    std::int32_t code = 0;
+    std::optional<std::string> text;
+    for (const ErrorRecord& record : records) {
+      manager_.ErrorQuery(code, text);
+      EXPECT_EQ(code, record.status);
+    }
+    manager_.ErrorQuery(code, text);
+    EXPECT_EQ(code, 0);
+    return records;
+  }
+
+  /// The requests of the operation where nothing goes wrong.
+  std::vector<std::string> RunWell(const Operation& operation) {
+    ExpectLimits();
+    visa_.ClearRecord();
+    EXPECT_EQ(operation.run(manager_), 0);
+    EXPECT_TRUE(manager_.ErrorRecords().empty());
+    return visa_.RequestOrder();
+  }
+
+  void ExpectMemberWorks() {
+    dwell_ += 1.0;
+    double dwell = 0.0;
+    EXPECT_EQ(manager_.SetDwell(dwell_), 0);
+    manager_.GetDwell(dwell);
+    EXPECT_EQ(dwell, dwell_) << "no answer is taken for that of another request";
+  }
+
+  void ResetScript() {
+    visa_.control().Reset();
+    visa_.RuleBody(kRead, kPowerId, 0, PowerBody(1, kMinus20));
+  }
+  /// Objects, without those of the script.
+  long HeldByTheManager() {
+    ResetScript();
+    return LiveAllocations();
+  }
+
+  void RunCase(const Operation& operation, unsigned answer, const Fault& fault) {
+    Spoiling spoiling = fault.spoiling;
+    spoiling.after = answer;
+    ExpectLimits();
+    visa_.ClearRecord();
+    visa_.control().SpoilAnswer(spoiling);
+    const Status result = operation.run(manager_);
+    EXPECT_LT(visa_.control().CallCount(), 1000U) << "the member ends soon";
+    const auto trail = DrainTrail();
+    const auto tells = [&](const ErrorRecord& record) {
+      return record.status == result && std::ranges::count(operation.sites, record.site) == 1;
+    };
+    if (!IsSuccess(result) && !IsDriversOwn(result)) {
+      EXPECT_TRUE(operation.sites.empty() || std::ranges::any_of(trail, tells))
+          << std::hex << result << ' ' << testing::PrintToString(trail);
+    }
+    const bool fails = !IsSuccess(manager_.SetDwell(dwell_));
+    EXPECT_TRUE(!fails || fault.misleads || spoiling.then != Spoiling::kGoesOn ||
+                !manager_.IsConnected())
+        << "the next member fails";
+    EXPECT_TRUE(visa_.control().LinkIsBack()) << "nothing was spoiled";
+    DrainTrail();
+    // What has been closed by the peer takes a new session.
+    if (spoiling.then < 0 || !manager_.IsConnected()) OpenSession();
+    ExpectMemberWorks();
+  }
+
+  double dwell_ = 0.0;
+};
+
+TEST_F(HostileTest, EveryOperationSurvivesEveryFaultOfEveryAnswer) {
+  const std::vector<Fault> faults = Faults();
+  const std::vector<Operation> operations = Operations();
+  constexpr long kTrailsBuffers = 2;  // which come and go
+  int cases = 0;
+  for (const Operation& operation : operations) {
+    OpenSession();
+    RunWell(operation);
+    const auto requests = RunWell(operation);
+    long held = 0;  // after the first case, which makes what is made once
+    for (unsigned answer = 0; answer < requests.size(); ++answer) {
+      for (size_t i = 0; i < faults.size(); ++i) {
+        const Fault& fault = faults[i];
+        // An operation of many answers, and of many milliseconds: each fault at some of them.
+        if (requests.size() > 8 && (answer + i) % 6 != 0) continue;
+        SCOPED_TRACE(operation.name + (" " + requests[answer] + ": ") + fault.name);
+        RunCase(operation, answer, fault);
+        RunWell(operation);
+        ++cases;
+        if (held == 0) held = HeldByTheManager();
+        if (HasFailure()) return;
+      }
+    }
+    EXPECT_LE(HeldByTheManager(), held + kTrailsBuffers) << operation.name << ": memory grows";
+  }
+  std::printf("%zu operations x %zu faults, %d answers spoiled, all survived\n", operations.size(),
+              faults.size(), cases);
+}
+
+/// The worker's reads meet the same faults; what is known to be wrong is never handed out.
+TEST_F(HostileTest, MeasuringSurvivesEveryFaultOfABlock) {
+  constexpr int kSpoiledPoints = 5;
+  constexpr int kPoints = 7;
+  const std::vector<Fault> faults = Faults();
+  for (const Fault& fault : faults) {
+    SCOPED_TRACE(fault.name);
+    OpenSession();
+    StartMeasuring();
+    visa_.control().SpoilAnswer(fault.spoiling);
+    visa_.CompleteData('A', Block(kSpoiledPoints));
+    const bool lost = fault.spoiling.then < 0;
+    if (lost) {
+      EXPECT_TRUE(WaitUntil([&] { return manager_.ErrorRecords().size() >= 2; })) << "it reads on";
+      EXPECT_EQ(manager_.SetDwell(1.0), fault.spoiling.then) << "callers are told";
+      EXPECT_EQ(manager_.Close(), 0);
+    }
+    EXPECT_TRUE(visa_.control().LinkIsBack());
+    DrainTrail();
+    if (lost) {
+      OpenSession();
+      StartMeasuring();
+    }
+    // A block that never ends is a sweep that runs on, until a setting starts it again.
+    if (fault.spoiling.change == Misannounce<65535> || fault.spoiling.then == Spoiling::kEndless) {
+      ExpectMemberWorks();
+    }
+    EXPECT_TRUE(WaitUntil([&] {
+      visa_.CompleteData('A', Block(kPoints));
+      return manager_.FetchData(trace_) == 0 && trace_.ColumnCount() == kPoints;
+    })) << "reading goes on";
+    ExpectMemberWorks();
+    if (HasFailure()) return;
+    manager_.Close();
+    ResetScript();
+  }
+  std::printf("a running sweep x %zu faults, all survived\n", faults.size());
+}
+
+/// Only the client can tell that nothing more will come.
+TEST_F(HostileTest, CloseEndsTheWaitForTheRestOfABody) {
+  OpenSession();
+  visa_.ClearRecord();
+  visa_.control().SpoilAnswer(
+      {.change = CutInTheMiddle, .silences = Spoiling::kAlways, .then = kLost});
+  std::jthread caller([this] { EXPECT_EQ(manager_.SetDwell(1.0), status::kVisaTimeout); });
+  constexpr std::size_t kManyTimeouts = 20;
+  EXPECT_TRUE(WaitUntil([this] { return visa_.Calls(Function::kRead).size() > kManyTimeouts; }));
+  EXPECT_EQ(manager_.Close(), 0);
+  EXPECT_EQ(visa_.control().OpenSessions(), 0U);
+}
+
+}  // namespace

@@ -1,0 +1,23 @@
+#include "tests/hostile/LiveAllocations.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+std::atomic<long> live = 0;
+}
+
+long LiveAllocations() { return live; }
+
+void* operator new(std::size_t size) {
+  void* const memory = std::malloc(size != 0 ? size : 1);
+  if (memory == nullptr) throw std::bad_alloc();
+  ++live;
+  return memory;
+}
+void operator delete(void* memory) noexcept {
+  if (memory != nullptr) --live;
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept { operator delete(memory); }
