@@ -34,6 +34,8 @@ class ComThread {
 int Run(std::vector<std::string> arguments) {
   CLI::App app("Client of the Zentrel K4N / L5S driver", "zk4n");
   app.require_subcommand(1);
+  app.allow_windows_style_options(
+      false);  // a path may begin with a slash; inherited by the commands
   int status = exit_status::kOk;
   AddMeasureCommand(app, status);
   AddShellCommand(app, status);

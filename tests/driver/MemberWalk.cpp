@@ -58,19 +58,6 @@ std::string NameOf(const members::Interface& entry, const members::Member& membe
   return name.append(member.name);
 }
 
-/// The pointer of this interface to the object that has it.
-ComPtr<IUnknown> Find(const Surface& surface, const IID& iid) {
-  ComPtr<IUnknown> found;
-  for (IUnknown* object : std::initializer_list<IUnknown*>{
-           surface.root.Get(), surface.power_step.Get(), surface.trigger_output.Get(),
-           surface.pulse_generator.Get(), surface.pulse_double.Get(), surface.pulse_output.Get(),
-           surface.packet.Get(), surface.pulse_modulation.Get(), surface.channel.Get(),
-           surface.sync_generator.Get()}) {
-    if (object->QueryInterface(iid, found.PutVoid()) == S_OK) break;
-  }
-  return found;
-}
-
 members::Value ValueOf(Type type, double number) {
   switch (type) {
     case Type::kDouble:
@@ -140,6 +127,18 @@ const Walked& MemberOf(std::string_view name) {
   return *found;
 }
 
+ComPtr<IUnknown> ObjectOf(const Surface& surface, const IID& iid) {
+  ComPtr<IUnknown> found;
+  for (IUnknown* object : std::initializer_list<IUnknown*>{
+           surface.root.Get(), surface.power_step.Get(), surface.trigger_output.Get(),
+           surface.pulse_generator.Get(), surface.pulse_double.Get(), surface.pulse_output.Get(),
+           surface.packet.Get(), surface.pulse_modulation.Get(), surface.channel.Get(),
+           surface.sync_generator.Get()}) {
+    if (object->QueryInterface(iid, found.PutVoid()) == S_OK) break;
+  }
+  return found;
+}
+
 Answer Call(const Surface& surface, const Walked& walked, std::span<const double> numbers,
             std::optional<std::size_t> null_out) {
   std::vector<members::Argument> arguments;
@@ -150,7 +149,7 @@ Answer Call(const Surface& surface, const Walked& walked, std::span<const double
     argument.value = ValueOf(parameter.type, numbers.empty() ? 1.0 : numbers.front());
     if (!numbers.empty()) numbers = numbers.subspan(1);
   }
-  const auto object = Find(surface, walked.interface_entry->id);
+  const auto object = ObjectOf(surface, walked.interface_entry->id);
   Answer answer{walked.member->Call(object.Get(), arguments), {}};
   for (const auto& argument : arguments) {
     if (!argument.written) continue;

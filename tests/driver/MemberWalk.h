@@ -39,6 +39,9 @@ std::vector<std::string> UnsupportedNames();
 /// Throws std::out_of_range when there is none of this name.
 const Walked& MemberOf(std::string_view name);
 
+/// The pointer of this interface to the object that has it.
+ComPtr<IUnknown> ObjectOf(const Surface& surface, const IID& iid);
+
 /// What a call gave: its result, and what the arguments that come out hold, as text: numbers,
 /// texts, "object", "array"; none for what was not written.
 struct Answer {

@@ -7,8 +7,8 @@
 #include <random>
 #include <stop_token>
 
+#include "tests/driver/MemberWalk.h"
 #include "tests/driver/SessionFixture.h"
-#include "zk4n/members/MemberTable.h"
 
 namespace driver_test {
 namespace {
@@ -18,24 +18,6 @@ using members::Member;
 using members::Type;
 
 constexpr double kLevel = -5.0;
-
-/// One object for each interface of the surface.
-std::vector<ComPtr<IUnknown>> ObjectsOf(const Surface& s) {
-  const std::initializer_list<IUnknown*> all = {
-      s.root.Get(),           s.power_step.Get(),      s.channel.Get(),      s.trigger_output.Get(),
-      s.pulse_double.Get(),   s.pulse_generator.Get(), s.pulse_output.Get(), s.packet.Get(),
-      s.sync_generator.Get(), s.pulse_modulation.Get()};
-  std::vector<ComPtr<IUnknown>> objects;
-  for (const auto& type : members::Interfaces()) {
-    ComPtr<IUnknown> found;
-    for (IUnknown* const object : all) {
-      if (!found) object->QueryInterface(type.id, found.PutVoid());
-    }
-    EXPECT_TRUE(found) << type.name;
-    objects.push_back(std::move(found));
-  }
-  return objects;
-}
 
 SafeArrayOwner NewArray(VARTYPE type, std::initializer_list<SAFEARRAYBOUND> bounds) {
   std::vector<SAFEARRAYBOUND> copy(bounds);
@@ -130,25 +112,20 @@ class Misuse : public SessionTest {
 
 TEST_F(Misuse, NoValueInAnyArgumentEndsTheSession) {
   Open();
-  const auto objects = ObjectsOf(surface_);
   std::size_t calls = 0;
-  for (std::size_t i = 0; i < objects.size(); ++i) {
-    const members::Interface& type = members::Interfaces()[i];
-    for (const Member& member : type.members) {
-      SCOPED_TRACE(std::string(type.name) + "::" + std::string(member.name));
-      if (EndsTheSession(member)) continue;
-      MakeMistakes(member, *objects[i], [&calls](HRESULT) { ++calls; });
-      ASSERT_TRUE(IsOpen());
-    }
+  for (const Walked& walked : AllMembers()) {
+    SCOPED_TRACE(walked.name);
+    if (EndsTheSession(*walked.member)) continue;
+    const auto object = ObjectOf(surface_, walked.interface_entry->id);
+    MakeMistakes(*walked.member, *object, [&calls](HRESULT) { ++calls; });
+    ASSERT_TRUE(IsOpen());
   }
   std::printf("%zu calls\n", calls);
   ExpectStillMeasures();
 }
 
 TEST_F(Misuse, NoResourceNameIsTooWrong) {
-  const Member* const initialize =
-      members::Interfaces().front().Find("Initialize", members::Kind::kMethod);
-  MakeMistakes(*initialize, *surface_.root.Get(), [](HRESULT result) {
+  MakeMistakes(*MemberOf("Root.Initialize").member, *surface_.root.Get(), [](HRESULT result) {
     EXPECT_EQ(result, Code(0x80047060)) << "an unknown resource";
   });
   ExpectStillMeasures();
@@ -158,25 +135,20 @@ TEST_F(Misuse, ManyThreadsMayCallAnythingAtOnce) {
   constexpr int kThreads = 16;
   constexpr int kCalls = 40;
   Open();
-  const auto objects = ObjectsOf(surface_);
   std::vector<std::thread> threads;
   threads.reserve(kThreads);
   for (int thread = 0; thread < kThreads; ++thread) {
     threads.emplace_back([&, thread] {
       std::mt19937 random(static_cast<unsigned>(thread));
-      const auto pick = [&random](const auto& list) -> const auto& {
-        return list[std::uniform_int_distribution<std::size_t>(0, list.size() - 1)(random)];
-      };
+      std::uniform_int_distribution<std::size_t> pick(0, AllMembers().size() - 1);
       for (int call = 0; call < kCalls; ++call) {
-        const auto& object = pick(objects);
-        const auto& type = members::Interfaces()[static_cast<std::size_t>(&object - &objects[0])];
-        const Member& member = pick(type.members);
         // One of them opens the session again, as often as it is told.
         if (thread == 0 && call % 10 == 9) Initialize();
         if (thread == 0 && call % 20 == 19) surface_.root->Close();
-        if (EndsTheSession(member)) continue;
-        std::vector<Argument> arguments(member.parameters.size());
-        member.Call(object.Get(), arguments);
+        const Walked& walked = AllMembers()[pick(random)];
+        if (EndsTheSession(*walked.member)) continue;
+        std::vector<Argument> arguments(walked.member->parameters.size());
+        walked.member->Call(ObjectOf(surface_, walked.interface_entry->id).Get(), arguments);
       }
       TakeErrorInfo();
     });
@@ -276,18 +248,14 @@ TEST(MisuseOfChildren, EveryMemberOfOneWithoutARootFailsCleanly) {
       __uuidof(ZentrelK4NSyncGenerator)};
   for (const CLSID& class_id : classes) {
     const auto object = SharedModule().Create(class_id);
-    for (const auto& type : members::Interfaces()) {
+    for (const Walked& walked : AllMembers()) {
       ComPtr<IUnknown> wanted;
-      if (object->QueryInterface(type.id, wanted.PutVoid()) != S_OK) continue;
-      for (const Member& member : type.members) {
-        const bool hands_out =
-            !member.parameters.empty() && member.parameters.back().type == Type::kInterface;
-        MakeMistakes(member, *wanted.Get(), [&](HRESULT result) {
-          EXPECT_TRUE(result == kNotConnectedCode || result == kMethodCode ||
-                      result == kPropertyCode || (hands_out && result == S_OK))
-              << type.name << "::" << member.name << " gives " << std::hex << result;
-        });
-      }
+      if (object->QueryInterface(walked.interface_entry->id, wanted.PutVoid()) != S_OK) continue;
+      MakeMistakes(*walked.member, *wanted, [&](HRESULT result) {
+        EXPECT_TRUE(result == kNotConnectedCode || result == kMethodCode ||
+                    result == kPropertyCode || (walked.IsWay() && result == S_OK))
+            << walked.name << " gives " << std::hex << result;
+      });
     }
   }
 }

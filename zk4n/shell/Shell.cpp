@@ -93,7 +93,6 @@ void AddShellCommand(CLI::App& app, int& status) {
   CLI::App* command = app.add_subcommand(
       "shell",
       "Console of the driver: every member by name, a line each (help lists the commands)");
-  command->allow_windows_style_options(false);  // a script's path may begin with a slash
   command->add_option("script", options->script, "Commands to run (default: standard input)");
   command->add_flag("--json", options->json, "Each result as one line of JSON");
   CLI::Option* module =
