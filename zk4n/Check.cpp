@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr char kProgId[] = "ZentrelK4NLib.ZentrelK4N";
 constexpr int kProgramBits = sizeof(void*) * 8;
 
 struct CheckOptions {
@@ -48,11 +47,11 @@ class Checks {
                                       : "not used with --module: " + registered_file_;
     }
     if (registered_file_.empty()) {
-      throw std::runtime_error(std::string(kProgId) +
+      throw std::runtime_error(std::string(kDriverProgId) +
                                " is not registered: run zk4n register, or give --module");
     }
-    driver_.emplace(DriverClient::Registered(kProgId));
-    return std::string(kProgId) + " in " + registered_file_;
+    driver_.emplace(DriverClient::Registered(kDriverProgId));
+    return std::string(kDriverProgId) + " in " + registered_file_;
   }
 
   std::string VisaLibrary() {

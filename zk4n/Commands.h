@@ -28,5 +28,8 @@ void AddRegisterCommand(CLI::App& app, int& status);
 /// `zk4n check`: whether a session could be opened, and if not, why.
 void AddCheckCommand(CLI::App& app, int& status);
 
+/// `zk4n shell`: a console of the driver, every member by name.
+void AddShellCommand(CLI::App& app, int& status);
+
 /// `zk4n simulate`: the instrument simulator, listening until Ctrl-C.
 void AddSimulateCommand(CLI::App& app, int& status);

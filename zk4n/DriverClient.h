@@ -13,6 +13,9 @@
 #include "platform/os/Module.h"
 #include "server/interface/ZentrelK4NLib.h"
 
+/// The name that the driver is registered by, of whatever version.
+inline constexpr char kDriverProgId[] = "ZentrelK4NLib.ZentrelK4N";
+
 /// A failed member of the driver. what() is one line for a person: the member, the result, its
 /// name, the driver's own description, and what the error trail holds.
 class DriverError : public std::runtime_error {

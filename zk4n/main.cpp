@@ -36,6 +36,7 @@ int Run(std::vector<std::string> arguments) {
   app.require_subcommand(1);
   int status = exit_status::kOk;
   AddMeasureCommand(app, status);
+  AddShellCommand(app, status);
   AddSimulateCommand(app, status);
   AddRegisterCommand(app, status);
   AddCheckCommand(app, status);

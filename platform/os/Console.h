@@ -16,4 +16,8 @@ std::vector<std::string> Utf8Arguments(int argc, char** argv);
 /// Makes the terminal show UTF-8 from now on.
 void UseUtf8Output();
 
+/// Makes standard input and output pass bytes as they are, on every system: no line end is
+/// translated, and no byte ends the input.
+void UseByteStreams();
+
 }  // namespace os

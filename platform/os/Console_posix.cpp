@@ -10,4 +10,6 @@ std::vector<std::string> Utf8Arguments(int argc, char** argv) { return {argv, ar
 
 void UseUtf8Output() {}
 
+void UseByteStreams() {}
+
 }  // namespace os

@@ -1,5 +1,6 @@
 #include <windows.h>
 // After windows.h.
+#include <fcntl.h>
 #include <io.h>
 #include <shellapi.h>
 
@@ -21,5 +22,11 @@ std::vector<std::string> Utf8Arguments(int argc, char** argv) {
 }
 
 void UseUtf8Output() { SetConsoleOutputCP(CP_UTF8); }
+
+void UseByteStreams() {
+  SetConsoleCP(CP_UTF8);
+  _setmode(_fileno(stdin), _O_BINARY);
+  _setmode(_fileno(stdout), _O_BINARY);
+}
 
 }  // namespace os

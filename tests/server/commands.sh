@@ -1,5 +1,5 @@
-# commands.sh ZK4N DRIVER LOCK_HOLDER [RUNNER] - zk4n register and zk4n check as processes: what they say, and their exit
-# status.
+# commands.sh ZK4N DRIVER LOCK_HOLDER [RUNNER] - zk4n register, zk4n check and zk4n shell --registered as processes:
+# what they say, and their exit status.
 set -u
 zk4n=$1 driver=$2 lock_holder=$3 runner=${4:-}
 folder=$(mktemp -d)
@@ -34,6 +34,8 @@ name=$(basename "$driver")
 expect 0 'Registration removed for all users: ' register --remove
 expect 1 "ok +bitness +64-bit program, 64-bit driver [^\n]*$name\nFAILED +registration +[^\n]*not registered: run zk4n register" check
 expect 0 "^Registered for all users: [^\n]*$name\n" register
+echo Close >"$folder/close.zk"
+expect 0 '"hresult":"0x8004701D",[^\n]*"source":"ZentrelK4NLib.ZentrelK4N.1"' shell --json --registered "$folder/close.zk"
 expect 0 "ok +registration +ZentrelK4NLib.ZentrelK4N in [^\n]*$name\nok +VISA library +[^\n]*zevisa[^\n]*\nnot tried +connection +" check
 expect 0 "^Registered for this user: [^\n]*$name\n" register --user
 expect 0 "^Registration removed for this user: [^\n]*$name\n" register --user --remove
@@ -66,4 +68,5 @@ expect 1 'FAILED +connection +[^\n]*0xBFFF0011' check --resource "$resource"
 expect 1 'FAILED +connection +[^\n]*0xBFFF0012' check --resource 'no resource'
 expect 0 'Registration removed for all users: ' register --remove
 expect 1 'FAILED +registration' check
+expect 1 '^zk4n: ZentrelK4NLib.ZentrelK4N: 0x800401F3' shell --registered "$folder/close.zk"
 [ $failures -eq 0 ]

@@ -115,6 +115,8 @@ TEST_F(ClientTest, BadArgumentsGiveOneLineAndWriteNothing) {
        "--device requires --simulate"},
       {"no such instrument", {"measure", "--simulate", "--trigger-groups", "3"}, "trigger groups"},
       {"no such kind", {"simulate", "--kind", "sofa"}, "--kind"},
+      {"no such script", {"shell", "@/none.zk"}, "cannot read"},
+      {"two drivers", {"shell", "--registered", "--module", "x"}, "excludes"},
       {"no such fault", {"simulate", "--fault", "refuse:parameter=4"}, "status= is missing"},
       {"no such port", {"simulate", "--port", "99999"}, "--port"},
       {"no such delay", {"simulate", "--response-delay", "2h"}, "--response-delay"},

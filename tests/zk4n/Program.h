@@ -6,12 +6,13 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class Program {
  public:
-  /// Starts it with these arguments (UTF-8, without quotes) and nothing to read. `folder` takes the
-  /// two files of its output. Throws std::runtime_error when it cannot be started.
+  /// Starts it with these arguments (UTF-8, without quotes). `folder` takes the two files of its
+  /// output. Throws std::runtime_error when it cannot be started.
   Program(const std::filesystem::path& file, const std::vector<std::string>& arguments,
           const std::filesystem::path& folder);
   /// Ends it, if it still runs.
@@ -24,6 +25,11 @@ class Program {
   /// What Ctrl-C does.
   void Interrupt();
 
+  /// Gives it these bytes to read; nothing more happens when it has ended.
+  void Write(std::string_view bytes);
+  /// Ends what it has to read.
+  void CloseInput();
+
   /// What it wrote so far to standard output and to standard error.
   [[nodiscard]] std::string Output() const { return TextOf(output_); }
   [[nodiscard]] std::string Errors() const { return TextOf(errors_); }
@@ -33,5 +39,6 @@ class Program {
 
   std::filesystem::path output_;
   std::filesystem::path errors_;
+  std::intptr_t input_ = 0;  ///< the writing end
   std::intptr_t process_ = 0;
 };

@@ -7,10 +7,10 @@
 
 namespace {
 
-HANDLE OpenFor(const std::filesystem::path& file, DWORD access, DWORD disposition) {
+HANDLE OpenForOutput(const std::filesystem::path& file) {
   SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-  return CreateFileW(file.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
-                     disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+  return CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
+                     CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
 }  // namespace
@@ -25,9 +25,12 @@ Program::Program(const std::filesystem::path& file, const std::vector<std::strin
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
   startup.dwFlags = STARTF_USESTDHANDLES;
-  startup.hStdInput = OpenFor(L"NUL", GENERIC_READ, OPEN_EXISTING);
-  startup.hStdOutput = OpenFor(output_, GENERIC_WRITE, CREATE_ALWAYS);
-  startup.hStdError = OpenFor(errors_, GENERIC_WRITE, CREATE_ALWAYS);
+  HANDLE writing_end = nullptr;
+  CreatePipe(&startup.hStdInput, &writing_end, nullptr, 0);
+  SetHandleInformation(startup.hStdInput, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+  input_ = reinterpret_cast<std::intptr_t>(writing_end);
+  startup.hStdOutput = OpenForOutput(output_);
+  startup.hStdError = OpenForOutput(errors_);
   PROCESS_INFORMATION info{};
   // A console of its own, without a window, so that Ctrl-C reaches it alone.
   const bool started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE,
@@ -35,12 +38,16 @@ Program::Program(const std::filesystem::path& file, const std::vector<std::strin
   for (const HANDLE handle : {startup.hStdInput, startup.hStdOutput, startup.hStdError}) {
     CloseHandle(handle);
   }
-  if (!started) throw std::runtime_error("cannot start " + file.string());
+  if (!started) {
+    CloseInput();
+    throw std::runtime_error("cannot start " + file.string());
+  }
   CloseHandle(info.hThread);
   process_ = reinterpret_cast<std::intptr_t>(info.hProcess);
 }
 
 Program::~Program() {
+  CloseInput();
   if (process_ == 0) return;
   const auto handle = reinterpret_cast<HANDLE>(process_);
   TerminateProcess(handle, 1);
@@ -68,4 +75,18 @@ void Program::Interrupt() {
   Sleep(100);
   FreeConsole();
   SetConsoleCtrlHandler(nullptr, FALSE);
+}
+
+void Program::Write(std::string_view bytes) {
+  const auto handle = reinterpret_cast<HANDLE>(input_);
+  DWORD written = 0;
+  while (!bytes.empty() && WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()),
+                                     &written, nullptr) != 0) {
+    bytes.remove_prefix(written);
+  }
+}
+
+void Program::CloseInput() {
+  if (input_ != 0) CloseHandle(reinterpret_cast<HANDLE>(input_));
+  input_ = 0;
 }

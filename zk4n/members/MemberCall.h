@@ -4,7 +4,6 @@
 #include <bit>
 #include <cstdint>
 #include <initializer_list>
-#include <optional>
 #include <stdexcept>
 #include <string_view>
 #include <tuple>
@@ -181,7 +180,7 @@ std::string_view NameOf() {
 struct Named {
   std::string_view name;
   std::string_view unit = {};
-  std::optional<Direction> direction = std::nullopt;
+  Direction direction = Direction::kIn;  ///< also where the type tells that it is a retval
   bool optional = false;
 };
 
@@ -229,7 +228,8 @@ Parameter Describe(const Named& named) {
       std::is_pointer_v<P> && !std::is_same_v<P, BSTR> && !std::is_same_v<P, SAFEARRAY**>;
   Parameter parameter;
   parameter.name = named.name;
-  parameter.direction = named.direction.value_or(kComesOut ? Direction::kRetval : Direction::kIn);
+  const bool is_retval = kComesOut && named.direction == Direction::kIn;
+  parameter.direction = is_retval ? Direction::kRetval : named.direction;
   parameter.type = TypeTraits<P>::kType;
   parameter.type_name = TypeTraits<P>::Name();
   parameter.optional = named.optional;
