@@ -6,6 +6,9 @@
 
 namespace {
 
+// What a lower bound may add to an array; one beyond is no index that anybody means.
+constexpr std::size_t kMostMissing = 0x10000;
+
 bool IsRealVector(SAFEARRAY* array) {
   VARTYPE type = VT_EMPTY;
   return SafeArrayGetDim(array) == 1 && SafeArrayGetVartype(array, &type) == S_OK && type == VT_R8;
@@ -25,7 +28,9 @@ RealArray::RealArray(SAFEARRAY* array) : array_(array), right_type_(IsRealVector
   }
   const auto size = static_cast<std::size_t>(std::int64_t{upper} - lower + 1);
   elements_ = {static_cast<double*>(data), size};
-  if (upper >= 0 && size != 0) count_ = static_cast<std::size_t>(upper) + 1;
+  if (upper >= 0 && size != 0) {
+    count_ = std::min(static_cast<std::size_t>(upper) + 1, size + kMostMissing);
+  }
 }
 
 RealArray::~RealArray() {

@@ -24,7 +24,9 @@ std::optional<Fault> FaultList::Take(std::uint16_t command,
   std::optional<Fault> struck;
   for (Pending& pending : pending_) {
     const Fault& fault = pending.fault;
-    if ((fault.command && fault.command != command) ||
+    const bool has_status_word = command == kDataCommand;
+    if ((fault.kind == FaultKind::kBlockStatus && !has_status_word) ||
+        (fault.command && fault.command != command) ||
         (fault.parameter && fault.parameter != parameter)) {
       continue;
     }

@@ -9,7 +9,6 @@
 #include <initializer_list>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "simulator/Faults.h"
@@ -38,7 +37,7 @@ inline std::vector<double> ValuesOf(SAFEARRAY* array) {
 /// is open before Open().
 class SessionTest : public testing::Test {
  protected:
-  explicit SessionTest(simulator::Options options = {}) : instrument_(std::move(options)) {
+  explicit SessionTest(const simulator::Options& options = {}) : instrument_(options) {
     instrument_.Start();
   }
   ~SessionTest() override { surface_.root->Close(); }

@@ -72,6 +72,7 @@ constexpr Status kRefusalStatus = -32763;
 /// A trail of refusals at these sites.
 inline std::vector<ErrorRecord> Refusals(const std::vector<Site>& sites) {
   std::vector<ErrorRecord> trail;
+  trail.reserve(sites.size());
   for (const Site site : sites) trail.push_back({kRefusalStatus, site});
   return trail;
 }

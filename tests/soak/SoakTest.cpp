@@ -56,7 +56,7 @@ constexpr Mishap kMishaps[] = {
     {.kind = FaultKind::kPieces, .bytes = 7, .pause = 1},
     {.kind = FaultKind::kSilence},
     {.kind = FaultKind::kDelay, .pause = 20},
-    {.kind = FaultKind::kBlockStatus, .data_only = true, .word = 0x8007},
+    {.kind = FaultKind::kBlockStatus, .word = 0x8007},
     {.kind = FaultKind::kBodyLength, .data_only = true, .bytes = -5},
     {.kind = FaultKind::kBodyLength, .data_only = true, .bytes = 7},
     {.kind = FaultKind::kAnnouncedLength, .data_only = true, .bytes = -5},
