@@ -24,8 +24,7 @@ std::optional<Fault> FaultList::Take(std::uint16_t command,
   std::optional<Fault> struck;
   for (Pending& pending : pending_) {
     const Fault& fault = pending.fault;
-    const bool has_status_word = command == kDataCommand;
-    if ((fault.kind == FaultKind::kBlockStatus && !has_status_word) ||
+    if ((fault.kind == FaultKind::kBlockStatus && command != command::kData) ||
         (fault.command && fault.command != command) ||
         (fault.parameter && fault.parameter != parameter)) {
       continue;
