@@ -1,5 +1,5 @@
 // Runs a fuzz target over kept inputs: files, and all files of folders. Each is run as it is and
-// once more repeated to a megabyte. Usage: TARGET [--most-megabytes N] FILE|FOLDER...
+// repeated to a megabyte. Usage: TARGET [--most-megabytes N] FILE|FOLDER...
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -32,13 +32,15 @@ void Run(const fs::path& path) {
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
   };
   run(content);
-  if (content.empty()) return;
-  std::string large;
-  large.reserve(kLargeInput);
-  while (large.size() < kLargeInput) {
-    large.append(content, 0, std::min(content.size(), kLargeInput - large.size()));
+  // The whole repeated, then its end alone, as of a list that goes on.
+  for (const std::size_t repeated : {content.size(), std::min<std::size_t>(content.size(), 2)}) {
+    std::string large = content;
+    large.reserve(kLargeInput);
+    while (repeated != 0 && large.size() < kLargeInput) {
+      large.append(content, content.size() - repeated, kLargeInput - large.size());
+    }
+    run(large);
   }
-  run(large);
 }
 
 /// The most memory that the process ever had, where the system tells it; otherwise 0.
@@ -67,7 +69,7 @@ int main(int count, char** arguments) {
     }
   }
   const long peak = PeakMegabytes();
-  std::printf("%d inputs, also as a megabyte each; peak memory %ld MB\n", inputs, peak);
+  std::printf("%d inputs, also repeated to a megabyte; peak memory %ld MB\n", inputs, peak);
   if (inputs == 0 || (most != 0 && peak > most)) {
     std::printf("FAILED: %s\n", inputs == 0 ? "no inputs" : "too much memory");
     return 1;

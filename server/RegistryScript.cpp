@@ -148,6 +148,9 @@ std::optional<std::vector<std::uint8_t>> BinaryData(std::string_view text) {
   return data;
 }
 
+/// No registry holds keys below more keys than these.
+constexpr int kDeepest = 512;
+
 class Parser {
  public:
   Parser(std::string_view script, const Replacements& replacements)
@@ -171,18 +174,18 @@ class Parser {
 
  private:
   /// What stands between the braces of a key.
-  void Content(ScriptKey& key, bool may_have_values) {
+  void Content(ScriptKey& key, bool may_have_values, int depth = 0) {
     while (!words_.TakeIf("}")) {
       if (may_have_values && words_.TakeIf("val")) {
         const os::WideString name = Replaced(words_.TakeText("a value's name"));
         key.values.push_back(Value(name));
       } else {
-        key.keys.push_back(Key());
+        key.keys.push_back(Key(depth + 1));
       }
     }
   }
 
-  ScriptKey Key() {
+  ScriptKey Key(int depth) {
     ScriptKey key;
     if (words_.TakeIf("NoRemove")) {
       key.removal = KeyRemoval::kNever;
@@ -197,7 +200,8 @@ class Parser {
     // An empty path would be the key above, and a forced removal take that.
     if (key.name.find_first_not_of('\\') == key.name.npos) Fail(name.line, "a key without a name");
     if (words_.NextIs("=")) key.values.push_back(Value({}));
-    if (words_.TakeIf("{")) Content(key, true);
+    if (depth == kDeepest) Fail(name.line, "keys are nested too deep");
+    if (words_.TakeIf("{")) Content(key, true, depth);
     return key;
   }
 
