@@ -16,9 +16,13 @@ set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${ZK_BIN_DIR})
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${ZK_BIN_DIR})
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+# Source files that exist once for each system end in this.
 if(WIN32)
+  set(ZK_SYSTEM windows)
   set(CMAKE_SHARED_LIBRARY_PREFIX "")
   set(CMAKE_SHARED_MODULE_PREFIX "")
+else()
+  set(ZK_SYSTEM posix)
 endif()
 
 find_program(ZK_CCACHE ccache)
