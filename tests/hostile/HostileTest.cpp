@@ -96,10 +96,11 @@ std::vector<Fault> Faults() {
       {" in the header", Cut<7>},
       {" before the body", Cut<kHeader>},
       {" in the body", CutInTheMiddle}};
-  for (const auto& [phase, cut] : phases) {
-    const auto add = [&faults, &phase, &cut](const char* what, std::uint32_t silences, Status end) {
+  for (const auto& phase : phases) {
+    const auto cut = phase.second;
+    const auto add = [&](const char* what, std::uint32_t silences, Status end) {
       faults.push_back(
-          {std::string(what) + phase, {.change = cut, .silences = silences, .then = end}});
+          {std::string(what) + phase.first, {.change = cut, .silences = silences, .then = end}});
     };
     add("silence", 3, kLost);  // the system gives a silent peer up some time
     add("drop", 0, kLost);
@@ -245,7 +246,7 @@ class HostileTest : public ManagerTest {
   void ExpectLimits() { visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1); }
 
   std::vector<ErrorRecord> DrainTrail() {
-    const std::vector<ErrorRecord> records = manager_.ErrorRecords();
+    std::vector<ErrorRecord> records = manager_.ErrorRecords();
     std::int32_t code = 0;
     std::optional<std::string> text;
     for (const ErrorRecord& record : records) {
