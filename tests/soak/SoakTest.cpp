@@ -247,7 +247,7 @@ TEST_F(Soak, MeasuresOnThroughAllFaultsAndLeavesNothingBehind) {
               after.memory, before.resident, after.resident);
   EXPECT_EQ(after.threads, before.threads);
   EXPECT_EQ(after.handles, before.handles);
-  EXPECT_LT(after.memory, before.memory + 256 * 1024);
+  EXPECT_LT(after.memory, before.memory + std::size_t{256} * 1024);
 }
 
 }  // namespace
