@@ -127,7 +127,7 @@ ErrorInfo TakeErrorInfo() {
 Bstr Text(std::string_view utf8) { return Bstr(os::ToWide(utf8, os::kUtf8CodePage)); }
 
 std::string TakeText(BSTR text) {
-  const std::string utf8 = ToUtf8(os::WideView(text, SysStringLen(text)));
+  std::string utf8 = ToUtf8(os::WideView(text, SysStringLen(text)));
   SysFreeString(text);
   return utf8;
 }

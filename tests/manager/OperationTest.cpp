@@ -4,7 +4,6 @@
 namespace {
 
 using scripted::Function;
-using testing::ElementsAre;
 using testing::ElementsAreArray;
 
 using M = CK4NManager;
