@@ -23,6 +23,11 @@ std::optional<int> VersionNumber(std::string_view text) {
   return error == std::errc::result_out_of_range ? std::nullopt : std::optional<int>(version);
 }
 
+/// What the header of a file says.
+std::optional<int> VersionOf(const std::string& header) {
+  return VersionNumber(GetHeaderValue(header, "VERSION", "0"));
+}
+
 }  // namespace
 
 std::string GetDetectorFolder() {
@@ -30,9 +35,11 @@ std::string GetDetectorFolder() {
 }
 
 DetectorFile::Fault DetectorFile::Read(std::ifstream file) {
-  const Status read = text_.Read(std::move(file));
+  const Status read = text_.Read(std::move(file), [](const std::string& header) {
+    return VersionOf(header) == kVersionSigned;
+  });
   if (text_.HasContent()) {
-    version_ = VersionNumber(GetHeaderValue(text_.Header(), "VERSION", "0"));
+    version_ = VersionOf(text_.Header());
   }
   fault_ = FindFault(read);
   return fault_;

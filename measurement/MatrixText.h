@@ -43,8 +43,10 @@ class MatrixText {
   /// Reads a whole file. Returns 0, 0x80047002 when it cannot be opened, or 0x8004705C when it has
   /// no numbers, rows of different lengths, or more than a gibibyte.
   Status Read(const std::string& path);
-  /// As above from a file that was opened in binary mode, or could not be.
-  Status Read(std::ifstream file);
+  /// As above from a file that was opened in binary mode, or could not be. `is_signed` tells from
+  /// the header in front of the numbers whether the digest will be asked for, which then is worked
+  /// out meanwhile.
+  Status Read(std::ifstream file, bool (*is_signed)(const std::string& header) = nullptr);
 
   // What follows can be asked of any file, good or not.
 
@@ -74,7 +76,8 @@ class MatrixText {
   Status Fill(ICustomMatrix<double>& matrix) const;
 
  private:
-  void Parse();
+  template <typename OnFirstData>
+  void Parse(OnFirstData&& on_first_data);
   void TakeHeaderLine(std::string_view line);
   void TakeDataLine(std::string_view line);
 
@@ -85,6 +88,7 @@ class MatrixText {
   std::uint32_t rows_ = 0;
   std::uint32_t uneven_row_ = 0;
   std::string stored_digest_;
+  std::string early_digest_;  // empty: worked out when it is asked for
   bool has_digest_ = false;
   std::size_t signed_header_size_ = 0;  // of header_, when there is a digest line
   bool data_follows_digest_ = false;

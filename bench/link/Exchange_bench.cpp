@@ -1,6 +1,7 @@
 // One setting on its way to the instrument and back, layer by layer: bare sockets, the VISA
 // library, the instrument model, the COM member. The bytes on the wire are the same everywhere.
 #include <benchmark/benchmark.h>
+#include <sched.h>
 
 #include <algorithm>
 #include <array>
@@ -131,14 +132,53 @@ double Time(Layer& layer) {
   return passed.count() / kExchanges;
 }
 
+/// Keeps the calling thread, and the threads that it starts, on one processor.
+class Placement {
+ public:
+  explicit Placement(int processor) {
+    sched_getaffinity(0, sizeof before_, &before_);
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(static_cast<std::size_t>(processor), &one);
+    Require(sched_setaffinity(0, sizeof one, &one) == 0, "the processor is not ours");
+  }
+  ~Placement() { sched_setaffinity(0, sizeof before_, &before_); }
+  Placement(const Placement&) = delete;
+  Placement& operator=(const Placement&) = delete;
+
+ private:
+  cpu_set_t before_{};
+};
+
+/// The first processors that the program may run on, the last one repeated.
+std::array<int, 2> TwoProcessors() {
+  cpu_set_t all;
+  sched_getaffinity(0, sizeof all, &all);
+  std::array<int, 2> found{};
+  std::size_t count = 0;
+  for (int i = 0; i < CPU_SETSIZE && count < found.size(); ++i) {
+    if (CPU_ISSET(static_cast<std::size_t>(i), &all)) found[count++] = i;
+  }
+  if (count == 1) found[1] = found[0];
+  return found;
+}
+
+std::unique_ptr<std::array<EchoInstrument, 4>> InstrumentsOn(int processor) {
+  const Placement there(processor);
+  return std::make_unique<std::array<EchoInstrument, 4>>();
+}
+
 /// The layers take turns, so that whatever else the machine does meets them all; each has an
-/// instrument of its own.
+/// instrument of its own. Where the system places the threads of both ends can decide more than
+/// what they do: the client has a processor, and the instruments have it, too, or have another.
 void Exchange(benchmark::State& state) {
-  std::array<EchoInstrument, 4> instruments;
-  BareLayer bare(instruments[0]);
-  VisaLayer visa(instruments[1]);
-  ModelLayer model(instruments[2]);
-  ComLayer com(instruments[3]);
+  const std::array<int, 2> processors = TwoProcessors();
+  const auto instruments = InstrumentsOn(processors[static_cast<std::size_t>(state.range(0)) - 1]);
+  const Placement here(processors[0]);
+  BareLayer bare((*instruments)[0]);
+  VisaLayer visa((*instruments)[1]);
+  ModelLayer model((*instruments)[2]);
+  ComLayer com((*instruments)[3]);
   std::array<bench::Samples, 4> times;
   for ([[maybe_unused]] auto _ : state) {
     times[0].Add(Time(bare));
@@ -151,6 +191,6 @@ void Exchange(benchmark::State& state) {
   state.counters["model_us"] = times[2].Median();
   state.counters["com_us"] = times[3].Median();
 }
-BENCHMARK(Exchange)->Iterations(200)->UseRealTime();
+BENCHMARK(Exchange)->Arg(1)->Arg(2)->Iterations(200)->UseRealTime();
 
 }  // namespace

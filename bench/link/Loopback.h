@@ -18,7 +18,8 @@ inline constexpr std::size_t kHeaderSize = 16;
 std::string ResourceNameOf(std::uint16_t port);
 
 /// An instrument that agrees with everything: it answers each message with the same message and
-/// status 0, in one piece. It serves any number of clients, each on a thread of its own.
+/// status 0, in one piece. It serves any number of clients, each on a thread of its own, which run
+/// where the thread that makes the instrument may run.
 class EchoInstrument {
  public:
   EchoInstrument();

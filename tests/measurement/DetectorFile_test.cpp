@@ -76,6 +76,21 @@ TEST(DetectorFile, VersionZeroGetsALevelColumn) {
   EXPECT_EQ(matrix.GetItem(1, 1), 1.0) << "values are not converted";
 }
 
+/// Such a file's digest is worked out while its numbers are read.
+TEST(DetectorFile, LargeFilesAreCheckedLikeSmallOnes) {
+  constexpr int kRows = 100'000;
+  std::string lines = "#VERSION 3\n";
+  for (int row = 0; row < kRows; ++row) lines += std::to_string(row) + " 2.5\n";
+  std::string content = Signed(lines);
+  CSimpleMatrix matrix;
+  ASSERT_EQ(LoadDetectorFile(matrix, TempFile(content).Path(), nullptr), status::kOk);
+  EXPECT_EQ(matrix.GetRows(), kRows);
+  EXPECT_EQ(matrix.GetItem(0, kRows - 1), kRows - 1);
+  content[lines.size() - 2] = '6';
+  EXPECT_EQ(LoadDetectorFile(matrix, TempFile(content).Path(), nullptr),
+            status::kInvalidFileFormat);
+}
+
 TEST(DetectorFile, FailedLoadKeepsTheTable) {
   const TempFile good(Signed("#VERSION 3\n0 10 20\n10 1 2\n100 3 4\n"));
   const TempFile bad("#VERSION 3\n0 10 20\n10 5 5\n100 5 5\n");
