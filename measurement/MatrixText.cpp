@@ -194,14 +194,10 @@ Status MatrixText::Fill(ICustomMatrix<double>& matrix) const {
   if (result == status::kOk) {
     result = matrix.EndLoad(columns_, rows_);
   }
-  // Matrices keep their columns together: a few rows at a time touch each part of a column once.
-  constexpr std::uint32_t kRowsAtATime = 8;
-  for (std::uint32_t first = 0; first < rows_ && result == status::kOk; first += kRowsAtATime) {
-    const std::uint32_t end = std::min(first + kRowsAtATime, rows_);
+  const double* number = numbers_.data();
+  for (std::uint32_t row = 0; row < rows_ && result == status::kOk; ++row) {
     for (std::uint32_t column = 0; column < columns_; ++column) {
-      for (std::uint32_t row = first; row < end; ++row) {
-        matrix.SetItem(column, row, numbers_[std::size_t{row} * columns_ + column]);
-      }
+      matrix.SetItem(column, row, *number++);
     }
   }
   return result;
