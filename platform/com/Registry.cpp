@@ -1,6 +1,7 @@
 // The registry's functions.
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -90,9 +91,9 @@ template <typename Body>
 LSTATUS ReadKey(HKEY key, Body&& body) {
   if (key == nullptr) return ERROR_INVALID_HANDLE;
   return Guarded([&] {
-    RegistryKey root;
+    std::shared_ptr<const RegistryKey> root;
     if (const LSTATUS read = ReadRegistry(root); read != ERROR_SUCCESS) return read;
-    const auto keys = ExistingKeys(std::as_const(root), *key);
+    const auto keys = ExistingKeys(*root, *key);
     return keys.empty() && !IsPredefined(key) ? ERROR_KEY_DELETED : body(keys);
   });
 }
@@ -173,10 +174,10 @@ LSTATUS RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD, REGSAM, HKEY* key) {
   if (parent == nullptr) return ERROR_INVALID_HANDLE;
   if (key == nullptr) return ERROR_INVALID_PARAMETER;
   return Guarded([&]() -> LSTATUS {
-    RegistryKey root;
+    std::shared_ptr<const RegistryKey> root;
     if (const LSTATUS read = ReadRegistry(root); read != ERROR_SUCCESS) return read;
     HKEY__ place = Below(*parent, name);
-    if (ExistingKeys(root, place).empty()) return ERROR_FILE_NOT_FOUND;
+    if (ExistingKeys(*root, place).empty()) return ERROR_FILE_NOT_FOUND;
     return GiveHandle(std::move(place), key);
   });
 }
@@ -267,9 +268,9 @@ LSTATUS RegDeleteTreeW(HKEY parent, LPCWSTR name) {
 }
 
 std::optional<std::u16string> ClassesValue(const std::u16string& key) {
-  RegistryKey root;
+  std::shared_ptr<const RegistryKey> root;
   if (ReadRegistry(root) != ERROR_SUCCESS) return std::nullopt;
-  for (const RegistryKey* source : ExistingKeys(std::as_const(root), {true, key})) {
+  for (const RegistryKey* source : ExistingKeys(*root, {true, key})) {
     if (const std::u16string* const text = source->Value(u"")) return *text;
   }
   return std::nullopt;

@@ -2,12 +2,15 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <mutex>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -47,6 +50,30 @@ class FileDescriptor {
 
  private:
   int descriptor_;
+};
+
+/// What differs between a file and the one that replaces it, or the same file written over.
+struct FileState {
+  FileState() = default;
+  explicit FileState(const fs::path& path) : name(path) {
+    struct stat found {};
+    if (stat(path.c_str(), &found) != 0) return;
+    device = found.st_dev;
+    inode = found.st_ino;
+    size = found.st_size;
+    seconds = found.st_mtim.tv_sec;
+    nanoseconds = found.st_mtim.tv_nsec;
+  }
+  bool operator==(const FileState&) const = default;
+  /// False when another file could still follow within the clock's tick, and look the same.
+  [[nodiscard]] bool IsSettled() const { return time(nullptr) - seconds > 1; }
+
+  fs::path name;
+  dev_t device = 0;
+  ino_t inode = 0;
+  off_t size = -1;  // no such file
+  time_t seconds = 0;
+  long nanoseconds = 0;
 };
 
 bool LockExclusively(int descriptor) {
@@ -94,7 +121,28 @@ LSTATUS Read(const fs::path& path, RegistryKey& root) {
 
 }  // namespace
 
-LSTATUS ReadRegistry(RegistryKey& root) { return Read(RegistryPath(), root); }
+LSTATUS ReadRegistry(std::shared_ptr<const RegistryKey>& root) {
+  static std::mutex mutex;
+  static FileState newest_state;
+  static std::shared_ptr<const RegistryKey> newest;
+  const fs::path path = RegistryPath();
+  const FileState state(path);
+  {
+    const std::lock_guard lock(mutex);
+    if (newest != nullptr && state == newest_state) {
+      root = newest;
+      return ERROR_SUCCESS;
+    }
+  }
+  auto fresh = std::make_shared<RegistryKey>();
+  if (const LSTATUS read = Read(path, *fresh); read != ERROR_SUCCESS) return read;
+  root = fresh;
+  if (!state.IsSettled()) return ERROR_SUCCESS;
+  const std::lock_guard lock(mutex);
+  newest = std::move(fresh);
+  newest_state = state;
+  return ERROR_SUCCESS;
+}
 
 LSTATUS ChangeRegistry(const std::function<LSTATUS(RegistryKey& root)>& change) {
   const fs::path path = RegistryPath();

@@ -2,6 +2,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <fstream>
 #include <iterator>
 
@@ -49,6 +50,21 @@ TEST_F(MergedRegistry, FileThatIsNoRegistryIsNeitherReadNorOverwritten) {
         << text;
     EXPECT_EQ(FileText(), text);
   }
+}
+
+TEST_F(MergedRegistry, ChangesOfOthersAreSeenAtOnce) {
+  const std::string head = "Zentrel registry 1\n[HKEY_CURRENT_USER]\n@=\"";
+  WriteFile(head + "a\"\n");
+  std::filesystem::last_write_time(
+      File(), std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+  EXPECT_EQ(TextOf(HKEY_CURRENT_USER, nullptr), u"a");
+  EXPECT_EQ(TextOf(HKEY_CURRENT_USER, nullptr), u"a") << "kept";
+  for (const char* text : {"b", "c", "d"}) {  // within the clock's tick
+    WriteFile(head + text + "\"\n");
+    EXPECT_EQ(TextOf(HKEY_CURRENT_USER, nullptr), os::ToWide(text, os::kUtf8CodePage));
+  }
+  std::filesystem::remove(File());
+  EXPECT_EQ(TextOf(HKEY_CURRENT_USER, nullptr), u"error 2");
 }
 
 TEST_F(MergedRegistry, FileThatCannotBeWrittenIsReported) {
