@@ -1,8 +1,8 @@
 // A long run in small: sweeps, settings in the middle of sweeps, faults of the instrument and of
 // the link, new sessions. Every trace that the driver hands out is compared with what the
 // instrument measured, point for point; the device changes before each sweep, so that a block which
-// is lost, handed out twice or mixed with another one cannot pass. ZK_SOAK_SECONDS says how long
-// (60), ZK_SOAK_SEED which run (1).
+// is lost, handed out twice or mixed with another one cannot pass. The environment's
+// ZK_SOAK_SECONDS says how long, ZK_SOAK_SEED which run (1).
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -220,7 +220,7 @@ void Watch(const std::stop_token& stop, Surface& s) {
 }
 
 TEST_F(Soak, MeasuresOnThroughAllFaultsAndLeavesNothingBehind) {
-  const auto seconds = std::chrono::seconds(Setting("ZK_SOAK_SECONDS", 60));
+  const auto seconds = std::chrono::seconds(Setting("ZK_SOAK_SECONDS", ZK_SOAK_SECONDS));
   Connect();
   for (int i = 0; i < 20 && !HasFailure(); ++i) Round();
   surface_.root->Close();
