@@ -15,15 +15,10 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr HRESULT kInProgress = Code(0x80047057);
-constexpr double kLevel = -5.0;
 
 class Acquisition : public SessionTest {
  protected:
-  void SetUp() override {
-    Open();
-    LoadDetectors();
-    ASSERT_EQ(surface_.rf->put_Level(kLevel), S_OK);
-  }
+  void SetUp() override { OpenToMeasure(); }
   ZentrelK4NAcquisitionStatusEnum Status() {
     auto status = ZentrelK4NAcquisitionStatusUnknown;
     EXPECT_EQ(surface_.acquisition->get_Status(&status), S_OK);
@@ -41,14 +36,7 @@ TEST_F(Acquisition, GoesFromInitiateToCompleteWhenTheSweepHasEnded) {
                  "ZentrelK4NLib: Failure \xE2\x80\x93 cannot recover.",
                  __uuidof(IZentrelK4NChannel));
 
-  // The instrument waits for its trigger connector, so that nothing depends on the time.
-  surface_.frequency_step->ConfigureStartStop(2e9, 2.8e9, ZentrelK4NFrequencyStepScalingLinear,
-                                              8e6);
-  EXPECT_EQ(surface_.sweep->Configure(ZentrelK4NSweepModeFrequencyStep,
-                                      ZentrelK4NSweepTriggerSourceExternal),
-            S_OK);
-  EXPECT_EQ(surface_.rf->put_OutputEnabled(VARIANT_TRUE), S_OK);
-  EXPECT_EQ(surface_.acquisition->Initiate(), S_OK);
+  StartSweep(2e9, 2.8e9, 8e6);
   EXPECT_EQ(Status(), ZentrelK4NAcquisitionStatusInProgress);
   ExpectReported(FetchCode(), kInProgress, "ZentrelK4NLib: Operation in progress.",
                  __uuidof(IZentrelK4NChannel));
@@ -101,20 +89,19 @@ TEST_F(Acquisition, ASoftwareTriggerReadsOneSweep) {
 }
 
 struct BadBlock {
-  const char* name;
   simulator::FaultKind kind;
   std::int16_t status;
   std::int32_t bytes;
 };
 constexpr BadBlock kBadBlocks[] = {
-    {"PllUnlocked", simulator::FaultKind::kBlockStatus, -32761, 0},
-    {"Short", simulator::FaultKind::kBodyLength, 0, -5},
+    {simulator::FaultKind::kBlockStatus, -32761, 0},  // PLL unlocked
+    {simulator::FaultKind::kBodyLength, 0, -5},
 };
 
 TEST_F(Acquisition, ABadBlockDoesNotEndTheSession) {
   RunSweep(1e9, 1.1e9, 1e7);
   for (const auto& block : kBadBlocks) {
-    SCOPED_TRACE(block.name);
+    SCOPED_TRACE(block.status);
     simulator::Fault fault;
     fault.kind = block.kind;
     fault.command = 6;
@@ -207,8 +194,7 @@ TEST_F(DetectorFiles, TheDefaultOneIsLoadedByInitialize) {
   EXPECT_EQ(Initialize(), S_OK);
   fs::current_path(previous);
   ASSERT_EQ(surface_.rf->put_Level(kLevel), S_OK);
-  RunSweep(2e9, 2.8e9, 1e7);
-  ExpectResponse(kLevel, 81);
+  ExpectMeasures();
 }
 
 }  // namespace

@@ -114,13 +114,9 @@ ErrorInfo TakeErrorInfo() {
   }
   taken.present = true;
   Bstr description;
-  Bstr source;
   info->GetDescription(description.Put());
   info->GetGUID(&taken.iid);
-  info->GetSource(source.Put());
   taken.description = ToUtf8(description.View());
-  taken.has_source = source.Get() != nullptr;
-  taken.source = ToUtf8(source.View());
   return taken;
 }
 

@@ -79,8 +79,6 @@ struct ErrorInfo {
   bool present = false;
   std::string description;
   IID iid{};
-  bool has_source = false;
-  std::string source;
 };
 ErrorInfo TakeErrorInfo();
 

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
+#include <stdexcept>
 
 #include "tests/driver/MemberWalk.h"
 #include "tests/driver/SessionFixture.h"
@@ -142,79 +144,25 @@ TEST_F(SessionTest, ChangesNothingForTheUnsupportedAndOpensTheGetters) {
   }
 }
 
-/// Values that the driver itself judges.
-struct JudgedRow {
-  std::string_view member;
-  std::vector<double> numbers;
-  HRESULT expected;
-};
-const JudgedRow kJudged[] = {
-    {"PulseGenerator.put Width", {-1e-6}, Code(0x80047010)},
-    {"PulseGenerator.put InternalTriggerPeriod", {-1e-6}, Code(0x80047010)},
-    {"PulseGenerator.Configure", {1, -1e-6, VARIANT_TRUE}, Code(0x80047010)},
-    {"PulseGeneratorDouble.put Delay", {-1e-6}, S_OK},
-    {"Channel.put FrequencyOffset", {-1.1e11}, Code(0x80047010)},
-    {"Channel.put FrequencyDivider", {0.5}, Code(0x80047010)},
-    {"Channel.put FrequencyMultiplier", {0.0}, S_OK},
-};
-
-TEST(NoSession, ValuesOutOfRangeAreRefusedWithoutAText) {
+TEST(NoSession, CallsTellANullThatWasWrittenAndRefuseWhatDoesNotFit) {
   const Surface surface;
-  for (const JudgedRow& row : kJudged) {
-    SCOPED_TRACE(row.member);
-    ExpectReported(Call(surface, MemberOf(row.member), row.numbers).result, row.expected, "", {});
-  }
-}
-
-TEST(NoSession, PulseSettingsAreKept) {
-  const Surface surface;
-  const auto put = [&](std::string_view member, double value) {
-    EXPECT_EQ(Call(surface, MemberOf(member), {{value}}).result, S_OK) << member;
+  std::array<members::Argument, 2> arguments;
+  const auto call = [&](std::string_view name) {
+    return MemberOf(name).member->Call(surface.channels.Get(), arguments);
   };
-  put("PulseGenerator.put Width", 2e-6);
-  EXPECT_DOUBLE_EQ(NumberOf(surface, "PulseGenerator.get Width"), 2e-6);
-  put("PulseGeneratorDouble.put Enabled", 1);
-  EXPECT_EQ(NumberOf(surface, "PulseGeneratorDouble.get Enabled"), VARIANT_TRUE);
-  put("PulsePacketGenerator.put Enabled", 5);
-  EXPECT_EQ(NumberOf(surface, "PulsePacketGenerator.get Enabled"), VARIANT_TRUE);
-  EXPECT_EQ(NumberOf(surface, "PulseGeneratorDouble.get Enabled"), VARIANT_FALSE)
-      << "the packet takes the double pulse's place";
-}
-
-TEST(NoSession, AMeasurementEndsAtTheFirstLook) {
-  Surface surface;
-  EXPECT_EQ(surface.acquisition->Initiate(), S_OK);
-  EXPECT_EQ(NumberOf(surface, "Acquisition.get Status"), ZentrelK4NAcquisitionStatusUnknown);
-  EXPECT_EQ(surface.acquisition->Initiate(), S_OK);
+  EXPECT_EQ(call("Channels.get Item"), Code(0x80047020)) << "a text without a value is null";
+  EXPECT_TRUE(arguments[1].written) << "null is written, too";
+  EXPECT_THROW(call("Channels.get Count"), std::invalid_argument);
+  arguments[0].value = 7.0;
+  EXPECT_THROW(call("Channels.get Name"), std::bad_variant_access);
   TakeErrorInfo();
-  ExpectReported(Call(surface, MemberOf("Channel.FetchData")).result, kNoSessionCode, "", {});
 }
 
-TEST(NoSession, ChannelsAreListedByNumberAndName) {
-  Surface surface;
-  EXPECT_EQ(surface.channels->get_Count(&surface.integer), S_OK);
-  EXPECT_EQ(surface.integer, 3);
-  const char* const names[] = {"ChannelA", "ChannelB", "ChannelR"};
-  for (LONG index = 1; index <= 3; ++index) {
-    BSTR name = Text("what stood here is freed").Detach();
-    EXPECT_EQ(surface.channels->get_Name(index, &name), S_OK);
-    EXPECT_EQ(TakeText(name), names[index - 1]);
-    ComPtr<IZentrelK4NChannel> channel;
-    EXPECT_EQ(surface.channels->get_Item(Text(names[index - 1]).Get(), channel.Put()), S_OK);
-    EXPECT_TRUE(channel);
-  }
-  for (const LONG index : {0, 4, -1}) {
-    ExpectReported(surface.channels->get_Name(index, &surface.text), Code(0x80047010),
-                   "ZentrelK4NLib: Invalid value (" + std::to_string(index) +
-                       ") for method Index, parameter Name.",
-                   __uuidof(IZentrelK4NChannels));
-  }
-  for (const char* const name : {"channela", "ChannelA ", "ChannelC", ""}) {
-    ComPtr<IZentrelK4NChannel> channel;
-    ExpectReported(surface.channels->get_Item(Text(name).Get(), channel.Put()), Code(0x80047020),
-                   "ZentrelK4NLib: Unknown channel name.", __uuidof(IZentrelK4NChannels));
-    EXPECT_FALSE(channel);
-  }
+TEST(NoSession, ANameTakesThePlaceOfWhatStoodThere) {
+  const Surface surface;
+  BSTR name = Text("is freed").Detach();
+  EXPECT_EQ(surface.channels->get_Name(2, &name), S_OK);
+  EXPECT_EQ(TakeText(name), "ChannelB");
 }
 
 }  // namespace

@@ -3,44 +3,32 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
-#include <chrono>
-#include <initializer_list>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "simulator/Faults.h"
 #include "simulator/Simulator.h"
 #include "tests/driver/DriverModule.h"
+#include "tests/platform/Arrays.h"
+#include "tests/platform/WaitUntil.h"
 
 namespace driver_test {
 
 /// An answer that the failure tests look for: a code that no layer gives a meaning.
 inline constexpr std::int16_t kRefusal = -321;
 
-/// An array of doubles as clients pass it.
-inline SafeArrayOwner Doubles(std::initializer_list<double> values) {
-  SafeArrayOwner array(SafeArrayCreateVector(VT_R8, 0, static_cast<ULONG>(values.size())));
-  const SafeArrayAccess<double> access(array.Get());
-  std::copy(values.begin(), values.end(), access.Values().begin());
-  return array;
-}
-inline std::vector<double> ValuesOf(SAFEARRAY* array) {
-  const SafeArrayAccess<double> access(array);
-  EXPECT_EQ(access.Result(), S_OK);
-  return {access.Values().begin(), access.Values().end()};
-}
-
 /// A simulated instrument on a port of its own and every interface of a driver for it. No session
 /// is open before Open().
-class SessionTest : public testing::Test {
- protected:
-  explicit SessionTest(const simulator::Options& options = {}) : instrument_(options) {
+class Bench {
+ public:
+  explicit Bench(const simulator::Options& options = {})
+      : device_(options.device), instrument_(options) {
     instrument_.Start();
   }
-  ~SessionTest() override { surface_.root->Close(); }
+  ~Bench() { surface_.root->Close(); }
+  Bench(const Bench&) = delete;
+  Bench& operator=(const Bench&) = delete;
 
   HRESULT Initialize(VARIANT_BOOL id_query = VARIANT_FALSE, VARIANT_BOOL reset = VARIANT_FALSE,
                      std::string_view options = {}) {
@@ -51,6 +39,12 @@ class SessionTest : public testing::Test {
   void Open(std::string_view options = {}) {
     ASSERT_EQ(Initialize(VARIANT_FALSE, VARIANT_FALSE, options), S_OK);
     TakeErrorInfo();
+  }
+  /// As tests of measurements begin.
+  void OpenToMeasure() {
+    Open();
+    LoadDetectors();
+    EXPECT_EQ(surface_.rf->put_Level(kLevel), S_OK);
   }
   bool IsOpen() {
     EXPECT_EQ(surface_.root->get_Initialized(&surface_.flag), S_OK);
@@ -80,16 +74,6 @@ class SessionTest : public testing::Test {
       EXPECT_EQ(Channel(name)->LoadDetectorDataFromFile(Text(ZK_DETECTOR_FILE).Get()), S_OK);
     }
   }
-  /// True as soon as the condition holds, false when it does not within a minute.
-  template <typename Condition>
-  static bool WaitUntil(Condition condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (!condition()) {
-      if (std::chrono::steady_clock::now() > deadline) return false;
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
-  }
   /// Waits for the end of the measurement: complete, or unknown after a failure.
   ZentrelK4NAcquisitionStatusEnum WaitForEnd() {
     auto status = ZentrelK4NAcquisitionStatusInProgress;
@@ -100,16 +84,20 @@ class SessionTest : public testing::Test {
     TakeErrorInfo();
     return status;
   }
-  /// Runs one sweep to its end, with the instrument's output on.
-  void RunSweep(double start, double stop, double step) {
+  /// Starts a sweep, with the instrument's output on. The end of one with an external trigger does
+  /// not depend on the time: it waits for FireTrigger().
+  void StartSweep(double start, double stop, double step,
+                  ZentrelK4NSweepTriggerSourceEnum trigger = ZentrelK4NSweepTriggerSourceExternal) {
     EXPECT_EQ(surface_.frequency_step->ConfigureStartStop(
                   start, stop, ZentrelK4NFrequencyStepScalingLinear, step),
               S_OK);
-    EXPECT_EQ(surface_.sweep->Configure(ZentrelK4NSweepModeFrequencyStep,
-                                        ZentrelK4NSweepTriggerSourceSoftware),
-              S_OK);
+    EXPECT_EQ(surface_.sweep->Configure(ZentrelK4NSweepModeFrequencyStep, trigger), S_OK);
     EXPECT_EQ(surface_.rf->put_OutputEnabled(VARIANT_TRUE), S_OK);
     EXPECT_EQ(surface_.acquisition->Initiate(), S_OK);
+  }
+  /// Runs one sweep to its end.
+  void RunSweep(double start, double stop, double step) {
+    StartSweep(start, stop, step, ZentrelK4NSweepTriggerSourceSoftware);
     EXPECT_EQ(WaitForEnd(), ZentrelK4NAcquisitionStatusComplete);
   }
   struct Trace {
@@ -127,24 +115,35 @@ class SessionTest : public testing::Test {
   }
   /// Every point of the newest trace against what the simulated device does to a level in dBm.
   void ExpectResponse(double level, std::size_t points) {
-    const simulator::DeviceUnderTest device;
     for (const auto* name : kChannelNames) {
       const Trace trace = Fetch(name);
       ASSERT_EQ(trace.values.size(), points) << name;
       for (std::size_t i = 0; i < points; ++i) {
         const double frequency = trace.initial_x + static_cast<double>(i) * trace.x_increment;
-        const double response = name == kChannelNames[0]   ? device.Through(frequency)
-                                : name == kChannelNames[1] ? device.Reflected(frequency)
+        const double response = name == kChannelNames[0]   ? device_.Through(frequency)
+                                : name == kChannelNames[1] ? device_.Reflected(frequency)
                                                            : 0.0;
         ASSERT_NEAR(trace.values[i], level + response, 0.05) << name << " at " << frequency;
       }
     }
   }
 
+  void ExpectMeasures() {
+    RunSweep(2e9, 2.8e9, 1e7);
+    ExpectResponse(kLevel, 81);
+  }
+
+  static constexpr double kLevel = -5.0;
   static constexpr std::array<const char*, 3> kChannelNames{"ChannelA", "ChannelB", "ChannelR"};
 
+  simulator::DeviceUnderTest device_;
   simulator::Simulator instrument_;
   Surface surface_{ModuleWithVisa()};
+};
+
+class SessionTest : public testing::Test, protected Bench {
+ protected:
+  using Bench::Bench;
 };
 
 }  // namespace driver_test

@@ -1,22 +1,11 @@
 // Arrays of clients: what of them goes on the wire, and what comes back into them.
-#include "platform/com/Raii.h"
 #include "tests/manager/ManagerFixture.h"
+#include "tests/platform/Arrays.h"
 
 namespace {
 
 using testing::ElementsAre;
 using Values = std::vector<double>;
-
-SafeArrayOwner Array(const Values& values, LONG lower = 0) {
-  SafeArrayOwner array(SafeArrayCreateVector(VT_R8, lower, static_cast<ULONG>(values.size())));
-  const SafeArrayAccess<double> access(array.Get());
-  std::ranges::copy(values, access.Values().begin());
-  return array;
-}
-Values ValuesOf(const SafeArrayOwner& array) {
-  const SafeArrayAccess<double> access(array.Get());
-  return {access.Values().begin(), access.Values().end()};
-}
 
 // --- Lists
 
@@ -30,7 +19,6 @@ struct ListCase {
   Values sent;         // nothing: a list that is not there
   Values back;
 };
-void PrintTo(const ListCase& row, std::ostream* stream) { *stream << row.name; }
 
 class ListTest : public ManagerTest, public testing::WithParamInterface<ListCase> {};
 
@@ -38,9 +26,9 @@ TEST_P(ListTest, IsSentFromItsFirstElementAndComesBackCorrected) {
   Open();
   const ListCase& row = GetParam();
   if (!row.answer.empty()) visa_.RuleBody(kWrite, kFrequencyListId, 0, row.answer);
-  const auto array = Array(row.given, row.lower);
+  const auto array = Doubles(row.given, row.lower);
   EXPECT_EQ(manager_.SetFrequencyList(array.Get()), 0);
-  EXPECT_EQ(ValuesOf(array), row.back);
+  EXPECT_EQ(ValuesOf(array.Get()), row.back);
   EXPECT_EQ(array.Get()->cLocks, 0U);
   EXPECT_EQ(manager_.HasFrequencyList(), !row.sent.empty());
   Values sent;
@@ -52,23 +40,21 @@ TEST_P(ListTest, IsSentFromItsFirstElementAndComesBackCorrected) {
 }
 
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Lists, ListTest,
-    testing::ValuesIn(std::vector<ListCase>{
-        {"Corrected", 0, {1, 2}, "02 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 05 00 00 00 00 00 |06 00 00 00 00 00", {1, 2}, {5, 6}},
-        {"OneBasedSendsOneMore", 1, {1, 2, 3}, "", {1, 2, 3, 3}, {1, 2, 3}},
-        {"BelowZeroLosesTheLast", -1, {1, 2, 3}, "", {1, 2}, {1, 2, 3}},
-        {"Empty", 0, {}, "", {}, {}},
-        {"EmptyFromOne", 1, {}, "", {}, {}},
-        {"AllBelowZero", -9, {1, 2}, "", {}, {1, 2}},
-    }),
-    [](const auto& row) { return row.param.name; });
+const ListCase kListCases[] = {
+    {"Corrected", 0, {1, 2}, "02 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 05 00 00 00 00 00 |06 00 00 00 00 00", {1, 2}, {5, 6}},
+    {"OneBasedSendsOneMore", 1, {1, 2, 3}, "", {1, 2, 3, 3}, {1, 2, 3}},
+    {"BelowZeroLosesTheLast", -1, {1, 2, 3}, "", {1, 2}, {1, 2, 3}},
+    {"Empty", 0, {}, "", {}, {}},
+    {"EmptyFromOne", 1, {}, "", {}, {}},
+    {"AllBelowZero", -9, {1, 2}, "", {}, {1, 2}},
+};
 // clang-format on
+INSTANTIATE_TEST_SUITE_P(Lists, ListTest, testing::ValuesIn(kListCases), RowName());
 
 TEST_F(ManagerTest, RefusedListIsKept) {
   Open();
   visa_.Rule(kWrite, kFrequencyListId, kRefusal);
-  EXPECT_EQ(manager_.SetFrequencyList(Array({1, 2}).Get()), kRefusalStatus);
+  EXPECT_EQ(manager_.SetFrequencyList(Doubles({1, 2}).Get()), kRefusalStatus);
   EXPECT_TRUE(manager_.HasFrequencyList());
   EXPECT_THAT(manager_.ErrorRecords(),
               ElementsAre(ErrorRecord{kRefusalStatus, Site::kFrequencyAxis},
@@ -79,9 +65,9 @@ TEST_F(ManagerTest, RefusedListIsKept) {
 
 TEST_F(ManagerTest, ListThatCannotBeLockedLeavesTheWorkerPausedUntilTheNextOperation) {
   Open();
-  ASSERT_EQ(manager_.SetPowerList(Array({-10}).Get()), 0);
+  ASSERT_EQ(manager_.SetPowerList(Doubles({-10}).Get()), 0);
   StartMeasuring();
-  const auto array = Array({-20});
+  const auto array = Doubles({-20});
   array.Get()->cLocks = 0xFFFF;
   EXPECT_EQ(manager_.SetPowerList(array.Get()), E_UNEXPECTED);
   array.Get()->cLocks = 0;
@@ -103,7 +89,6 @@ struct PacketCase {
   Values delays_back;
   LONG lower = 0;
 };
-void PrintTo(const PacketCase& row, std::ostream* stream) { *stream << row.name; }
 
 class PacketTest : public ManagerTest, public testing::WithParamInterface<PacketCase> {};
 
@@ -113,30 +98,29 @@ TEST_P(PacketTest, FillsOnePeriod) {
   ASSERT_EQ(manager_.SetPulseModEnabled(true), 0);
   ASSERT_EQ(manager_.SetDoublePulseEnabled(true), 0);
   const PacketCase& row = GetParam();
-  const auto widths = Array(row.widths, row.lower);
-  const auto delays = Array(row.delays, row.lower);
+  const auto widths = Doubles(row.widths, row.lower);
+  const auto delays = Doubles(row.delays, row.lower);
   EXPECT_EQ(manager_.ConfigurePacket(true, widths.Get(), delays.Get()), row.result);
-  EXPECT_EQ(ValuesOf(widths), row.widths);
-  EXPECT_THAT(ValuesOf(delays), testing::Pointwise(testing::DoubleEq(), row.delays_back));
+  EXPECT_EQ(ValuesOf(widths.Get()), row.widths);
+  EXPECT_THAT(ValuesOf(delays.Get()), testing::Pointwise(testing::DoubleEq(), row.delays_back));
   EXPECT_EQ(manager_.GetPulseSettings().packet_enabled, row.result == 0);
   EXPECT_EQ(manager_.GetPulseSettings().double_enabled, row.result != 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Packets, PacketTest,
-    testing::Values(
-        PacketCase{"LastDelayIsReplaced", {1e-6, 2e-6}, {1e-6, 9e-6}, 0, {1e-6, 6e-6}},
-        PacketCase{"LongerThanThePeriod", {6e-6, 6e-6}, {1e-6, 1e-6}, 0, {1e-6, 0}},
-        PacketCase{"OneBasedSendsOneMore", {1e-6, 2e-6}, {1e-6, 1e-6}, 0, {1e-6, 1e-6}, 1},
-        PacketCase{"CountsDiffer", {1e-6, 1e-6}, {1e-6}, status::kInvalidValue, {1e-6}},
-        PacketCase{"NegativeWidth", {1e-6, -1e-6}, {0, 0}, status::kInvalidValue, {0, 0}},
-        PacketCase{"NegativeDelay", {1e-6}, {-1e-6}, status::kInvalidValue, {-1e-6}}),
-    [](const auto& row) { return row.param.name; });
+const PacketCase kPacketCases[] = {
+    {"LastDelayIsReplaced", {1e-6, 2e-6}, {1e-6, 9e-6}, 0, {1e-6, 6e-6}},
+    {"LongerThanThePeriod", {6e-6, 6e-6}, {1e-6, 1e-6}, 0, {1e-6, 0}},
+    {"OneBasedSendsOneMore", {1e-6, 2e-6}, {1e-6, 1e-6}, 0, {1e-6, 1e-6}, 1},
+    {"CountsDiffer", {1e-6, 1e-6}, {1e-6}, status::kInvalidValue, {1e-6}},
+    {"NegativeWidth", {1e-6, -1e-6}, {0, 0}, status::kInvalidValue, {0, 0}},
+    {"NegativeDelay", {1e-6}, {-1e-6}, status::kInvalidValue, {-1e-6}},
+};
+INSTANTIATE_TEST_SUITE_P(Packets, PacketTest, testing::ValuesIn(kPacketCases), RowName());
 
 TEST_F(ManagerTest, PacketsWithoutAnArray) {
   Open();
-  const auto array = Array({1e-6});
-  const auto empty = Array({});
+  const auto array = Doubles({1e-6});
+  const auto empty = Doubles({});
   EXPECT_EQ(manager_.ConfigurePacket(true, array.Get(), nullptr), status::kInvalidValue);
   EXPECT_EQ(manager_.ConfigurePacket(true, nullptr, array.Get()), status::kInvalidValue);
   EXPECT_EQ(array.Get()->cLocks, 0U);

@@ -1,6 +1,7 @@
 // From a block to a trace.
 #include "tests/manager/ManagerFixture.h"
 #include "tests/measurement/TempFile.h"
+#include "tests/platform/Arrays.h"
 
 namespace {
 
@@ -24,6 +25,13 @@ class FetchTest : public ManagerTest {
     ASSERT_EQ(manager_.ErrorRecords().size(), 1U);
     visa_.ClearRecord();
   }
+  /// Has the worker store a block that nobody has fetched yet.
+  void StoreBlock(SweepMode mode) {
+    ASSERT_EQ(manager_.SetSweepMode(mode), 0);
+    visa_.CompleteData('A', Block(1, 7));  // its word goes into the trail after it was stored
+    manager_.RequestSoftwareTrigger();
+    ASSERT_TRUE(WaitUntil([this] { return manager_.ErrorRecords().size() == 1; }));
+  }
   [[nodiscard]] std::vector<double> Row(int channel) const {
     const auto row = trace_.Row(channel);
     std::vector<double> values;
@@ -33,54 +41,39 @@ class FetchTest : public ManagerTest {
 };
 
 struct PlanCase {
-  const char* name;
   SweepMode mode;
   bool with_list;
   std::vector<double> frequencies;  // MHz, of three points
 };
-class PlanTest : public FetchTest, public testing::WithParamInterface<PlanCase> {};
+const std::array kPlanCases{
+    PlanCase{SweepMode::kFrequencyStep, true, {1000, 1500, 2000}},
+    PlanCase{SweepMode::kPowerStep, true, {3000, 3000, 3000}},
+    PlanCase{SweepMode::kList, true, {4000, 6000, 3000}},  // behind its end as without a sweep
+    PlanCase{SweepMode::kList, false, {3000, 3000, 3000}},
+};
 
-TEST_P(PlanTest, EachPointHasItsFrequency) {
+TEST_F(FetchTest, EachPointHasItsFrequency) {
   Open();
   LoadDetectors();
-  double start = 1e9;
-  double stop = 2e9;
-  double step = 5e8;
   ASSERT_EQ(manager_.SetFrequency(3e9), 0);
-  ASSERT_EQ(manager_.SetFrequencyStep(start, stop, step), 0);
-  SAFEARRAYBOUND bound{2, 0};
-  SAFEARRAY* const list = SafeArrayCreate(VT_R8, 1, &bound);
-  void* data = nullptr;
-  ASSERT_EQ(SafeArrayAccessData(list, &data), S_OK);
-  static_cast<double*>(data)[0] = 4e9;
-  static_cast<double*>(data)[1] = 6e9;
-  SafeArrayUnaccessData(list);
-  EXPECT_EQ(manager_.SetFrequencyList(GetParam().with_list ? list : nullptr), 0);
-  SafeArrayDestroy(list);
-  ASSERT_EQ(manager_.SetSweepMode(GetParam().mode), 0);
-  visa_.CompleteData('A', Block(3));
-  manager_.RequestSoftwareTrigger();
-  ASSERT_TRUE(WaitForBlock());
-  EXPECT_EQ(Row(0), GetParam().frequencies);
-  EXPECT_EQ(Row(2), GetParam().frequencies);
+  ASSERT_EQ(SetFrequencyStep(manager_), 0);
+  const auto list = Doubles({4e9, 6e9});
+  for (const PlanCase& row : kPlanCases) {
+    EXPECT_EQ(manager_.SetFrequencyList(row.with_list ? list.Get() : nullptr), 0);
+    ASSERT_EQ(manager_.SetSweepMode(row.mode), 0);
+    visa_.CompleteData('A', Block(3));
+    manager_.RequestSoftwareTrigger();
+    ASSERT_TRUE(WaitForBlock());
+    EXPECT_EQ(Row(0), row.frequencies);
+    EXPECT_EQ(Row(2), row.frequencies);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Modes, PlanTest,
-    testing::Values(PlanCase{"FrequencyStep", SweepMode::kFrequencyStep, true, {1000, 1500, 2000}},
-                    PlanCase{"PowerStep", SweepMode::kPowerStep, true, {3000, 3000, 3000}},
-                    PlanCase{"ListAndCwBehindItsEnd", SweepMode::kList, true, {4000, 6000, 3000}},
-                    PlanCase{"ListModeWithoutList", SweepMode::kList, false, {3000, 3000, 3000}}),
-    [](const auto& row) { return row.param.name; });
 
 TEST_F(FetchTest, BlockKeepsTheSettingsThatItWasMeasuredWith) {
   Open();
   LoadDetectors();
   ASSERT_EQ(manager_.SetFrequency(1e9), 0);
-  ASSERT_EQ(manager_.SetSweepMode(SweepMode::kPowerStep), 0);
-  visa_.CompleteData('A', Block(1, 7));  // its word goes into the trail after it was stored
-  manager_.RequestSoftwareTrigger();
-  ASSERT_TRUE(WaitUntil([this] { return manager_.ErrorRecords().size() == 1; }));
+  StoreBlock(SweepMode::kPowerStep);
   ASSERT_EQ(manager_.SetFrequency(5e9), 0);
   ASSERT_EQ(manager_.SetChannelMultiplier(0, 3.0), 0);
   ASSERT_EQ(manager_.SetChannelDivider(0, 2.0), 0);
@@ -99,28 +92,23 @@ class DiscardTest : public FetchTest, public testing::WithParamInterface<Discard
 
 TEST_P(DiscardTest, BlockNobodyFetched) {
   Open();
-  ASSERT_EQ(manager_.SetSweepMode(SweepMode::kList), 0);
-  visa_.CompleteData('A', Block(1, 7));
-  manager_.RequestSoftwareTrigger();
-  ASSERT_TRUE(WaitUntil([this] { return manager_.ErrorRecords().size() == 1; }));
+  StoreBlock(SweepMode::kList);
   GetParam().act(manager_);
   EXPECT_EQ(manager_.FetchData(trace_), GetParam().discards ? status::kVisaTimeout : 0);
 }
 
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Blocks, DiscardTest,
-    testing::ValuesIn(std::vector<DiscardCase>{
-        {"ReadingTheOutputState", [](CK4NManager& m) { bool on = false; m.GetOutputEnabled(on); }, true},
-        {"SweepMode", [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, true},
-        {"Averaging", [](CK4NManager& m) { m.SetAveraging(1); }, true},
-        {"PulseModulation", [](CK4NManager& m) { m.SetPulseModEnabled(true); }, true},
-        {"List", [](CK4NManager& m) { m.SetPowerList(nullptr); }, true},
-        {"Frequency", [](CK4NManager& m) { m.SetFrequency(1e9); }, false},
-        {"Dwell", [](CK4NManager& m) { m.SetDwell(1.0); }, false},
-    }),
-    [](const auto& row) { return row.param.name; });
+const DiscardCase kDiscardCases[] = {
+    {"ReadingTheOutputState", [](CK4NManager& m) { bool on = false; m.GetOutputEnabled(on); }, true},
+    {"SweepMode", [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, true},
+    {"Averaging", [](CK4NManager& m) { m.SetAveraging(1); }, true},
+    {"PulseModulation", [](CK4NManager& m) { m.SetPulseModEnabled(true); }, true},
+    {"List", [](CK4NManager& m) { m.SetPowerList(nullptr); }, true},
+    {"Frequency", [](CK4NManager& m) { m.SetFrequency(1e9); }, false},
+    {"Dwell", [](CK4NManager& m) { m.SetDwell(1.0); }, false},
+};
 // clang-format on
+INSTANTIATE_TEST_SUITE_P(Blocks, DiscardTest, testing::ValuesIn(kDiscardCases), RowName());
 
 TEST_F(FetchTest, WithoutAnythingToFetch) {
   EXPECT_EQ(manager_.FetchData(trace_), status::kNoSession);
@@ -136,7 +124,6 @@ struct SingleReadCase {
   Status result;
   int points;  // of a trace; a failure that is no notice goes into the trail
 };
-void PrintTo(const SingleReadCase& row, std::ostream* stream) { *stream << row.name; }
 
 class SingleReadTest : public FetchTest, public testing::WithParamInterface<SingleReadCase> {};
 
@@ -160,21 +147,19 @@ TEST_P(SingleReadTest, BeforeAnySweep) {
 }
 
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Reads, SingleReadTest,
-    testing::ValuesIn(std::vector<SingleReadCase>{
-        {"Block", 0, Block(5), 0, 5},
-        {"StatusWordAlone", 0, Block(0), 0, 0},
-        {"Nothing", 0, {}, status::kVisaProtocolViolation, 2},
-        {"OneByteTooMany", 0, std::vector<std::uint8_t>(15), status::kVisaProtocolViolation, 2},
-        {"FirstNotice", 1, Block(5), status::kVisaTimeout, 2},
-        {"LastNotice", 6, Block(5), status::kVisaTimeout, 2},
-        {"BehindTheNotices", 7, Block(5), 7, 2},
-        {"Refused", kRefusal, {}, kRefusalStatus, 2},
-        {"PllUnlocked", 0, Block(5, 0x8007), status::kInstrumentPllUnlocked, 2},
-    }),
-    [](const auto& row) { return row.param.name; });
+const SingleReadCase kSingleReadCases[] = {
+    {"Block", 0, Block(5), 0, 5},
+    {"StatusWordAlone", 0, Block(0), 0, 0},
+    {"Nothing", 0, {}, status::kVisaProtocolViolation, 2},
+    {"OneByteTooMany", 0, std::vector<std::uint8_t>(15), status::kVisaProtocolViolation, 2},
+    {"FirstNotice", 1, Block(5), status::kVisaTimeout, 2},
+    {"LastNotice", 6, Block(5), status::kVisaTimeout, 2},
+    {"BehindTheNotices", 7, Block(5), 7, 2},
+    {"Refused", kRefusal, {}, kRefusalStatus, 2},
+    {"PllUnlocked", 0, Block(5, 0x8007), status::kInstrumentPllUnlocked, 2},
+};
 // clang-format on
+INSTANTIATE_TEST_SUITE_P(Reads, SingleReadTest, testing::ValuesIn(kSingleReadCases), RowName());
 
 TEST_F(FetchTest, IntegerReadingsAreNotScaled) {
   // Levels 5e6 / 2^24 at 1 and 1.044 times that at 2: a reading of 1 lies beyond, one of 1 / 256

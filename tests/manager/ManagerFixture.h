@@ -15,21 +15,12 @@
 #include "K4NHardWare/K4NManager.h"
 #include "platform/os/Sync.h"
 #include "tests/link/LinkFixture.h"
+#include "tests/platform/WaitUntil.h"
 
 /// How gtest names a trail's records: "0x80047060@1002".
 inline void PrintTo(const ErrorRecord& record, std::ostream* stream) {
   *stream << std::hex << "0x" << static_cast<std::uint32_t>(record.status) << std::dec << '@'
           << static_cast<int>(record.site);
-}
-
-/// Waits until the condition holds; false when it does not within a time that only a fault needs.
-inline bool WaitUntil(const std::function<bool()>& condition) {
-  constexpr int kMostRounds = 60'000;
-  for (int i = 0; i < kMostRounds; ++i) {
-    if (condition()) return true;
-    os::Sleep(std::chrono::milliseconds(1));
-  }
-  return false;
 }
 
 inline std::string Repeat(std::string_view hex, int count) {
@@ -91,6 +82,21 @@ inline std::vector<std::uint8_t> Block(int points, std::uint16_t status_word = 0
   return bytes;
 }
 
+/// The name of a table's row as gtest wants it.
+struct RowName {
+  template <typename Row>
+  std::string operator()(const testing::TestParamInfo<Row>& info) const {
+    return info.param.name;
+  }
+};
+
+inline Status SetFrequencyStep(CK4NManager& manager) {
+  double start = 1e9;
+  double stop = 2e9;
+  double step = 5e8;
+  return manager.SetFrequencyStep(start, stop, step);
+}
+
 class ManagerTest : public testing::Test {
  protected:
   ManagerTest() {
@@ -140,6 +146,14 @@ class ManagerTest : public testing::Test {
     std::vector<std::string> requests = visa_.Requests();
     for (std::string& request : requests) request.erase(35, 12);
     return requests;
+  }
+
+  /// Takes the oldest record from the trail; code 0 and no text when there is none.
+  std::pair<std::int32_t, std::optional<std::string>> TakeError() {
+    std::int32_t code = 1;
+    std::optional<std::string> text;
+    EXPECT_EQ(manager_.ErrorQuery(code, text), 0);
+    return {code, text};
   }
 
   [[nodiscard]] double Frequency() const {

@@ -5,6 +5,7 @@ namespace {
 
 using scripted::Function;
 using testing::ElementsAreArray;
+using testing::Pair;
 
 using M = CK4NManager;
 
@@ -15,7 +16,6 @@ struct SettingCase {
   Status (*set)(M&);
   std::vector<Site> trail;
 };
-void PrintTo(const SettingCase& row, std::ostream* stream) { *stream << row.name; }
 
 class SettingTest : public ManagerTest, public testing::WithParamInterface<SettingCase> {};
 
@@ -42,20 +42,10 @@ TEST_P(SettingTest, ComesBetweenTwoReads) {
     EXPECT_TRUE(WaitUntilRequested("6", 1)) << "answer " << answer;
     EXPECT_EQ(visa_.RequestOrder().front(), "1") << "the read in progress is given up first";
     visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
-    while (!manager_.ErrorRecords().empty()) {
-      std::int32_t code = 0;
-      std::optional<std::string> text;
-      manager_.ErrorQuery(code, text);
-    }
+    while (TakeError().first != 0) continue;
   }
 }
 
-Status FrequencyStep(M& manager) {
-  double start = 1e9;
-  double stop = 2e9;
-  double step = 5e8;
-  return manager.SetFrequencyStep(start, stop, step);
-}
 Status PowerStep(M& manager) {
   double start = -10.0;
   double stop = -8.0;
@@ -69,28 +59,26 @@ Status Sync(M& manager) {
 
 using S = Site;
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Settings, SettingTest,
-    testing::ValuesIn(std::vector<SettingCase>{
-        {"Frequency", 0, [](M& m) { return m.SetFrequency(1e9); }, {S::kFrequencyAxis, S::kCwFrequency}},
-        {"Level", 79, [](M& m) { return m.SetLevel(-30.0); }, {S::kPowerAxis, S::kCwLevel}},
-        {"OutputOff", 79, [](M& m) { return m.SetOutputEnabled(false); }, {S::kOutputEnabled}},
-        {"OutputOn", 79, [](M& m) { return m.SetOutputEnabled(true); }, {S::kPowerAxis, S::kOutputEnabled}},
-        {"AttenMode", 79, [](M& m) { return m.SetAttenMode(5); }, {S::kPowerAxis, S::kAttenMode}},
-        {"FrequencyStep", 0, FrequencyStep, {S::kFrequencyAxis, S::kFrequencyAxis, S::kFrequencyStep}},
-        {"PowerStep", 79, PowerStep, {S::kPowerAxis, S::kPowerAxis, S::kPowerStep}},
-        {"SweepTrigger", 7, [](M& m) { SweepTriggerSettings now{.source = 0}; return m.SetSweepTrigger(now, false); }, {S::kSweepTrigger}},
-        {"Dwell", 5, [](M& m) { return m.SetDwell(1e6); }, {S::kDwell}},
-        {"Averaging", 4, [](M& m) { return m.SetAveraging(9); }, {S::kAveraging}},
-        {"ExternalReference", 17, [](M& m) { return m.SetExtRefGen(true, 5e6); }, {S::kExtRefGen}},
-        {"PhaseDelay", 92, [](M& m) { return m.SetExtRefPhaseDelay(-7); }, {S::kExtRefPhaseDelay}},
-        {"Compensation", 11, [](M& m) { return m.SetCompensMode(9); }, {S::kCompensMode}},
-        {"SyncGenerator", 37, Sync, {S::kSyncGenerator}},
-        {"Modulation", 31, [](M& m) { return m.SetPulseModEnabled(true); }, {S::kPulseTrain}},
-        {"PolarityWhileOff", 31, [](M& m) { return m.SetPulseModPolarity(true); }, {S::kPulseOff}},
-    }),
-    [](const auto& row) { return row.param.name; });
+const SettingCase kSettingCases[] = {
+    {"Frequency", 0, [](M& m) { return m.SetFrequency(1e9); }, {S::kFrequencyAxis, S::kCwFrequency}},
+    {"Level", 79, [](M& m) { return m.SetLevel(-30.0); }, {S::kPowerAxis, S::kCwLevel}},
+    {"OutputOff", 79, [](M& m) { return m.SetOutputEnabled(false); }, {S::kOutputEnabled}},
+    {"OutputOn", 79, [](M& m) { return m.SetOutputEnabled(true); }, {S::kPowerAxis, S::kOutputEnabled}},
+    {"AttenMode", 79, [](M& m) { return m.SetAttenMode(5); }, {S::kPowerAxis, S::kAttenMode}},
+    {"FrequencyStep", 0, SetFrequencyStep, {S::kFrequencyAxis, S::kFrequencyAxis, S::kFrequencyStep}},
+    {"PowerStep", 79, PowerStep, {S::kPowerAxis, S::kPowerAxis, S::kPowerStep}},
+    {"SweepTrigger", 7, [](M& m) { SweepTriggerSettings now{.source = 0}; return m.SetSweepTrigger(now, false); }, {S::kSweepTrigger}},
+    {"Dwell", 5, [](M& m) { return m.SetDwell(1e6); }, {S::kDwell}},
+    {"Averaging", 4, [](M& m) { return m.SetAveraging(9); }, {S::kAveraging}},
+    {"ExternalReference", 17, [](M& m) { return m.SetExtRefGen(true, 5e6); }, {S::kExtRefGen}},
+    {"PhaseDelay", 92, [](M& m) { return m.SetExtRefPhaseDelay(-7); }, {S::kExtRefPhaseDelay}},
+    {"Compensation", 11, [](M& m) { return m.SetCompensMode(9); }, {S::kCompensMode}},
+    {"SyncGenerator", 37, Sync, {S::kSyncGenerator}},
+    {"Modulation", 31, [](M& m) { return m.SetPulseModEnabled(true); }, {S::kPulseTrain}},
+    {"PolarityWhileOff", 31, [](M& m) { return m.SetPulseModPolarity(true); }, {S::kPulseOff}},
+};
 // clang-format on
+INSTANTIATE_TEST_SUITE_P(Settings, SettingTest, testing::ValuesIn(kSettingCases), RowName());
 
 TEST_F(ManagerTest, ArgumentsComeBackAsTheInstrumentSetThem) {
   Open();
@@ -153,7 +141,6 @@ struct AxisCase {
   Status (*set)(CK4NManager& manager);
   std::vector<const char*> order;  // a power write with the output switch that it carries
 };
-void PrintTo(const AxisCase& row, std::ostream* stream) { *stream << row.name; }
 
 class AxisTest : public ManagerTest, public testing::WithParamInterface<AxisCase> {};
 
@@ -179,100 +166,85 @@ constexpr auto kStep = SweepMode::kFrequencyStep;
 constexpr auto kList = SweepMode::kList;
 
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Axes, AxisTest,
-    testing::ValuesIn(std::vector<AxisCase>{
-        {"FrequencyInCw", kCw, Output::kOn, Frequency, {"3:0/60x1"}},
-        {"FrequencyInPowerStep", kPower, Output::kOn, Frequency, {"3:0/60x1"}},
-        {"FrequencyInFrequencyStep", kStep, Output::kOn, Frequency, {"3:0/60x1", "3:0/60x4"}},
-        {"FrequencyInList", kList, Output::kOn, Frequency, {"3:0/60x1", "3:2/60x0"}},
-        {"LevelInCw", kCw, Output::kOff, Level, {"3:79/62x5 off"}},
-        {"LevelInFrequencyStep", kStep, Output::kOn, Level, {"3:79/62x5 on"}},
-        {"LevelInPowerStep", kPower, Output::kOn, Level, {"3:79/62x5 off", "3:79/62x8 on"}},
-        {"LevelInPowerStepOutputOff", kPower, Output::kOff, Level, {"3:79/62x5 off"}},
-        {"LevelInList", kList, Output::kOn, Level, {"3:79/62x5 off", "3:76/42x4 on"}},
-        {"FrequencyStepInCw", kCw, Output::kOn, FrequencyStep, {"3:0/60x4", "3:0/60x1"}},
-        {"FrequencyStepInItsMode", kStep, Output::kOn, FrequencyStep, {"3:0/60x4"}},
-        {"FrequencyStepInPowerStep", kPower, Output::kOn, FrequencyStep, {"3:0/60x4", "3:0/60x1", "3:79/62x8 on"}},
-        {"PowerStepInCwOutputOff", kCw, Output::kOff, PowerStep, {"3:79/62x8 off"}},
-        {"PowerStepInCw", kCw, Output::kOn, PowerStep, {"3:79/62x8 off", "3:79/62x5 on"}},
-        {"PowerStepInItsModeOutputOff", kPower, Output::kOff, PowerStep, {"3:79/62x8 off"}},
-        {"PowerStepInFrequencyStep", kStep, Output::kOn, PowerStep, {"3:79/62x8 off", "3:79/62x5 on", "3:0/60x4"}},
-        {"OutputOffInPowerStep", kPower, Output::kOn, [](M& m) { return m.SetOutputEnabled(false); }, {"3:79/62x5 off"}},
-        {"OutputOnInPowerStep", kPower, Output::kOff, [](M& m) { return m.SetOutputEnabled(true); }, {"3:79/62x8 on"}},
-        {"ModeList", kCw, Output::kOn, [](M& m) { return m.SetSweepMode(kList); }, {"3:76/42x4 on", "3:2/60x0", "4:7/10x10", "3:7/10x10"}},
-    }),
-    [](const auto& row) { return row.param.name; });
+const AxisCase kAxisCases[] = {
+    {"FrequencyInCw", kCw, Output::kOn, Frequency, {"3:0/60x1"}},
+    {"FrequencyInPowerStep", kPower, Output::kOn, Frequency, {"3:0/60x1"}},
+    {"FrequencyInFrequencyStep", kStep, Output::kOn, Frequency, {"3:0/60x1", "3:0/60x4"}},
+    {"FrequencyInList", kList, Output::kOn, Frequency, {"3:0/60x1", "3:2/60x0"}},
+    {"LevelInCw", kCw, Output::kOff, Level, {"3:79/62x5 off"}},
+    {"LevelInFrequencyStep", kStep, Output::kOn, Level, {"3:79/62x5 on"}},
+    {"LevelInPowerStep", kPower, Output::kOn, Level, {"3:79/62x5 off", "3:79/62x8 on"}},
+    {"LevelInPowerStepOutputOff", kPower, Output::kOff, Level, {"3:79/62x5 off"}},
+    {"LevelInList", kList, Output::kOn, Level, {"3:79/62x5 off", "3:76/42x4 on"}},
+    {"FrequencyStepInCw", kCw, Output::kOn, SetFrequencyStep, {"3:0/60x4", "3:0/60x1"}},
+    {"FrequencyStepInItsMode", kStep, Output::kOn, SetFrequencyStep, {"3:0/60x4"}},
+    {"FrequencyStepInPowerStep", kPower, Output::kOn, SetFrequencyStep, {"3:0/60x4", "3:0/60x1", "3:79/62x8 on"}},
+    {"PowerStepInCwOutputOff", kCw, Output::kOff, PowerStep, {"3:79/62x8 off"}},
+    {"PowerStepInCw", kCw, Output::kOn, PowerStep, {"3:79/62x8 off", "3:79/62x5 on"}},
+    {"PowerStepInItsModeOutputOff", kPower, Output::kOff, PowerStep, {"3:79/62x8 off"}},
+    {"PowerStepInFrequencyStep", kStep, Output::kOn, PowerStep, {"3:79/62x8 off", "3:79/62x5 on", "3:0/60x4"}},
+    {"OutputOffInPowerStep", kPower, Output::kOn, [](M& m) { return m.SetOutputEnabled(false); }, {"3:79/62x5 off"}},
+    {"OutputOnInPowerStep", kPower, Output::kOff, [](M& m) { return m.SetOutputEnabled(true); }, {"3:79/62x8 on"}},
+    {"ModeList", kCw, Output::kOn, [](M& m) { return m.SetSweepMode(kList); }, {"3:76/42x4 on", "3:2/60x0", "4:7/10x10", "3:7/10x10"}},
+};
 // clang-format on
+INSTANTIATE_TEST_SUITE_P(Axes, AxisTest, testing::ValuesIn(kAxisCases), RowName());
 
 struct ModeFailureCase {
-  const char* name;
   std::uint8_t refused;  // identifier
   std::vector<const char*> order;
   std::vector<Site> trail;
 };
-class ModeFailureTest : public ManagerTest, public testing::WithParamInterface<ModeFailureCase> {};
+const std::array kModeFailureCases{
+    ModeFailureCase{76, {"3:76/42x4", "1"}, {Site::kPowerAxis}},
+    ModeFailureCase{2, {"3:76/42x4", "3:2/60x0", "1", "3:79/62x5"}, {Site::kFrequencyAxis}},
+};
 
-TEST_P(ModeFailureTest, RestoresTheMode) {
-  Open();
-  visa_.Rule(kWrite, GetParam().refused, kRefusal, 0, 1);
-  EXPECT_EQ(manager_.SetSweepMode(SweepMode::kList), kRefusalStatus);
-  EXPECT_THAT(visa_.RequestOrder(), ElementsAreArray(GetParam().order));
-  SweepMode mode{};
-  EXPECT_EQ(manager_.GetSweepMode(mode), 0);
-  EXPECT_EQ(mode, SweepMode::kContinuousWave);
-  EXPECT_THAT(manager_.ErrorRecords(), ElementsAreArray(Refusals(GetParam().trail)));
+TEST_F(ManagerTest, RefusedModeIsRestored) {
+  for (const ModeFailureCase& row : kModeFailureCases) {
+    CK4NManager manager;
+    ASSERT_EQ(manager.Initialize(kResource, ""), 0);
+    visa_.ClearRecord();
+    visa_.Rule(kWrite, row.refused, kRefusal, 0, 1);
+    EXPECT_EQ(manager.SetSweepMode(SweepMode::kList), kRefusalStatus);
+    EXPECT_THAT(visa_.RequestOrder(), ElementsAreArray(row.order));
+    SweepMode mode{};
+    EXPECT_EQ(manager.GetSweepMode(mode), 0);
+    EXPECT_EQ(mode, SweepMode::kContinuousWave);
+    EXPECT_THAT(manager.ErrorRecords(), ElementsAreArray(Refusals(row.trail)));
+    visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
+  }
 }
-
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Axes, ModeFailureTest,
-    testing::ValuesIn(std::vector<ModeFailureCase>{
-        {"Power", 76, {"3:76/42x4", "1"}, {Site::kPowerAxis}},
-        {"Frequency", 2, {"3:76/42x4", "3:2/60x0", "1", "3:79/62x5"}, {Site::kFrequencyAxis}},
-    }),
-    [](const auto& row) { return row.param.name; });
-// clang-format on
 
 // --- Error trail
 
 struct QueryCase {
-  const char* name;
   std::uint32_t visa_status;  // of the read that fails; 0: the instrument refuses
   std::int32_t code;
   const char* text;
 };
-class QueryTest : public ManagerTest, public testing::WithParamInterface<QueryCase> {};
+const std::array kQueryCases{
+    QueryCase{0, kRefusalStatus, "-32763"},
+    QueryCase{0xBFFF0000, status::kVisaFirst, "text of BF FF 00 00"},
+    QueryCase{0xBFFF00A8, status::kVisaLast, "text of BF FF 00 A8"},
+    // Behind the last of VISA's codes and before the first: decimal in full.
+    QueryCase{0xBFFF00A9, status::FromBits(0xBFFF00A9), "-1073807191"},
+    QueryCase{0xBFFEFFFF, status::FromBits(0xBFFEFFFF), "-1073807361"},
+};
 
-TEST_P(QueryTest, TellsCodeAndText) {
+TEST_F(ManagerTest, ErrorQueryTellsCodeAndText) {
   Open();
-  if (GetParam().visa_status != 0) {
-    visa_.SetResult(Function::kRead, GetParam().visa_status, 1);
-  } else {
-    visa_.Rule(kWrite, kDwellId, kRefusal);
+  for (const QueryCase& row : kQueryCases) {
+    if (row.visa_status != 0) {
+      visa_.SetResult(Function::kRead, row.visa_status, 1);
+    } else {
+      visa_.Rule(kWrite, kDwellId, kRefusal, 0, 1);
+    }
+    EXPECT_EQ(manager_.SetDwell(1.0), row.code);
+    EXPECT_THAT(TakeError(), Pair(row.code, row.text));
+    EXPECT_THAT(TakeError(), Pair(0, std::nullopt)) << "the trail is empty";
   }
-  EXPECT_EQ(manager_.SetDwell(1.0), GetParam().code);
-  std::int32_t code = 1;
-  std::optional<std::string> text;
-  EXPECT_EQ(manager_.ErrorQuery(code, text), 0);
-  EXPECT_EQ(code, GetParam().code);
-  EXPECT_EQ(text, GetParam().text);
-  EXPECT_EQ(manager_.ErrorQuery(code, text), 0);
-  EXPECT_EQ(code, 0) << "the trail is empty";
-  EXPECT_EQ(text, std::nullopt);
 }
-
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(Texts, QueryTest,
-                         testing::ValuesIn(std::vector<QueryCase>{
-        {"InstrumentCode", 0, kRefusalStatus, "-32763"},
-        {"FirstVisaCode", 0xBFFF0000, status::kVisaFirst, "text of BF FF 00 00"},
-        {"LastVisaCode", 0xBFFF00A8, status::kVisaLast, "text of BF FF 00 A8"},
-        {"BehindTheLastVisaCodeDecimalInFull", 0xBFFF00A9, status::FromBits(0xBFFF00A9), "-1073807191"},
-        {"BeforeTheFirst", 0xBFFEFFFF, status::FromBits(0xBFFEFFFF), "-1073807361"},
-    }),
-                         [](const auto& row) { return row.param.name; });
-// clang-format on
 
 TEST_F(ManagerTest, ErrorsAreToldOldestFirstAlsoAfterTheSession) {
   Open();
@@ -283,13 +255,9 @@ TEST_F(ManagerTest, ErrorsAreToldOldestFirstAlsoAfterTheSession) {
   EXPECT_EQ(manager_.ErrorRecords().front().Location(),
             "File: .\\K4NHardWare\\K4NManager Line: 632");
   manager_.Close();
-  std::int32_t code = 0;
-  std::optional<std::string> text;
-  manager_.ErrorQuery(code, text);
-  EXPECT_EQ(code, kRefusalStatus);
-  manager_.ErrorQuery(code, text);
-  EXPECT_EQ(code, status::FromBits(0xBFFF00A6));
-  EXPECT_EQ(text, "-1073807194") << "nobody left to ask for a text";
+  EXPECT_EQ(TakeError().first, kRefusalStatus);
+  EXPECT_THAT(TakeError(), Pair(status::FromBits(0xBFFF00A6), "-1073807194"))
+      << "nobody left to ask for a text";
 }
 
 }  // namespace

@@ -14,10 +14,7 @@ class ProtocolLibraryTest : public ManagerTest {
   std::optional<std::string> TextOf(std::uint16_t refusal) {
     visa_.Rule(kWrite, kDwellId, refusal, 0, 1);
     manager_.SetDwell(1.0);
-    std::int32_t code = 0;
-    std::optional<std::string> text;
-    manager_.ErrorQuery(code, text);
-    return text;
+    return TakeError().second;
   }
 
   os::Module module_;

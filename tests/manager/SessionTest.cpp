@@ -106,7 +106,6 @@ struct InitializeCase {
   std::vector<const char*> asked;  // requests whose order matters here, see RequestOrder
   std::vector<const char*> not_asked = {};
 };
-void PrintTo(const InitializeCase& row, std::ostream* stream) { *stream << row.name; }
 
 class InitializeTest : public ManagerTest, public testing::WithParamInterface<InitializeCase> {};
 
@@ -137,50 +136,48 @@ constexpr Status kFormUnknown = status::kInstrumentFormUnknown;
 constexpr auto kOrdinary = [](scripted::Visa&) {};
 
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Branches, InitializeTest,
-    testing::ValuesIn(std::vector<InitializeCase>{
-        {"ManagerOfVisaFails", [](auto& visa) { visa.SetResult(Function::kOpenDefaultRM, 0xBFFF0011); },
-         "", kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}},
-        {"OpenFails", [](auto& visa) { visa.SetResult(Function::kOpen, 0xBFFF0011); },
-         "", kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}},
-        {"OpenWithAWarningIsNoSession", [](auto& visa) { visa.SetResult(Function::kOpen, 0x3FFF007D); },
-         "", 0x3FFF007D, {{0x3FFF007D, Site::kOpenSession}}, {}, {"1"}},
-        {"OpenWithANoticeIsNoSessionAndNoFailure", [](auto& visa) { visa.SetResult(Function::kOpen, 3); },
-         "", 3, {}, {}, {"1"}},
-        {"TimeoutCannotBeSet", [](auto& visa) { visa.SetResult(Function::kSetAttribute, 0xBFFF001D); },
-         "", status::FromBits(0xBFFF001D), {{status::FromBits(0xBFFF001D), Site::kOpenSession}}, {}, {"1"}},
-        {"RecoveryNotSupported", [](auto& visa) { visa.Rule(1, 0, 0x8002); },
-         "", status::kUnknownResource, {{kNotSupported, Site::kInitializeModel}}, {"1"}, {"3:3/20x1", "3:79/62x5"}},
-        {"NoFrequencyFormSupported", [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8003); },
-         "", status::kUnknownResource, {{kFormUnknown, Site::kInitializeModel}}, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, {"3:3/20x1", "3:79/62x5"}},
-        {"OtherFailureOfTheModelGoesOn", [](auto& visa) { visa.Answer(kRefusal); },
-         "", 0, {{kRefusalStatus, Site::kInitializeModel}}, {"1", "3:3/20x1", "3:79/62x5", "3:31/40x2"}, {"4:15/10x100"}},
-        {"OtherKindGoesOn", [](auto& visa) { visa.RuleBody(kWrite, kKindId, 0, "03 00 02 00"); },
-         "", 0, {{status::kWrongInstrumentKind, Site::kInstrumentKind}}, {"3:3/20x1", "3:31/40x3"}, {"4:79/62x5", "3:4/10x1", "3:79/62x5"}},
-        {"NoKindConfirmed", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); },
-         "", 0, {}, {"3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "4:79/62x5", "3:4/10x1", "3:79/62x5", "3:31/40x3"}},
-        {"FailedRecoveryOfTheProbeIsNotTold", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); visa.Rule(1, 0, kRefusal); visa.Rule(1, 0, 0, 0, 1); },
-         "", 0, {}, {"3:3/20x1", "3:3/20x1", "3:3/20x1", "4:79/62x5"}},
-        {"GeneratorIsAskedForThatKindAlone", kOrdinary, "GENERATOR", 0, {}, {"3:3/20x1", "4:79/62x5", "3:79/62x5"}, {"3:4/10x1"}},
-        {"OptionIsCaseSensitive", kOrdinary, "generator", 0, {}, {"3:3/20x1", "3:4/10x1"}},
-        {"OutputStateNotSupported", [](auto& visa) { visa.Rule(kRead, kPowerId, 0x8002); visa.Rule(kRead, 12, 0x8002); },
-         "", status::kIdentificationFailed, {{kNotSupported, Site::kOutputState}}, {"4:79/62x5"}, {"3:79/62x5", "3:31/40x3"}},
-        {"OtherFailureOfTheOutputStateGoesOn", [](auto& visa) { visa.Rule(kRead, kPowerId, kRefusal); },
-         "", 0, {{kRefusalStatus, Site::kOutputState}}, {"4:79/62x5", "3:31/40x3"}, {"3:4/10x1", "3:0/60x1"}},
-        {"RefusedAveragingGoesOn", [](auto& visa) { visa.Rule(kWrite, 4, kRefusal); },
-         "", 0, {{kRefusalStatus, Site::kAveraging}}, {"3:4/10x1", "3:79/62x5", "3:31/40x3"}},
-        {"SweepModeNotSupported", [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8002, 0x60); visa.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1); },
-         "", status::kIdentificationFailed, {{kNotSupported, Site::kFrequencyAxis}}, {"3:0/60x1", "3:79/62x5"}, {"3:31/40x3"}},
-        {"NoPulseModulator", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8002); },
-         "", 0, {{kNotSupported, Site::kPulseOff}}, {"3:31/40x3"}},
-        {"NoPulseModulatorOfThisForm", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8003); },
-         "", 0, {{kFormUnknown, Site::kPulseOff}}, {"3:31/40x3"}},
-        {"PulseModulatorFails", [](auto& visa) { visa.Rule(kWrite, kPulseId, kRefusal); },
-         "", kRefusalStatus, {{kRefusalStatus, Site::kPulseOff}}, {"3:31/40x3"}},
-    }),
-    [](const auto& row) { return row.param.name; });
+const InitializeCase kInitializeCases[] = {
+    {"ManagerOfVisaFails", [](auto& visa) { visa.SetResult(Function::kOpenDefaultRM, 0xBFFF0011); },
+     "", kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}},
+    {"OpenFails", [](auto& visa) { visa.SetResult(Function::kOpen, 0xBFFF0011); },
+     "", kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}},
+    {"OpenWithAWarningIsNoSession", [](auto& visa) { visa.SetResult(Function::kOpen, 0x3FFF007D); },
+     "", 0x3FFF007D, {{0x3FFF007D, Site::kOpenSession}}, {}, {"1"}},
+    {"OpenWithANoticeIsNoSessionAndNoFailure", [](auto& visa) { visa.SetResult(Function::kOpen, 3); },
+     "", 3, {}, {}, {"1"}},
+    {"TimeoutCannotBeSet", [](auto& visa) { visa.SetResult(Function::kSetAttribute, 0xBFFF001D); },
+     "", status::FromBits(0xBFFF001D), {{status::FromBits(0xBFFF001D), Site::kOpenSession}}, {}, {"1"}},
+    {"RecoveryNotSupported", [](auto& visa) { visa.Rule(1, 0, 0x8002); },
+     "", status::kUnknownResource, {{kNotSupported, Site::kInitializeModel}}, {"1"}, {"3:3/20x1", "3:79/62x5"}},
+    {"NoFrequencyFormSupported", [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8003); },
+     "", status::kUnknownResource, {{kFormUnknown, Site::kInitializeModel}}, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, {"3:3/20x1", "3:79/62x5"}},
+    {"OtherFailureOfTheModelGoesOn", [](auto& visa) { visa.Answer(kRefusal); },
+     "", 0, {{kRefusalStatus, Site::kInitializeModel}}, {"1", "3:3/20x1", "3:79/62x5", "3:31/40x2"}, {"4:15/10x100"}},
+    {"OtherKindGoesOn", [](auto& visa) { visa.RuleBody(kWrite, kKindId, 0, "03 00 02 00"); },
+     "", 0, {{status::kWrongInstrumentKind, Site::kInstrumentKind}}, {"3:3/20x1", "3:31/40x3"}, {"4:79/62x5", "3:4/10x1", "3:79/62x5"}},
+    {"NoKindConfirmed", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); },
+     "", 0, {}, {"3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "4:79/62x5", "3:4/10x1", "3:79/62x5", "3:31/40x3"}},
+    {"FailedRecoveryOfTheProbeIsNotTold", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); visa.Rule(1, 0, kRefusal); visa.Rule(1, 0, 0, 0, 1); },
+     "", 0, {}, {"3:3/20x1", "3:3/20x1", "3:3/20x1", "4:79/62x5"}},
+    {"GeneratorIsAskedForThatKindAlone", kOrdinary, "GENERATOR", 0, {}, {"3:3/20x1", "4:79/62x5", "3:79/62x5"}, {"3:4/10x1"}},
+    {"OptionIsCaseSensitive", kOrdinary, "generator", 0, {}, {"3:3/20x1", "3:4/10x1"}},
+    {"OutputStateNotSupported", [](auto& visa) { visa.Rule(kRead, kPowerId, 0x8002); visa.Rule(kRead, 12, 0x8002); },
+     "", status::kIdentificationFailed, {{kNotSupported, Site::kOutputState}}, {"4:79/62x5"}, {"3:79/62x5", "3:31/40x3"}},
+    {"OtherFailureOfTheOutputStateGoesOn", [](auto& visa) { visa.Rule(kRead, kPowerId, kRefusal); },
+     "", 0, {{kRefusalStatus, Site::kOutputState}}, {"4:79/62x5", "3:31/40x3"}, {"3:4/10x1", "3:0/60x1"}},
+    {"RefusedAveragingGoesOn", [](auto& visa) { visa.Rule(kWrite, 4, kRefusal); },
+     "", 0, {{kRefusalStatus, Site::kAveraging}}, {"3:4/10x1", "3:79/62x5", "3:31/40x3"}},
+    {"SweepModeNotSupported", [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8002, 0x60); visa.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1); },
+     "", status::kIdentificationFailed, {{kNotSupported, Site::kFrequencyAxis}}, {"3:0/60x1", "3:79/62x5"}, {"3:31/40x3"}},
+    {"NoPulseModulator", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8002); },
+     "", 0, {{kNotSupported, Site::kPulseOff}}, {"3:31/40x3"}},
+    {"NoPulseModulatorOfThisForm", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8003); },
+     "", 0, {{kFormUnknown, Site::kPulseOff}}, {"3:31/40x3"}},
+    {"PulseModulatorFails", [](auto& visa) { visa.Rule(kWrite, kPulseId, kRefusal); },
+     "", kRefusalStatus, {{kRefusalStatus, Site::kPulseOff}}, {"3:31/40x3"}},
+};
 // clang-format on
+INSTANTIATE_TEST_SUITE_P(Branches, InitializeTest, testing::ValuesIn(kInitializeCases), RowName());
 
 TEST_F(ManagerTest, KindsAreProbedFromAnalyserDownAndTheConfirmedOneStands) {
   visa_.Rule(kWrite, kKindId, kRefusal, 0, 2);
@@ -193,19 +190,6 @@ TEST_F(ManagerTest, KindsAreProbedFromAnalyserDownAndTheConfirmedOneStands) {
                                   WriteRequest(1, 0x20, "03 00 02 00"),
                                   WriteRequest(1, 0x20, "03 00 01 00")));
   EXPECT_EQ(manager_.FetchData(trace_), status::kMethodNotSupported) << "a generator after all";
-}
-
-TEST_F(ManagerTest, OutputStateOfTheInstrumentIsTakenOver) {
-  Open();
-  double level = 0.0;
-  std::uint32_t mode = 0;
-  bool enabled = false;
-  EXPECT_EQ(manager_.GetLevel(level), 0);
-  EXPECT_EQ(manager_.GetAttenMode(mode), 0);
-  EXPECT_EQ(manager_.GetOutputEnabled(enabled), 0);
-  EXPECT_EQ(level, -20.0);
-  EXPECT_EQ(mode, 3U);
-  EXPECT_TRUE(enabled);
 }
 
 }  // namespace

@@ -15,7 +15,6 @@ struct TriggerCase {
   SweepTriggerSettings kept;
   bool kept_step;
 };
-void PrintTo(const TriggerCase& row, std::ostream* stream) { *stream << row.name; }
 
 class TriggerTest : public ManagerTest, public testing::WithParamInterface<TriggerCase> {};
 
@@ -52,24 +51,22 @@ TEST_P(TriggerTest, MapsBothWays) {
 }
 
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Sources, TriggerTest,
-    testing::ValuesIn(std::vector<TriggerCase>{
-        {"Immediate", {0, 1, 1}, false, "00 01 00 00 02", nullptr, 0, {0, 1, 1}, false},
-        {"External", {1, 0, 0}, false, "01 00 00 00 02", nullptr, 0, {1, 0, 0}, false},
-        {"Step", {1, 0, 1}, true, "02 01 00 00 02", nullptr, 0, {1, 0, 1}, true},
-        {"Measure", {1, 1, 0}, true, "03 00 00 00 02", nullptr, 0, {1, 1, 0}, true},
-        {"SoftwareRunsFreely", {2, 0, 0}, false, "00 00 00 00 02", nullptr, 0, {2, 0, 0}, false},
-        {"AnswersFreeRun", {1, 0, 0}, true, "02 00 00 00 02", "00 01 00 00 02", 0, {0, 0, 1}, true},
-        {"AnswersSweep", {1, 1, 0}, true, "03 00 00 00 02", "01 00 00 00 02", 0, {1, 1, 0}, false},
-        {"AnswersStep", {1, 1, 0}, true, "03 00 00 00 02", "02 00 00 00 02", 0, {1, 0, 0}, true},
-        {"AnswersPoint", {0, 0, 0}, false, "00 00 00 00 02", "03 00 00 00 02", 0, {1, 1, 0}, true},
-        {"AnswersLine", {0, 0, 0}, false, "00 00 00 00 02", "04 00 00 00 02", 0, {2, 0, 0}, false},
-        {"NoSuchSource", {3, 1, 1}, true, nullptr, nullptr, -1, {0, 0, 0}, false},
-        {"NoSuchAnswer", {1, 1, 1}, true, "03 01 00 00 02", "05 00 00 00 02", -1, {0, 0, 0}, false},
-    }),
-    [](const auto& row) { return row.param.name; });
+const TriggerCase kTriggerCases[] = {
+    {"Immediate", {0, 1, 1}, false, "00 01 00 00 02", nullptr, 0, {0, 1, 1}, false},
+    {"External", {1, 0, 0}, false, "01 00 00 00 02", nullptr, 0, {1, 0, 0}, false},
+    {"Step", {1, 0, 1}, true, "02 01 00 00 02", nullptr, 0, {1, 0, 1}, true},
+    {"Measure", {1, 1, 0}, true, "03 00 00 00 02", nullptr, 0, {1, 1, 0}, true},
+    {"SoftwareRunsFreely", {2, 0, 0}, false, "00 00 00 00 02", nullptr, 0, {2, 0, 0}, false},
+    {"AnswersFreeRun", {1, 0, 0}, true, "02 00 00 00 02", "00 01 00 00 02", 0, {0, 0, 1}, true},
+    {"AnswersSweep", {1, 1, 0}, true, "03 00 00 00 02", "01 00 00 00 02", 0, {1, 1, 0}, false},
+    {"AnswersStep", {1, 1, 0}, true, "03 00 00 00 02", "02 00 00 00 02", 0, {1, 0, 0}, true},
+    {"AnswersPoint", {0, 0, 0}, false, "00 00 00 00 02", "03 00 00 00 02", 0, {1, 1, 0}, true},
+    {"AnswersLine", {0, 0, 0}, false, "00 00 00 00 02", "04 00 00 00 02", 0, {2, 0, 0}, false},
+    {"NoSuchSource", {3, 1, 1}, true, nullptr, nullptr, -1, {0, 0, 0}, false},
+    {"NoSuchAnswer", {1, 1, 1}, true, "03 01 00 00 02", "05 00 00 00 02", -1, {0, 0, 0}, false},
+};
 // clang-format on
+INSTANTIATE_TEST_SUITE_P(Sources, TriggerTest, testing::ValuesIn(kTriggerCases), RowName());
 
 TEST_F(ManagerTest, ExternalPowerControlSwitchesTriggerAndOutput) {
   Open();

@@ -13,7 +13,6 @@ struct ResumeCase {
   void (*arrange)(CK4NManager& manager);
   bool measures;
 };
-void PrintTo(const ResumeCase& row, std::ostream* stream) { *stream << row.name; }
 
 class ResumeTest : public ManagerTest, public testing::WithParamInterface<ResumeCase> {};
 
@@ -36,29 +35,24 @@ void ImmediateFrequencyStep(CK4NManager& manager) {
   manager.SetSweepMode(SweepMode::kFrequencyStep);
 }
 void ConfiguredFrequencyStep(CK4NManager& manager) {
-  double start = 1e9;
-  double stop = 2e9;
-  double step = 5e8;
-  manager.SetFrequencyStep(start, stop, step);
+  SetFrequencyStep(manager);
   ImmediateFrequencyStep(manager);
 }
 
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Resume, ResumeTest,
-    testing::ValuesIn(std::vector<ResumeCase>{
-        {"NoSweep", "", Output::kOn, Immediate, false},
-        {"List", "", Output::kOn, ImmediateList, true},
-        {"FrequencyStepNotConfigured", "", Output::kOn, ImmediateFrequencyStep, false},
-        {"FrequencyStepConfigured", "", Output::kOn, ConfiguredFrequencyStep, true},
-        {"SoftwareWithoutTrigger", "", Output::kOn, [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, false},
-        {"SoftwareWithTrigger", "", Output::kOn, [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); m.RequestSoftwareTrigger(); }, true},
-        {"AnalyserOutputOff", "", Output::kOff, ImmediateList, true},
-        {"GeneratorOutputOff", "GENERATOR", Output::kOff, ImmediateList, false},
-        {"GeneratorOutputOn", "GENERATOR", Output::kOn, ImmediateList, true},
-    }),
-    [](const auto& row) { return row.param.name; });
+const ResumeCase kResumeCases[] = {
+    {"NoSweep", "", Output::kOn, Immediate, false},
+    {"List", "", Output::kOn, ImmediateList, true},
+    {"FrequencyStepNotConfigured", "", Output::kOn, ImmediateFrequencyStep, false},
+    {"FrequencyStepConfigured", "", Output::kOn, ConfiguredFrequencyStep, true},
+    {"SoftwareWithoutTrigger", "", Output::kOn, [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, false},
+    {"SoftwareWithTrigger", "", Output::kOn, [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); m.RequestSoftwareTrigger(); }, true},
+    {"AnalyserOutputOff", "", Output::kOff, ImmediateList, true},
+    {"GeneratorOutputOff", "GENERATOR", Output::kOff, ImmediateList, false},
+    {"GeneratorOutputOn", "GENERATOR", Output::kOn, ImmediateList, true},
+};
 // clang-format on
+INSTANTIATE_TEST_SUITE_P(Resume, ResumeTest, testing::ValuesIn(kResumeCases), RowName());
 
 TEST_F(ManagerTest, WorkerStoresBlockAfterBlock) {
   Open();
@@ -96,7 +90,6 @@ struct ReadFailureCase {
   std::vector<ErrorRecord> trail;
   bool recovers;  // else the block is kept
 };
-void PrintTo(const ReadFailureCase& row, std::ostream* stream) { *stream << row.name; }
 
 class ReadFailureTest : public ManagerTest, public testing::WithParamInterface<ReadFailureCase> {};
 
@@ -129,18 +122,16 @@ TEST_P(ReadFailureTest, IsRecordedAndReadingGoesOn) {
 }
 
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Reads, ReadFailureTest,
-    testing::ValuesIn(std::vector<ReadFailureCase>{
-        {"RefusedAtOnce", kRefusal, 0, true, {{kRefusalStatus, Site::kWorkerRead}}, true},
-        {"RefusedLater", kRefusal, 0, false, {{kRefusalStatus, Site::kWorkerRepeatedRead}}, true},
-        {"NegativeWordOfTheBlock", 0, kRefusal, false, {{kRefusalStatus, Site::kWorkerRepeatedRead}}, true},
-        {"NoticeInsteadOfABlock", 6, 0, false, {}, true},
-        {"NoticeWithABlock", 0, 6, false, {}, false},
-        {"BlockWithAnUnknownWord", 0, 7, false, {{7, Site::kBlockStatus}}, false},
-    }),
-    [](const auto& row) { return row.param.name; });
+const ReadFailureCase kReadFailureCases[] = {
+    {"RefusedAtOnce", kRefusal, 0, true, {{kRefusalStatus, Site::kWorkerRead}}, true},
+    {"RefusedLater", kRefusal, 0, false, {{kRefusalStatus, Site::kWorkerRepeatedRead}}, true},
+    {"NegativeWordOfTheBlock", 0, kRefusal, false, {{kRefusalStatus, Site::kWorkerRepeatedRead}}, true},
+    {"NoticeInsteadOfABlock", 6, 0, false, {}, true},
+    {"NoticeWithABlock", 0, 6, false, {}, false},
+    {"BlockWithAnUnknownWord", 0, 7, false, {{7, Site::kBlockStatus}}, false},
+};
 // clang-format on
+INSTANTIATE_TEST_SUITE_P(Reads, ReadFailureTest, testing::ValuesIn(kReadFailureCases), RowName());
 
 /// While the worker measures, the state comes from what it reads. A level that is not settled shows
 /// until the next read that says otherwise, so blocks that say so keep coming.
@@ -241,22 +232,6 @@ TEST_F(ManagerTest, SettingDuringASweepClearsRecoversAndStartsItAgain) {
   EXPECT_TRUE(manager_.ErrorRecords().empty());
 }
 
-TEST_F(ManagerTest, LostConnectionEndsInCloseAndANewSessionWorks) {
-  Open();
-  StartMeasuring();
-  visa_.SetResult(Function::kRead, 0xBFFF00A6);
-  ASSERT_TRUE(WaitUntil([this] { return manager_.ErrorRecords().size() >= 3; }));
-  EXPECT_EQ(manager_.SetDwell(1.0), status::FromBits(0xBFFF00A6));
-  EXPECT_EQ(manager_.Close(), 0);
-  EXPECT_EQ(visa_.control().OpenSessions(), 0U);
-  visa_.SetResult(Function::kRead, 0, 0);
-  visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
-  EXPECT_EQ(manager_.Initialize(kResource, ""), 0);
-  StartMeasuring();
-  visa_.CompleteData('A', Block(2));
-  EXPECT_TRUE(WaitForBlock());
-}
-
 TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
   constexpr int kRounds = 40;
   Open();
@@ -280,11 +255,9 @@ TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
   threads.emplace_back([&] {
     while (!done) {
       bool state = false;
-      std::int32_t code = 0;
-      std::optional<std::string> text;
       EXPECT_EQ(manager_.GetLevelState(state), 0);
       EXPECT_GE(Frequency(), 1e7);
-      EXPECT_EQ(manager_.ErrorQuery(code, text), 0);
+      EXPECT_EQ(TakeError().first, 0);
       std::this_thread::yield();
     }
   });
@@ -313,9 +286,7 @@ TEST_F(ManagerTest, ErrorTextsWhileTheWorkerReads) {
   visa_.SetResult(Function::kRead, 0xBFFF00A6, 20);
   int texts = 0;
   ASSERT_TRUE(WaitUntil([&] {
-    std::int32_t code = 0;
-    std::optional<std::string> text;
-    EXPECT_EQ(manager_.ErrorQuery(code, text), 0);
+    const auto [code, text] = TakeError();
     EXPECT_TRUE(code == 0 || text == "text of BF FF 00 A6");
     texts += code != 0 ? 1 : 0;
     return texts >= 5;

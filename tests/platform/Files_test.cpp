@@ -33,15 +33,11 @@ TEST_F(Files, BackslashesSeparateFolders) {
   EXPECT_EQ(ContentOf(InFolder("a\\b\\c.txt")), "text\n");
 }
 
-TEST_F(Files, WritingReplacesWhatWasThere) {
-  os::OpenForWriting(InFolder("log.txt")) << "a long first text";
-  os::OpenForWriting(InFolder("log.txt")) << "short";
-  EXPECT_EQ(ContentOf(InFolder("log.txt")), "short");
-}
-
-TEST_F(Files, ReadingDoesNotTouchLineEnds) {
-  os::OpenForWriting(InFolder("lines.txt")) << "a\r\nb\n\x1A";
-  EXPECT_EQ(ContentOf(InFolder("lines.txt")), "a\r\nb\n\x1A");
+TEST_F(Files, WritingReplacesWhatWasThereAndReadingDoesNotTouchLineEnds) {
+  for (const char* const text : {"a long first text", "a\r\nb\n\x1A"}) {
+    os::OpenForWriting(InFolder("log.txt")) << text;
+    EXPECT_EQ(ContentOf(InFolder("log.txt")), text);
+  }
 }
 
 TEST_F(Files, CyrillicNameNeedsTheRussianLocale) {

@@ -22,15 +22,12 @@ TEST(Identifiers, AreReadInEitherCase) {
     GUID guid = {};
     EXPECT_EQ(CLSIDFromString(text, &guid), S_OK);
     EXPECT_TRUE(IsEqualGUID(guid, kGuid));
+    guid = {};
     EXPECT_EQ(IIDFromString(text, &guid), S_OK);
     EXPECT_TRUE(IsEqualGUID(guid, kGuid));
+    EXPECT_EQ(CLSIDFromString(nullptr, &guid), S_OK);
+    EXPECT_TRUE(IsEqualGUID(guid, GUID_NULL));
   }
-}
-
-TEST(Identifiers, NullTextIsTheNullIdentifier) {
-  GUID guid = kGuid;
-  EXPECT_EQ(CLSIDFromString(nullptr, &guid), S_OK);
-  EXPECT_TRUE(IsEqualGUID(guid, GUID_NULL));
 }
 
 struct BadText {
@@ -40,7 +37,7 @@ struct BadText {
 };
 
 TEST(Identifiers, OtherTextsAreRefused) {
-  const BadText kBad[] = {
+  const BadText cases[] = {
       {"dash missing", OLESTR("{47ED51890A398-11D4-BA58-000064657374}"), CO_E_IIDSTRING},
       {"no hexadecimal digit", OLESTR("{47ED5189-A398-11D4-BA58-00006465737G}"), CO_E_IIDSTRING},
       {"brace missing at the end", OLESTR("{47ED5189-A398-11D4-BA58-0000646573740"),
@@ -48,7 +45,7 @@ TEST(Identifiers, OtherTextsAreRefused) {
       {"too short", OLESTR("{47ED5189-A398-11D4-BA58-00006465737}"), E_INVALIDARG},
       {"too long", OLESTR("{47ED5189-A398-11D4-BA58-000064657374}0"), E_INVALIDARG},
   };
-  for (const BadText& bad : kBad) {
+  for (const BadText& bad : cases) {
     GUID guid = {};
     EXPECT_EQ(CLSIDFromString(bad.text, &guid), CO_E_CLASSSTRING) << bad.fault;
     EXPECT_EQ(IIDFromString(bad.text, &guid), bad.as_iid) << bad.fault;

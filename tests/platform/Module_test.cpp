@@ -16,30 +16,29 @@ int AnswerOf(const os::Module& module) {
   return answer == nullptr ? -1 : answer();
 }
 
-TEST(Module, LoadsByTheSystemsSearch) {
+class Module : public testing::Test {
+ protected:
+  void SetUp() override {
+    EXPECT_TRUE(module_.File().empty());
+    ASSERT_TRUE(module_.Load(ProbePath()));
+  }
+  os::Module module_;
+};
+
+TEST(ModuleSearch, IsTheSystems) {
   os::Module module;
   ASSERT_TRUE(module.Load("PlatformProbe.dll"));
   EXPECT_EQ(AnswerOf(module), kProbeAnswer);
 }
 
-TEST(Module, LoadsFromTheFolderInTheName) {
-  os::Module module;
-  ASSERT_TRUE(module.Load(ProbePath()));
-  EXPECT_EQ(AnswerOf(module), kProbeAnswer);
-  EXPECT_EQ(module.Symbol("NoSuchName"), nullptr);
+TEST_F(Module, LoadsFromTheFolderInTheName) {
+  EXPECT_EQ(AnswerOf(module_), kProbeAnswer);
+  EXPECT_EQ(module_.Symbol("NoSuchName"), nullptr);
 }
 
-TEST(Module, KnowsItsOwnFolder) {
-  os::Module module;
-  ASSERT_TRUE(module.Load(ProbePath()));
-  EXPECT_EQ(module.FunctionOf<const char*()>("ProbeFolder")(), os::ThisModuleFolder());
-}
-
-TEST(Module, KnowsItsFile) {
-  os::Module module;
-  EXPECT_TRUE(module.File().empty());
-  ASSERT_TRUE(module.Load(ProbePath()));
-  const std::filesystem::path file = module.File();
+TEST_F(Module, KnowsItsFileAndFolder) {
+  EXPECT_EQ(module_.FunctionOf<const char*()>("ProbeFolder")(), os::ThisModuleFolder());
+  const std::filesystem::path file = module_.File();
   EXPECT_TRUE(std::filesystem::is_regular_file(file));
   EXPECT_EQ(file.parent_path() / "", std::filesystem::path(os::ThisModuleFolder()));
   const std::filesystem::path own = os::ThisModuleFile();
@@ -47,19 +46,15 @@ TEST(Module, KnowsItsFile) {
   EXPECT_NE(own, file);
 }
 
-TEST(Module, MissingModuleGivesNothing) {
-  os::Module module;
-  ASSERT_TRUE(module.Load(ProbePath()));
-  EXPECT_FALSE(module.Load(os::ThisModuleFolder() + "NoSuchModule.dll"));
-  EXPECT_FALSE(module.IsLoaded());
-  EXPECT_EQ(module.Symbol("ProbeAnswer"), nullptr);
+TEST_F(Module, MissingModuleGivesNothing) {
+  EXPECT_FALSE(module_.Load(os::ThisModuleFolder() + "NoSuchModule.dll"));
+  EXPECT_FALSE(module_.IsLoaded());
+  EXPECT_EQ(module_.Symbol("ProbeAnswer"), nullptr);
 }
 
-TEST(Module, MovedModuleIsUnloadedOnce) {
-  os::Module first;
-  ASSERT_TRUE(first.Load(ProbePath()));
-  os::Module second = std::move(first);
-  first = os::Module();
+TEST_F(Module, MovedModuleIsUnloadedOnce) {
+  os::Module second = std::move(module_);
+  module_ = os::Module();
   EXPECT_EQ(AnswerOf(second), kProbeAnswer);
   second.Unload();
   second.Unload();

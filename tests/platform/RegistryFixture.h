@@ -5,6 +5,8 @@
 
 #include <cstdlib>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/com/Com.h"
 #include "platform/os/Text.h"
@@ -55,6 +57,18 @@ inline bool KeyExists(HKEY parent, const OLECHAR* name) {
   if (RegOpenKeyExW(parent, name, 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
   RegCloseKey(key);
   return true;
+}
+
+/// The names of its subkeys, and the result that ends them.
+inline std::pair<std::vector<os::WideString>, LSTATUS> NamesIn(HKEY key) {
+  std::vector<os::WideString> names;
+  for (OLECHAR name[100] = {};;) {
+    DWORD length = 100;
+    const LSTATUS result = RegEnumKeyExW(key, static_cast<DWORD>(names.size()), name, &length,
+                                         nullptr, nullptr, nullptr, nullptr);
+    if (result != ERROR_SUCCESS) return {names, result};
+    names.emplace_back(name, length);
+  }
 }
 
 /// Elsewhere than on Windows, the tests have a registry file of their own.

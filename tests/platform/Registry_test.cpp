@@ -1,6 +1,4 @@
 // The registry's functions: the same on every system.
-#include <vector>
-
 #include "tests/platform/RegistryFixture.h"
 
 namespace {
@@ -53,19 +51,10 @@ TEST_F(Registry, SmallBufferTellsTheSizeNeeded) {
 TEST_F(Registry, EnumeratesSubkeysOnly) {
   const Key deep(root_.Get(), OLESTR("A\\Deep"));
   const Key other(root_.Get(), OLESTR("B"));
-  std::vector<os::WideString> names;
-  OLECHAR name[10] = {};
-  DWORD length = 10;
-  LSTATUS result = ERROR_SUCCESS;
-  for (DWORD i = 0; (result = RegEnumKeyExW(root_.Get(), i, name, &length, nullptr, nullptr,
-                                            nullptr, nullptr)) == ERROR_SUCCESS;
-       ++i) {
-    names.emplace_back(name, length);
-    length = 10;
-  }
-  EXPECT_EQ(result, ERROR_NO_MORE_ITEMS);
-  EXPECT_EQ(names, (std::vector<os::WideString>{OLESTR("A"), OLESTR("B")}));
-  length = 1;
+  EXPECT_EQ(NamesIn(root_.Get()),
+            std::pair(std::vector<os::WideString>{OLESTR("A"), OLESTR("B")}, ERROR_NO_MORE_ITEMS));
+  OLECHAR name[1] = {};
+  DWORD length = 1;
   EXPECT_EQ(RegEnumKeyExW(root_.Get(), 0, name, &length, nullptr, nullptr, nullptr, nullptr),
             ERROR_MORE_DATA);
 }

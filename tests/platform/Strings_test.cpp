@@ -1,46 +1,31 @@
 // Automation texts: the same on every system.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <limits>
+#include <string_view>
 
 #include "platform/com/Com.h"
 
 namespace {
 
-std::uint32_t PrefixOf(BSTR text) {
-  std::uint32_t prefix = 0;
-  std::memcpy(&prefix, reinterpret_cast<const char*>(text) - sizeof(prefix), sizeof(prefix));
-  return prefix;
-}
+struct Allocated {
+  BSTR text;
+  std::string_view memory;  // from the length in bytes before the text to the zero behind it
+};
 
 TEST(Bstr, CarriesItsByteLengthAndAClosingZero) {
-  BSTR text = SysAllocString(OLESTR("K4N"));
-  ASSERT_NE(text, nullptr);
-  EXPECT_EQ(PrefixOf(text), 6U);
-  EXPECT_EQ(SysStringLen(text), 3U);
-  EXPECT_EQ(SysStringByteLen(text), 6U);
-  EXPECT_EQ(text[3], 0);
-  SysFreeString(text);
-}
-
-TEST(Bstr, KeepsZerosInside) {
-  const OLECHAR characters[] = {'a', 0, 'b'};
-  BSTR text = SysAllocStringLen(characters, 3);
-  ASSERT_NE(text, nullptr);
-  EXPECT_EQ(SysStringLen(text), 3U);
-  EXPECT_EQ(text[2], 'b');
-  EXPECT_EQ(text[3], 0);
-  SysFreeString(text);
-}
-
-TEST(Bstr, KeepsAnOddNumberOfBytes) {
-  BSTR text = SysAllocStringByteLen("abc", 3);
-  ASSERT_NE(text, nullptr);
-  EXPECT_EQ(SysStringByteLen(text), 3U);
-  EXPECT_EQ(SysStringLen(text), 1U);
-  EXPECT_EQ(std::memcmp(text, "abc\0", 4), 0);
-  SysFreeString(text);
+  const Allocated cases[] = {
+      {SysAllocString(OLESTR("K4N")), {"\6\0\0\0K\0004\0N\0\0", 12}},
+      {SysAllocStringLen(OLESTR("a\0b"), 3), {"\6\0\0\0a\0\0\0b\0\0", 12}},
+      {SysAllocStringByteLen("abc", 3), {"\3\0\0\0abc", 8}},
+  };
+  for (const auto& [text, memory] : cases) {
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(std::string_view(reinterpret_cast<const char*>(text) - 4, memory.size()), memory);
+    EXPECT_EQ(SysStringByteLen(text), static_cast<UINT>(memory[0]));
+    EXPECT_EQ(SysStringLen(text), static_cast<UINT>(memory[0]) / 2);
+    SysFreeString(text);
+  }
 }
 
 TEST(Bstr, NullIsEmptyText) {

@@ -35,7 +35,13 @@ expect 0 'Registration removed for all users: ' register --remove
 expect 1 "ok +bitness +64-bit program, 64-bit driver [^\n]*$name\nFAILED +registration +[^\n]*not registered: run zk4n register" check
 expect 0 "^Registered for all users: [^\n]*$name\n" register
 echo Close >"$folder/close.zk"
-expect 0 '"hresult":"0x8004701D",[^\n]*"source":"ZentrelK4NLib.ZentrelK4N.1"' shell --json --registered "$folder/close.zk"
+# Errors come from the class that reports them: what a child forwards is the root's.
+printf '%s\n' Close Sweep.PowerStep.Reset 'Sweep.PowerStep.Start = 1' 'PulseGenerator.Output.Enabled = true' >"$folder/errors.zk"
+sources=
+for class in ZentrelK4N ZentrelK4NPowerStep ZentrelK4N ZentrelK4N; do
+  sources+="[^\n]*\"source\":\"ZentrelK4NLib.$class.1\"[^\n]*\n"
+done
+expect 0 "^$sources" shell --json --registered "$folder/errors.zk"
 expect 0 "ok +registration +ZentrelK4NLib.ZentrelK4N in [^\n]*$name\nok +VISA library +[^\n]*zevisa[^\n]*\nnot tried +connection +" check
 expect 0 "^Registered for this user: [^\n]*$name\n" register --user
 expect 0 "^Registration removed for this user: [^\n]*$name\n" register --user --remove

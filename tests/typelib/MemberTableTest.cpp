@@ -1,5 +1,4 @@
-// The table of members that the console calls by: against the published surface, and what a call
-// leaves in its arguments.
+// The table of members that the console calls by, against the published surface.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,14 +6,10 @@
 #include <regex>
 #include <string>
 
-#include "server/interface/ZentrelK4NLib.h"
 #include "tests/typelib/Surface.h"
 #include "zk4n/members/MemberTable.h"
 
 namespace {
-
-using members::Argument;
-using members::Kind;
 
 constexpr std::array kInherent{"IIviDriverIdentity", "IIviDriverOperation"};
 
@@ -91,78 +86,6 @@ TEST(MemberTableTest, HasTheInherentInterfacesAsTheirHeaderDeclaresThem) {
     }
   }
   EXPECT_EQ(described, declared);
-}
-
-/// Writes what it is told to, and keeps what it was given.
-class ScriptedChannels final : public IZentrelK4NChannels {
- public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID /*iid*/, void** /*object*/) override {
-    return E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
-  ULONG STDMETHODCALLTYPE Release() override { return --references; }
-  HRESULT STDMETHODCALLTYPE get_Count(LONG* count) override {
-    if (count == nullptr) return E_POINTER;
-    if (writes) *count = 3;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE get_Name(LONG index, BSTR* name) override {
-    if (!writes) return E_FAIL;
-    SysFreeString(*name);
-    *name = SysAllocString(index == 7 ? OLESTR("seven") : OLESTR("other"));
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE get_Item(BSTR name, IZentrelK4NChannel** item) override {
-    given_null = name == nullptr;
-    if (writes) *item = nullptr;
-    return S_FALSE;
-  }
-
-  ULONG references = 1;
-  bool writes = true;
-  bool given_null = false;
-};
-
-HRESULT Call(ScriptedChannels& object, const char* name, std::span<Argument> arguments) {
-  const auto* entry = members::FindInterface(__uuidof(IZentrelK4NChannels));
-  return entry->Find(name, Kind::kGet)->Call(&object, arguments);
-}
-
-TEST(MemberCallTest, TellsWhetherAnArgumentWasWritten) {
-  for (const bool writes : {true, false}) {
-    ScriptedChannels object;
-    object.writes = writes;
-    std::array<Argument, 1> count;
-    EXPECT_EQ(Call(object, "Count", count), S_OK);
-    EXPECT_EQ(count[0].written, writes);
-    EXPECT_EQ(std::holds_alternative<LONG>(count[0].value), writes);
-
-    std::array<Argument, 2> name;
-    name[0].value = LONG{7};
-    EXPECT_EQ(Call(object, "Name", name), writes ? S_OK : E_FAIL);
-    EXPECT_EQ(name[1].written, writes);
-    ASSERT_EQ(std::holds_alternative<Bstr>(name[1].value), writes);
-    if (writes) {
-      EXPECT_TRUE(std::get<Bstr>(name[1].value).View() == OLESTR("seven"));
-    }
-
-    std::array<Argument, 2> item;
-    EXPECT_EQ(Call(object, "Item", item), S_FALSE);
-    EXPECT_TRUE(object.given_null) << "a text without a value is null";
-    EXPECT_EQ(item[1].written, writes) << "null is written, too";
-  }
-}
-
-TEST(MemberCallTest, PassesNullReferencesAndRefusesWhatDoesNotFit) {
-  ScriptedChannels object;
-  std::array<Argument, 1> count;
-  count[0].value = members::NullReference{};
-  EXPECT_EQ(Call(object, "Count", count), E_POINTER);
-  EXPECT_FALSE(count[0].written);
-  std::array<Argument, 2> name;
-  EXPECT_THROW(Call(object, "Count", name), std::invalid_argument);
-  name[0].value = 7.0;
-  EXPECT_THROW(Call(object, "Name", name), std::bad_variant_access);
 }
 
 }  // namespace

@@ -2,42 +2,39 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cmath>
 #include <filesystem>
-#include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <span>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "simulator/Simulator.h"
+#include "tests/platform/TemporaryFolder.h"
+#include "tests/platform/WaitUntil.h"
 #include "tests/zk4n/Program.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using std::chrono::milliseconds;
 using testing::HasSubstr;
 using testing::StartsWith;
 using Arguments = std::vector<std::string>;
 
 constexpr const char* kNobody = "TCPIP0::127.0.0.1::9::SOCKET";  // the discard port
 
+struct Failure {
+  const char* name;
+  Arguments arguments;
+  const char* error;  // what the one line on standard error tells
+};
+
 class ClientTest : public testing::Test {
  protected:
-  ClientTest()
-      : folder_(fs::temp_directory_path() /
-                ("zk4n_client_test_" +
-                 std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()))) {
-    fs::create_directories(folder_ / "files");
-    fs::create_directories(folder_ / "output");
-    fs::create_directories(folder_ / "program");
-  }
-  ~ClientTest() override {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
+  ClientTest() {
+    for (const char* const name : {"files", "output", "program"})
+      fs::create_directory(folder_ / name);
   }
 
   /// Arguments with "@" for the folder of the files.
@@ -69,22 +66,24 @@ class ClientTest : public testing::Test {
     return names;
   }
 
-  fs::path folder_;
-};
-
-/// Waits for what another process or thread brings about.
-bool Eventually(const std::function<bool()>& holds) {
-  for (int i = 0; i < 3000; ++i) {
-    if (holds()) return true;
-    std::this_thread::sleep_for(milliseconds(10));
+  /// Runs each row's command and expects this exit status, one line on standard error, and nothing
+  /// else.
+  void ExpectFailures(std::span<const Failure> rows, int status, const Arguments& more = {}) const {
+    for (const Failure& row : rows) {
+      Arguments arguments = row.arguments;
+      arguments.insert(arguments.end(), more.begin(), more.end());
+      const Result result = Run(arguments);
+      EXPECT_EQ(result.status, status) << row.name;
+      EXPECT_EQ(result.output, "") << row.name;
+      EXPECT_THAT(result.errors, StartsWith("zk4n: ")) << row.name;
+      EXPECT_THAT(result.errors, HasSubstr(row.error)) << row.name;
+      EXPECT_EQ(result.errors.find('\n'), result.errors.size() - 1) << row.name;
+      EXPECT_THAT(Files(), testing::IsEmpty()) << row.name;
+    }
   }
-  return false;
-}
 
-struct Failure {
-  const char* name;
-  Arguments arguments;
-  const char* error;  // what the one line on standard error tells
+  const TemporaryFolder temporary_;
+  const fs::path& folder_ = temporary_.path();
 };
 
 TEST_F(ClientTest, BadArgumentsGiveOneLineAndWriteNothing) {
@@ -125,15 +124,7 @@ TEST_F(ClientTest, BadArgumentsGiveOneLineAndWriteNothing) {
       {"name as address", {"simulate", "--address", "localhost"}, "address: an IP address"},
       {"address of others", {"simulate", "--address", "192.0.2.1"}, "cannot listen on 192.0.2.1"},
   };
-  for (const Failure& row : cases) {
-    const Result result = Run(row.arguments);
-    EXPECT_EQ(result.status, 2) << row.name;
-    EXPECT_EQ(result.output, "") << row.name;
-    EXPECT_THAT(result.errors, StartsWith("zk4n: ")) << row.name;
-    EXPECT_THAT(result.errors, HasSubstr(row.error)) << row.name;
-    EXPECT_EQ(result.errors.find('\n'), result.errors.size() - 1) << row.name;
-    EXPECT_THAT(Files(), testing::IsEmpty()) << row.name;
-  }
+  ExpectFailures(cases, 2);
 }
 
 TEST_F(ClientTest, FailuresOfDriverAndInstrumentTellResultNameAndDescription) {
@@ -167,17 +158,7 @@ TEST_F(ClientTest, FailuresOfDriverAndInstrumentTellResultNameAndDescription) {
         "0.001"},
        "the instrument cannot make steps of 0.001 dB"},
   };
-  for (const Failure& row : cases) {
-    Arguments arguments = row.arguments;
-    arguments.insert(arguments.end(), {"--json", "--csv", "@/t.csv", "--svg", "@/t.svg"});
-    const Result result = Run(arguments);
-    EXPECT_EQ(result.status, 1) << row.name;
-    EXPECT_EQ(result.output, "") << row.name;
-    EXPECT_THAT(result.errors, StartsWith("zk4n: ")) << row.name;
-    EXPECT_THAT(result.errors, HasSubstr(row.error)) << row.name;
-    EXPECT_EQ(result.errors.find('\n'), result.errors.size() - 1) << row.name;
-    EXPECT_THAT(Files(), testing::IsEmpty()) << row.name;
-  }
+  ExpectFailures(cases, 1, {"--json", "--csv", "@/t.csv", "--svg", "@/t.svg"});
 }
 
 TEST_F(ClientTest, WithoutAVisaLibrary) {
@@ -308,7 +289,7 @@ TEST_F(ClientTest, PrintsTheTableAndWritesTheFiles) {
 TEST_F(ClientTest, MeasuresOnASimulatorInAnotherProcess) {
   const fs::path other = folder_ / "program";
   Program simulator(ZK_CLIENT, {"simulate", "--port", "0", "--serial", "4711"}, other);
-  ASSERT_TRUE(Eventually([&] { return simulator.Output().ends_with("\n"); }));
+  ASSERT_TRUE(WaitUntil([&] { return simulator.Output().ends_with("\n"); }));
   std::string resource = simulator.Output();
   resource.pop_back();
   const std::string file = ZK_DETECTOR_FILE;
@@ -331,7 +312,7 @@ TEST_F(ClientTest, CtrlCClosesTheSession) {
                   Resolved({"measure", "--resource", instrument.ResourceName(), "--dwell", "100ms",
                             "--csv", "@/t.csv"}),
                   folder_ / "output");
-  ASSERT_TRUE(Eventually([&] {
+  ASSERT_TRUE(WaitUntil([&] {
     const auto requests = instrument.Requests();
     return !requests.empty() && requests.back().command == 6;
   })) << program.Errors();
@@ -340,7 +321,7 @@ TEST_F(ClientTest, CtrlCClosesTheSession) {
   EXPECT_EQ(program.Wait(), 130);
   EXPECT_THAT(program.Errors(), testing::EndsWith("zk4n: interrupted\n"));
   EXPECT_THAT(Files(), testing::IsEmpty());
-  EXPECT_TRUE(Eventually([&] { return instrument.ConnectionCount() == 0; }));
+  EXPECT_TRUE(WaitUntil([&] { return instrument.ConnectionCount() == 0; }));
   EXPECT_FALSE(instrument.State().output_enabled) << "the output was left on";
 }
 

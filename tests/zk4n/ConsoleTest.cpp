@@ -2,17 +2,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
 #include <string>
-#include <thread>
+#include <utility>
 #include <vector>
 
 #include "simulator/Simulator.h"
+#include "tests/platform/TemporaryFolder.h"
+#include "tests/platform/WaitUntil.h"
 #include "tests/zk4n/Program.h"
 
 namespace {
@@ -41,20 +42,12 @@ std::string Replaced(std::string text, const std::string& what, const std::strin
 class ConsoleTest : public testing::Test {
  protected:
   ConsoleTest() {
-    folder_ = fs::temp_directory_path() /
-              ("zk4n_console_test_" +
-               std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
-    fs::create_directories(folder_);
     simulator::Options options;
     options.faults.push_back(simulator::Fault::Refuse(kDwell, -32763, 1));
     instrument_.emplace(options);
+    instrument_->PressRfButton(true);
     instrument_->Start();
   }
-  ~ConsoleTest() override {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
-  }
-
   [[nodiscard]] std::string WithPlaces(const std::string& line) const {
     return Replaced(Replaced(line, "@RESOURCE@", instrument_->ResourceName()), "@DETECTOR@",
                     ZK_DETECTOR_FILE);
@@ -75,23 +68,22 @@ class ConsoleTest : public testing::Test {
   }
 
   static constexpr std::uint16_t kDwell = 5;
-  fs::path folder_;
+  const TemporaryFolder temporary_;
+  const fs::path& folder_ = temporary_.path();
   std::optional<simulator::Simulator> instrument_;
 };
 
 /// The next line of the program's output, which it writes before it reads on.
 std::string NextLine(const Program& program, std::size_t& read) {
-  for (int i = 0; i < 60000; ++i) {
-    const std::string output = program.Output();
-    const std::size_t end = output.find('\n', read);
-    if (end != std::string::npos) {
-      std::string line = output.substr(read, end - read);
-      read = end + 1;
-      return line;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  return "no result; standard error: " + program.Errors();
+  std::string output;
+  std::size_t end = 0;
+  const auto is_there = [&] {
+    output = program.Output();
+    return (end = output.find('\n', read)) != std::string::npos;
+  };
+  if (!WaitUntil(is_there)) return "no result; standard error: " + program.Errors();
+  const std::size_t begin = std::exchange(read, end + 1);
+  return output.substr(begin, end - begin);
 }
 
 TEST_F(ConsoleTest, TheScriptGivesTheSameTranscriptOnEverySystem) {

@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "measurement/TraceConversion.h"
+#include "tests/platform/TemporaryFolder.h"
 #include "tests/zk4n/Program.h"
 #include "zk4n/Commands.h"
 #include "zk4n/DetectorCheck.h"
@@ -29,17 +30,7 @@ const std::string kVersion0 = "!note\n100 200 400\n1 2 3\n4 5,5 6\n";
 
 class DetectorTest : public testing::Test {
  protected:
-  DetectorTest()
-      : folder_(fs::temp_directory_path() /
-                (std::string("zk4n_") +
-                 testing::UnitTest::GetInstance()->current_test_info()->name())) {
-    fs::remove_all(folder_);
-    fs::create_directories(folder_ / "files");
-  }
-  ~DetectorTest() override {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
-  }
+  DetectorTest() { fs::create_directory(folder_ / "files"); }
 
   [[nodiscard]] std::string File(const std::string& name) const {
     return (folder_ / "files" / name).string();
@@ -69,7 +60,8 @@ class DetectorTest : public testing::Test {
     return {status.value_or(-1), program.Errors()};
   }
 
-  fs::path folder_;
+  const TemporaryFolder temporary_;
+  const fs::path& folder_ = temporary_.path();
 };
 
 struct CheckCase {

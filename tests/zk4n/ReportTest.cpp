@@ -7,6 +7,7 @@
 #include <iterator>
 #include <limits>
 
+#include "tests/platform/TemporaryFolder.h"
 #include "zk4n/Chart.h"
 #include "zk4n/OutputFile.h"
 #include "zk4n/TraceFiles.h"
@@ -91,8 +92,9 @@ TEST(Svg, TextsHaveRoomHoweverNarrowTheRangeAndLongTheName) {
 }
 
 TEST(OutputFile, IsWrittenWholeOrNotAtAll) {
-  const auto folder = std::filesystem::temp_directory_path() / "zk4n-report-test";
-  std::filesystem::create_directories(folder / "sub");
+  const TemporaryFolder temporary;
+  const auto& folder = temporary.path();
+  std::filesystem::create_directory(folder / "sub");
   const auto file = folder / "trace.csv";
   for (const char* const content : {"first", "second"}) {
     OutputFile output(file);
@@ -104,7 +106,6 @@ TEST(OutputFile, IsWrittenWholeOrNotAtAll) {
   EXPECT_FALSE(OutputFile(folder / "sub").IsOpen());
   using Iterator = std::filesystem::recursive_directory_iterator;
   EXPECT_EQ(std::distance(Iterator(folder), Iterator()), 2) << "something was left behind";
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace
