@@ -23,6 +23,15 @@ std::string GuidText(REFGUID guid) {
   return os::ToNarrow(text, os::kUtf8CodePage);
 }
 
+/// The class that reported the thread's last error.
+std::string TakeErrorSource() {
+  ComPtr<IErrorInfo> info;
+  Bstr source;
+  EXPECT_EQ(GetErrorInfo(0, info.Put()), S_OK);
+  if (info) info->GetSource(source.Put());
+  return os::ToNarrow(source.View(), os::kUtf8CodePage);
+}
+
 struct RegisteredClass {
   const char* name;
   CLSID class_id;
@@ -158,6 +167,16 @@ TEST_P(RegistrationTest, ClientsFindTheDriverByProgId) {
     EXPECT_EQ(root->get_Initialized(&is_initialized), S_OK);
     EXPECT_EQ(is_initialized, VARIANT_FALSE);
     EXPECT_EQ(can_unload(), S_FALSE);
+
+    ComPtr<IZentrelK4NSweep> sweep;
+    ComPtr<IZentrelK4NPowerStep> power_step;
+    ASSERT_EQ(root->get_Sweep(sweep.Put()), S_OK);
+    ASSERT_EQ(sweep->get_PowerStep(power_step.Put()), S_OK);
+    power_step->Reset();
+    EXPECT_EQ(TakeErrorSource(), "ZentrelK4NLib.ZentrelK4NPowerStep.1");
+    power_step->put_Start(1.0);
+    EXPECT_EQ(TakeErrorSource(), "ZentrelK4NLib.ZentrelK4N.1")
+        << "what a child forwards is reported by the root";
   }
   EXPECT_EQ(can_unload(), S_OK);
   CoUninitialize();
