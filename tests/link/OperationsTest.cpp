@@ -52,7 +52,7 @@ auto Trigger(Status (D3THardWare::*operation)(unsigned, TriggerElements&), unsig
     return result;
   };
 }
-auto List(ListAxis axis, Values list, LevelSettings settings = {}) {
+auto List(ListAxis axis, const Values& list, LevelSettings settings = {}) {
   return [=](D3THardWare& model, Values& values) {
     values = list;
     return model.TransferList(axis, values, settings);
@@ -242,20 +242,20 @@ TEST_F(LinkTest, StatesFollowTheCode) {
   struct Case {
     Status (D3THardWare::*read)(bool&);
     const char* request;
-    std::uint16_t code;
     Status result;
+    std::uint16_t code;
     bool state;
   };
   const Case rows[] = {
       {&D3THardWare::ReadPllState, "4:0/40x3", 0, 0, true},
-      {&D3THardWare::ReadPllState, "4:0/40x3", 0x8007, 0, false},
-      {&D3THardWare::ReadPllState, "4:0/40x3", 0x801C, -32740, true},
+      {&D3THardWare::ReadPllState, "4:0/40x3", 0, 0x8007, false},
+      {&D3THardWare::ReadPllState, "4:0/40x3", -32740, 0x801C, true},
       {&D3THardWare::ReadErgState, "4:0/40x3", 0, 0, true},
-      {&D3THardWare::ReadErgState, "4:0/40x3", 0x801C, 0, false},
-      {&D3THardWare::ReadErgState, "4:0/40x3", 0x8002, -32766, true},
+      {&D3THardWare::ReadErgState, "4:0/40x3", 0, 0x801C, false},
+      {&D3THardWare::ReadErgState, "4:0/40x3", -32766, 0x8002, true},
       {&D3THardWare::ReadLevelState, "4:79/62x5", 0, 0, true},
       {&D3THardWare::ReadLevelState, "4:79/62x5", 5, 5, true},
-      {&D3THardWare::ReadLevelState, "4:79/62x5", 6, 0, false},
+      {&D3THardWare::ReadLevelState, "4:79/62x5", 0, 6, false},
   };
   for (const Case& row : rows) {
     SCOPED_TRACE(testing::Message() << row.request << ' ' << row.code);

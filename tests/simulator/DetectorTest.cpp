@@ -11,12 +11,15 @@ namespace simulator {
 namespace {
 
 TEST(Detector, BothDirectionsOfTheCurveAgreeAlsoOverTheWire) {
-  for (const double level : {-120.0, -70.0, -36.0, 0.0, 20.0}) {
-    const double reading = DetectorCurve::Reading(level, 3e9);
-    EXPECT_NEAR(DetectorCurve::Level(reading, 3e9), level, 1e-9);
-    if (level < kDetectorMinLevel) continue;
-    EXPECT_NEAR(DetectorCurve::Level(RawReading(reading, 256.0) / 256.0, 3e9), level, 0.01);
+  for (const double level : {-70.0, -36.0, 0.0, 20.0}) {
+    for (const double frequency : {kDetectorMinFrequency, 3e9, 9e9, kDetectorMaxFrequency}) {
+      const double reading = DetectorCurve::Reading(level, frequency);
+      EXPECT_NEAR(DetectorCurve::Level(reading, frequency), level, 1e-9);
+      const double received = RawReading(reading, 256.0) / 256.0;
+      EXPECT_NEAR(DetectorCurve::Level(received, frequency), level, 0.01);
+    }
   }
+  EXPECT_NEAR(DetectorCurve::Level(DetectorCurve::Reading(-120.0, 3e9), 3e9), -120.0, 1e-9);
   EXPECT_EQ(DetectorCurve::Reading(-std::numeric_limits<double>::infinity(), 3e9), 0.0);
 }
 

@@ -21,7 +21,7 @@ constexpr std::size_t kSweepBlock = 10 * 12 + 2;
 
 Bytes Dwell(std::uint32_t microseconds) {
   Bytes body = FromHex("05 00 00 00 00 00");
-  AppendInteger(body, microseconds * 1000, 4);
+  AppendInteger(body, std::uint64_t{1000} * microseconds, 4);
   return Request(3, 2, 0x40, body);
 }
 
