@@ -10,36 +10,8 @@ namespace {
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 
-std::string Zeros(int count) {
-  std::string text;
-  for (int i = 0; i < count; ++i) text += " 00";
-  return text;
-}
-
 constexpr const char* kLimitsAnswer =
     "00 00 | 80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00";
-
-TEST_F(LinkTest, ConnectionToFourElementInstrumentByteForByte) {
-  visa_.Answer(0);                        // recovery
-  visa_.Answer(0, "17 00 FB FF");         // features
-  visa_.Answer(0, "0F 00" + Zeros(100));  // identity
-  visa_.Answer(0, kLimitsAnswer);
-  EXPECT_EQ(model_.Initialize(), 0);
-  EXPECT_THAT(
-      visa_.Requests(),
-      ElementsAre(
-          "AA 55 01 00 00 80 00 00 00 00 00 00 01 00 00 00",
-          "AA 55 03 00 00 80 04 00 01 20 00 00 02 00 00 00 | 17 00 FB FF",
-          "AA 55 04 00 00 80 66 00 64 10 0F 00 03 00 00 00 | 0F 00" + Zeros(100),
-          "AA 55 03 00 00 80 1A 00 04 60 00 00 04 00 00 00 | 00 00 00 00 00 00 00 00 "
-          "02 00 00 00 00 00 00 E8 76 48 17 00 00 E8 76 48 17 00",
-          "AA 55 04 00 00 80 0C 00 0A 10 08 00 05 00 00 00 | 08 00" + Zeros(10),
-          "AA 55 03 00 00 80 0C 00 0A 10 00 00 06 00 00 00 | 08 00 00 00 FF 00 00" + Zeros(5)));
-  EXPECT_EQ(model_.minimum_frequency(), 1e7);
-  EXPECT_EQ(model_.maximum_frequency(), 2e10);
-  EXPECT_EQ(model_.frequency_class(), 2U);
-  EXPECT_EQ(model_.power_variant(), 3U);
-}
 
 struct FormCase {
   const char* name;
@@ -70,6 +42,7 @@ TEST_P(FormTest, FindsTheForm) {
   std::copy_if(order.begin(), order.end(), std::back_inserter(probes),
                [](const std::string& text) { return text.starts_with("3:0/"); });
   EXPECT_THAT(probes, ElementsAreArray(GetParam().frequency_requests));
+  EXPECT_EQ(model_.minimum_frequency(), GetParam().result == 0 ? 1e7 : 0.0);
   EXPECT_EQ(model_.maximum_frequency(), GetParam().maximum);
   EXPECT_EQ(model_.frequency_class(), GetParam().frequency_class);
 }
@@ -90,25 +63,6 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 // clang-format on
 
-TEST_F(LinkTest, NarrowProbeAsksForItsLargestSpan) {
-  visa_.Rule(3, 0, 0x8003, 0x60);
-  EXPECT_EQ(model_.Initialize(), 0);
-  EXPECT_LE(model_.maximum_frequency(), 4001000000.0);
-  EXPECT_THAT(Requests(), testing::Contains(WriteRequest(
-                              3, 0x40, "00 00 | 00 00 00 00 | 02 00 00 00 | 40 6A 7A EE")));
-}
-
-TEST_F(LinkTest, FailedRecoveryEndsConnection) {
-  visa_.Answer(0x8005);
-  EXPECT_EQ(model_.Initialize(), -32763);
-  EXPECT_EQ(Requests().size(), 1U);
-}
-
-TEST_F(LinkTest, RefusedFeaturesDoNotEndConnection) {
-  visa_.Rule(3, 23, 0x8002);
-  EXPECT_EQ(model_.Initialize(), 0);
-}
-
 TEST_F(LinkTest, InstrumentWithOneTriggerGroup) {
   visa_.Rule(4, 8, 0x8003, 0, 1);
   InitializeModel();
@@ -122,52 +76,61 @@ TEST_F(LinkTest, InstrumentWithOneTriggerGroup) {
                                       WriteRequest(5, 0x10, "07 00 | 04 00 01 00 03 00")));
 }
 
-TEST_F(LinkTest, OtherTriggerFailureIsTheResultOfConnection) {
-  visa_.Rule(3, 8, 0x8005);
-  EXPECT_EQ(model_.Initialize(), -32763);
-  // The connection counts nevertheless: trains carry their polarity.
-  visa_.ClearRecord();
-  std::uint32_t source = 1;
-  std::array<double, 1> zero = {0};
-  EXPECT_EQ(model_.TransferPulseTrain(0, source, zero, zero, true), 0);
-  EXPECT_EQ(visa_.RequestOrder().front(), "3:31/40x3");
+TEST_F(LinkTest, RefusalsAtConnection) {
+  struct Case {
+    const char* name;
+    std::uint16_t command;
+    std::uint8_t identifier;
+    std::uint16_t code;
+    Status result;
+  };
+  const Case rows[] = {
+      {"failing trigger", 3, 8, 0x8005, -32763},   {"no features", 3, 23, 0x8002, 0},
+      {"unknown command", 4, 15, 0x8001, 0},       {"no identity", 4, 15, 0x8002, 0},
+      {"failing identity", 4, 15, 0x8005, -32763},
+  };
+  for (const Case& row : rows) {
+    SCOPED_TRACE(row.name);
+    visa_.control().Reset();
+    visa_.Rule(row.command, row.identifier, row.code);
+    EXPECT_EQ(model_.Initialize(), row.result);
+    EXPECT_FALSE(model_.identity().manufactured.IsKnown());
+    // The connection counts nevertheless: trains carry their polarity.
+    visa_.ClearRecord();
+    std::uint32_t source = 1;
+    std::array<double, 1> zero = {0};
+    EXPECT_EQ(model_.TransferPulseTrain(0, source, zero, zero, true), 0);
+    EXPECT_EQ(visa_.RequestOrder().front(), "3:31/40x3");
+  }
 }
 
 // --- Identity
 // ------------------------------------------------------------------------------------------
 
-TEST_F(LinkTest, IdentityDatesFollowTheirKeys) {
+TEST_F(LinkTest, IdentityDatesFollowTheirKeysOrLead) {
+  struct Case {
+    std::string text;
+    IdentityDate manufactured, dsp_program, fpga_firmware;
+  };
   // "Изготовлен 05.11.2010, Программа DSP от Mar 21 2009, Прошивка ПЛИС от 1.2.2003" in
-  // Windows-1251.
-  const std::string text =
-      "\xC8\xE7\xE3\xEE\xF2\xEE\xE2\xEB\xE5\xED 05.11.2010, "
-      "\xCF\xF0\xEE\xE3\xF0\xE0\xEC\xEC\xE0 DSP \xEE\xF2 Mar 21 2009, "
-      "\xCF\xF0\xEE\xF8\xE8\xE2\xEA\xE0 \xCF\xCB\xC8\xD1 \xEE\xF2 1.2.2003";
-  std::vector<std::uint8_t> body = {15, 0};
-  body.insert(body.end(), text.begin(), text.end());
-  body.resize(102);
-  visa_.RuleBody(4, 15, 0, scripted::ToHex(body));
-  InitializeModel();
-  EXPECT_EQ(model_.identity().manufactured.Ordinal(), (2010U << 16) + (11U << 8) + 5);
-  EXPECT_EQ(model_.identity().dsp_program.Ordinal(), (2009U << 16) + (3U << 8) + 21);
-  EXPECT_EQ(model_.identity().fpga_firmware.Ordinal(), (2003U << 16) + (2U << 8) + 1);
-}
-
-TEST_F(LinkTest, LeadingDateIsTheManufacturingDate) {
-  visa_.RuleBody(4, 15, 0, "0F 00 | 37 2E 38 2E 32 30 31 31 00 39");  // "7.8.2011"
-  InitializeModel();
-  EXPECT_EQ(model_.identity().manufactured.Ordinal(), (2011U << 16) + (8U << 8) + 7);
-  EXPECT_FALSE(model_.identity().dsp_program.IsKnown());
-}
-
-TEST_F(LinkTest, InstrumentWithoutIdentityIsRecoveredAndAccepted) {
-  for (const std::uint16_t code : {std::uint16_t{0x8001}, std::uint16_t{0x8002}}) {
-    visa_.Rule(4, 15, code);
+  // Windows-1251; and a date with something behind the end of the text.
+  const Case rows[] = {{"\xC8\xE7\xE3\xEE\xF2\xEE\xE2\xEB\xE5\xED 05.11.2010, "
+                        "\xCF\xF0\xEE\xE3\xF0\xE0\xEC\xEC\xE0 DSP \xEE\xF2 Mar 21 2009, "
+                        "\xCF\xF0\xEE\xF8\xE8\xE2\xEA\xE0 \xCF\xCB\xC8\xD1 \xEE\xF2 1.2.2003",
+                        {2010, 11, 5},
+                        {2009, 3, 21},
+                        {2003, 2, 1}},
+                       {std::string("7.8.2011\0009", 10), {2011, 8, 7}, {}, {}}};
+  for (const Case& row : rows) {
+    std::vector<std::uint8_t> body = {15, 0};
+    body.insert(body.end(), row.text.begin(), row.text.end());
+    body.resize(102);
+    visa_.RuleBody(4, 15, 0, scripted::ToHex(body));
     InitializeModel();
-    EXPECT_FALSE(model_.identity().manufactured.IsKnown());
+    EXPECT_EQ(model_.identity().manufactured.Ordinal(), row.manufactured.Ordinal());
+    EXPECT_EQ(model_.identity().dsp_program.Ordinal(), row.dsp_program.Ordinal());
+    EXPECT_EQ(model_.identity().fpga_firmware.Ordinal(), row.fpga_firmware.Ordinal());
   }
-  visa_.Rule(4, 15, 0x8005);
-  EXPECT_EQ(model_.Initialize(), -32763);
 }
 
 TEST(IdentityDateTest, Texts) {
@@ -225,76 +188,73 @@ TEST_F(LinkTest, CwFrequencyIsClampedAndWholeHertz) {
   }
 }
 
-struct SweepCase {
-  const char* name;
-  double start, stop, step;
-  const char* elements;  // start, points, step, stop
-};
-
-void PrintTo(const SweepCase& row, std::ostream* stream) { *stream << row.name; }
-
-class SweepTest : public LinkTest, public testing::WithParamInterface<SweepCase> {};
-
-TEST_P(SweepTest, FourElements) {
+TEST_F(LinkTest, FourElementSweeps) {
+  struct Case {
+    const char* name;
+    double start, stop, step;
+    std::string elements;  // start, points, step, stop
+  };
+  const Case rows[] = {
+      {"exact", 1e9, 2e9, 1e8,
+       "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
+      {"a step that does not fit is spread over the points", 1e9, 2e9, 3e8,
+       "00 CA 9A 3B 00 00 | 04 00 00 00 00 00 | 55 43 DE 13 00 00 | 00 94 35 77 00 00"},
+      {"step zero is one point", 1e9, 2e9, 0,
+       "00 CA 9A 3B 00 00 | 01 00 00 00 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"},
+      {"downward", 2e9, 1e9, -1e8,
+       "00 94 35 77 00 00 | 0B 00 00 00 00 00 | 00 1F 0A FA FF FF | 00 CA 9A 3B 00 00"},
+      {"downward with an upward step: no points", 2e9, 1e9, 1e8,
+       "00 94 35 77 00 00 | F8 FF FF FF FF FF | 00 00 00 00 00 00 | 00 CA 9A 3B 00 00"},
+      {"limits clamp", -5, 1e12, 1e12,
+       "80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00"},
+      {"fractions of hertz are cut", 1e9 + 0.7, 2e9, 1e8,
+       "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
+      {"a tiny step does not overflow the count", 1e9, 2e9, 1e-300,
+       "00 CA 9A 3B 00 00 | FF FF FF 7F 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"},
+  };
   InitializeModel();
-  double start = GetParam().start;
-  double stop = GetParam().stop;
-  double step = GetParam().step;
-  visa_.Answer(
-      0, "00 00 | 64 00 00 00 00 00 | 03 00 00 00 00 00 | 0A 00 00 00 00 00 | 79 00 00 00 00 00");
-  EXPECT_EQ(model_.SetFrequencySweep(start, stop, step), 0);
-  EXPECT_THAT(Requests(),
-              ElementsAre(WriteRequest(4, 0x60, std::string("00 00") + GetParam().elements)));
-  EXPECT_THAT((std::vector<double>{start, stop, step}), ElementsAre(100, 121, 10));
+  for (const Case& row : rows) {
+    visa_.ClearRecord();
+    std::vector<double> sweep = {row.start, row.stop, row.step};
+    visa_.Answer(0,
+                 "00 00 | 64 00 00 00 00 00 | 03 00 00 00 00 00 | 0A 00 00 00 00 00 |"
+                 "79 00 00 00 00 00");
+    EXPECT_EQ(model_.SetFrequencySweep(sweep[0], sweep[1], sweep[2]), 0);
+    EXPECT_THAT(Requests(), ElementsAre(WriteRequest(4, 0x60, "00 00" + row.elements))) << row.name;
+    EXPECT_THAT(sweep, ElementsAre(100, 121, 10)) << row.name;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Sweeps, SweepTest,
-    testing::Values(
-        SweepCase{"Exact", 1e9, 2e9, 1e8,
-                  "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
-        SweepCase{"StepThatDoesNotFitIsSpreadOverThePoints", 1e9, 2e9, 3e8,
-                  "00 CA 9A 3B 00 00 | 04 00 00 00 00 00 | 55 43 DE 13 00 00 | 00 94 35 77 00 00"},
-        SweepCase{"StepZeroIsOnePoint", 1e9, 2e9, 0,
-                  "00 CA 9A 3B 00 00 | 01 00 00 00 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"},
-        SweepCase{"Downward", 2e9, 1e9, -1e8,
-                  "00 94 35 77 00 00 | 0B 00 00 00 00 00 | 00 1F 0A FA FF FF | 00 CA 9A 3B 00 00"},
-        SweepCase{"DownwardWithUpwardStepHasNoPoints", 2e9, 1e9, 1e8,
-                  "00 94 35 77 00 00 | F8 FF FF FF FF FF | 00 00 00 00 00 00 | 00 CA 9A 3B 00 00"},
-        SweepCase{"LimitsClamp", -5, 1e12, 1e12,
-                  "80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00"},
-        SweepCase{"FractionsOfHertzAreCut", 1e9 + 0.7, 2e9, 1e8,
-                  "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
-        SweepCase{"TinyStepDoesNotOverflowTheCount", 1e9, 2e9, 1e-300,
-                  "00 CA 9A 3B 00 00 | FF FF FF 7F 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"}),
-    [](const auto& row) { return row.param.name; });
 
 TEST_F(LinkTest, WideAndNarrowSweepsComputeTheirStop) {
   struct Case {
-    std::uint8_t refused_probes;
+    std::int32_t refused_probes;
+    std::string probe;  // asks for the largest span
     std::string request;
     const char* answer;
+    std::vector<double> sweep;
   };
   const Case rows[] = {
       {1,
+       WriteRequest(3, 0x60, "00 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 00 E8 76 48 17 00"),
        WriteRequest(3, 0x60, "00 00 | 00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00"),
-       "00 00 | 64 00 00 00 00 00 | 03 00 00 00 00 00 | F6 FF FF FF FF FF"},
-      {2, WriteRequest(3, 0x40, "00 00 | 00 CA 9A 3B | 0B 00 00 00 | 00 E1 F5 05"),
-       "00 00 | 64 00 00 00 | 03 00 00 00 | 0A 00 00 00"},
+       "00 00 | 64 00 00 00 00 00 | 03 00 00 00 00 00 | F6 FF FF FF FF FF",
+       {100, 80, -10}},
+      {2,
+       WriteRequest(3, 0x40, "00 00 | 00 00 00 00 | 02 00 00 00 | 40 6A 7A EE"),
+       WriteRequest(3, 0x40, "00 00 | 00 CA 9A 3B | 0B 00 00 00 | 00 E1 F5 05"),
+       "00 00 | 64 00 00 00 | 03 00 00 00 | 0A 00 00 00",
+       {100, 120, 10}},
   };
   for (const Case& row : rows) {
     visa_.Rule(3, 0, 0x8003, 0x60, row.refused_probes);
     ASSERT_EQ(model_.Initialize(), 0);
+    EXPECT_THAT(Requests(), testing::Contains(row.probe));
     visa_.ClearRecord();
-    double start = 1e9;
-    double stop = 2e9;
-    double step = 1e8;
+    std::vector<double> sweep = {1e9, 2e9, 1e8};
     visa_.Answer(0, row.answer);
-    EXPECT_EQ(model_.SetFrequencySweep(start, stop, step), 0);
+    EXPECT_EQ(model_.SetFrequencySweep(sweep[0], sweep[1], sweep[2]), 0);
     EXPECT_THAT(Requests(), ElementsAre(row.request));
-    EXPECT_THAT((std::vector<double>{start, stop, step}),
-                row.refused_probes == 1 ? testing::ElementsAreArray({100., 80., -10.})
-                                        : testing::ElementsAreArray({100., 120., 10.}));
+    EXPECT_EQ(sweep, row.sweep);
   }
 }
 

@@ -27,6 +27,8 @@ class ExchangerTest : public testing::Test {
     payload_.assign(request.payload().begin(), request.payload().end());
     return result;
   }
+  [[nodiscard]] std::size_t Clears() const { return visa_.Calls(Function::kClear).size(); }
+  [[nodiscard]] std::size_t RequestCount() const { return visa_.Requests().size(); }
 
   scripted::Visa visa_;
   CommandExchanger exchanger_{std::make_unique<uDevice::Interface>(kResource)};
@@ -34,16 +36,6 @@ class ExchangerTest : public testing::Test {
   std::array<std::uint8_t, 64> buffer_{};
   std::vector<std::uint8_t> payload_;
 };
-
-TEST_F(ExchangerTest, OddBodyIsRoundedUpAndNumbersAscend) {
-  EXPECT_EQ(Exchange(), 0);
-  EXPECT_EQ(Exchange(), 0);
-  EXPECT_EQ(Poll(), scripted::kTimeout);
-  EXPECT_THAT(visa_.Requests(),
-              ElementsAre("AA 55 03 00 00 80 04 00 01 10 00 00 01 00 00 00 | 04 00 08 00",
-                          "AA 55 03 00 00 80 04 00 01 10 00 00 02 00 00 00 | 04 00 08 00",
-                          "AA 55 06 00 00 80 00 00 00 41 00 00 03 00 00 00"));
-}
 
 TEST_F(ExchangerTest, SeveralMessagesAreAllSentBeforeTheFirstAnswerIsRead) {
   ProtocolMessage other;
@@ -67,21 +59,15 @@ void PrintTo(const FailureCase& row, std::ostream* stream) { *stream << row.name
 
 class FailureTest : public ExchangerTest, public testing::WithParamInterface<FailureCase> {};
 
-TEST_P(FailureTest, OfABlockingExchange) {
-  visa_.AnswerRaw(GetParam().answer);
-  EXPECT_EQ(Exchange(), GetParam().result);
-  // A silence between the two is what lets the next answer begin at its beginning.
-  exchanger_.device().Clear();
-  EXPECT_EQ(Exchange(), 0);
-  EXPECT_EQ(message_.status(), 0);
-}
-
-TEST_P(FailureTest, OfAPoll) {
-  visa_.AnswerRaw(GetParam().answer);
-  EXPECT_EQ(Poll(), GetParam().result);
-  exchanger_.device().Clear();
-  EXPECT_EQ(Exchange(), 0);
-  EXPECT_EQ(message_.status(), 0);
+TEST_P(FailureTest, OfABlockingExchangeAndOfAPoll) {
+  for (const bool polls : {false, true}) {
+    visa_.AnswerRaw(GetParam().answer);
+    EXPECT_EQ(polls ? Poll() : Exchange(), GetParam().result);
+    // A silence between the two is what lets the next answer begin at its beginning.
+    exchanger_.device().Clear();
+    EXPECT_EQ(Exchange(), 0);
+    EXPECT_EQ(message_.status(), 0);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -100,7 +86,7 @@ TEST_F(ExchangerTest, OverlongAnswerIsDroppedAndTheNextExchangeWorks) {
   visa_.AnswerRaw(
       "AA 55 03 00 00 00 59 1B 00 00 00 00 01 00 00 00 AA 55 AA 55 AA 55 AA 55");  // 7001
   EXPECT_EQ(Exchange(), kViolation);
-  EXPECT_EQ(visa_.Calls(Function::kClear).size(), 1U);
+  EXPECT_EQ(Clears(), 1U);
   EXPECT_EQ(Exchange(), 0);
 }
 
@@ -114,29 +100,28 @@ TEST_F(ExchangerTest, AnswerThatFillsTheBufferIsTaken) {
 TEST_F(ExchangerTest, BlockLongerThanTheCallersBufferIsDropped) {
   visa_.CompleteData(0, 'A', scripted::ToHex(std::vector<std::uint8_t>(65, 1)));
   EXPECT_EQ(Poll(), kViolation);
-  EXPECT_EQ(visa_.Calls(Function::kClear).size(), 1U);
+  EXPECT_EQ(Clears(), 1U);
   visa_.CompleteData(0, 'A', scripted::ToHex(std::vector<std::uint8_t>(64, 2)));
   EXPECT_EQ(Poll(), 0);
   EXPECT_EQ(payload_.size(), 64U);
 }
 
-TEST_F(ExchangerTest, BodyInPiecesIsAssembledAndLeavesTheShortTimeout) {
-  visa_.AnswerRaw("AA 55 03 00 00 00 06 00 00 00 00 00 01 00 00 00 01 02");
-  visa_.ThenRaw("03");
-  visa_.ThenRaw("04 05 06");
+TEST_F(ExchangerTest, BodyIsAssembledFromPiecesAndTheTimeoutRestored) {
+  const auto timeouts = [this] {
+    std::vector<std::uint64_t> values;
+    for (const auto& call : visa_.Calls(Function::kSetAttribute)) values.push_back(call.value);
+    visa_.ClearRecord();
+    return values;
+  };
   EXPECT_EQ(Exchange(), 0);
-  EXPECT_EQ(scripted::ToHex(message_.payload()), "01 02 03 04 05 06");
-  std::vector<std::uint64_t> timeouts;
-  for (const auto& call : visa_.Calls(Function::kSetAttribute)) timeouts.push_back(call.value);
+  EXPECT_THAT(timeouts(), ElementsAre(1000, 2000));
+  const std::string body = scripted::ToHex(std::vector<std::uint8_t>(24, 7));
+  visa_.Answer(0, body);
+  visa_.control().SpoilAnswer({.piece = 17});
+  EXPECT_EQ(Exchange(), 0);
+  EXPECT_EQ(scripted::ToHex(message_.payload()), body);
   // Set for each part, restored to what the first failure had left.
-  EXPECT_THAT(timeouts, ElementsAre(1000, 1000, 1000, 1000));
-}
-
-TEST_F(ExchangerTest, WholeBodyRestoresTheTimeout) {
-  EXPECT_EQ(Exchange(), 0);
-  std::vector<std::uint64_t> timeouts;
-  for (const auto& call : visa_.Calls(Function::kSetAttribute)) timeouts.push_back(call.value);
-  EXPECT_THAT(timeouts, ElementsAre(1000, 2000));
+  EXPECT_THAT(timeouts(), ElementsAre(1000, 1000, 1000, 1000));
 }
 
 TEST_F(ExchangerTest, FailuresOfVisaAreReturnedUnchanged) {
@@ -162,30 +147,29 @@ TEST_F(ExchangerTest, LibraryThatReadsNothingSuccessfullyIsAnError) {
 TEST_F(ExchangerTest, PollContinuesWhereItStoppedWithoutANewRequest) {
   EXPECT_EQ(Poll(), scripted::kTimeout);
   EXPECT_EQ(Poll(), scripted::kTimeout);
-  EXPECT_EQ(visa_.Requests().size(), 1U);
+  EXPECT_EQ(RequestCount(), 1U);
   visa_.CompleteData(0, 'A', "01 02 03 04");
   EXPECT_EQ(Poll(), 0);
   EXPECT_EQ(scripted::ToHex(payload_), "01 02 03 04");
   EXPECT_EQ(Poll(), scripted::kTimeout);
-  EXPECT_EQ(visa_.Requests().size(), 2U);
+  EXPECT_EQ(RequestCount(), 2U);
 }
 
 TEST_F(ExchangerTest, PollTakesABodyInPieces) {
-  visa_.AnswerRaw("AA 55 06 00 00 00 04 00 00 41 00 00 01 00 00 00");
-  visa_.ThenRaw("01");
-  visa_.ThenRaw("02 03 04");
+  visa_.Answer(0, "01 02 03 04");
+  visa_.control().SpoilAnswer({.piece = 17});
   EXPECT_EQ(Poll(), scripted::kTimeout);
   EXPECT_EQ(Poll(), 0);
   EXPECT_EQ(scripted::ToHex(payload_), "01 02 03 04");
-  EXPECT_EQ(visa_.Requests().size(), 1U);
+  EXPECT_EQ(RequestCount(), 1U);
 }
 
 TEST_F(ExchangerTest, CommandDropsAPendingReadByClearing) {
   EXPECT_EQ(Poll(), scripted::kTimeout);
   EXPECT_EQ(Exchange(), 0);
-  EXPECT_EQ(visa_.Calls(Function::kClear).size(), 1U);
+  EXPECT_EQ(Clears(), 1U);
   EXPECT_EQ(Exchange(), 0);
-  EXPECT_EQ(visa_.Calls(Function::kClear).size(), 1U);
+  EXPECT_EQ(Clears(), 1U);
   visa_.CompleteData(0, 'A', "01 02");
   EXPECT_EQ(Poll(), 0);
   EXPECT_THAT(visa_.RequestOrder(), ElementsAre("6", "3:4/10x1", "3:4/10x1", "6"));
@@ -204,23 +188,23 @@ TEST_F(ExchangerTest, FailedClearIsTheResultAndNothingIsSent) {
   EXPECT_EQ(Poll(), scripted::kTimeout);
   visa_.SetResult(Function::kClear, 0xBFFF003E, 1);
   EXPECT_EQ(Exchange(), static_cast<Status>(0xBFFF003E));
-  EXPECT_EQ(visa_.Requests().size(), 1U);
+  EXPECT_EQ(RequestCount(), 1U);
   EXPECT_EQ(Exchange(), 0);
 }
 
-TEST_F(ExchangerTest, LostLinkEndsThePendingRead) {
-  EXPECT_EQ(Poll(), scripted::kTimeout);
-  visa_.SetResult(Function::kRead, 0xBFFF00A6, 1);
-  EXPECT_EQ(Poll(), scripted::kConnectionLost);
-  EXPECT_EQ(Poll(), scripted::kTimeout);
-  EXPECT_EQ(visa_.Requests().size(), 2U);
-}
-
-TEST_F(ExchangerTest, ExceptionOfTheLibraryEndsThePoll) {
-  visa_.SetResult(Function::kRead, scripted::kThrow, 1);
-  EXPECT_EQ(Poll(), static_cast<Status>(0xBFFF003E));
-  EXPECT_EQ(Poll(), scripted::kTimeout);
-  EXPECT_EQ(visa_.Requests().size(), 2U);
+TEST_F(ExchangerTest, LostLinkOrExceptionOfTheLibraryEndsThePendingRead) {
+  const std::pair<std::int32_t, Status> rows[] = {
+      {scripted::kConnectionLost, scripted::kConnectionLost},
+      {scripted::kThrow, static_cast<Status>(0xBFFF003E)}};
+  for (const auto& [forced, result] : rows) {
+    visa_.ClearRecord();
+    EXPECT_EQ(Poll(), scripted::kTimeout);
+    visa_.SetResult(Function::kRead, static_cast<std::uint32_t>(forced), 1);
+    EXPECT_EQ(Poll(), result);
+    EXPECT_EQ(Poll(), scripted::kTimeout);
+    EXPECT_EQ(RequestCount(), 2U);
+    EXPECT_EQ(Exchange(), 0);
+  }
 }
 
 class BlockTest : public LinkTest {

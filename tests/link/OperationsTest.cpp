@@ -14,7 +14,7 @@ struct Operation {
   /// Runs it; the values afterwards go to the vector.
   std::function<Status(D3THardWare&, Values&)> run;
   std::vector<std::string> requests;
-  std::vector<std::string> answers;  // bodies, status 0
+  std::vector<std::string> answers;  // bodies, status 0; none: the request's own
   Values values;
 };
 
@@ -52,7 +52,7 @@ auto Trigger(Status (D3THardWare::*operation)(unsigned, TriggerElements&), unsig
     return result;
   };
 }
-auto List(ListAxis axis, Values list, LevelSettings settings = {}) {
+auto List(ListAxis axis, const Values& list, LevelSettings settings = {}) {
   return [=](D3THardWare& model, Values& values) {
     values = list;
     return model.TransferList(axis, values, settings);
@@ -73,9 +73,7 @@ std::vector<Operation> SettingOperations() {
        {"17 00 FF FF", "04 00 0C"},
        {12.0}},
       {"AveragingClampsBelow1AndClearsEachMaskBit", Averaging(0, {.clear_bit_2 = true, .bit_3 = false, .bit_4 = false, .bit_5 = false}),
-       {WriteRequest(1, 0x20, "17 00 C3 FF"), WriteRequest(1, 0x10, "04 00 01 00")},
-       {"17 00 C3 FF", "04 00 01"},
-       {1.0}},
+       {WriteRequest(1, 0x20, "17 00 C3 FF"), WriteRequest(1, 0x10, "04 00 01 00")}, {}, {1.0}},
       {"TriggerInputKeepsTheOtherGroup", Trigger(&D3THardWare::SetTriggerInput, 1, {3, true, 255, 1, 2}),
        {ReadRequest(10, 0x10, 7, "07 00 | 00 00 00 00 00 | 00 00 00 00 00"),
         WriteRequest(10, 0x10, "07 00 | 01 02 03 04 05 | 03 01 FF 01 02")},
@@ -132,12 +130,10 @@ std::vector<Operation> SettingOperations() {
        {"1B 00 | 40 42 0F 00 | 08 00 00 00 | 00 FF 00 00"}, {1, 8, -1}},
       {"FixedConfiguration",
        [](D3THardWare& model, Values&) { return model.WriteFixedConfiguration(true); },
-       {WriteRequest(4, 0x10, "1C 00 | 03 00 05 03")},
-       {"1C 00 | 03 00 05 03"}, {}},
+       {WriteRequest(4, 0x10, "1C 00 | 03 00 05 03")}, {}, {}},
       {"FixedConfigurationWithoutFlag",
        [](D3THardWare& model, Values&) { return model.WriteFixedConfiguration(false); },
-       {WriteRequest(4, 0x10, "1C 00 | 02 00 05 03")},
-       {"1C 00 | 02 00 05 03"}, {}},
+       {WriteRequest(4, 0x10, "1C 00 | 02 00 05 03")}, {}, {}},
       {"FrequencyTableHasOneFractionalByte",
        [](D3THardWare& model, Values& values) {
          values = {1.5, -0.25};
@@ -240,51 +236,36 @@ TEST_F(LinkTest, ReferenceFallsBackToShortFormOnlyOn8003) {
   EXPECT_THAT(Requests(),
               testing::ElementsAre(WriteRequest(2, 0x40, "11 00 | 01 00 00 00 | 80 96 98 00"),
                                    RecoverRequest(), WriteRequest(1, 0x10, "11 00 01 00")));
-  visa_.ClearRecord();
-  visa_.Answer(0x8002);
-  EXPECT_EQ(model_.SetExternalReference(enabled, frequency), -32766);
-  EXPECT_EQ(Requests().size(), 2U);
 }
 
-struct StateCase {
-  const char* name;
-  Status (D3THardWare::*read)(bool&);
-  std::uint16_t code;
-  Status result;
-  bool state;
-};
-
-void PrintTo(const StateCase& row, std::ostream* stream) { *stream << row.name; }
-
-class StateTest : public LinkTest, public testing::WithParamInterface<StateCase> {};
-
-TEST_P(StateTest, TakesTheCode) {
-  bool state = !GetParam().state;
-  visa_.Answer(GetParam().code);
-  EXPECT_EQ((model_.*GetParam().read)(state), GetParam().result);
-  EXPECT_EQ(state, GetParam().state);
-  const bool level = GetParam().read == &D3THardWare::ReadLevelState;
-  EXPECT_EQ(visa_.RequestOrder().front(), level ? "4:79/62x5" : "4:0/40x3");
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    States, StateTest,
-    testing::Values(StateCase{"PllLocked", &D3THardWare::ReadPllState, 0, 0, true},
-                    StateCase{"PllUnlocked", &D3THardWare::ReadPllState, 0x8007, 0, false},
-                    StateCase{"PllErgCodeIsNotPll", &D3THardWare::ReadPllState, 0x801C, -32740,
-                              true},
-                    StateCase{"ErgGood", &D3THardWare::ReadErgState, 0, 0, true},
-                    StateCase{"ErgFault", &D3THardWare::ReadErgState, 0x801C, 0, false},
-                    StateCase{"ErgRefused", &D3THardWare::ReadErgState, 0x8002, -32766, true},
-                    StateCase{"LevelSettled", &D3THardWare::ReadLevelState, 0, 0, true},
-                    StateCase{"LevelNotice", &D3THardWare::ReadLevelState, 5, 5, true},
-                    StateCase{"LevelNotSettled", &D3THardWare::ReadLevelState, 6, 0, false}),
-    [](const auto& row) { return row.param.name; });
-
-TEST_F(LinkTest, StatusTextComesFromTheLibrary) {
-  std::string text;
-  EXPECT_EQ(model_.DescribeStatus(scripted::kTimeout, text), 0);
-  EXPECT_EQ(text, "text of BF FF 00 15");
+TEST_F(LinkTest, StatesFollowTheCode) {
+  struct Case {
+    Status (D3THardWare::*read)(bool&);
+    const char* request;
+    Status result;
+    std::uint16_t code;
+    bool state;
+  };
+  const Case rows[] = {
+      {&D3THardWare::ReadPllState, "4:0/40x3", 0, 0, true},
+      {&D3THardWare::ReadPllState, "4:0/40x3", 0, 0x8007, false},
+      {&D3THardWare::ReadPllState, "4:0/40x3", -32740, 0x801C, true},
+      {&D3THardWare::ReadErgState, "4:0/40x3", 0, 0, true},
+      {&D3THardWare::ReadErgState, "4:0/40x3", 0, 0x801C, false},
+      {&D3THardWare::ReadErgState, "4:0/40x3", -32766, 0x8002, true},
+      {&D3THardWare::ReadLevelState, "4:79/62x5", 0, 0, true},
+      {&D3THardWare::ReadLevelState, "4:79/62x5", 5, 5, true},
+      {&D3THardWare::ReadLevelState, "4:79/62x5", 0, 6, false},
+  };
+  for (const Case& row : rows) {
+    SCOPED_TRACE(testing::Message() << row.request << ' ' << row.code);
+    visa_.ClearRecord();
+    bool state = !row.state;
+    visa_.Answer(row.code);
+    EXPECT_EQ((model_.*row.read)(state), row.result);
+    EXPECT_EQ(state, row.state);
+    EXPECT_EQ(visa_.RequestOrder().front(), row.request);
+  }
 }
 
 // --- Files and serial number
@@ -308,47 +289,35 @@ TEST_F(LinkTest, FileRequestIsPaddedToWordsAndTextStripped) {
 }
 
 TEST_F(LinkTest, FileEndsAtZeroOrEndOfPayload) {
-  std::string text;
-  visa_.Answer(0, "0A 00 | 00 00 00 00 | 0C 00 00 00 | 5C 61 00 | 41 00 42");
-  EXPECT_EQ(model_.ReadInstrumentFile("\\a", text), 0);
-  EXPECT_EQ(text, "A");
-  visa_.Answer(0, "0A 00 | 00 00 00 00 | 0C 00 00 00 | 5C 61 00 | 41 42");
-  EXPECT_EQ(model_.ReadInstrumentFile("\\a", text), 0);
-  EXPECT_EQ(text, "AB");
-  visa_.Answer(0, "0A 00 00");
-  EXPECT_EQ(model_.ReadInstrumentFile("\\a", text), 0);
-  EXPECT_EQ(text, "");
+  const std::pair<const char*, const char*> rows[] = {
+      {"0A 00 | 00 00 00 00 | 0C 00 00 00 | 5C 61 00 | 41 00 42", "A"},
+      {"0A 00 | 00 00 00 00 | 0C 00 00 00 | 5C 61 00 | 41 42", "AB"},
+      {"0A 00 00", ""}};
+  for (const auto& [answer, expected] : rows) {
+    std::string text = "old";
+    visa_.Answer(0, answer);
+    EXPECT_EQ(model_.ReadInstrumentFile("\\a", text), 0);
+    EXPECT_EQ(text, expected);
+  }
 }
 
-TEST_F(LinkTest, MissingFileKeepsTextAndLeavesRecoveryToTheCaller) {
-  std::string text = "old";
-  visa_.Answer(0x8103);
-  EXPECT_EQ(model_.ReadInstrumentFile("\\FRAM\\TYPE.TXT", text), -32509);
-  EXPECT_EQ(text, "old");
-  EXPECT_EQ(Requests().size(), 1U);
-}
-
-struct SerialAnswer {
-  std::string_view serial;
-  std::uint16_t checksum;
-};
-
-/// The answer to a serial number query: words that the query's key turns back into the characters.
-std::size_t ScrambledSerial(void* context, const std::uint8_t* request, std::size_t,
-                            std::uint8_t* body, std::size_t) {
-  const auto& answer = *static_cast<const SerialAnswer*>(context);
-  const std::uint64_t key = request[18] + 256ULL * request[19];
-  std::size_t size = 0;
-  body[size++] = 'S';
-  body[size++] = 0;
-  for (const char c : answer.serial) {
+/// Makes the answer to a serial number query of the query sent back: words that its key turns back
+/// into the characters.
+template <std::uint16_t checksum>
+std::size_t ScrambleSerial(std::uint8_t* answer, std::size_t, std::size_t) {
+  const std::uint64_t key = answer[18] + 256ULL * answer[19];
+  std::size_t size = 18;
+  const auto put = [&](std::uint32_t word) {
+    answer[size++] = static_cast<std::uint8_t>(word);
+    answer[size++] = static_cast<std::uint8_t>(word >> 8);
+  };
+  for (const char c : std::string_view("123456789")) {
     std::uint32_t word = 0;  // some word whose product has the character in its low byte
     while ((word * key % 65537 & 0xFF) != static_cast<std::uint8_t>(c)) ++word;
-    body[size++] = static_cast<std::uint8_t>(word);
-    body[size++] = static_cast<std::uint8_t>(word >> 8);
+    put(word);
   }
-  body[size++] = static_cast<std::uint8_t>(answer.checksum);
-  body[size++] = static_cast<std::uint8_t>(answer.checksum >> 8);
+  put(checksum);
+  answer[6] = static_cast<std::uint8_t>(size - 16);
   return size;
 }
 
@@ -364,20 +333,15 @@ TEST_F(LinkTest, SerialNumberQueryCarriesKeyOfAtLeastTwo) {
 }
 
 TEST_F(LinkTest, SerialNumberIsUnscrambledAndChecked) {
-  // 0xBB3D is the published check value of this CRC-16 ("ARC") for "123456789".
-  struct Case {
-    SerialAnswer answer;
-    Status result;
-  };
-  for (Case row : {Case{{"123456789", 0xBB3D}, 0}, Case{{"123456789", 0xBB3C}, -1},
-                   Case{{"", 0}, 0}, Case{{"", 1}, -1}}) {
-    std::string serial = "old";
-    visa_.control().QueueComputed(&ScrambledSerial, &row.answer);
-    EXPECT_EQ(model_.QuerySerialNumber(serial), row.result) << row.answer.serial;
-    EXPECT_EQ(serial, row.result == 0 ? row.answer.serial : "old");
-  }
+  std::string serial = "old";
+  visa_.control().SpoilAnswer({.change = ScrambleSerial<0xBB3C>});
+  EXPECT_EQ(model_.QuerySerialNumber(serial), -1);
+  EXPECT_EQ(serial, "old");
+  // The published check value of this CRC-16 ("ARC").
+  visa_.control().SpoilAnswer({.change = ScrambleSerial<0xBB3D>});
+  EXPECT_EQ(model_.QuerySerialNumber(serial), 0);
+  EXPECT_EQ(serial, "123456789");
   visa_.Answer(0, "53 00 00");
-  std::string serial;
   EXPECT_EQ(model_.QuerySerialNumber(serial), -1);
 }
 

@@ -63,24 +63,15 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 // clang-format on
 
-TEST_F(LinkTest, ProbeOfVariantFiveByteForByte) {
+TEST_F(LinkTest, LevelAndItsSettingsAreTakenFromTheAnswerBehindTheProbe) {
   LevelSettings settings{.level_control = 1, .atten_mode = 2, .further_1 = 3, .further_2 = 4};
   double level = -10.5;
-  const std::string five =
-      "4F 00 | 00 00 01 00 00 00 | 00 00 02 00 00 00 | 00 00 03 00 00 00 | 00 00 04 00 00 00 |"
-      "00 80 F5 FF FF FF";
   visa_.Answer(0);
   visa_.Answer(0);
   visa_.Answer(0,
                "4F 00 | 00 00 00 00 00 00 | 00 00 05 00 00 00 | 00 00 06 00 00 00 |"
                "00 00 07 00 00 00 | 00 00 F6 FF FF FF");
   EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
-  EXPECT_THAT(Requests(),
-              ElementsAre(WriteRequest(5, 0x62, five),
-                          WriteRequest(
-                              8, 0x62,
-                              five + "| 00 00 01 00 00 00 | 00 00 00 00 00 00 | 00 80 F5 FF FF FF"),
-                          WriteRequest(5, 0x62, five)));
   EXPECT_EQ(level, -10.0);
   EXPECT_EQ(settings.level_control, 0U);
   EXPECT_EQ(settings.atten_mode, 5U);
@@ -126,6 +117,11 @@ TEST_P(PowerSweepTest, UsesItsForm) {
   visa_.ClearRecord();
   double stop = -50;
   double step = 2.5;
+  if (GetParam().variant == 0) {
+    EXPECT_EQ(model_.SetPowerSweep(settings, start, stop, step), -1);
+    EXPECT_TRUE(Requests().empty());
+    return;
+  }
   visa_.Answer(0, GetParam().answer);
   EXPECT_EQ(model_.SetPowerSweep(settings, start, stop, step), 0);
   EXPECT_THAT(Requests(), ElementsAre(GetParam().request));
@@ -149,6 +145,7 @@ constexpr const char* kSweep62 =
 INSTANTIATE_TEST_SUITE_P(
     ByVariant, PowerSweepTest,
     testing::ValuesIn(std::vector<SweepCase>{
+        {0, {0x8003, 0x8003, 0x8003, 0}, "", "", 0},
         {1, {0x8003, 0x8003, 0}, WriteRequest(4, 0x42, "0C 00 | 00 00 01 00 | 00 00 C4 FF | 00 00 05 00 | 00 80 02 00"), "0C 00 | 00 00 01 00 | 00 00 C5 FF | 00 00 03 00 | 00 00 02 00", -55},
         {2, {0x8003, 0, 0x8005}, WriteRequest(7, 0x42, kSweep42), kAnswer42, -55},
         {3, {0, 0x8003}, WriteRequest(7, 0x62, kSweep62), kAnswer62, -55},
@@ -156,20 +153,6 @@ INSTANTIATE_TEST_SUITE_P(
         {5, {0, 0}, WriteRequest(8, 0x62, std::string(kSweep62) + "| 00 00 CE FF FF FF"), kAnswer62, -50},
     }));
 // clang-format on
-
-TEST_F(LinkTest, VariantZeroHasNoPowerSweep) {
-  for (const int code : {0x8003, 0, 0x8003, 0, 0x8003, 0, 0}) {
-    visa_.Answer(static_cast<std::uint16_t>(code));
-  }
-  LevelSettings settings;
-  double start = -60;
-  double stop = -50;
-  double step = 1;
-  ASSERT_EQ(model_.SetOutputLevel(settings, start), 0);
-  visa_.ClearRecord();
-  EXPECT_EQ(model_.SetPowerSweep(settings, start, stop, step), -1);
-  EXPECT_TRUE(Requests().empty());
-}
 
 TEST_F(LinkTest, DownwardPowerSweepTakesNegativeStepAndCountIsBounded) {
   struct Case {
@@ -186,9 +169,7 @@ TEST_F(LinkTest, DownwardPowerSweepTakesNegativeStepAndCountIsBounded) {
     double stop = row.stop;
     double step = row.step;
     EXPECT_EQ(model_.SetPowerSweep(settings, start, stop, step), 0);
-    const auto body = scripted::FromHex(Requests().at(0).substr(38));
-    EXPECT_EQ(scripted::ToHex(std::span(body).subspan(32, 12)),
-              scripted::ToHex(scripted::FromHex(row.points_and_step)));
+    EXPECT_THAT(Requests(), ElementsAre(testing::EndsWith(row.points_and_step)));
   }
 }
 

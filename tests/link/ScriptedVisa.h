@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/os/Module.h"
+#include "tests/link/Hex.h"
 
 namespace scripted {
 
@@ -74,15 +75,8 @@ class Control {
   /// Answers the next request that has no answer yet: status and body in a correct frame that
   /// repeats the request's command, count, type and number.
   virtual void QueueAnswer(std::int16_t status, const std::uint8_t* body, std::size_t size) = 0;
-  /// As above with status 0 and a body that is computed from the request, header included:
-  /// `compute` fills `body` and returns its size.
-  using Compute = std::size_t (*)(void* context, const std::uint8_t* request, std::size_t size,
-                                  std::uint8_t* body, std::size_t capacity);
-  virtual void QueueComputed(Compute compute, void* context) = 0;
   /// As QueueAnswer with exactly these bytes on the wire, also none.
   virtual void QueueRaw(const std::uint8_t* bytes, std::size_t size) = 0;
-  /// More bytes of the last raw answer, which a read gets only after one time-out.
-  virtual void QueueRawPart(const std::uint8_t* bytes, std::size_t size) = 0;
   /// Answers every request with this command, identifier (low byte of the body) and type code (0:
   /// any) that finds no queued answer; with `echo` the request's body is sent back in place of
   /// `body`.
@@ -114,31 +108,8 @@ class Control {
 using ControlFunction = Control*();
 inline constexpr char kControlName[] = "ScriptedVisaControl";
 
-inline std::string ToHex(std::span<const std::uint8_t> bytes) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string text;
-  for (const std::uint8_t byte : bytes) {
-    if (!text.empty()) text += ' ';
-    text += kDigits[byte >> 4];
-    text += kDigits[byte & 15];
-  }
-  return text;
-}
-
-/// Pairs of digits; blanks and the separators | : are skipped.
-inline std::vector<std::uint8_t> FromHex(std::string_view text) {
-  std::vector<std::uint8_t> bytes;
-  std::string digits;
-  for (const char c : text) {
-    if (c == ' ' || c == '|' || c == ':') continue;
-    digits += c;
-    if (digits.size() < 2) continue;
-    bytes.push_back(static_cast<std::uint8_t>(std::stoul(digits, nullptr, 16)));
-    digits.clear();
-  }
-  if (!digits.empty()) throw std::invalid_argument("odd number of hexadecimal digits");
-  return bytes;
-}
+using ::FromHex;
+using ::ToHex;
 
 /// The test's side: holds the module loaded and speaks hexadecimal. Starts and ends with a fresh
 /// script.
@@ -169,10 +140,6 @@ class Visa {
   void AnswerRaw(std::string_view hex) {
     const auto bytes = FromHex(hex);
     control_->QueueRaw(bytes.data(), bytes.size());
-  }
-  void ThenRaw(std::string_view hex) {
-    const auto bytes = FromHex(hex);
-    control_->QueueRawPart(bytes.data(), bytes.size());
   }
   /// Status and the request's own body for every such request.
   void Rule(std::uint16_t command, std::uint8_t identifier, std::uint16_t status,

@@ -10,51 +10,44 @@
 
 namespace {
 
-struct CodecCase {
-  const char* name;
-  std::uint32_t size, fractional_bytes;
-  bool is_signed;
-  double written;
-  const char* bytes;
-  double read;
-};
-
-void PrintTo(const CodecCase& row, std::ostream* stream) { *stream << row.name; }
-
-class CodecTest : public testing::TestWithParam<CodecCase> {};
-
-TEST_P(CodecTest, RoundTrip) {
-  HardWareParametr parameter({.identifier = 0x5C,
-                              .element_count = 2,
-                              .element_size = GetParam().size,
-                              .fractional_bytes = GetParam().fractional_bytes,
-                              .is_signed = GetParam().is_signed});
-  parameter.SetValue(GetParam().written, 1);
-  const std::string zeros = scripted::ToHex(std::vector<std::uint8_t>(GetParam().size));
-  EXPECT_EQ(scripted::ToHex(parameter.Serialise()), "5C 00 " + zeros + " " + GetParam().bytes);
-  EXPECT_EQ(parameter.GetValue(0), 0.0);
-  EXPECT_EQ(parameter.GetValue(1), GetParam().read);
+TEST(HardWareParametrTest, RoundTrips) {
+  struct Case {
+    const char* name;
+    std::uint32_t size, fractional_bytes;
+    bool is_signed;
+    double written;
+    const char* bytes;
+    double read;
+  };
+  const Case rows[] = {
+      {"TwoFractionalBytes", 4, 2, true, -1.5, "00 80 FE FF", -1.5},
+      {"OneFractionalByte", 2, 1, true, 127.99609375, "FF 7F", 127.99609375},
+      {"FractionMakesSigned", 2, 1, false, -0.00390625, "FF FF", -0.00390625},
+      {"SixByteSign", 6, 2, true, -10.5, "00 80 F5 FF FF FF", -10.5},
+      {"HalfRoundsUp", 4, 0, true, 0.5, "01 00 00 00", 1},
+      {"MinusHalfRoundsDown", 4, 0, true, -0.5, "FF FF FF FF", -1},
+      {"TwoAndAHalfRoundsAwayFromZero", 4, 0, false, 2.5, "03 00 00 00", 3},
+      {"NearlyMinusHalfIsZero", 4, 0, true, -0.49, "00 00 00 00", 0},
+      {"UnsignedTopBit", 4, 0, false, 4294967295.0, "FF FF FF FF", 4294967295.0},
+      {"UnsignedSixBytes", 6, 0, false, 281474976710655.0, "FF FF FF FF FF FF", 281474976710655.0},
+      {"TooLargeIsCut", 1, 0, false, 257, "01", 1},
+      {"TooLargeForSignedIsCut", 2, 0, true, 32768, "00 80", -32768},
+      {"BeyondSixtyFourBits", 4, 0, false, 1e300, "00 00 00 00", 0},
+      {"NotANumber", 4, 2, true, std::nan(""), "00 00 00 00", 0}};
+  for (const Case& row : rows) {
+    HardWareParametr parameter({.identifier = 0x5C,
+                                .element_count = 2,
+                                .element_size = row.size,
+                                .fractional_bytes = row.fractional_bytes,
+                                .is_signed = row.is_signed});
+    parameter.SetValue(row.written, 1);
+    const std::string zeros = scripted::ToHex(std::vector<std::uint8_t>(row.size));
+    EXPECT_EQ(scripted::ToHex(parameter.Serialise()), "5C 00 " + zeros + " " + row.bytes)
+        << row.name;
+    EXPECT_EQ(parameter.GetValue(0), 0.0) << row.name;
+    EXPECT_EQ(parameter.GetValue(1), row.read) << row.name;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Values, CodecTest,
-    testing::Values(
-        CodecCase{"TwoFractionalBytes", 4, 2, true, -1.5, "00 80 FE FF", -1.5},
-        CodecCase{"OneFractionalByte", 2, 1, true, 127.99609375, "FF 7F", 127.99609375},
-        CodecCase{"FractionMakesSigned", 2, 1, false, -0.00390625, "FF FF", -0.00390625},
-        CodecCase{"SixByteSign", 6, 2, true, -10.5, "00 80 F5 FF FF FF", -10.5},
-        CodecCase{"HalfRoundsUp", 4, 0, true, 0.5, "01 00 00 00", 1},
-        CodecCase{"MinusHalfRoundsDown", 4, 0, true, -0.5, "FF FF FF FF", -1},
-        CodecCase{"TwoAndAHalfRoundsAwayFromZero", 4, 0, false, 2.5, "03 00 00 00", 3},
-        CodecCase{"NearlyMinusHalfIsZero", 4, 0, true, -0.49, "00 00 00 00", 0},
-        CodecCase{"UnsignedTopBit", 4, 0, false, 4294967295.0, "FF FF FF FF", 4294967295.0},
-        CodecCase{"UnsignedSixBytes", 6, 0, false, 281474976710655.0, "FF FF FF FF FF FF",
-                  281474976710655.0},
-        CodecCase{"TooLargeIsCut", 1, 0, false, 257, "01", 1},
-        CodecCase{"TooLargeForSignedIsCut", 2, 0, true, 32768, "00 80", -32768},
-        CodecCase{"BeyondSixtyFourBits", 4, 0, false, 1e300, "00 00 00 00", 0},
-        CodecCase{"NotANumber", 4, 2, true, std::nan(""), "00 00 00 00", 0}),
-    [](const auto& row) { return row.param.name; });
 
 TEST(HardWareParametrTest, HeaderBytesOfLayouts) {
   const HardWareParametr wide(

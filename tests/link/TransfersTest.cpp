@@ -84,14 +84,21 @@ TEST_F(LinkTest, PulseTrainByteForByte) {
                "1F 00 | 02 00 00 00 | 03 00 00 00 | 01 00 00 00 | 00 00 00 00 | 02 00 00 00 |"
                "01 00 00 00 | 02 00 00 00 | 03 00 00 00 | 04 00 00 00");
   EXPECT_EQ(model_.TransferPulseTrain(2, source, widths, gaps, true), 0);
-  EXPECT_THAT(Requests(),
-              testing::ElementsAre(WriteRequest(
-                  3, 0x40,
-                  "1F 00 | 02 00 00 00 | 02 00 00 00 | 01 00 00 00 | 00 00 00 00 | 02 00 00 00 |"
-                  "D0 07 00 00 | B8 0B 00 00 | D0 07 00 00 | 88 13 00 00")));
   EXPECT_EQ(source, 0U);
   EXPECT_THAT(widths, testing::ElementsAre(1, 3));
   EXPECT_THAT(gaps, testing::ElementsAre(2, 4));
+  source = 7;  // is none: 0 is sent, and it stays
+  EXPECT_EQ(model_.TransferPulseTrain(0, source, widths, gaps, false), 0);
+  EXPECT_EQ(source, 7U);
+  EXPECT_THAT(
+      Requests(),
+      testing::ElementsAre(
+          WriteRequest(3, 0x40,
+                       "1F 00 | 02 00 00 00 | 02 00 00 00 | 01 00 00 00 | 00 00 00 00 |"
+                       "02 00 00 00 | D0 07 00 00 | B8 0B 00 00 | D0 07 00 00 | 88 13 00 00"),
+          WriteRequest(3, 0x40,
+                       "1F 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 |"
+                       "02 00 00 00 | 01 00 00 00 | 02 00 00 00 | 03 00 00 00 | 04 00 00 00")));
 }
 
 TEST_F(LinkTest, LongPulseTrainIsCutAt123) {
@@ -109,20 +116,6 @@ TEST_F(LinkTest, LongPulseTrainIsCutAt123) {
             WriteRequest(3, 0x40,
                          "1F 00 | 02 00 00 00 | 03 00 00 00 | 00 00 00 00 | 7B 00 00 00 |"
                          "01 00 00 00 | 4D 00 00 00 | 14 00 00 00"));
-}
-
-TEST_F(LinkTest, UnknownPulseSourceSendsZeroAndStays) {
-  InitializeModel();
-  std::uint32_t source = 7;
-  std::array<double, 1> zero = {0};
-  std::array<double, 1> gap = {0};
-  EXPECT_EQ(model_.TransferPulseTrain(0, source, zero, gap, false), 0);
-  EXPECT_EQ(source, 7U);
-  EXPECT_THAT(Requests(),
-              testing::ElementsAre(WriteRequest(
-                  3, 0x40,
-                  "1F 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 | 01 00 00 00 |"
-                  "00 00 00 00 | 00 00 00 00")));
 }
 
 TEST_F(LinkTest, PolarityElementStaysAfterNotice) {

@@ -2,109 +2,92 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/simulator/WireClient.h"
+#include "tests/link/Hex.h"
 
 namespace simulator {
 namespace {
 
-// One write as bytes and the answer's.
+using Values = std::vector<double>;
+
+/// One write by its elements, and those of the answer.
 struct Write {
   const char* name;
-  std::uint8_t count;
+  std::uint8_t id;
   std::uint8_t type;
-  const char* body;
-  const char* answer;  // "0x8003" for a refusal
+  Values sent;
+  Values answer = {};  // none: as sent
+  std::int16_t status = 0;
+  std::size_t count = SIZE_MAX;  // in the header, if it is not that of the elements
 };
 
-std::string Execute(Settings& settings, std::uint8_t count, std::uint8_t type, const char* body) {
-  Message request;
-  request.command = command::kWrite;
-  request.count = count;
-  request.type = type;
-  request.body = FromHex(body);
-  Bytes answer;
-  const std::int16_t status = settings.Write(request, answer);
-  if (status < 0) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%04X",
-                  static_cast<unsigned>(static_cast<std::uint16_t>(status)));
-    return text;
+Bytes Body(const Write& row, const Values& values) {
+  Bytes body = {row.id, 0};
+  for (const double value : values) {
+    AppendElements(body, *ElementFormat::FromType(row.type, value < 0), std::vector{value});
   }
-  return Hex(answer);
+  return body;
 }
 
-void Check(const Options& options, std::initializer_list<Write> writes) {
-  Settings settings(options);
+void Check(Settings& settings, std::initializer_list<Write> writes) {
   settings.BeginConnection();
   for (const Write& row : writes) {
-    EXPECT_EQ(Execute(settings, row.count, row.type, row.body), row.answer) << row.name;
+    const std::size_t count = row.count == SIZE_MAX ? row.sent.size() : row.count;
+    const Bytes body = Body(row, row.sent);
+    Bytes answer;
+    EXPECT_EQ(
+        settings.Write({command::kWrite, 0, static_cast<std::uint8_t>(count), row.type, 0, body},
+                       answer),
+        row.status)
+        << row.name;
+    if (row.status != 0) continue;
+    EXPECT_EQ(ToHex(answer), ToHex(row.answer.empty() ? body : Body(row, row.answer))) << row.name;
   }
 }
-
-// The values 0, 2, 1e11, 1e11 of six bytes: what a client asks to learn the limits.
-constexpr const char* kProbe =
-    "00 00 00 00 00 00 00 00 02 00 00 00 00 00 00 E8 76 48 17 00 00 E8 76 48 17 00";
-
-TEST(Settings, FrequencyLimitsAreToldToAProbe) {
-  Check(Options{}, {{"start 10 MHz, step 19.99 GHz, stop 20 GHz", 4, 0x60, kProbe,
-                     "00 00 80 96 98 00 00 00 02 00 00 00 00 00 80 31 7F A7 04 00 00 C8 17 A8 04 "
-                     "00"}});
+void Check(const Options& options, std::initializer_list<Write> writes) {
+  Settings settings(options);
+  Check(settings, writes);
 }
 
-TEST(Settings, OlderInstrumentsRefuseNewerFrequencyCommands) {
+/// What a client asks for to learn the limits.
+const Values kProbe{0, 2, 1e11, 1e11};
+
+TEST(Settings, FrequencyFormsTellTheirLimitsAndOlderInstrumentsRefuseNewerOnes) {
   Options wide;
   wide.frequency_form = FrequencyForm::kWide;
   Options narrow;
   narrow.frequency_form = FrequencyForm::kNarrow;
-  const char* three = "00 00 00 00 00 00 00 00 02 00 00 00 00 00 00 E8 76 48 17 00";
-  const char* small = "00 00 00 00 00 00 02 00 00 00 40 D2 7A EE";  // 4001000000
-  Check(wide, {{"four elements", 4, 0x60, kProbe, "0x8003"},
-               {"three wide", 3, 0x60, three,
-                "00 00 80 96 98 00 00 00 02 00 00 00 00 00 80 31 7F A7 04 00"}});
-  Check(narrow, {{"four elements", 4, 0x60, kProbe, "0x8003"},
-                 {"three wide", 3, 0x60, three, "0x8003"},
-                 {"narrow: 10 MHz, step 3.991 GHz", 3, 0x40, small,
-                  "00 00 80 96 98 00 02 00 00 00 C0 D3 E1 ED"}});
+  const Values three{0, 2, 1e11};
+  const Values three_answer{10e6, 2, 19.99e9};
+  Check(Options{}, {{"four elements", 0, 0x60, kProbe, {10e6, 2, 19.99e9, 20e9}}});
+  Check(wide, {{"four elements", 0, 0x60, kProbe, {}, status::kUnknownForm},
+               {"three wide", 0, 0x60, three, three_answer}});
+  Check(narrow, {{"four elements", 0, 0x60, kProbe, {}, status::kUnknownForm},
+                 {"three wide", 0, 0x60, three, {}, status::kUnknownForm},
+                 {"narrow", 0, 0x40, {0, 2, 4001e6}, {10e6, 2, 3991e6}}});
 }
 
 TEST(Settings, AFrequencySweepIsCutToTheLimitsAndToOneBlock) {
-  // 1 GHz by 1 kHz, 10001 points; 20 GHz downwards by 10 GHz, 3 points, the last below the limit.
-  Check(Options{},
-        {{"5461 points fit a block; the stop follows", 4, 0x60,
-          "00 00 00 CA 9A 3B 00 00 11 27 00 00 00 00 E8 03 00 00 00 00 00 00 00 00 00 00",
-          "00 00 00 CA 9A 3B 00 00 55 15 00 00 00 00 E8 03 00 00 00 00 20 1A EE 3B 00 00"},
-         {"downwards to the lower limit", 4, 0x60,
-          "00 00 00 C8 17 A8 04 00 03 00 00 00 00 00 00 1C F4 AB FD FF 00 00 00 00 00 00",
-          "00 00 00 C8 17 A8 04 00 02 00 00 00 00 00 00 1C F4 AB FD FF 00 E4 0B 54 02 00"},
-         {"fixed frequency below the limit", 1, 0x60, "00 00 01 00 00 00 00 00",
-          "00 00 80 96 98 00 00 00"},
-         {"elements missing", 4, 0x60, "00 00 01 00", "0x8003"},
-         {"element size unknown", 4, 0x50, kProbe, "0x8003"}});
+  Check(
+      Options{},
+      {{"one block, the stop follows", 0, 0x60, {1e9, 10001, 1e3, 0}, {1e9, 5461, 1e3, 1005460000}},
+       {"downwards to the lower limit", 0, 0x60, {20e9, 3, -10e9, 0}, {20e9, 2, -10e9, 10e9}},
+       {"fixed frequency below the limit", 0, 0x60, {1}, {10e6}},
+       {"elements missing", 0, 0x60, {1}, {}, status::kUnknownForm, 4},
+       {"element size unknown", 0, 0x50, kProbe, {}, status::kUnknownForm}});
 }
 
 TEST(Settings, LevelsAreClampedAndRounded) {
-  // Output on, attenuator mode 3, 0, 0, level: 6 bytes, 2 of them fraction.
-  Check(Options{},
-        {{"rounded to 0.01 dB: -12.346 to -12.35", 5, 0x62,
-          "4F 00 00 00 01 00 00 00 00 00 03 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 6D A7 F3 "
-          "FF FF FF",
-          "4F 00 00 00 01 00 00 00 00 00 03 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 66 A6 F3 "
-          "FF FF FF"},
-         {"over the limit, unknown attenuator mode", 5, 0x62,
-          "4F 00 00 00 00 00 00 00 00 00 09 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 40 "
-          "00 00 00",
-          "4F 00 00 00 00 00 00 00 00 00 03 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 14 "
-          "00 00 00"}});
+  // Output on, attenuator mode, 0, 0, level.
+  Check(
+      Options{},
+      {{"rounded to 0.01 dB", 79, 0x62, {1, 3, 0, 0, -12.346}, {1, 3, 0, 0, -12.35}},
+       {"over the limit, unknown attenuator mode", 79, 0x62, {0, 9, 0, 0, 64}, {0, 3, 0, 0, 20}}});
 }
 
 TEST(Settings, ALevelSweepEndsWithinTheLimits) {
   Settings settings{Options{}};
-  // 15 dBm, 21 points by 1 dB, stop 35 dBm.
-  EXPECT_EQ(Execute(settings, 8, 0x62,
-                    "4F 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 "
-                    "00 00 0F 00 00 00 00 00 15 00 00 00 00 00 01 00 00 00 00 00 23 00 00 00"),
-            "4F 00 00 00 01 00 00 00 00 00 04 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 "
-            "0F 00 00 00 00 00 06 00 00 00 00 00 01 00 00 00 00 00 14 00 00 00");
+  Check(settings,
+        {{"over the limit", 79, 0x62, {1, 0, 0, 0, 15, 21, 1, 35}, {1, 4, 0, 0, 15, 6, 1, 20}}});
   EXPECT_EQ(settings.SweepPoints(), 6U);
   EXPECT_TRUE(settings.state().output_enabled);
 }
@@ -112,26 +95,19 @@ TEST(Settings, ALevelSweepEndsWithinTheLimits) {
 // The power commands in the order in which a client tries them; '+' accepted, '3' form unknown,
 // '2' parameter unknown.
 std::string PowerCommands(int variant) {
-  struct Form {
-    std::uint8_t id;
-    std::uint8_t count;
-    std::uint8_t type;
-  };
-  const Form forms[] = {{79, 5, 0x62}, {79, 8, 0x62}, {79, 7, 0x62}, {79, 5, 0x42}, {79, 8, 0x42},
-                        {79, 7, 0x42}, {12, 2, 0x21}, {12, 2, 0x21}, {12, 2, 0x42}, {12, 4, 0x42}};
+  constexpr std::array<std::uint8_t, 3> forms[] = {
+      {79, 5, 0x62}, {79, 8, 0x62}, {79, 7, 0x62}, {79, 5, 0x42}, {79, 8, 0x42},
+      {79, 7, 0x42}, {12, 2, 0x21}, {12, 2, 0x21}, {12, 2, 0x42}, {12, 4, 0x42}};
   Options options;
   options.power_variant = variant;
   Settings settings(options);
   settings.BeginConnection();
   std::string answers;
-  for (const Form& form : forms) {
-    Message request;
-    request.count = form.count;
-    request.type = form.type;
-    request.body.assign(2 + static_cast<std::size_t>(form.count) * (form.type >> 4), 0);
-    request.body[0] = form.id;
+  for (const auto& [id, count, type] : forms) {
+    Bytes body(2U + count * (type >> 4));
+    body[0] = id;
     Bytes answer;
-    const std::int16_t status = settings.Write(request, answer);
+    const std::int16_t status = settings.Write({command::kWrite, 0, count, type, 0, body}, answer);
     answers += status == 0 ? '+' : status == status::kUnknownForm ? '3' : '2';
   }
   return answers;
@@ -148,106 +124,81 @@ TEST(Settings, EachPowerVariantKnowsItsCommands) {
 
 TEST(Settings, ListsComeInChunks) {
   Settings settings{Options{}};
-  EXPECT_EQ(
-      Execute(settings, 0, 0x60,
-              "02 00 00 00 00 00 00 00 02 00 00 00 00 00 00 CA 9A 3B 00 00 01 00 00 00 00 00"),
-      "02 00 00 00 00 00 00 00 02 00 00 00 00 00 00 CA 9A 3B 00 00 80 96 98 00 00 00")
-      << "1 GHz, and 1 Hz raised to the lower limit";
-  EXPECT_EQ(
-      Execute(settings, 0, 0x60, "02 00 02 00 00 00 00 00 01 00 00 00 00 00 00 94 35 77 00 00"),
-      "02 00 02 00 00 00 00 00 01 00 00 00 00 00 00 94 35 77 00 00");
-  EXPECT_EQ(settings.state().frequency.list, (std::vector<double>{1e9, 10e6, 2e9}));
-  EXPECT_EQ(Execute(settings, 0, 0x60, "02 00 07 00 00 00 00 00 00 00 00 00 00 00"), "0x8003")
-      << "a gap";
-  EXPECT_EQ(Execute(settings, 0, 0x60, "02 00 00 00 00 00 00 00 09 00 00 00 00 00"), "0x8003")
-      << "more values announced than there are";
-  // Output on, mode 2, 0, 0; two levels: -60 and +30 dBm.
-  EXPECT_EQ(Execute(settings, 4, 0x42,
-                    "4C 00 00 00 01 00 00 00 02 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 02 00 "
-                    "00 00 C4 FF 00 00 1E 00"),
-            "4C 00 00 00 01 00 00 00 02 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 02 00 00 00 "
-            "C4 FF 00 00 14 00");
+  // Offset, number, values; for levels behind the output's settings.
+  Check(settings,
+        {{"1 Hz raised to the lower limit", 2, 0x60, {0, 2, 1e9, 1}, {0, 2, 1e9, 10e6}, 0, 0},
+         {"second chunk", 2, 0x60, {2, 1, 2e9}, {}, 0, 0},
+         {"a gap", 2, 0x60, {7, 0}, {}, status::kUnknownForm, 0},
+         {"more values announced than there are", 2, 0x60, {0, 9}, {}, status::kUnknownForm, 0},
+         {"levels", 76, 0x42, {1, 2, 0, 0, 0, 2, -60, 30}, {1, 2, 0, 0, 0, 2, -60, 20}, 0, 4}});
+  EXPECT_EQ(settings.state().frequency.list, (Values{1e9, 10e6, 2e9}));
   EXPECT_EQ(settings.SweepPoints(), 6U) << "three frequencies at each of two levels";
   EXPECT_EQ(settings.state().attenuator_mode, 2U);
 }
 
 TEST(Settings, PulseTrainsComeInChunks) {
-  const char* train =
-      "1F 00 02 00 00 00 02 00 00 00 01 00 00 00 00 00 00 00 02 00 00 00 01 00 00 00 19 00 00 00 "
-      "64 "
-      "00 00 00 00 00 00 00";
   Settings settings{Options{}};
-  EXPECT_EQ(Execute(settings, 3, 0x40, train),
-            "1F 00 02 00 00 00 02 00 00 00 01 00 00 00 00 00 00 00 02 00 00 00 0A 00 00 00 1E 00 "
-            "00 00 64 00 00 00 00 00 00 00")
-      << "1 ns raised to 10 ns, 25 ns rounded to 30 ns";
   const PulseTrain& pulses = settings.state().pulses;
+  Check(settings, {{"1 ns raised to 10 ns, 25 ns rounded to 30 ns",
+                    31,
+                    0x40,
+                    {2, 2, 1, 0, 2, 1, 25, 100, 0},
+                    {2, 2, 1, 0, 2, 10, 30, 100, 0},
+                    0,
+                    3}});
   EXPECT_EQ(pulses.mode, 2U);
   EXPECT_EQ(pulses.source, 2U);
   EXPECT_TRUE(pulses.inverse);
   EXPECT_EQ(pulses.pulses, (std::vector<Pulse>{{10, 30}, {100, 0}}));
-  EXPECT_EQ(
-      Execute(settings, 2, 0x40,
-              "1F 00 00 00 00 00 03 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00"),
-      "1F 00 00 00 00 00 03 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00")
-      << "off, without the polarity element";
-  EXPECT_EQ(Execute(settings, 3, 0x40, "1F 00 02 00 00 00 02 00 00 00 05 00 00 00"),
-            "1F 00 02 00 00 00 02 00 00 00 01 00 00 00")
-      << "the head alone leaves the pulses";
+  Check(settings, {{"off, without the polarity element", 31, 0x40, {0, 3, 0, 1, 0, 0}, {}, 0, 2},
+                   {"the head alone leaves the pulses", 31, 0x40, {2, 2, 5}, {2, 2, 1}}});
   EXPECT_EQ(pulses.pulses.size(), 1U);
-  Options without;
-  without.pulse_modulator = false;
-  Check(without, {{"no pulse modulator", 3, 0x40, train, "0x8002"}});
 }
 
 TEST(Settings, TriggerGroups) {
   Options one;
   one.trigger_groups = 1;
-  const char* two_groups = "08 00 01 01 05 00 00 06 00 07 01 00";
+  const Values two_groups{1, 1, 5, 0, 0, 6, 0, 7, 1, 0};
   Check(Options{},
-        {{"two groups", 10, 0x10, two_groups, two_groups},
-         {"the first alone", 5, 0x10, "08 00 09 00 08 00 00", "08 00 01 00 08 00 00"},
-         {"the second is kept; sync code on the input", 10, 0x10,
-          "07 00 04 01 01 00 03 05 00 01 01 00", "07 00 04 01 01 00 03 05 00 01 01 00"}});
-  Check(one, {{"two groups", 10, 0x10, two_groups, "0x8003"},
-              {"one", 5, 0x10, "07 00 03 01 00 00 02", "07 00 03 01 00 00 02"}});
+        {{"two groups", 8, 0x10, two_groups},
+         {"the first alone", 8, 0x10, {9, 0, 8, 0, 0}, {1, 0, 8, 0, 0}},
+         {"the second is kept; sync code on the input", 7, 0x10, {4, 1, 1, 0, 3, 5, 0, 1, 1, 0}}});
+  Check(one, {{"two groups", 8, 0x10, two_groups, {}, status::kUnknownForm},
+              {"one", 7, 0x10, {3, 1, 0, 0, 2}}});
 }
 
 TEST(Settings, SmallSettingsAnswerWithWhatWasSet) {
   Options no_frequency;
   no_frequency.reference_frequency = false;
-  Check(Options{}, {{"its kind", 1, 0x20, "03 00 12 00", "03 00 12 00"},
-                    {"another kind", 1, 0x20, "03 00 02 00", "0x8003"},
-                    {"averaging too high, odd body filled up", 1, 0x10, "04 00 0F 99", "04 00 0E"},
-                    {"averaging too low", 1, 0x10, "04 00 00", "04 00 01"},
-                    {"dwell in steps of 100 ns", 2, 0x40, "05 00 00 00 00 00 7B 00 00 00",
-                     "05 00 00 00 00 00 64 00 00 00"},
-                    {"longest dwell", 2, 0x40, "05 00 00 00 00 00 FF FF FF FF",
-                     "05 00 00 00 00 00 A0 FF FF FF"},
-                    {"feature mask", 1, 0x20, "17 00 FB FF", "17 00 FB FF"},
-                    {"reference too low", 2, 0x40, "11 00 01 00 00 00 01 00 00 00",
-                     "11 00 01 00 00 00 40 42 0F 00"},
-                    {"reference switch alone", 1, 0x10, "11 00 00", "11 00 00"},
-                    {"phase delay", 1, 0x42, "5C 00 00 80 FE FF", "5C 00 00 80 FE FF"},
-                    {"compensation mode 4", 1, 0x20, "0B 00 04 00", "0B 00 04 00"},
-                    {"no compensation mode 9", 1, 0x20, "0B 00 09 00", "0B 00 04 00"},
-                    {"sync generator", 3, 0x40, "25 00 0E 00 00 00 64 00 00 00 00 00 00 00",
-                     "25 00 0A 00 00 00 64 00 00 00 00 00 00 00"},
-                    {"nameless", 4, 0x10, "1C 00 03 00 05 03", "1C 00 03 00 05 03"},
-                    {"identity is read only", 100, 0x10, "0F 00", "0x8003"},
-                    {"unknown parameter", 1, 0x10, "C8 00 00", "0x8002"},
-                    {"no identifier", 1, 0x10, "04", "0x8003"}});
+  Check(Options{}, {{"its kind", 3, 0x20, {18}},
+                    {"another kind", 3, 0x20, {2}, {}, status::kUnknownForm},
+                    {"averaging too high, odd body filled up", 4, 0x10, {15, 0x99}, {14}, 0, 1},
+                    {"averaging too low", 4, 0x10, {0}, {1}},
+                    {"dwell in steps of 100 ns", 5, 0x40, {0, 123}, {0, 100}},
+                    {"longest dwell", 5, 0x40, {0, 4294967295}, {0, 4294967200}},
+                    {"feature mask", 23, 0x20, {0xFFFB}},
+                    {"reference too low", 17, 0x40, {1, 1}, {1, 1e6}},
+                    {"reference switch alone", 17, 0x10, {0}},
+                    {"phase delay", 92, 0x42, {-1.5}},
+                    {"compensation mode 4", 11, 0x20, {4}},
+                    {"no compensation mode 9", 11, 0x20, {9}, {4}},
+                    {"sync generator", 37, 0x40, {14, 100, 0}, {10, 100, 0}},
+                    {"nameless", 28, 0x10, {3, 0, 5, 3}},
+                    {"identity is read only", 15, 0x10, {}, {}, status::kUnknownForm, 100},
+                    {"unknown parameter", 200, 0x10, {0}, {}, status::kUnknownParameter}});
   Check(no_frequency,
-        {{"reference without frequency", 2, 0x40, "11 00 01 00 00 00 01 00 00 00", "0x8003"}});
+        {{"reference without frequency", 17, 0x40, {1, 1}, {}, status::kUnknownForm}});
+  Bytes answer;
+  EXPECT_EQ(Settings(Options{}).Write({command::kWrite, 0, 1, 0x10, 0, {4}}, answer),
+            status::kUnknownForm)
+      << "no identifier";
 }
 
 TEST(Settings, ChangesAreToldWithTheFirstEntries) {
   Settings settings(Options{});
   const InstrumentState before = settings.state();
-  Execute(settings, 0, 0x60,
-          "02 00 00 00 00 00 00 00 02 00 00 00 00 00 00 CA 9A 3B 00 00 00 94 35 77 00 00");
-  Execute(settings, 2, 0x40,
-          "1F 00 02 00 00 00 02 00 00 00 00 00 00 00 01 00 00 00 64 00 00 00 C8 00 00 00");
+  Check(settings, {{"frequencies", 2, 0x60, {0, 2, 1e9, 2e9}, {}, 0, 0},
+                   {"pulses", 31, 0x40, {2, 2, 0, 1, 100, 200}, {}, 0, 2}});
   const std::vector<StateLine> expected{
       {"frequency", "list of 2 Hz: 1000000000, 2000000000"},
       {"pulse train", "on, external, normal, 1 pulses of width + gap in ns: 100 + 200"}};

@@ -23,13 +23,11 @@ TEST_F(SweepTimerTest, AFreeSweepBeginsWithTheRequestAndTakesPointsTimesDwell) {
   EXPECT_EQ(timer_.End(), now_ + milliseconds(30));
   timer_.Request(now_ + milliseconds(20));
   EXPECT_EQ(timer_.End(), now_ + milliseconds(30)) << "a second client started it anew";
-}
-
-TEST_F(SweepTimerTest, NewSettingsRestartIt) {
-  Begin(Start::kAtOnce);
+  timer_.Cancel();
+  EXPECT_FALSE(timer_.End()) << "nobody waits for it any more";
   timer_.Request(now_);
   Begin(Start::kAtOnce);
-  EXPECT_FALSE(timer_.End());
+  EXPECT_FALSE(timer_.End()) << "the settings are new";
 }
 
 TEST_F(SweepTimerTest, ATriggeredSweepWaits) {
@@ -60,13 +58,6 @@ TEST_F(SweepTimerTest, EachTriggerMeasuresOnePoint) {
   }
   timer_.Trigger(now_);
   EXPECT_EQ(timer_.End(), now_ + milliseconds(3));
-}
-
-TEST_F(SweepTimerTest, AFreeSweepNobodyWaitsForIsGivenUp) {
-  Begin(Start::kAtOnce);
-  timer_.Request(now_);
-  timer_.Cancel();
-  EXPECT_FALSE(timer_.End());
 }
 
 }  // namespace

@@ -5,43 +5,28 @@
 #include <asio/ip/tcp.hpp>
 #include <chrono>
 #include <cstdint>
-#include <initializer_list>
-#include <ostream>
-#include <string>
-#include <vector>
 
-using ByteText = std::vector<std::uint8_t>;
+#include "simulator/Wire.h"
+#include "tests/link/Hex.h"
 
-/// "AA 55 01": bytes as the failure messages show them.
-std::string Hex(const ByteText& bytes);
-/// Bytes of "AA 55 01".
-ByteText FromHex(const std::string& text);
+namespace simulator {
 
-/// A request's 16 bytes of header and its body.
-ByteText Request(std::uint16_t command, std::uint8_t count, std::uint8_t type,
-                 const ByteText& body = {}, std::uint32_t sequence = 1);
-
-/// Header fields of an answer, and its body.
-struct Reply {
-  std::uint16_t word = 0;
-  std::uint16_t command = 0;
-  std::int16_t status = 0;
-  std::uint8_t count = 0;
-  std::uint8_t type = 0;
-  std::uint32_t sequence = 0;
-  ByteText body;
-};
+/// A request's 16 bytes of header and its body. It is framed as an answer is.
+inline Bytes Request(std::uint16_t command, std::uint8_t count, std::uint8_t type,
+                     const Bytes& body = {}, std::uint32_t sequence = 1) {
+  return EncodeAnswer({command, -0x8000, count, type, sequence, body});
+}
 
 class WireClient {
  public:
   explicit WireClient(std::uint16_t port);
 
-  void Send(const ByteText& bytes);
+  void Send(const Bytes& bytes);
   /// What comes within the time, at most so many bytes; fewer when the peer closes or is silent.
-  ByteText Receive(std::size_t size, std::chrono::milliseconds time = std::chrono::seconds(5));
-  /// One whole answer; a gtest failure and an empty reply when none comes.
-  Reply ReceiveReply();
-  Reply Exchange(const ByteText& request);
+  Bytes Receive(std::size_t size, std::chrono::milliseconds time = std::chrono::seconds(5));
+  /// Status, number and body of one whole answer; a gtest failure when none comes.
+  Message ReceiveReply();
+  Message Exchange(const Bytes& request);
   /// True when nothing comes for so long and the connection stays open.
   bool StaysQuiet(std::chrono::milliseconds time);
   /// True when the peer closes without another byte.
@@ -50,6 +35,7 @@ class WireClient {
  private:
   asio::io_context context_;
   asio::ip::tcp::socket socket_;
+  asio::error_code end_;  // of the last Receive; operation_aborted after its time
 };
 
-std::int32_t IntegerAt(const ByteText& bytes, std::size_t offset);
+}  // namespace simulator

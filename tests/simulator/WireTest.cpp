@@ -2,16 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/simulator/WireClient.h"
+#include "tests/link/Hex.h"
 
 namespace simulator {
 namespace {
 
-TEST(RequestParser, TakesRequestsHoweverTheBytesCome) {
-  const ByteText first = Request(3, 1, 0x10, FromHex("04 00 08 00"), 0x01020304);
-  const ByteText second = Request(6, 0, 'A', {}, 2);
-  ByteText stream = first;
-  stream.insert(stream.end(), second.begin(), second.end());
+TEST(RequestParser, TakesRequestsBehindRubbishHoweverTheBytesCome) {
+  const Bytes stream = FromHex(
+      "00 AA AA 54 55 | AA 55 03 00 00 80 04 00 01 10 00 00 04 03 02 01 | 04 00 08 00 |"
+      "AA 55 06 00 00 80 00 00 00 41 00 00 02 00 00 00");
   for (std::size_t piece = 1; piece <= stream.size(); ++piece) {
     RequestParser parser;
     std::vector<Message> requests;
@@ -26,37 +25,16 @@ TEST(RequestParser, TakesRequestsHoweverTheBytesCome) {
     EXPECT_EQ(requests[0].count, 1);
     EXPECT_EQ(requests[0].type, 0x10);
     EXPECT_EQ(requests[0].sequence, 0x01020304U);
-    EXPECT_EQ(Hex(requests[0].body), "04 00 08 00");
+    EXPECT_EQ(ToHex(requests[0].body), "04 00 08 00");
     EXPECT_EQ(requests[1].command, 6);
     EXPECT_EQ(requests[1].type, 'A');
   }
 }
 
-TEST(RequestParser, FindsTheNextRequestBehindRubbish) {
-  RequestParser parser;
-  ByteText stream = FromHex("00 AA AA 54 55");
-  const ByteText request = Request(1, 0, 0, {}, 9);
-  stream.insert(stream.end(), request.begin(), request.end());
-  parser.Feed(stream);
-  const auto found = parser.Next();
-  ASSERT_TRUE(found);
-  EXPECT_EQ(found->sequence, 9U);
-  EXPECT_FALSE(parser.Next());
-}
-
-TEST(EncodeAnswer, HasTheHeaderOfTheWire) {
-  Message answer;
-  answer.command = 3;
-  answer.status = status::kUnknownForm;
-  answer.count = 2;
-  answer.type = 0x42;
-  answer.sequence = 0x11223344;
-  answer.body = FromHex("01 02 03");
-  EXPECT_EQ(Hex(EncodeAnswer(answer)), "AA 55 03 00 03 80 03 00 02 42 00 00 44 33 22 11 01 02 03");
-}
-
-TEST(EncodeAnswer, NeverAnnouncesOtherThanItSends) {
-  Message answer;
+TEST(EncodeAnswer, HasTheHeaderOfTheWireAndNeverAnnouncesOtherThanItSends) {
+  Message answer{3, status::kUnknownForm, 2, 0x42, 0x11223344, FromHex("01 02 03")};
+  EXPECT_EQ(ToHex(EncodeAnswer(answer)),
+            "AA 55 03 00 03 80 03 00 02 42 00 00 44 33 22 11 01 02 03");
   answer.body.resize(70000);
   EXPECT_EQ(EncodeAnswer(answer).size(), kHeaderSize + 0xFFFF);
 }
@@ -88,7 +66,7 @@ TEST(Elements, FixedPointBothWays) {
     ASSERT_TRUE(format) << row.name;
     Bytes bytes;
     AppendElements(bytes, *format, std::vector{row.value});
-    EXPECT_EQ(Hex(bytes), row.bytes) << row.name;
+    EXPECT_EQ(ToHex(bytes), row.bytes) << row.name;
     EXPECT_EQ(DecodeElements(bytes, *format), std::vector{row.read_back}) << row.name;
   }
 }

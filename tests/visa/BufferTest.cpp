@@ -5,8 +5,9 @@
 
 namespace {
 
-class VisaBuffer : public VisaTest {
+class VisaBuffer : public VisaSession {
  protected:
+  VisaBuffer() : VisaSession(5000) {}
   ViStatus Buffer(std::string_view text) {
     return visa.viBufWrite(session, reinterpret_cast<const ViByte*>(text.data()),
                            static_cast<ViUInt32>(text.size()), &count);
@@ -18,20 +19,8 @@ class VisaBuffer : public VisaTest {
     const auto size = asio::read_until(instrument, asio::dynamic_buffer(text), '|');
     return text.substr(0, size - 1);
   }
-  void Send(std::string_view text) { asio::write(instrument, asio::buffer(text)); }
 
-  Peer peer;
-  ViSession session = 0;
   ViUInt32 count = 0;
-  asio::io_context io;
-  asio::ip::tcp::socket instrument{io};
-
- private:
-  void SetUp() override {
-    VisaTest::SetUp();
-    session = OpenSession(peer.Name(), 5000);
-    instrument = peer.Accept();
-  }
 };
 
 TEST_F(VisaBuffer, HoldsWritesBackUntilFlushedOrFull) {
@@ -100,9 +89,7 @@ TEST_F(VisaBuffer, FilesOfAnyLengthGoBothWays) {
   std::ofstream(file, std::ios::binary) << block;
   EXPECT_STATUS(visa.viWriteFromFile(session, file.c_str(), 999999, &count), VI_SUCCESS);
   EXPECT_EQ(count, block.size());
-  std::string got(block.size(), '\0');
-  asio::read(instrument, asio::buffer(got));
-  EXPECT_TRUE(got == block);
+  EXPECT_TRUE(Got(block.size()) == block);
 
   Send(block + "more");
   EXPECT_STATUS(visa.viReadToFile(session, file.c_str(), 150000, &count), VI_SUCCESS_MAX_CNT);

@@ -1,5 +1,9 @@
-// Opens the instrument exclusively and stays until it is ended: the peer sees it connect.
+// Tells its process, opens the instrument exclusively and stays until it is ended: the peer sees it
+// connect.
+#include <unistd.h>
+
 #include <chrono>
+#include <iostream>
 #include <thread>
 
 #include "platform/os/Module.h"
@@ -8,6 +12,7 @@
 int main(int argc, char** argv) {
   os::Module module;
   if (argc != 2 || !module.Load(ZK_VISA_MODULE)) return 2;
+  std::cout << getpid() << std::flush;
   ViSession manager = 0;
   ViSession session = 0;
   module.FunctionOf<decltype(viOpenDefaultRM)>("viOpenDefaultRM")(&manager);

@@ -1,5 +1,8 @@
-#include "tests/visa/ChildProcess.h"
+#include <optional>
+
+#include "tests/platform/TemporaryFolder.h"
 #include "tests/visa/VisaModule.h"
+#include "tests/zk4n/Program.h"
 
 namespace {
 
@@ -44,7 +47,7 @@ TEST_F(VisaLock, SecondExclusiveOpenWaitsInVainThenGetsIt) {
   EXPECT_STATUS(Write(second, "x"), VI_ERROR_INV_OBJECT) << "sessions go with their manager";
 }
 
-TEST_F(VisaLock, OtherSessionsOpenButDoNotTalk) {
+TEST_F(VisaLock, NestsAndOtherSessionsOpenButDoNotTalk) {
   const ViSession owner = OpenSession(peer.Name());
   const ViSession other = OpenSession(peer.Name());
   EXPECT_STATUS(Exclusive(owner), VI_SUCCESS);
@@ -55,21 +58,15 @@ TEST_F(VisaLock, OtherSessionsOpenButDoNotTalk) {
   EXPECT_STATUS(visa.viClear(other), VI_ERROR_RSRC_LOCKED);
   EXPECT_STATUS(visa.viUnlock(other), VI_ERROR_SESN_NLOCKED);
   EXPECT_STATUS(Write(owner, "x"), VI_SUCCESS);
-  EXPECT_STATUS(visa.viClose(owner), VI_SUCCESS);
-  EXPECT_EQ(State(other), 0U);
-  EXPECT_STATUS(Write(other, "x"), VI_SUCCESS);
-}
-
-TEST_F(VisaLock, Nests) {
-  const ViSession session = OpenSession(peer.Name());
-  const ViSession other = OpenSession(peer.Name());
-  EXPECT_STATUS(Exclusive(session), VI_SUCCESS);
-  EXPECT_STATUS(Exclusive(session), VI_SUCCESS_NESTED_EXCLUSIVE);
-  EXPECT_STATUS(visa.viUnlock(session), VI_SUCCESS_NESTED_EXCLUSIVE);
+  EXPECT_STATUS(Exclusive(owner), VI_SUCCESS_NESTED_EXCLUSIVE);
+  EXPECT_STATUS(visa.viUnlock(owner), VI_SUCCESS_NESTED_EXCLUSIVE);
   EXPECT_STATUS(Exclusive(other, 5), VI_ERROR_RSRC_LOCKED);
-  EXPECT_STATUS(visa.viUnlock(session), VI_SUCCESS);
-  EXPECT_STATUS(visa.viUnlock(session), VI_ERROR_SESN_NLOCKED);
+  EXPECT_STATUS(visa.viUnlock(owner), VI_SUCCESS);
+  EXPECT_STATUS(visa.viUnlock(owner), VI_ERROR_SESN_NLOCKED);
   EXPECT_STATUS(Exclusive(other), VI_SUCCESS);
+  EXPECT_STATUS(visa.viClose(other), VI_SUCCESS);
+  EXPECT_EQ(State(owner), 0U) << "the lock goes with its session";
+  EXPECT_STATUS(Write(owner, "x"), VI_SUCCESS);
 }
 
 TEST_F(VisaLock, IsSharedWithTheKey) {
@@ -95,17 +92,18 @@ TEST_F(VisaLock, IsSharedWithTheKey) {
 }
 
 TEST_F(VisaLock, HoldsAcrossProcessesAndGoesWithItsOwner) {
-  ChildProcess holder(ZK_LOCK_HOLDER, peer.Name());
+  const TemporaryFolder folder;
+  std::optional<Program> holder(std::in_place, ZK_LOCK_HOLDER, std::vector{peer.Name()},
+                                folder.path());
   auto instrument = peer.Accept();  // it has the lock by now
   const ViSession watcher = OpenSession(peer.Name());
   EXPECT_EQ(State(watcher), VI_EXCLUSIVE_LOCK);
   EXPECT_STATUS(Write(watcher, "x"), VI_ERROR_RSRC_LOCKED);
   const std::string owner = Owner(watcher);
-  EXPECT_TRUE(owner.starts_with("process " + std::to_string(holder.Id()) + " (visa_lock_hold"))
-      << owner;
+  EXPECT_TRUE(owner.starts_with("process " + holder->Output() + " (visa_lock_hold")) << owner;
   ViSession session = 0;
   EXPECT_STATUS(Open(peer.Name(), VI_EXCLUSIVE_LOCK, session, 20), VI_ERROR_RSRC_LOCKED);
-  holder.Kill();
+  holder.reset();
   EXPECT_STATUS(Open(peer.Name(), VI_EXCLUSIVE_LOCK, session, 5000), VI_SUCCESS);
   EXPECT_NE(Owner(watcher), owner);
   visa.viClose(session);

@@ -55,12 +55,9 @@ TEST_F(VisaTest, ReadsAndTellsWhy) {
   }
 }
 
-TEST_F(VisaTest, KeepsWhatCameBehindTheTerminator) {
-  Peer peer;
-  const ViSession session = OpenSession(peer.Name());
-  auto instrument = peer.Accept();
+TEST_F(VisaSession, KeepsWhatCameBehindTheTerminator) {
   visa.viSetAttribute(session, VI_ATTR_TERMCHAR_EN, 1);
-  asio::write(instrument, asio::buffer(std::string("one\ntwo\nthree")));
+  Send("one\ntwo\nthree");
   std::string text;
   EXPECT_STATUS(Read(session, 100, text), VI_SUCCESS_TERM_CHAR);
   EXPECT_STATUS(Read(session, 2, text), VI_SUCCESS_MAX_CNT);
@@ -72,14 +69,9 @@ TEST_F(VisaTest, KeepsWhatCameBehindTheTerminator) {
   EXPECT_EQ(text, "three");
 }
 
-TEST_F(VisaTest, WritesEverythingOrCountsWhatWent) {
-  Peer peer;
-  const ViSession session = OpenSession(peer.Name());
-  auto instrument = peer.Accept();
+TEST_F(VisaSession, WritesEverythingOrCountsWhatWent) {
   EXPECT_STATUS(Write(session, "hello"), VI_SUCCESS);
-  std::string text(5, '\0');
-  asio::read(instrument, asio::buffer(text));
-  EXPECT_EQ(text, "hello");
+  EXPECT_EQ(Got(5), "hello");
   instrument.set_option(asio::socket_base::linger(true, 0));
   instrument.close();
   ViStatus status = VI_SUCCESS;
@@ -87,10 +79,7 @@ TEST_F(VisaTest, WritesEverythingOrCountsWhatWent) {
   EXPECT_STATUS(status, VI_ERROR_CONN_LOST);
 }
 
-TEST_F(VisaTest, WriteThatTimesOutCountsWhatTheSystemTook) {
-  Peer peer;
-  const ViSession session = OpenSession(peer.Name());
-  auto instrument = peer.Accept();
+TEST_F(VisaSession, WriteThatTimesOutCountsWhatTheSystemTook) {
   const std::string block(64 << 20, 'x');  // more than all buffers on the way
   ViUInt32 sent = 0;
   EXPECT_STATUS(visa.viWrite(session, reinterpret_cast<const ViByte*>(block.data()),
@@ -104,26 +93,20 @@ TEST_F(VisaTest, WriteThatTimesOutCountsWhatTheSystemTook) {
   EXPECT_EQ(arrived.size(), sent);
 }
 
-TEST_F(VisaTest, ClearDropsWhatArrivedAndSendsNothing) {
-  Peer peer;
-  const ViSession session = OpenSession(peer.Name());
-  auto instrument = peer.Accept();
+TEST_F(VisaSession, ClearDropsWhatArrivedAndSendsNothing) {
   visa.viSetAttribute(session, VI_ATTR_TERMCHAR_EN, 1);
-  asio::write(instrument, asio::buffer(std::string("one\n") + std::string(50000, 'x')));
+  Send("one\n" + std::string(50000, 'x'));
   std::string text;
   EXPECT_STATUS(Read(session, 100, text), VI_SUCCESS_TERM_CHAR);
   EXPECT_STATUS(visa.viClear(session), VI_SUCCESS);
   EXPECT_STATUS(Read(session, 1, text), VI_ERROR_TMO);
   EXPECT_EQ(instrument.available(), 0U);
-  asio::write(instrument, asio::buffer(std::string("new")));
+  Send("new");
   EXPECT_STATUS(Read(session, 3, text), VI_SUCCESS_MAX_CNT);
   EXPECT_EQ(text, "new");
 }
 
-TEST_F(VisaTest, ClearEndsWhileTheInstrumentStreams) {
-  Peer peer;
-  const ViSession session = OpenSession(peer.Name());
-  auto instrument = peer.Accept();
+TEST_F(VisaSession, ClearEndsWhileTheInstrumentStreams) {
   std::atomic<bool> stop = false;
   std::thread stream([&] {
     const std::string block(4096, 'x');

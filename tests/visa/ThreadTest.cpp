@@ -6,10 +6,11 @@
 
 namespace {
 
-class VisaThread : public VisaTest {
+class VisaThread : public VisaSession {
  protected:
+  VisaThread() : VisaSession(VI_TMO_INFINITE) {}
   /// A read without limit on another thread, ended by the action once the read is surely waiting.
-  ViStatus ReadEndedBy(ViSession session, const std::function<void()>& end) {
+  ViStatus ReadEndedBy(const std::function<void()>& end) {
     ViStatus status = VI_SUCCESS;
     std::atomic<bool> ended = false;
     std::thread reader([&] {
@@ -29,27 +30,21 @@ class VisaThread : public VisaTest {
     reader.join();
     return status;
   }
-
-  Peer peer;
 };
 
 TEST_F(VisaThread, TerminateEndsAWaitingReadAndNothingElse) {
-  const ViSession session = OpenSession(peer.Name(), VI_TMO_INFINITE);
-  auto instrument = peer.Accept();
   EXPECT_STATUS(visa.viTerminate(session, 0, 0), VI_SUCCESS);  // nothing waits
   EXPECT_STATUS(visa.viTerminate(session, 1, 0), VI_ERROR_INV_DEGREE);
   EXPECT_STATUS(visa.viTerminate(session, 0, 7), VI_ERROR_INV_JOB_ID);
-  EXPECT_STATUS(ReadEndedBy(session, [&] { visa.viTerminate(session, 0, 0); }), VI_ERROR_ABORT);
-  asio::write(instrument, asio::buffer(std::string("ok")));
+  EXPECT_STATUS(ReadEndedBy([&] { visa.viTerminate(session, 0, 0); }), VI_ERROR_ABORT);
+  Send("ok");
   std::string text;
   EXPECT_STATUS(Read(session, 2, text), VI_SUCCESS_MAX_CNT);
   EXPECT_EQ(text, "ok");
 }
 
 TEST_F(VisaThread, CloseEndsAWaitingRead) {
-  const ViSession session = OpenSession(peer.Name(), VI_TMO_INFINITE);
-  auto instrument = peer.Accept();
-  const ViStatus status = ReadEndedBy(session, [&] { visa.viClose(session); });
+  const ViStatus status = ReadEndedBy([&] { visa.viClose(session); });
   // A close before the read began leaves it no session at all.
   EXPECT_TRUE(status == VI_ERROR_ABORT || status == VI_ERROR_INV_OBJECT) << Hex(status);
   asio::error_code error;
@@ -59,26 +54,24 @@ TEST_F(VisaThread, CloseEndsAWaitingRead) {
 }
 
 TEST_F(VisaThread, SessionsDoNotWaitForEachOther) {
-  const ViSession silent = OpenSession(peer.Name(), VI_TMO_INFINITE);
-  auto silent_instrument = peer.Accept();
   Peer other_peer;
-  const ViSession session = OpenSession(other_peer.Name(), 10000);
-  auto instrument = other_peer.Accept();
+  const ViSession other = OpenSession(other_peer.Name(), 10000);
+  auto other_instrument = other_peer.Accept();
   std::atomic<int> exchanges = 0;
-  const ViStatus status = ReadEndedBy(silent, [&] {
+  const ViStatus status = ReadEndedBy([&] {
+    EXPECT_STATUS(Write(session, "out!"), VI_SUCCESS);  // the other direction is free too
+    EXPECT_EQ(Got(4), "out!");
     std::string text(4, '\0');
-    EXPECT_STATUS(Write(silent, "out!"), VI_SUCCESS);  // the other direction is free too
-    asio::read(silent_instrument, asio::buffer(text));
-    EXPECT_STATUS(Write(session, "ping"), VI_SUCCESS);
-    asio::read(instrument, asio::buffer(text));
-    asio::write(instrument, asio::buffer(text));
-    EXPECT_STATUS(Read(session, 4, text), VI_SUCCESS_MAX_CNT);
-    if (++exchanges == 20) asio::write(silent_instrument, asio::buffer(std::string(10, 'x')));
+    EXPECT_STATUS(Write(other, "ping"), VI_SUCCESS);
+    asio::read(other_instrument, asio::buffer(text));
+    asio::write(other_instrument, asio::buffer(text));
+    EXPECT_STATUS(Read(other, 4, text), VI_SUCCESS_MAX_CNT);
+    if (++exchanges == 20) Send("xxxxxxxxxx");
   });
   EXPECT_STATUS(status, VI_SUCCESS_MAX_CNT);
 }
 
-TEST_F(VisaThread, ManySessionsComeAndGo) {
+TEST_F(VisaTest, ManySessionsComeAndGo) {
   std::array<std::thread, 4> threads;
   for (std::thread& thread : threads) {
     thread = std::thread([this] {

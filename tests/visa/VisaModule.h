@@ -114,6 +114,32 @@ class VisaTest : public testing::Test {
   ViSession manager = 0;
 };
 
+/// A session, and the instrument's end of its connection.
+class VisaSession : public VisaTest {
+ protected:
+  explicit VisaSession(ViUInt32 timeout = 30) : timeout_(timeout) {}
+  void SetUp() override {
+    VisaTest::SetUp();
+    session = OpenSession(peer.Name(), timeout_);
+    instrument = peer.Accept();
+  }
+  void Send(std::string_view text) { asio::write(instrument, asio::buffer(text)); }
+  /// So many bytes as the instrument gets them.
+  std::string Got(std::size_t size) {
+    std::string text(size, '\0');
+    asio::read(instrument, asio::buffer(text));
+    return text;
+  }
+
+  Peer peer;
+  ViSession session = 0;
+  asio::io_context io;
+  asio::ip::tcp::socket instrument{io};
+
+ private:
+  ViUInt32 timeout_;
+};
+
 inline std::string Hex(ViStatus status) {
   std::array<char, 11> text{};
   std::snprintf(text.data(), text.size(), "0x%08X", static_cast<unsigned>(status));

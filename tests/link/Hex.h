@@ -1,0 +1,36 @@
+// Bytes as tests write and show them.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// "AA 55 01".
+inline std::string ToHex(std::span<const std::uint8_t> bytes) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string text;
+  for (const std::uint8_t byte : bytes) {
+    if (!text.empty()) text += ' ';
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 15];
+  }
+  return text;
+}
+
+/// Pairs of digits; blanks and the separators | : are skipped.
+inline std::vector<std::uint8_t> FromHex(std::string_view text) {
+  std::vector<std::uint8_t> bytes;
+  std::string digits;
+  for (const char c : text) {
+    if (c == ' ' || c == '|' || c == ':') continue;
+    digits += c;
+    if (digits.size() < 2) continue;
+    bytes.push_back(static_cast<std::uint8_t>(std::stoul(digits, nullptr, 16)));
+    digits.clear();
+  }
+  if (!digits.empty()) throw std::invalid_argument("odd number of hexadecimal digits");
+  return bytes;
+}
