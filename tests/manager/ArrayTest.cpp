@@ -19,6 +19,7 @@ struct ListCase {
   Values sent;         // nothing: a list that is not there
   Values back;
 };
+void PrintTo(const ListCase& row, std::ostream* stream) { *stream << row.name; }
 
 class ListTest : public ManagerTest, public testing::WithParamInterface<ListCase> {};
 
@@ -89,6 +90,7 @@ struct PacketCase {
   Values delays_back;
   LONG lower = 0;
 };
+void PrintTo(const PacketCase& row, std::ostream* stream) { *stream << row.name; }
 
 class PacketTest : public ManagerTest, public testing::WithParamInterface<PacketCase> {};
 

@@ -124,6 +124,7 @@ struct SingleReadCase {
   Status result;
   int points;  // of a trace; a failure that is no notice goes into the trail
 };
+void PrintTo(const SingleReadCase& row, std::ostream* stream) { *stream << row.name; }
 
 class SingleReadTest : public FetchTest, public testing::WithParamInterface<SingleReadCase> {};
 

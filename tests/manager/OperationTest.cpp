@@ -16,6 +16,7 @@ struct SettingCase {
   Status (*set)(M&);
   std::vector<Site> trail;
 };
+void PrintTo(const SettingCase& row, std::ostream* stream) { *stream << row.name; }
 
 class SettingTest : public ManagerTest, public testing::WithParamInterface<SettingCase> {};
 
@@ -141,6 +142,7 @@ struct AxisCase {
   Status (*set)(CK4NManager& manager);
   std::vector<const char*> order;  // a power write with the output switch that it carries
 };
+void PrintTo(const AxisCase& row, std::ostream* stream) { *stream << row.name; }
 
 class AxisTest : public ManagerTest, public testing::WithParamInterface<AxisCase> {};
 

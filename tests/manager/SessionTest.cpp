@@ -106,6 +106,7 @@ struct InitializeCase {
   std::vector<const char*> asked;  // requests whose order matters here, see RequestOrder
   std::vector<const char*> not_asked = {};
 };
+void PrintTo(const InitializeCase& row, std::ostream* stream) { *stream << row.name; }
 
 class InitializeTest : public ManagerTest, public testing::WithParamInterface<InitializeCase> {};
 

@@ -15,6 +15,7 @@ struct TriggerCase {
   SweepTriggerSettings kept;
   bool kept_step;
 };
+void PrintTo(const TriggerCase& row, std::ostream* stream) { *stream << row.name; }
 
 class TriggerTest : public ManagerTest, public testing::WithParamInterface<TriggerCase> {};
 

@@ -13,6 +13,7 @@ struct ResumeCase {
   void (*arrange)(CK4NManager& manager);
   bool measures;
 };
+void PrintTo(const ResumeCase& row, std::ostream* stream) { *stream << row.name; }
 
 class ResumeTest : public ManagerTest, public testing::WithParamInterface<ResumeCase> {};
 
@@ -90,6 +91,7 @@ struct ReadFailureCase {
   std::vector<ErrorRecord> trail;
   bool recovers;  // else the block is kept
 };
+void PrintTo(const ReadFailureCase& row, std::ostream* stream) { *stream << row.name; }
 
 class ReadFailureTest : public ManagerTest, public testing::WithParamInterface<ReadFailureCase> {};
 

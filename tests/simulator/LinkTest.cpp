@@ -1,6 +1,8 @@
 // The simulator as a client meets it: bytes over a socket.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
 #include <system_error>
 #include <thread>
 
@@ -158,6 +160,26 @@ TEST(SmallInstrument, ClosesTooManyConnections) {
   EXPECT_TRUE(WireClient(simulator.Port()).IsClosedByPeer());
   EXPECT_EQ(simulator.ConnectionCount(), 1U);
   EXPECT_EQ(first.Exchange(kRecovery).status, 0);
+}
+
+TEST_F(LinkTest, SurvivesArbitraryBytes) {
+  std::mt19937 random(2026);
+  const auto byte = [&random] { return static_cast<std::uint8_t>(random()); };
+  for (int round = 0; round < 30; ++round) {
+    WireClient client(simulator_.Port());
+    Bytes bytes;
+    for (int i = 0; i < 100; ++i) {
+      Bytes body(byte() % 64U);
+      std::ranges::generate(body, byte);
+      if (body.size() >= 2) body[1] = 0;  // most parameters are below 256
+      const Bytes next =
+          byte() % 2 == 0 ? body : Request(byte() % 8U, byte() % 11U, byte() & 0x72U, body);
+      bytes.insert(bytes.end(), next.begin(), next.end());
+    }
+    client.Send(bytes);
+    if (round % 2 == 0) client.Receive(1000, milliseconds(5));
+  }
+  EXPECT_EQ(client_.Exchange(kRecovery).status, 0);
 }
 
 TEST_F(LinkTest, AClientThatNeverReadsDoesNotFillTheMemory) {
