@@ -12,10 +12,10 @@
 inline std::string ToHex(std::span<const std::uint8_t> bytes) {
   constexpr char kDigits[] = "0123456789ABCDEF";
   std::string text;
-  for (const std::uint8_t byte : bytes) {
+  for (const std::uint8_t value : bytes) {
     if (!text.empty()) text += ' ';
-    text += kDigits[byte >> 4];
-    text += kDigits[byte & 15];
+    text += kDigits[value >> 4];
+    text += kDigits[value & 15];
   }
   return text;
 }
