@@ -41,7 +41,7 @@ TEST_P(ListTest, IsSentFromItsFirstElementAndComesBackCorrected) {
 }
 
 // clang-format off
-const ListCase kListCases[] = {
+const std::vector<ListCase> kListCases = {
     {"Corrected", 0, {1, 2}, "02 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 05 00 00 00 00 00 |06 00 00 00 00 00", {1, 2}, {5, 6}},
     {"OneBasedSendsOneMore", 1, {1, 2, 3}, "", {1, 2, 3, 3}, {1, 2, 3}},
     {"BelowZeroLosesTheLast", -1, {1, 2, 3}, "", {1, 2}, {1, 2, 3}},
@@ -109,7 +109,7 @@ TEST_P(PacketTest, FillsOnePeriod) {
   EXPECT_EQ(manager_.GetPulseSettings().double_enabled, row.result != 0);
 }
 
-const PacketCase kPacketCases[] = {
+const std::vector<PacketCase> kPacketCases = {
     {"LastDelayIsReplaced", {1e-6, 2e-6}, {1e-6, 9e-6}, 0, {1e-6, 6e-6}},
     {"LongerThanThePeriod", {6e-6, 6e-6}, {1e-6, 1e-6}, 0, {1e-6, 0}},
     {"OneBasedSendsOneMore", {1e-6, 2e-6}, {1e-6, 1e-6}, 0, {1e-6, 1e-6}, 1},

@@ -98,7 +98,7 @@ TEST_P(DiscardTest, BlockNobodyFetched) {
 }
 
 // clang-format off
-const DiscardCase kDiscardCases[] = {
+const std::vector<DiscardCase> kDiscardCases = {
     {"ReadingTheOutputState", [](CK4NManager& m) { bool on = false; m.GetOutputEnabled(on); }, true},
     {"SweepMode", [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, true},
     {"Averaging", [](CK4NManager& m) { m.SetAveraging(1); }, true},
@@ -148,7 +148,7 @@ TEST_P(SingleReadTest, BeforeAnySweep) {
 }
 
 // clang-format off
-const SingleReadCase kSingleReadCases[] = {
+const std::vector<SingleReadCase> kSingleReadCases = {
     {"Block", 0, Block(5), 0, 5},
     {"StatusWordAlone", 0, Block(0), 0, 0},
     {"Nothing", 0, {}, status::kVisaProtocolViolation, 2},

@@ -60,7 +60,7 @@ Status Sync(M& manager) {
 
 using S = Site;
 // clang-format off
-const SettingCase kSettingCases[] = {
+const std::vector<SettingCase> kSettingCases = {
     {"Frequency", 0, [](M& m) { return m.SetFrequency(1e9); }, {S::kFrequencyAxis, S::kCwFrequency}},
     {"Level", 79, [](M& m) { return m.SetLevel(-30.0); }, {S::kPowerAxis, S::kCwLevel}},
     {"OutputOff", 79, [](M& m) { return m.SetOutputEnabled(false); }, {S::kOutputEnabled}},
@@ -168,7 +168,7 @@ constexpr auto kStep = SweepMode::kFrequencyStep;
 constexpr auto kList = SweepMode::kList;
 
 // clang-format off
-const AxisCase kAxisCases[] = {
+const std::vector<AxisCase> kAxisCases = {
     {"FrequencyInCw", kCw, Output::kOn, Frequency, {"3:0/60x1"}},
     {"FrequencyInPowerStep", kPower, Output::kOn, Frequency, {"3:0/60x1"}},
     {"FrequencyInFrequencyStep", kStep, Output::kOn, Frequency, {"3:0/60x1", "3:0/60x4"}},

@@ -137,7 +137,7 @@ constexpr Status kFormUnknown = status::kInstrumentFormUnknown;
 constexpr auto kOrdinary = [](scripted::Visa&) {};
 
 // clang-format off
-const InitializeCase kInitializeCases[] = {
+const std::vector<InitializeCase> kInitializeCases = {
     {"ManagerOfVisaFails", [](auto& visa) { visa.SetResult(Function::kOpenDefaultRM, 0xBFFF0011); },
      "", kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}},
     {"OpenFails", [](auto& visa) { visa.SetResult(Function::kOpen, 0xBFFF0011); },

@@ -52,7 +52,7 @@ TEST_P(TriggerTest, MapsBothWays) {
 }
 
 // clang-format off
-const TriggerCase kTriggerCases[] = {
+const std::vector<TriggerCase> kTriggerCases = {
     {"Immediate", {0, 1, 1}, false, "00 01 00 00 02", nullptr, 0, {0, 1, 1}, false},
     {"External", {1, 0, 0}, false, "01 00 00 00 02", nullptr, 0, {1, 0, 0}, false},
     {"Step", {1, 0, 1}, true, "02 01 00 00 02", nullptr, 0, {1, 0, 1}, true},

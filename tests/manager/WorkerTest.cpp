@@ -41,7 +41,7 @@ void ConfiguredFrequencyStep(CK4NManager& manager) {
 }
 
 // clang-format off
-const ResumeCase kResumeCases[] = {
+const std::vector<ResumeCase> kResumeCases = {
     {"NoSweep", "", Output::kOn, Immediate, false},
     {"List", "", Output::kOn, ImmediateList, true},
     {"FrequencyStepNotConfigured", "", Output::kOn, ImmediateFrequencyStep, false},
@@ -124,7 +124,7 @@ TEST_P(ReadFailureTest, IsRecordedAndReadingGoesOn) {
 }
 
 // clang-format off
-const ReadFailureCase kReadFailureCases[] = {
+const std::vector<ReadFailureCase> kReadFailureCases = {
     {"RefusedAtOnce", kRefusal, 0, true, {{kRefusalStatus, Site::kWorkerRead}}, true},
     {"RefusedLater", kRefusal, 0, false, {{kRefusalStatus, Site::kWorkerRepeatedRead}}, true},
     {"NegativeWordOfTheBlock", 0, kRefusal, false, {{kRefusalStatus, Site::kWorkerRepeatedRead}}, true},

@@ -15,9 +15,9 @@ struct Allocated {
 
 TEST(Bstr, CarriesItsByteLengthAndAClosingZero) {
   const Allocated cases[] = {
-      {SysAllocString(OLESTR("K4N")), {"\6\0\0\0K\0004\0N\0\0", 12}},
-      {SysAllocStringLen(OLESTR("a\0b"), 3), {"\6\0\0\0a\0\0\0b\0\0", 12}},
-      {SysAllocStringByteLen("abc", 3), {"\3\0\0\0abc", 8}},
+      {SysAllocString(OLESTR("K4N")), {"\6\0\0\0K\0004\0N\0\0\0", 12}},
+      {SysAllocStringLen(OLESTR("a\0b"), 3), {"\6\0\0\0a\0\0\0b\0\0\0", 12}},
+      {SysAllocStringByteLen("abc", 3), {"\3\0\0\0abc\0", 8}},
   };
   for (const auto& [text, memory] : cases) {
     ASSERT_NE(text, nullptr);

@@ -2,6 +2,7 @@
 // through the system's marshaller, which reads the registered type library.
 #include <condition_variable>
 #include <functional>
+#include <utility>
 
 #include "tests/driver/SessionFixture.h"
 
@@ -234,7 +235,7 @@ TEST_P(Marshalling, CarriesFailuresAndCodesOfSuccess) {
     BSTR text = Text("passed in").Detach();
     EXPECT_EQ(utility->ErrorQuery(&code, &text), S_OK);
     EXPECT_EQ(code, kRefusal);
-    EXPECT_EQ(TakeText(text), "-321");
+    EXPECT_EQ(TakeText(std::exchange(text, nullptr)), "-321");
     do {
       EXPECT_EQ(utility->ErrorQuery(&code, &text), S_OK);
     } while (code != 0);

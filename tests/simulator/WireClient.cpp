@@ -23,9 +23,10 @@ Bytes WireClient::Receive(std::size_t size, std::chrono::milliseconds time) {
                    });
   context_.restart();
   context_.run_for(time);
-  socket_.cancel();
-  context_.restart();
-  context_.run();
+  while (!context_.stopped()) {  // a part that has just come lets the read go on once more
+    socket_.cancel();
+    context_.run_for(std::chrono::milliseconds(1));
+  }
   return bytes;
 }
 
