@@ -83,6 +83,9 @@ class D3THardWare final : public uIEvent::EventProcessor {
   Status Initialize();
   /// Sends the recovery command (command 1) and returns the status of its answer.
   Status Recover();
+  /// The same after a failed data read: the session is cleared first, so that nothing is left of
+  /// it.
+  Status ClearAndRecover();
   /// Writes a candidate kind and returns the instrument's own in its place.
   Status QueryInstrumentKind(std::uint32_t& kind);
   /// Reads the present output state: level (dBm) and the settings that go with it.
@@ -92,7 +95,8 @@ class D3THardWare final : public uIEvent::EventProcessor {
   Status SetCwFrequency(double& frequency);
   /// Hz.
   Status SetFrequencySweep(double& start, double& stop, double& step);
-  /// dBm. The first call in a session finds out which power commands the instrument knows.
+  /// dBm. The first call in a session finds out which power commands the instrument knows; so do
+  /// further ones until its answers have told.
   Status SetOutputLevel(LevelSettings& settings, double& level);
   /// dBm, dBm, dB. -1 when the instrument's power commands have no sweep.
   Status SetPowerSweep(LevelSettings& settings, double& start, double& stop, double& step);
@@ -131,9 +135,9 @@ class D3THardWare final : public uIEvent::EventProcessor {
   Status QuerySerialNumber(std::string& serial_number);
 
   /// Reads one data block and waits for it. `length` receives the bytes in `buffer`; `format` is
-  /// the wanted format mark
-  /// ("A" raw with 8 fractional bits, else integers) and receives the block's. A negative status
-  /// word of the block raises a "Data processing error" event and is returned.
+  /// the wanted format mark ("A" raw with 8 fractional bits, else integers) and receives the
+  /// block's. 0xBFFF0037 for an answer whose mark is neither "A" nor "@": no block. A negative
+  /// status word of the block raises a "Data processing error" event and is returned.
   Status ReadDataBlock(std::span<std::uint8_t> buffer, std::uint32_t& length, char& format);
   /// The same without waiting for the end: VI_ERROR_TMO while the block is not complete; call
   /// again.
@@ -207,8 +211,9 @@ class D3THardWare final : public uIEvent::EventProcessor {
 
   std::uint32_t frequency_class_ = 0;
   IdentityRecord identity_;
-  std::uint32_t power_variant_ = 3;
-  bool power_variant_known_ = false;
+  static constexpr std::uint32_t kVariantUnprobed = 3;
+  std::uint32_t power_variant_ = kVariantUnprobed;
+  bool power_variant_settled_ = false;  // no further probe
   bool two_trigger_groups_ = true;
   bool pulse_polarity_ = false;  // the pulse train carries a polarity element
   double minimum_frequency_ = 0.0;

@@ -23,6 +23,12 @@ constexpr std::array<Parameter, 6> kSweepForms = {Parameter::kCount,       Param
 
 bool IsAccepted(Status result) { return result >= 0 && result <= kLargestNotice; }
 
+/// The instrument does not know the form. Any other refusal, such as an unlocked PLL, tells nothing
+/// of it.
+bool IsUnknown(Status result) {
+  return result == status::kInstrumentFormUnknown || result == status::kInstrumentNotSupported;
+}
+
 /// The forms with the switch and the level alone.
 bool IsSimple(Parameter form) {
   return form == Parameter::kPower0 || form == Parameter::kPower1 ||
@@ -77,10 +83,9 @@ double LevelCount(double start, double stop, double step) {
 Parameter D3THardWare::LevelParameter() const { return kLevelForms[power_variant_]; }
 
 Status D3THardWare::SetOutputLevel(LevelSettings& settings, double& level) {
-  if (!power_variant_known_) {
+  if (!power_variant_settled_) {
     const Status probed = ProbePowerVariant(settings, level);
     if (!IsInstrumentCode(probed)) return probed;
-    power_variant_known_ = true;
   }
   const Parameter form = LevelParameter();
   HardWareParametr& parameter = At(form);
@@ -117,13 +122,11 @@ Status D3THardWare::SetPowerSweep(LevelSettings& settings, double& start, double
 Status D3THardWare::ReadOutputState(LevelSettings& settings, double& level) {
   Parameter form = LevelParameter();
   Status result = ReadParameter(At(form));
-  if (!power_variant_known_) {
+  if (!power_variant_settled_) {
     // The state is read before the first level is set, when older instruments have not been told
     // apart yet.
     for (const Parameter older : {Parameter::kPower2, Parameter::kPower0}) {
-      if (result != status::kInstrumentFormUnknown && result != status::kInstrumentNotSupported) {
-        break;
-      }
+      if (!IsUnknown(result)) break;
       form = older;
       result = ReadParameter(At(form));
     }
@@ -136,22 +139,30 @@ Status D3THardWare::ReadLevelState(bool& settled) {
   return ReadStateCode(kStateForms[power_variant_], status::kInstrumentLevelNotSettled, settled);
 }
 
+/// From the newest level form to the oldest, until one is accepted or the link fails. Settles the
+/// variant for the session unless a form was refused for another reason than that it is not known:
+/// then the next level is probed with again.
 Status D3THardWare::ProbePowerVariant(const LevelSettings& settings, double level) {
-  Status result = WritePowerProbe(Parameter::kPower3, settings, level);
-  if (IsAccepted(result)) return ProbeWideSweep(settings, level);
-  if (!IsInstrumentCode(result)) return result;
-
-  result = WritePowerProbe(Parameter::kPower2, settings, level);
-  if (IsAccepted(result)) return ProbeNarrowSweep(settings, level);
-  if (!IsInstrumentCode(result)) return result;
-
-  // Kept: both tries write the 16-bit form, so that an instrument is taken for variant 0 only when
-  // it refuses the first and accepts the second.
-  for (const std::uint32_t variant : {1U, 0U}) {
-    result = WritePowerProbe(Parameter::kPower0, settings, level);
-    if (IsAccepted(result)) power_variant_ = variant;
-    if (IsAccepted(result) || !IsInstrumentCode(result)) break;
+  Status result = status::kOk;
+  bool settles = true;
+  const auto ends = [&](Parameter form) {
+    result = WritePowerProbe(form, settings, level);
+    settles = settles && (IsAccepted(result) || IsUnknown(result));
+    return IsAccepted(result) || !IsInstrumentCode(result);
+  };
+  power_variant_ = kVariantUnprobed;
+  if (ends(Parameter::kPower3)) {
+    if (IsAccepted(result)) result = ProbeWideSweep(settings, level);
+  } else if (ends(Parameter::kPower2)) {
+    if (IsAccepted(result)) result = ProbeNarrowSweep(settings, level);
+  } else if (ends(Parameter::kPower0)) {
+    if (IsAccepted(result)) power_variant_ = 1;
+  } else if (ends(Parameter::kPower0)) {
+    // Kept: both tries write the 16-bit form, so that an instrument is taken for variant 0 only
+    // when it refuses the first and accepts the second.
+    if (IsAccepted(result)) power_variant_ = 0;
   }
+  power_variant_settled_ = settles && IsInstrumentCode(result);
   return result;
 }
 

@@ -63,6 +63,41 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 // clang-format on
 
+/// An answer that tells nothing of the form does not settle the variant.
+TEST_F(LinkTest, ProbeIsRepeatedUntilTheInstrumentHasTold) {
+  constexpr std::uint16_t kPllUnlocked = 0x8007;
+  constexpr std::uint16_t kErgFault = 0x801C;
+  struct Case {
+    std::vector<std::uint16_t> statuses;  // of the first level's probe
+    std::uint32_t variant;
+    bool is_settled;
+  };
+  const Case rows[] = {
+      {{kPllUnlocked, kPllUnlocked, kPllUnlocked, kPllUnlocked}, 3, false},
+      {{kErgFault, 0x8003, 0x8003, 0x8003}, 3, false},
+      {{0x8003, 0x8002, 0x8003, kPllUnlocked}, 3, false},
+      {{kPllUnlocked, 0, 0}, 4, false},
+      {{0x8002, 0x8003, kPllUnlocked, 0}, 0, false},
+      {{0x8002, 0x8003, 0x8002, 0x8003}, 3, true},
+      {{0, kPllUnlocked}, 3, true},
+  };
+  for (const Case& row : rows) {
+    D3THardWare model(exchanger_);
+    LevelSettings settings;
+    double level = 0;
+    for (const std::uint16_t code : row.statuses) {
+      visa_.Answer(code);
+      if (code >= 0x8000) visa_.Answer(0);
+    }
+    EXPECT_EQ(model.SetOutputLevel(settings, level), 0);
+    EXPECT_EQ(model.power_variant(), row.variant);
+    visa_.ClearRecord();
+    EXPECT_EQ(model.SetOutputLevel(settings, level), 0);
+    EXPECT_EQ(visa_.RequestOrder().size(), row.is_settled ? 1U : 3U);
+    EXPECT_EQ(model.power_variant(), row.is_settled ? row.variant : 5U);
+  }
+}
+
 TEST_F(LinkTest, LevelAndItsSettingsAreTakenFromTheAnswerBehindTheProbe) {
   LevelSettings settings{.level_control = 1, .atten_mode = 2, .further_1 = 3, .further_2 = 4};
   double level = -10.5;
