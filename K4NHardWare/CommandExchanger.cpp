@@ -5,9 +5,10 @@
 
 namespace {
 
-/// Answers to earlier requests that are passed over before the instrument is given up.
-constexpr std::uint32_t kMostLeftOver = 16;
-/// Answers in a row with their requests' numbers, which no instrument gives by chance.
+/// Late answers that are reckoned with at most; a link may fail for months.
+constexpr std::uint32_t kMostUnanswered = 16;
+/// Answers in a row that carry their requests' numbers before these are trusted: one may do so by
+/// chance.
 constexpr std::uint32_t kProof = 2;
 
 }  // namespace
@@ -18,18 +19,7 @@ CommandExchanger::CommandExchanger(std::unique_ptr<uDevice::Interface> device)
 CommandExchanger::~CommandExchanger() = default;
 
 Status CommandExchanger::SendMessages(std::span<ProtocolMessage* const> messages) {
-  if (read_pending_) {
-    read_pending_ = false;
-    header_received_ = false;
-    if (const Status cleared = device_->Clear(); cleared != 0) return cleared;
-  } else if (out_of_step_) {
-    // What is left of the failed exchange must not be taken for an answer. A link that is gone
-    // shows in the exchange itself.
-    device_->Clear();
-  }
-  out_of_step_ = true;  // until the last answer is in
-  header_offset_ = 0;
-  outstanding_ = 0;
+  if (const Status failed = GetInStep(); failed != 0) return failed;
   for (ProtocolMessage* message : messages) Send(*message);
   std::uint32_t number = sequence_ - outstanding_;
   for (std::size_t i = 0; outstanding_ != 0 && i < messages.size(); ++i) {
@@ -37,26 +27,39 @@ Status CommandExchanger::SendMessages(std::span<ProtocolMessage* const> messages
       return received;
     }
   }
-  out_of_step_ = false;
   return status::kOk;
 }
 
 Status CommandExchanger::StartRead(ProtocolMessage& message) {
-  if (!read_pending_) {
-    read_pending_ = true;
-    header_offset_ = 0;
-    Send(message);
-  }
   Status polled;
   try {
+    if (!read_pending_) {
+      if (const Status failed = GetInStep(); failed != 0) return failed;
+      read_pending_ = true;
+      Send(message);
+    }
     polled = PollMessage(message);
   } catch (...) {
     // Whatever a VISA library throws ends here.
     polled = status::kVisaIo;
   }
-  if (polled != status::kVisaTimeout) read_pending_ = false;
-  if (polled != status::kVisaTimeout && polled != 0) header_received_ = false;
+  read_pending_ = polled == status::kVisaTimeout;
   return polled;
+}
+
+/// Before a new request: clears the session when the last exchange failed or was given up, so that
+/// nothing of its answer is taken for the next one. A clear that fails is made again before the
+/// request after this one. It is the result when it should have ended a data read; else the
+/// exchange itself shows whether the link is gone.
+Status CommandExchanger::GetInStep() {
+  const bool aborts_read = std::exchange(read_pending_, false);
+  progress_ = {};
+  if (outstanding_ == 0 && !clear_first_) return status::kOk;
+  unanswered_ = std::min(unanswered_ + std::exchange(outstanding_, 0), kMostUnanswered);
+  clear_first_ = true;
+  const Status cleared = device_->Clear();
+  clear_first_ = cleared != status::kOk;
+  return aborts_read ? cleared : status::kOk;
 }
 
 void CommandExchanger::Send(ProtocolMessage& message) {
@@ -70,77 +73,88 @@ void CommandExchanger::Send(ProtocolMessage& message) {
 
 /// The answer to the request of this number.
 Status CommandExchanger::ReceiveMessage(ProtocolMessage& message, std::uint32_t number) {
-  for (std::uint32_t left_over = 0; left_over <= kMostLeftOver; ++left_over) {
-    if (const Status received = ReceiveHeader(message); received != 0) return received;
-    while (body_offset_ != message.length()) {
+  for (bool passed_over = false;; passed_over = true) {
+    progress_ = {};
+    Status received = ReceiveHeader(message);
+    while (received == 0 && progress_.body_bytes != message.length()) {
       // The rest of a body is waited for however long the instrument takes.
-      const Status received = ReceiveBodyPart(message);
-      if (received != 0 && (received != status::kVisaTimeout || abandoned_)) return received;
+      received = ReceiveBodyPart(message);
+      if (received == status::kVisaTimeout && !abandoned_) received = status::kOk;
     }
-    if (IsLeftOver(message, number)) continue;
-    --outstanding_;
-    return status::kOk;
-  }
-  return status::kVisaProtocolViolation;
-}
-
-/// Whether this answers an earlier request: it came too late, or twice. Only an instrument that is
-/// known to repeat the numbers of the requests is told by them.
-bool CommandExchanger::IsLeftOver(const ProtocolMessage& message, std::uint32_t number) {
-  const std::uint32_t age = number - message.sequence();
-  if (age == 0) {
-    ++numbers_repeated_;
-    return false;
-  }
-  if (numbers_repeated_ < kProof) numbers_repeated_ = 0;
-  return numbers_repeated_ >= kProof && age < number;
-}
-
-Status CommandExchanger::PollMessage(ProtocolMessage& message) {
-  if (header_received_) {
-    message.header() = saved_header_;
-  } else {
-    // The first bytes may have come with an earlier poll.
-    std::copy_n(saved_header_.begin(), header_offset_, message.header().begin());
-    const Status received = ReceiveHeader(message);
-    saved_header_ = message.header();
+    // No further answer: the one that was passed over was the awaited one.
+    if (passed_over && received == status::kVisaTimeout) numbers_disproved_ = true;
     if (received != 0) return received;
-    header_received_ = true;
+    if (!IsLeftOver(message, number)) break;
   }
-  const Status received = ReceiveBodyPart(message);
-  if (received == status::kVisaTimeout) return received;
-  if (received == 0 && body_offset_ != message.length()) return status::kVisaTimeout;
-  header_received_ = false;
-  if (received == 0 && IsLeftOver(message, sequence_)) return status::kVisaTimeout;
   --outstanding_;
-  return received;
-}
-
-Status CommandExchanger::ReceiveHeader(ProtocolMessage& message) {
-  const std::span<std::uint8_t> missing = std::span(message.header()).subspan(header_offset_);
-  std::uint32_t count = 0;
-  body_offset_ = 0;
-  const Status received = device_->Read(missing, count);
-  header_offset_ += std::min(count, static_cast<std::uint32_t>(missing.size()));
-  if (received == status::kVisaTimeout) return received;
-  const bool is_whole = std::exchange(header_offset_, 0) == ProtocolMessage::kHeaderSize;
-  if (received != 0) return received;
-  if (!is_whole || !message.HasMagic()) return status::kVisaProtocolViolation;
-  if (message.length() > message.buffer().size()) {
-    // The body must not be taken for the next answer.
-    device_->Clear();
-    return status::kVisaProtocolViolation;
-  }
   return status::kOk;
 }
 
+/// Whether this answers an earlier request: it comes too late, or for the second time. Not every
+/// instrument repeats the numbers of the requests: some answer with none, with a count of their own
+/// or with fewer bits. So a number counts only where the numbers have been right so far, and only
+/// while an answer is missing or against the last answer's copy.
+bool CommandExchanger::IsLeftOver(const ProtocolMessage& message, std::uint32_t number) {
+  if (message.sequence() == number) {
+    ++numbers_repeated_;
+    unanswered_ = 0;  // answers come in the order of their requests
+    copy_may_come_ = true;
+    return false;
+  }
+  const bool trusted = numbers_repeated_ >= kProof && !numbers_disproved_;
+  if (trusted && copy_may_come_ && message.sequence() == number - 1) {
+    copy_may_come_ = false;
+    return true;
+  }
+  if (trusted && unanswered_ != 0) {
+    --unanswered_;
+    return true;
+  }
+  // It may be left over all the same. Then the awaited one follows, and must not be taken for the
+  // next one.
+  if (trusted || unanswered_ != 0) clear_first_ = true;
+  numbers_repeated_ = 0;
+  unanswered_ = 0;
+  return false;
+}
+
+Status CommandExchanger::PollMessage(ProtocolMessage& message) {
+  message.header() = progress_.header;
+  if (!progress_.header_received) {
+    const Status received = ReceiveHeader(message);
+    progress_.header = message.header();
+    if (received != 0) return received;
+    progress_.header_received = true;
+  }
+  if (const Status received = ReceiveBodyPart(message); received != 0) return received;
+  if (progress_.body_bytes != message.length()) return status::kVisaTimeout;
+  progress_ = {};
+  if (IsLeftOver(message, sequence_)) return status::kVisaTimeout;
+  --outstanding_;
+  return status::kOk;
+}
+
+/// The bytes of the header that are missing; earlier ones may have come with an earlier poll.
+Status CommandExchanger::ReceiveHeader(ProtocolMessage& message) {
+  const std::span<std::uint8_t> missing =
+      std::span(message.header()).subspan(progress_.header_bytes);
+  std::uint32_t count = 0;
+  const Status received = device_->Read(missing, count);
+  progress_.header_bytes += std::min(count, static_cast<std::uint32_t>(missing.size()));
+  if (received != 0) return received;
+  const bool is_whole = progress_.header_bytes == ProtocolMessage::kHeaderSize;
+  if (!is_whole || !message.HasMagic()) return status::kVisaProtocolViolation;
+  return message.length() > message.buffer().size() ? status::kVisaProtocolViolation : status::kOk;
+}
+
 Status CommandExchanger::ReceiveBodyPart(ProtocolMessage& message) {
+  // A poll may come with another buffer than the one that the header was measured by.
   if (message.length() > message.buffer().size()) return status::kVisaProtocolViolation;
-  const std::size_t remaining = message.length() - body_offset_;
+  const std::size_t remaining = message.length() - progress_.body_bytes;
   std::uint32_t count = 0;
   const Status received =
-      device_->ReadWithTimeout(message.buffer().subspan(body_offset_, remaining), count);
-  body_offset_ += std::min(count, static_cast<std::uint32_t>(remaining));
+      device_->ReadWithTimeout(message.buffer().subspan(progress_.body_bytes, remaining), count);
+  progress_.body_bytes += std::min(count, static_cast<std::uint32_t>(remaining));
   // A library that reports success without a byte would be asked for ever.
   if (received == 0 && count == 0 && remaining != 0) return status::kVisaIo;
   return received;

@@ -23,9 +23,7 @@ class CommandExchanger final : public uIEvent::EventProcessor {
   /// that is still pending is dropped first by clearing the session (the instrument restarts its
   /// sweep). Returns 0, a VISA status, or 0xBFFF0037 for an answer that is no message of the
   /// protocol or longer than its buffer. Failed writes show up in the read that follows. A body
-  /// whose rest never comes is waited for without limit, but see Abandon. After a failure the
-  /// session is cleared before the next requests are sent; answers to earlier requests, which came
-  /// too late or twice, are passed over.
+  /// whose rest never comes is waited for without limit, but see Abandon.
   Status SendMessages(std::span<ProtocolMessage* const> messages);
 
   /// The resumable exchange of the data reads: sends the request unless one is pending, then takes
@@ -33,8 +31,10 @@ class CommandExchanger final : public uIEvent::EventProcessor {
   /// buffer.
   Status StartRead(ProtocolMessage& message);
 
-  /// The last answer was not the awaited one: the session is cleared as after a failure.
-  void Distrust() { out_of_step_ = true; }
+  /// The answer just taken belongs to another request; the awaited one may come still.
+  void RejectAnswer() { ++outstanding_; }
+  /// The session is cleared before the next request.
+  void ClearBeforeNext() { clear_first_ = true; }
   /// Ends a wait for the rest of a body, now and from now on, at its next time-out: the session
   /// ends. May be called from any thread.
   void Abandon() { abandoned_ = true; }
@@ -42,6 +42,15 @@ class CommandExchanger final : public uIEvent::EventProcessor {
   [[nodiscard]] uDevice::Interface& device() { return *device_; }
 
  private:
+  /// How much of the awaited answer is in.
+  struct Progress {
+    ProtocolMessage::Header header{};
+    std::uint32_t header_bytes = 0;
+    std::uint32_t body_bytes = 0;
+    bool header_received = false;
+  };
+
+  Status GetInStep();
   void Send(ProtocolMessage& message);
   Status ReceiveMessage(ProtocolMessage& message, std::uint32_t number);
   Status PollMessage(ProtocolMessage& message);
@@ -50,14 +59,14 @@ class CommandExchanger final : public uIEvent::EventProcessor {
   bool IsLeftOver(const ProtocolMessage& message, std::uint32_t number);
 
   std::unique_ptr<uDevice::Interface> device_;
-  std::uint32_t outstanding_ = 0;  // requests whose answers have not been read
+  std::uint32_t outstanding_ = 0;  // requests of the last exchange that have no answer yet
+  std::uint32_t unanswered_ = 0;   // requests of earlier exchanges whose answers may come still
   std::uint32_t sequence_ = 0;     // the last number used
   bool read_pending_ = false;
-  bool header_received_ = false;
-  bool out_of_step_ = false;            // the last exchange failed: its answer may come still
-  std::uint32_t numbers_repeated_ = 0;  // answers that carried their requests' numbers
+  bool clear_first_ = false;            // before the next request, in any case
+  std::uint32_t numbers_repeated_ = 0;  // answers in a row that carried their requests' numbers
+  bool copy_may_come_ = false;          // of the last answer
+  bool numbers_disproved_ = false;      // this instrument's answers cannot be told by them
   std::atomic<bool> abandoned_ = false;
-  std::uint32_t header_offset_ = 0;  // bytes of the awaited header that are in
-  std::uint32_t body_offset_ = 0;    // bytes of the pending answer's body that are in
-  ProtocolMessage::Header saved_header_{};
+  Progress progress_;
 };

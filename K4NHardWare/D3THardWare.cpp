@@ -10,7 +10,8 @@
 
 namespace {
 
-/// Readings with 8 fractional bits; every other mark asks for integers.
+/// The format marks of data answers: readings with 8 fractional bits, or integers, which every
+/// other mark asks for, too.
 constexpr char kFractionalFormat = 'A';
 constexpr char kIntegerFormat = '@';
 
@@ -35,8 +36,9 @@ Status D3THardWare::WriteParameter(HardWareParametr& parameter) {
 }
 
 Status D3THardWare::ReadParameter(HardWareParametr& parameter) {
+  // Without the high byte, which the last answer may have set to anything.
   message_.Begin(Command::kReadParameter, parameter.count_byte(), parameter.type_code(),
-                 parameter.identifier());
+                 parameter.Serialise().front());
   return Transact(parameter);
 }
 
@@ -53,15 +55,20 @@ Status D3THardWare::Transact(HardWareParametr& parameter) {
     Recover();
     return result;
   }
-  // What another parameter holds must not become this one's values.
+  // What another parameter holds must not become this one's values. The identifier's high byte
+  // tells nothing: requests carry 0 there, whatever it is.
   const std::span<const std::uint8_t> image = message_.payload();
-  const auto identifier = image.first(std::min<std::size_t>(image.size(), 2));
-  if (!std::ranges::equal(identifier, parameter.Serialise().first(identifier.size()))) {
-    exchanger_.Distrust();
+  if (!image.empty() && image.front() != parameter.Serialise().front()) {
+    exchanger_.RejectAnswer();
     return status::kVisaProtocolViolation;
   }
   parameter.Deserialise(image);
   return result;
+}
+
+Status D3THardWare::ClearAndRecover() {
+  exchanger_.ClearBeforeNext();
+  return Recover();
 }
 
 Status D3THardWare::Exchange() {
@@ -99,9 +106,15 @@ Status D3THardWare::PollDataBlock(std::span<std::uint8_t> buffer, std::uint32_t&
 Status D3THardWare::FinishDataRead(const ProtocolMessage& message, std::uint32_t& length,
                                    char& format) {
   if (message.status() != 0) return message.status();
+  const auto mark = static_cast<char>(message.type());
+  if (mark != kFractionalFormat && mark != kIntegerFormat) {
+    // A late answer to a setting may be as long as a block.
+    exchanger_.RejectAnswer();
+    return status::kVisaProtocolViolation;
+  }
   const std::span<const std::uint8_t> block = message.payload();
   length = static_cast<std::uint32_t>(block.size());
-  format = static_cast<char>(message.type());
+  format = mark;
   if (block.size() < sizeof(std::int16_t)) return status::kOk;
   const auto block_status =
       static_cast<std::int16_t>(block[block.size() - 2] | block[block.size() - 1] << 8);

@@ -123,6 +123,11 @@ Status D3THardWare::ReadIdentity() {
     identity_ = {};
     return Recover();
   }
+  // A record that makes no sense costs the dates alone; the frequency limits come after it.
+  if (result == status::kVisaProtocolViolation) {
+    identity_ = {};
+    return status::kOk;
+  }
   if (result < 0) return result;
 
   const std::span<const std::uint8_t> bytes = parameter.Serialise().subspan(2);

@@ -76,7 +76,7 @@ Status CK4NManager::StartSession(bool generator_only) {
   firmware_newer_ =
       model_->identity().dsp_program.Ordinal() > ParseIdentityDate(kReferenceDate).Ordinal();
   block_.Discard();
-  worker_.Start(*model_, exchanger_->device());
+  worker_.Start(*model_);
 
   pulse_.With([](PulseSettings& pulse) { pulse.modulation_enabled = false; });
   Status modulation_off = SwitchPulseModulationOff();

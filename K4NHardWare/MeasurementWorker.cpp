@@ -4,7 +4,6 @@
 #include <chrono>
 
 #include "K4NHardWare/D3THardWare.h"
-#include "K4NHardWare/DeviceInterface.h"
 
 namespace {
 
@@ -22,9 +21,8 @@ MeasurementWorker::MeasurementWorker(ErrorTrail& trail,
 
 MeasurementWorker::~MeasurementWorker() { Stop(); }
 
-void MeasurementWorker::Start(D3THardWare& model, uDevice::Interface& device) {
+void MeasurementWorker::Start(D3THardWare& model) {
   model_ = &model;
-  device_ = &device;
   quit_ = false;
   measuring_ = false;
   trigger_pending_ = false;
@@ -74,8 +72,7 @@ bool MeasurementWorker::Measure() {
     if (ReadBlock(stop_requested) == status::kOk) {
       KeepBlock();
     } else {
-      device_->Clear();
-      model_->Recover();
+      model_->ClearAndRecover();
     }
     PollRfButton();
     const bool triggered = trigger_pending_.exchange(false);

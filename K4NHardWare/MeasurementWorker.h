@@ -15,9 +15,6 @@
 #include "platform/os/Sync.h"
 
 class D3THardWare;
-namespace uDevice {
-class Interface;
-}
 
 /// What the instrument last said of itself, kept current by the worker while it measures.
 struct InstrumentState {
@@ -39,8 +36,8 @@ class MeasurementWorker {
   MeasurementWorker(const MeasurementWorker&) = delete;
   MeasurementWorker& operator=(const MeasurementWorker&) = delete;
 
-  /// Starts the thread, paused. Both objects must live until Stop.
-  void Start(D3THardWare& model, uDevice::Interface& device);
+  /// Starts the thread, paused. The model must live until Stop.
+  void Start(D3THardWare& model);
   /// Ends the thread and waits for it; nothing to do when it does not run.
   void Stop();
   [[nodiscard]] bool IsRunning() const { return thread_.joinable(); }
@@ -78,7 +75,6 @@ class MeasurementWorker {
   const Synchronized<InstrumentSettings>& settings_;
   MeasurementBlock& block_;
   D3THardWare* model_ = nullptr;
-  uDevice::Interface* device_ = nullptr;
 
   // One release of `stopped_` answers each release of `stop_request_`, nothing else does. The end
   // of a software-triggered sweep shows in `measuring_` alone, so that no acknowledgement can be

@@ -122,7 +122,8 @@ TEST_F(LinkTest, IdentityDatesFollowTheirKeysOrLead) {
                         {2003, 2, 1}},
                        {std::string("7.8.2011\0009", 10), {2011, 8, 7}, {}, {}}};
   for (const Case& row : rows) {
-    std::vector<std::uint8_t> body = {15, 0};
+    // The high byte of an answer's identifier may be anything.
+    std::vector<std::uint8_t> body = {15, 0x7F};
     body.insert(body.end(), row.text.begin(), row.text.end());
     body.resize(102);
     visa_.RuleBody(4, 15, 0, scripted::ToHex(body));
@@ -131,6 +132,20 @@ TEST_F(LinkTest, IdentityDatesFollowTheirKeysOrLead) {
     EXPECT_EQ(model_.identity().dsp_program.Ordinal(), row.dsp_program.Ordinal());
     EXPECT_EQ(model_.identity().fpga_firmware.Ordinal(), row.fpga_firmware.Ordinal());
   }
+}
+
+TEST_F(LinkTest, IdentityThatMakesNoSenseCostsTheDatesAlone) {
+  visa_.RuleBody(4, 15, 0, "0F 7F | 31 2E 32 2E 32 30 30 33 00");
+  InitializeModel();
+  EXPECT_TRUE(model_.identity().manufactured.IsKnown());
+  visa_.Answer(0);
+  visa_.Answer(0);
+  EXPECT_EQ(model_.Initialize(), 0);
+  EXPECT_THAT(visa_.Requests()[2], testing::StartsWith("AA 55 04 00 00 80 66 00 64 10 0F 00"));
+  visa_.RuleBody(4, 15, 0, "10 00 | 31 2E 32 2E 32 30 30 33 00");
+  InitializeModel();
+  EXPECT_FALSE(model_.identity().manufactured.IsKnown());
+  EXPECT_EQ(model_.maximum_frequency(), 2e10);
 }
 
 TEST(IdentityDateTest, Texts) {

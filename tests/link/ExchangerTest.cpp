@@ -86,8 +86,8 @@ TEST_F(ExchangerTest, OverlongAnswerIsDroppedAndTheNextExchangeWorks) {
   visa_.AnswerRaw(
       "AA 55 03 00 00 00 59 1B 00 00 00 00 01 00 00 00 AA 55 AA 55 AA 55 AA 55");  // 7001
   EXPECT_EQ(Exchange(), kViolation);
-  EXPECT_EQ(Clears(), 1U);
   EXPECT_EQ(Exchange(), 0);
+  EXPECT_EQ(Clears(), 1U);
 }
 
 TEST_F(ExchangerTest, AnswerThatFillsTheBufferIsTaken) {
@@ -100,9 +100,9 @@ TEST_F(ExchangerTest, AnswerThatFillsTheBufferIsTaken) {
 TEST_F(ExchangerTest, BlockLongerThanTheCallersBufferIsDropped) {
   visa_.CompleteData(0, 'A', scripted::ToHex(std::vector<std::uint8_t>(65, 1)));
   EXPECT_EQ(Poll(), kViolation);
-  EXPECT_EQ(Clears(), 1U);
   visa_.CompleteData(0, 'A', scripted::ToHex(std::vector<std::uint8_t>(64, 2)));
   EXPECT_EQ(Poll(), 0);
+  EXPECT_EQ(Clears(), 1U);
   EXPECT_EQ(payload_.size(), 64U);
 }
 
@@ -190,6 +190,27 @@ TEST_F(ExchangerTest, FailedClearIsTheResultAndNothingIsSent) {
   EXPECT_EQ(Exchange(), static_cast<Status>(0xBFFF003E));
   EXPECT_EQ(RequestCount(), 1U);
   EXPECT_EQ(Exchange(), 0);
+  EXPECT_EQ(Clears(), 2U);
+}
+
+TEST_F(ExchangerTest, FailedExchangeIsClearedBeforeTheNextRequestUntilAClearWorks) {
+  for (const bool polls : {false, true}) {
+    visa_.ClearRecord();
+    visa_.AnswerRaw("");
+    EXPECT_EQ(Exchange(), scripted::kTimeout);
+    visa_.SetResult(Function::kClear, 0xBFFF003E, 2);
+    // Whether the link is gone shows in the exchange.
+    visa_.CompleteData('A', std::vector<std::uint8_t>(2, 0));
+    EXPECT_EQ(polls ? Poll() : Exchange(), 0);
+    EXPECT_EQ(Clears(), 1U);
+    EXPECT_EQ(Exchange(), 0);
+    EXPECT_EQ(Exchange(), 0);
+    EXPECT_EQ(Exchange(), 0);
+    EXPECT_EQ(Clears(), 3U);
+    if (!polls) {
+      EXPECT_EQ(Poll(), 0);
+    }
+  }
 }
 
 TEST_F(ExchangerTest, LostLinkOrExceptionOfTheLibraryEndsThePendingRead) {

@@ -77,8 +77,12 @@ struct State {
   Bytes written;  // of the request that is not complete
   std::deque<Part> to_read;
   std::optional<Bytes> data_request;  // that waits for its block
-  std::optional<Spoiling> spoiling;   // of an answer to come
-  std::optional<Spoiling> spoilt;     // what the last one left
+  Numbering numbering = Numbering::kRequests;
+  std::uint32_t answer_count = 0;
+  bool delays_answer = false;
+  Bytes delayed;
+  std::optional<Spoiling> spoiling;  // of an answer to come
+  std::optional<Spoiling> spoilt;    // what the last one left
 };
 
 class Script final : public Control, public State {
@@ -112,6 +116,14 @@ class Script final : public Control, public State {
     const std::lock_guard lock(mutex_);
     blocks.push_back({false, status, ToBytes(body, size), format});
     if (data_request) SendBlock(*std::exchange(data_request, std::nullopt));
+  }
+  void SetNumbering(Numbering of_answers) override {
+    const std::lock_guard lock(mutex_);
+    numbering = of_answers;
+  }
+  void DelayAnswer() override {
+    const std::lock_guard lock(mutex_);
+    delays_answer = true;
   }
   void SpoilAnswer(const Spoiling& how) override {
     const std::lock_guard lock(mutex_);
@@ -164,6 +176,7 @@ class Script final : public Control, public State {
   void HandleRequest(const Bytes& request);
   Rule* FindRule(const Bytes& request);
   void Send(const Bytes& request, const Answer& answer);
+  void Number(Bytes& answer);
   void SendBlock(const Bytes& request);
   void SendSpoiled(Bytes bytes);
   [[nodiscard]] bool IsLost() const { return spoilt && spoilt->silences == 0 && spoilt->then < 0; }
@@ -286,12 +299,47 @@ void Script::Send(const Bytes& request, const Answer& answer) {
     bytes[6] = static_cast<std::uint8_t>(answer.bytes.size());
     bytes[7] = static_cast<std::uint8_t>(answer.bytes.size() >> 8);
     if (answer.format) bytes[9] = static_cast<std::uint8_t>(*answer.format);
+    Number(bytes);
   }
   bytes.insert(bytes.end(), answer.bytes.begin(), answer.bytes.end());
+  if (std::exchange(delays_answer, false)) {
+    delayed = std::move(bytes);
+    return;
+  }
+  if (!delayed.empty()) to_read.push_back({std::exchange(delayed, {})});
   if (spoiling && spoiling->after-- == 0) {
     SendSpoiled(std::move(bytes));
   } else {
     to_read.push_back({std::move(bytes)});
+  }
+}
+
+/// Puts the answer's number in the place of its request's.
+void Script::Number(Bytes& answer) {
+  constexpr std::size_t kNumber = 12;
+  ++answer_count;
+  const auto put = [&](std::uint32_t number) {
+    for (std::size_t i = 0; i < 4; ++i) {
+      answer[kNumber + i] = static_cast<std::uint8_t>(number >> (8 * i));
+    }
+  };
+  switch (numbering) {
+    case Numbering::kRequests:
+      break;
+    case Numbering::kZero:
+      put(0);
+      break;
+    case Numbering::kOne:
+      put(1);
+      break;
+    case Numbering::kOwnCount:
+      put(answer_count);
+      break;
+    case Numbering::kRequests8Bits:
+      answer[kNumber + 1] = 0;
+      [[fallthrough]];
+    case Numbering::kRequests16Bits:
+      answer[kNumber + 2] = answer[kNumber + 3] = 0;
   }
 }
 

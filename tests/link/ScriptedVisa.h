@@ -62,6 +62,16 @@ struct Spoiling {
   std::int32_t then = kGoesOn;
 };
 
+/// What number an answer carries.
+enum class Numbering : std::uint32_t {
+  kRequests,  ///< its request's
+  kZero,
+  kOne,
+  kOwnCount,       ///< that of the answers
+  kRequests8Bits,  ///< the low byte of its request's
+  kRequests16Bits,
+};
+
 /// What the module offers; safe from any thread. Without a script every request is answered at once
 /// with status 0 and its own body, and data requests (command 6) stay unanswered. A read that finds
 /// too little returns what there is with a time-out, without waiting.
@@ -73,7 +83,8 @@ class Control {
   /// The next `times` calls of a function return `result` and do nothing.
   virtual void SetResult(Function function, std::int32_t result, std::int32_t times) = 0;
   /// Answers the next request that has no answer yet: status and body in a correct frame that
-  /// repeats the request's command, count, type and number.
+  /// repeats the request's command, count and type, and its number unless SetNumbering says
+  /// otherwise.
   virtual void QueueAnswer(std::int16_t status, const std::uint8_t* body, std::size_t size) = 0;
   /// As QueueAnswer with exactly these bytes on the wire, also none.
   virtual void QueueRaw(const std::uint8_t* bytes, std::size_t size) = 0;
@@ -87,6 +98,9 @@ class Control {
   virtual void CompleteData(std::int16_t status, char format, const std::uint8_t* body,
                             std::size_t size) = 0;
 
+  virtual void SetNumbering(Numbering numbering) = 0;
+  /// The answer to the next request comes right before the answer to the one after it.
+  virtual void DelayAnswer() = 0;
   /// Spoils one of the answers to come, once.
   virtual void SpoilAnswer(const Spoiling& spoiling) = 0;
   /// Ends whatever a spoiled answer left, also one that has not been spoiled yet. True if one has.

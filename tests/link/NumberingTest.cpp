@@ -1,0 +1,151 @@
+// Instruments by the numbers of their answers: none of them may be lost, and one that repeats the
+// requests' numbers is told by them where an answer is missing.
+#include "tests/link/LinkFixture.h"
+
+namespace {
+
+using scripted::Numbering;
+
+constexpr Status kViolation = static_cast<Status>(0xBFFF0037);
+
+struct Instrument {
+  const char* name;
+  Numbering numbering;
+  std::uint32_t wrap;        ///< the number at which answers stop to match
+  bool is_known_by_numbers;  ///< late answers are told from others
+  Status after_first_abort;  ///< of the setting that aborts a sweep read
+};
+
+void PrintTo(const Instrument& row, std::ostream* stream) { *stream << row.name; }
+
+class NumberingTest : public LinkTest, public testing::WithParamInterface<Instrument> {
+ protected:
+  NumberingTest() {
+    visa_.control().SetNumbering(GetParam().numbering);
+    for (const double dwell : {1, 2, 3}) EXPECT_EQ(Set(dwell), dwell);
+  }
+
+  /// What the instrument answers to a setting, or a failure's status.
+  double Set(double dwell) {
+    const Status result = model_.SetDwell(dwell);
+    return result == 0 ? dwell : result;
+  }
+  Status SetOther() {
+    double delay = 7;
+    return model_.SetPhaseDelay(delay);
+  }
+  Status Poll() { return model_.PollDataBlock(buffer_, length_, format_); }
+  /// A sweep is read as the worker reads it, and its block is the expected one.
+  void ExpectBlock(std::uint8_t content) {
+    visa_.CompleteData('A', std::vector<std::uint8_t>(14, content));
+    EXPECT_EQ(Poll(), 0);
+    EXPECT_EQ(length_, 14U);
+    EXPECT_EQ(buffer_[0], content);
+  }
+
+  std::array<std::uint8_t, 64> buffer_{};
+  std::uint32_t length_ = 0;
+  char format_ = 'A';
+};
+
+TEST_P(NumberingTest, SettingsGoOnPastTheWrap) {
+  for (std::uint32_t i = 0; i < GetParam().wrap + 10; ++i) {
+    ASSERT_EQ(Set(i), i);
+    if (i % 1000 == 0) visa_.ClearRecord();
+  }
+  ExpectBlock(1);
+}
+
+TEST_P(NumberingTest, SettingAbortsASweepReadAndAllIsInStep) {
+  EXPECT_EQ(Poll(), scripted::kTimeout);
+  const Status first = GetParam().after_first_abort;
+  EXPECT_EQ(Set(10), first == 0 ? 10 : first);
+  for (std::uint8_t sweep = 1; sweep < 4; ++sweep) {
+    EXPECT_EQ(Set(sweep), sweep);
+    ExpectBlock(sweep);
+    EXPECT_EQ(Poll(), scripted::kTimeout);
+    EXPECT_EQ(Set(100 + sweep), 100 + sweep);
+  }
+}
+
+/// Without numbers the late answer cannot be told from the next one to the same parameter; the one
+/// after it must be right again.
+TEST_P(NumberingTest, LateAnswerIsPassedOverOrTakenOnce) {
+  visa_.control().DelayAnswer();
+  EXPECT_EQ(Set(10), scripted::kTimeout);
+  EXPECT_EQ(Set(20), GetParam().is_known_by_numbers ? 20 : 10);
+  EXPECT_EQ(Set(30), 30);
+  ExpectBlock(1);
+
+  visa_.control().DelayAnswer();
+  EXPECT_EQ(Set(40), scripted::kTimeout);
+  EXPECT_EQ(SetOther(), GetParam().is_known_by_numbers ? 0 : kViolation);
+  EXPECT_EQ(Set(50), 50);
+}
+
+/// The answer to a frequency step is as long as a block of two points.
+TEST_P(NumberingTest, LateAnswerIsNoBlock) {
+  InitializeModel();
+  double start = 1e9;
+  double stop = 2e9;
+  double step = 5e8;
+  visa_.control().DelayAnswer();
+  EXPECT_EQ(model_.SetFrequencySweep(start, stop, step), scripted::kTimeout);
+  visa_.ClearRecord();
+  visa_.CompleteData('A', std::vector<std::uint8_t>(14, 7));
+  const Status polled = Poll();
+  EXPECT_EQ(visa_.Calls(scripted::Function::kClear).size(), 1U);
+  if (GetParam().is_known_by_numbers) {
+    EXPECT_EQ(polled, scripted::kTimeout);
+    EXPECT_EQ(Poll(), 0);
+    EXPECT_EQ(buffer_[0], 7);
+  } else {
+    EXPECT_EQ(polled, kViolation);
+    EXPECT_EQ(model_.ClearAndRecover(), 0);
+    EXPECT_EQ(visa_.Calls(scripted::Function::kClear).size(), 2U);
+    ExpectBlock(8);
+  }
+  EXPECT_EQ(Set(50), 50);
+}
+
+/// Without numbers the copy is taken for the next answer, until another parameter tells.
+TEST_P(NumberingTest, AnswerThatComesTwiceIsPassedOverOrToldByTheParameter) {
+  const bool is_known = GetParam().is_known_by_numbers;
+  visa_.control().SpoilAnswer({.change = [](std::uint8_t* answer, std::size_t size, std::size_t) {
+    std::copy_n(answer, size, answer + size);
+    return 2 * size;
+  }});
+  EXPECT_EQ(Set(10), 10);
+  EXPECT_EQ(Set(20), is_known ? 20 : 10);
+  EXPECT_EQ(Set(30), is_known ? 30 : 20);
+  EXPECT_EQ(SetOther(), is_known ? 0 : kViolation);
+  EXPECT_EQ(SetOther(), 0);
+  EXPECT_EQ(Set(40), 40);
+  ExpectBlock(1);
+}
+
+/// An instrument that says the same thing again and again is not waited for without end.
+TEST_P(NumberingTest, CopiesWithoutEndAreTakenForTheAnswer) {
+  visa_.control().SpoilAnswer({.change = [](std::uint8_t* answer, std::size_t size, std::size_t) {
+    for (std::size_t copy = 1; copy < 20; ++copy) std::copy_n(answer, size, answer + copy * size);
+    return 20 * size;
+  }});
+  EXPECT_EQ(Set(10), 10);
+  EXPECT_EQ(Set(20), 10);
+  EXPECT_EQ(Set(30), GetParam().is_known_by_numbers ? 30 : 10);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Instruments, NumberingTest,
+    testing::ValuesIn(std::vector<Instrument>{
+        {"RepeatsNumbers", Numbering::kRequests, 300, true, 0},
+        {"AlwaysZero", Numbering::kZero, 300, false, 0},
+        {"AlwaysOne", Numbering::kOne, 300, false, 0},
+        // Its answer has the aborted request's number, until it is known to count by itself.
+        {"OwnCount", Numbering::kOwnCount, 300, true, scripted::kTimeout},
+        {"EightBits", Numbering::kRequests8Bits, 256, true, 0},
+        {"SixteenBits", Numbering::kRequests16Bits, 65536, true, 0},
+    }),
+    [](const auto& row) { return row.param.name; });
+
+}  // namespace
