@@ -29,15 +29,16 @@ STDMETHODIMP CZentrelK4N::get_Count(LONG* value) {
   });
 }
 
-// Kept: the text that the client's variable holds is freed first, so that it must be a text or
-// null.
+// Kept: the text that the client's variable holds is freed, so that it must be a text or null. A
+// client out of memory keeps it.
 STDMETHODIMP CZentrelK4N::get_Name(LONG index, BSTR* name) {
   return Frame(name, [&]() -> HRESULT {
     if (index < 1 || index > static_cast<LONG>(kNames.size())) {
       return BuiltError(kChannels, status::kInvalidValue, std::to_string(index), "Index", "Name");
     }
+    const BSTR text = NewBstr(kNames[static_cast<std::size_t>(index) - 1]);
     SysFreeString(*name);
-    *name = NewBstr(kNames[static_cast<std::size_t>(index) - 1]);
+    *name = text;
     return S_OK;
   });
 }
