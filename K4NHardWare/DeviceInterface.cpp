@@ -19,7 +19,7 @@ constexpr std::uint32_t kBodyTimeout = 1000;
 Interface::Interface(std::string resource_name)
     : library_(std::make_unique<VisaLibrary>()), resource_name_(std::move(resource_name)) {
   if (library_->Bind({}) == VisaLibrary::kNotLoaded &&
-      library_->Bind(os::ThisModuleFolder() + "ZeVISA.dll") == VisaLibrary::kNotLoaded) {
+      library_->Bind(os::ThisModuleFolder() / "ZeVISA.dll") == VisaLibrary::kNotLoaded) {
     last_status_ = status::kVisaLibraryNotFound;
     return;
   }

@@ -2,8 +2,10 @@
 
 #include <array>
 #include <ctime>
+#include <filesystem>
 
 #include "platform/os/Files.h"
+#include "platform/os/Locale.h"
 #include "platform/os/Notice.h"
 #include "platform/os/Sync.h"
 
@@ -24,13 +26,13 @@ std::string Date() { return LocalTime("%m/%d/%y"); }
 }  // namespace
 
 DriverLog::DriverLog(const std::string& file_name) {
-  const std::string path = os::DocumentsFolder() + "\\zentrel lumigraf\\" + file_name;
-  {
-    // Users' folders carry Cyrillic names. Kept: a process that opens a log goes on in English.
-    const os::LocaleSwitch cyrillic_names("Russian", "English");
-    last_tick_ = os::TickCount();
-    file_ = os::OpenForWriting(path);
-  }
+  std::filesystem::path path = os::DocumentsFolder();
+  path += "\\zentrel lumigraf\\";
+  path += os::ToWide(file_name, os::kCyrillicCodePage);
+  last_tick_ = os::TickCount();
+  file_ = os::OpenForWriting(path);
+  // Kept: a process that opens a log goes on in English.
+  os::SetProcessLocale("English");
   if (!file_.is_open()) {
     os::ShowWarning("Error creating logfile!", "ZeVISA Error");
     return;

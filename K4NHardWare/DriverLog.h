@@ -10,7 +10,8 @@
 class DriverLog {
  public:
   /// Creates or truncates "zentrel lumigraf\NAME" in the documents folder and writes the opening
-  /// banner. The folder is not created; without it a warning box says that there is no log.
+  /// banner. The name is text in Windows-1251. The folder is not created; without it a warning box
+  /// says that there is no log.
   explicit DriverLog(const std::string& file_name);
   /// Writes the closing banner.
   ~DriverLog();

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -138,9 +139,9 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   /// 0x80047012 for a generator without detectors.
   Status SetAveraging(std::int32_t count);
   Status GetAveraging(std::int32_t& count) const;
-  /// Loads a detector file (narrow name, see os::NativePath) into the table of one channel, 0 to 2.
-  /// A failed load keeps the table that the channel had.
-  Status LoadDetectorData(std::size_t channel, const std::string& file_name);
+  /// Loads a detector file into the table of one channel, 0 to 2. A failed load keeps the table
+  /// that the channel had.
+  Status LoadDetectorData(std::size_t channel, const std::filesystem::path& file);
   /// Converts the newest block, each block once; VI_ERROR_TMO when there is none.
   Status FetchData(TraceMatrix& trace);
   // Channel index 3 or more: ignored, 0. They work without a session.

@@ -37,12 +37,12 @@ Status CK4NManager::GetAveraging(std::int32_t& count) const {
   return Cached([&](const InstrumentSettings& live) { count = live.averaging; });
 }
 
-Status CK4NManager::LoadDetectorData(std::size_t channel, const std::string& file_name) {
+Status CK4NManager::LoadDetectorData(std::size_t channel, const std::filesystem::path& file) {
   if (instrument_kind_ == InstrumentKind::kGenerator) return status::kMethodNotSupported;
   if (channel >= kChannelCount) return status::kOk;
   return Guarded([&] {
     std::shared_ptr<const DetectorTable> table;
-    const Status result = LoadDetectorTable(file_name, table);
+    const Status result = LoadDetectorTable(file, table);
     if (result == status::kOk) {
       detector_tables_.With([&](auto& tables) { tables[channel] = std::move(table); });
     }

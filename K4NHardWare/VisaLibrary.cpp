@@ -8,7 +8,7 @@ bool EntryPointBase::Bind(const os::Module& module) {
   return address != nullptr;
 }
 
-int VisaLibrary::Bind(std::string_view name) {
+int VisaLibrary::Bind(const std::filesystem::path& name) {
   Reset();
   const bool loaded = name.empty() ? module_.Load("zevisa64.dll") || module_.Load("zevisa.dll")
                                    : module_.Load(name);

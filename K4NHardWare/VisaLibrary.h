@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
+#include <filesystem>
 #include <vector>
 
 #include "measurement/Status.h"
@@ -109,7 +109,7 @@ class VisaLibrary {
   /// Unloads what is loaded, then loads the named file, or without a name "zevisa64.dll", or else
   /// "zevisa.dll", by the system's search. Returns how many entry points the library lacks, which
   /// is no error, or kNotLoaded.
-  int Bind(std::string_view name);
+  int Bind(const std::filesystem::path& name);
   /// Unloads the library and puts the stand-by into every slot.
   void Reset();
   /// The result of the last Bind; kNotLoaded after a reset.

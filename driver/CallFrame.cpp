@@ -2,7 +2,6 @@
 
 #include "driver/ErrorMessage.h"
 #include "platform/com/Raii.h"
-#include "platform/os/Text.h"
 
 namespace {
 
@@ -20,15 +19,14 @@ void SetSource(ICreateErrorInfo& info, const CLSID& class_id) {
 
 }  // namespace
 
-HRESULT CallFrame::Error(std::string_view text, REFIID iid, HRESULT code) const {
-  os::WideString description = os::ToWide(text);
+HRESULT CallFrame::WideError(os::WideString text, REFIID iid, HRESULT code) const {
   ComPtr<ICreateErrorInfo> info;
   if (FAILED(CreateErrorInfo(info.Put()))) {
     return code;
   }
   info->SetGUID(iid);
   SetSource(*info, class_id_);
-  info->SetDescription(description.data());
+  info->SetDescription(text.data());
   info->SetHelpContext(0);
   if (const auto finished = info.As<IErrorInfo>()) {
     SetErrorInfo(0, finished.Get());
@@ -36,9 +34,19 @@ HRESULT CallFrame::Error(std::string_view text, REFIID iid, HRESULT code) const 
   return code;
 }
 
+HRESULT CallFrame::Error(std::string_view text, REFIID iid, HRESULT code) const {
+  return WideError(os::ToWide(text), iid, code);
+}
+
 HRESULT CallFrame::BuiltError(REFIID iid, Status code, std::string_view insert_1,
                               std::string_view insert_2, std::string_view insert_3) const {
-  return Error(PrefixedMessage(BuildErrorMessage(code, insert_1, insert_2, insert_3)), iid, code);
+  const auto message =
+      BuildErrorMessage(code, os::ToWide(insert_1), os::ToWide(insert_2), os::ToWide(insert_3));
+  return WideError(PrefixedMessage(message), iid, code);
+}
+
+HRESULT CallFrame::BuiltError(REFIID iid, Status code, os::WideView insert) const {
+  return WideError(PrefixedMessage(BuildErrorMessage(code, insert)), iid, code);
 }
 
 HRESULT CallFrame::NotSupported(std::string_view qualified_name, REFIID iid) const noexcept {

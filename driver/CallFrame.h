@@ -9,6 +9,7 @@
 
 #include "measurement/Status.h"
 #include "platform/com/Com.h"
+#include "platform/os/Text.h"
 
 /// Runs a member's body: a failed allocation is E_OUTOFMEMORY, any other exception E_FAIL. The body
 /// returns an HRESULT or a status of the manager, which reaches the client unchanged: instrument
@@ -45,6 +46,10 @@ class CallFrame {
   HRESULT BuiltError(REFIID iid, Status code, std::string_view insert_1 = {},
                      std::string_view insert_2 = {}, std::string_view insert_3 = {}) const;
 
+  /// The same with a text of the client's, which comes back as it was given, with the letters that
+  /// the code page lacks.
+  HRESULT BuiltError(REFIID iid, Status code, os::WideView insert) const;
+
   /// The whole answer of a member that is not supported, given its qualified name
   /// ("Class::get_Property" or "Class::Method"): 0x80047012 for a property, 0x80047011 for a
   /// method.
@@ -65,6 +70,7 @@ class CallFrame {
   ~CallFrame() = default;
 
  private:
+  HRESULT WideError(os::WideString text, REFIID iid, HRESULT code) const;
   HRESULT GetInterface(IUnknown* target, REFIID wanted, REFIID declaring,
                        std::string_view wanted_name, void** out) const noexcept;
 

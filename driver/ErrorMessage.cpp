@@ -46,18 +46,18 @@ std::string Hexadecimal(Status code) {
 
 // FormatMessage's rules, as far as the templates use them: %n is the n-th insert, "%n!X!" the code
 // as a hexadecimal number; what was inserted is not looked at again.
-std::string Format(std::string_view text, Status code, std::span<const std::string_view> inserts) {
-  std::string result;
+os::WideString Format(std::string_view text, Status code, std::span<const os::WideView> inserts) {
+  os::WideString result;
   while (!text.empty()) {
     const std::size_t mark = text.find('%');
-    result += text.substr(0, mark);
+    result += os::ToWide(text.substr(0, mark));
     if (mark == std::string_view::npos || mark + 1 == text.size()) {
       break;
     }
     const auto index = static_cast<std::size_t>(text[mark + 1] - '1');
     text.remove_prefix(mark + 2);
     if (text.starts_with(kHexadecimalMark)) {
-      result += Hexadecimal(code);
+      result += os::ToWide(Hexadecimal(code));
       text.remove_prefix(kHexadecimalMark.size());
     } else if (index < inserts.size()) {
       result += inserts[index];
@@ -76,17 +76,16 @@ std::string UnsupportedValue(std::int32_t value, std::string_view kind) {
 
 }  // namespace
 
-std::string BuildErrorMessage(Status code, std::string_view insert_1, std::string_view insert_2,
-                              std::string_view insert_3) {
+os::WideString BuildErrorMessage(Status code, os::WideView insert_1, os::WideView insert_2,
+                                 os::WideView insert_3) {
   const auto* const row = std::find_if(kTemplates.begin(), kTemplates.end(),
                                        [code](const auto& entry) { return entry.code == code; });
   const std::array inserts{insert_1, insert_2, insert_3};
   return Format(row == kTemplates.end() ? kUnknownErrorTemplate : row->text, code, inserts);
 }
 
-std::string PrefixedMessage(std::string_view message) {
-  std::string text(kLibraryName);
-  text += ": ";
+os::WideString PrefixedMessage(os::WideView message) {
+  os::WideString text = os::ToWide(kLibraryName) + os::ToWide(": ");
   text += message;
   return text;
 }

@@ -1,4 +1,5 @@
-// The texts of the driver's error descriptions: narrow, in the thread's ANSI code page.
+// The texts of the driver's error descriptions. The driver's own words are narrow, in the thread's
+// ANSI code page; built messages are wide, as they may hold a text of the client's.
 #pragma once
 
 #include <cstdint>
@@ -6,6 +7,7 @@
 #include <string_view>
 
 #include "measurement/Status.h"
+#include "platform/os/Text.h"
 
 /// The name that every built message starts with.
 inline constexpr std::string_view kLibraryName = "ZentrelK4NLib";
@@ -20,11 +22,11 @@ inline constexpr std::string_view kUnexpectedResponseText = "Unexpected response
 /// The message for an error code, with up to three texts put into the places that its template
 /// marks %1 to %3. An insert is taken as it is, per cent signs included. A code without a text of
 /// its own gives "Unknown error" with the code in upper-case hexadecimal.
-std::string BuildErrorMessage(Status code, std::string_view insert_1 = {},
-                              std::string_view insert_2 = {}, std::string_view insert_3 = {});
+os::WideString BuildErrorMessage(Status code, os::WideView insert_1 = {},
+                                 os::WideView insert_2 = {}, os::WideView insert_3 = {});
 
 /// "ZentrelK4NLib: " and the message.
-std::string PrefixedMessage(std::string_view message);
+os::WideString PrefixedMessage(os::WideView message);
 
 /// Kept: the refusals of two properties differ in the full stop at their end.
 enum class FullStop { kYes, kNo };

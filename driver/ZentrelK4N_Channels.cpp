@@ -1,7 +1,7 @@
 // IZentrelK4NChannels, the fixed collection of the three channels, and the loading of their
 // detector files.
 #include <array>
-#include <mutex>
+#include <filesystem>
 #include <string>
 
 #include "driver/WideText.h"
@@ -11,14 +11,27 @@
 
 namespace {
 
+namespace fs = std::filesystem;
+
 const IID& kChannels = __uuidof(IZentrelK4NChannels);
 const IID& kChannel = __uuidof(IZentrelK4NChannel);
 
 constexpr std::array<os::WideView, kChannelCount> kNames{OLESTR("ChannelA"), OLESTR("ChannelB"),
                                                          OLESTR("ChannelR")};
 
-// The locale is the whole process's: two loads must not switch it under each other.
-std::mutex locale_lock;
+/// A client's name for a detector file as it reads in two code pages, in the order in which they
+/// are tried: the calling thread's, and Windows-1251, as the maker's files carry Russian names. A
+/// name with letters that a page lacks is no file's name there: with letters that both lack it is
+/// not found even where the system has such a file. The locale of the process has no part in it: a
+/// switch would reach the client's other threads.
+struct FileNames {
+  explicit FileNames(os::WideView name)
+      : ansi(os::PathOf(name, os::ThreadAnsiCodePage())),
+        cyrillic(os::PathOf(name, os::kCyrillicCodePage)) {}
+
+  fs::path ansi;
+  fs::path cyrillic;
+};
 
 }  // namespace
 
@@ -55,10 +68,12 @@ STDMETHODIMP CZentrelK4N::get_Item(BSTR name, IZentrelK4NChannel** item) {
   });
 }
 
+// Kept: whatever stands in a file that only the second reading of its name finds, it is taken for
+// loaded.
 HRESULT CZentrelK4N::LoadDetectorDataFromFile(std::size_t channel, os::WideView file_name) {
   return SessionFrame(kChannel, [&]() -> HRESULT {
-    Status loaded =
-        manager_.LoadDetectorData(channel, os::ToNarrow(file_name, os::FileNameCodePage()));
+    const FileNames names(file_name);
+    const Status loaded = manager_.LoadDetectorData(channel, names.ansi);
     if (loaded == status::kMethodNotSupported) {
       return BuiltError(kChannel, loaded, "LoadDetectorDataFromFile");
     }
@@ -66,26 +81,28 @@ HRESULT CZentrelK4N::LoadDetectorDataFromFile(std::size_t channel, os::WideView 
       return S_OK;
     }
     if (loaded != status::kCannotOpenFile) {
-      return BuiltError(kChannel, status::kCannotReadFile, os::ToNarrow(file_name));
+      return BuiltError(kChannel, status::kCannotReadFile, file_name);
     }
-    {
-      const std::lock_guard lock(locale_lock);
-      const os::LocaleSwitch russian("Russian");
-      loaded = manager_.LoadDetectorData(channel, os::ToNarrow(file_name, os::FileNameCodePage()));
+    if (manager_.LoadDetectorData(channel, names.cyrillic) != status::kCannotOpenFile) {
+      return S_OK;
     }
-    return loaded == status::kCannotOpenFile ? LoadFromDetectorFolder(channel, file_name) : S_OK;
+    return LoadFromDetectorFolder(channel, file_name);
   });
 }
 
 HRESULT CZentrelK4N::LoadFromDetectorFolder(std::size_t channel, os::WideView file_name) {
-  const std::string name = os::ToNarrow(file_name);
-  const std::string path = GetDetectorFolder() + name;
-  const Status loaded = manager_.LoadDetectorData(channel, path);
+  const fs::path folder = GetDetectorFolder();
+  const FileNames names(file_name);
+  // A name that a code page has no letters for leaves the folder alone, which is no file.
+  Status loaded = manager_.LoadDetectorData(channel, fs::path(folder) += names.ansi);
+  if (loaded == status::kCannotOpenFile) {
+    loaded = manager_.LoadDetectorData(channel, fs::path(folder) += names.cyrillic);
+  }
   if (loaded == status::kOk) {
     return S_OK;
   }
   if (loaded == status::kCannotOpenFile) {
-    return BuiltError(kChannel, loaded, name);
+    return BuiltError(kChannel, loaded, file_name);
   }
-  return BuiltError(kChannel, status::kCannotReadFile, path);
+  return BuiltError(kChannel, status::kCannotReadFile, os::WideOf(folder).append(file_name));
 }

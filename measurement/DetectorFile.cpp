@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <system_error>
-#include <utility>
 
 #include "measurement/DetectorLevel.h"
 #include "measurement/MatrixFile.h"
@@ -30,14 +29,15 @@ std::optional<int> VersionOf(const std::string& header) {
 
 }  // namespace
 
-std::string GetDetectorFolder() {
-  return os::CommonFilesFolder() + "\\Zentrel Shared\\Detectors\\";
+std::filesystem::path GetDetectorFolder() {
+  std::filesystem::path folder = os::CommonFilesFolder();
+  folder += "\\Zentrel Shared\\Detectors\\";
+  return folder;
 }
 
-DetectorFile::Fault DetectorFile::Read(std::ifstream file) {
-  const Status read = text_.Read(std::move(file), [](const std::string& header) {
-    return VersionOf(header) == kVersionSigned;
-  });
+DetectorFile::Fault DetectorFile::Read(const std::filesystem::path& path) {
+  const Status read = text_.Read(
+      path, [](const std::string& header) { return VersionOf(header) == kVersionSigned; });
   if (text_.HasContent()) {
     version_ = VersionOf(text_.Header());
   }
@@ -94,10 +94,10 @@ Status DetectorFile::Fill(ICustomMatrix<double>& matrix) const {
   return text_.Fill(matrix);
 }
 
-Status LoadDetectorFile(ICustomMatrix<double>& matrix, const std::string& path,
+Status LoadDetectorFile(ICustomMatrix<double>& matrix, const std::filesystem::path& path,
                         std::string* header) {
   DetectorFile file;
-  file.Read(os::OpenForReading(path));
+  file.Read(path);
   Status result = file.ReadStatus();
   if (result == status::kOk) {
     result = file.Fill(matrix);
@@ -114,7 +114,8 @@ void ConvertLevelAxisToLog10(CSimpleMatrix& matrix) {
   }
 }
 
-Status LoadDetectorTable(const std::string& path, std::shared_ptr<const DetectorTable>& table) {
+Status LoadDetectorTable(const std::filesystem::path& path,
+                         std::shared_ptr<const DetectorTable>& table) {
   CSimpleMatrix matrix;
   const Status result = LoadDetectorFile(matrix, path, nullptr);
   if (result == status::kOk) {

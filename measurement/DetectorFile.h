@@ -2,7 +2,7 @@
 // table.
 #pragma once
 
-#include <fstream>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,7 +16,7 @@
 /// The folder that all programs of the instrument family share, with a trailing separator: the
 /// common files folder followed by "\Zentrel Shared\Detectors\". Kept: the suffix stands alone when
 /// the system tells no common files folder.
-std::string GetDetectorFolder();
+std::filesystem::path GetDetectorFolder();
 
 /// Versions of detector files.
 inline constexpr int kVersionWithoutLevels = 0;  ///< no level column, no digest
@@ -27,8 +27,8 @@ class DetectorFile {
  public:
   enum class Fault {
     kNone,
-    kCannotOpen,
-    kNoNumbers,  ///< nothing at all, or more than a gibibyte, included
+    kCannotOpen,  ///< or no regular file
+    kNoNumbers,   ///< nothing at all, or more than a gibibyte, included
     kUnevenRows,
     kUnknownVersion,
     kNoDigest,
@@ -36,8 +36,8 @@ class DetectorFile {
     kDataBehindDigest,
   };
 
-  /// Reads a file that was opened in binary mode, or could not be. Once an object.
-  Fault Read(std::ifstream file);
+  /// Reads a file. Once an object.
+  Fault Read(const std::filesystem::path& path);
   [[nodiscard]] Fault ReadFault() const { return fault_; }
   /// What the fault is to the driver: 0, 0x80047002 (cannot be opened) or 0x8004705C (bad content).
   [[nodiscard]] Status ReadStatus() const;
@@ -63,7 +63,7 @@ class DetectorFile {
 /// may be null; it receives all header lines. Levels stay linear, as the file has them. Neither
 /// argument is touched on failure. Returns 0, 0x80047002 (cannot be opened) or 0x8004705C (bad
 /// content, another version).
-Status LoadDetectorFile(ICustomMatrix<double>& matrix, const std::string& path,
+Status LoadDetectorFile(ICustomMatrix<double>& matrix, const std::filesystem::path& path,
                         std::string* header);
 
 /// Replaces every item of the level axis by its base-10 logarithm.
@@ -71,4 +71,5 @@ void ConvertLevelAxisToLog10(CSimpleMatrix& matrix);
 
 /// Loads a detector file, with its level axis made logarithmic, into a new table; `table` keeps
 /// what it has when that fails. Returns as LoadDetectorFile.
-Status LoadDetectorTable(const std::string& path, std::shared_ptr<const DetectorTable>& table);
+Status LoadDetectorTable(const std::filesystem::path& path,
+                         std::shared_ptr<const DetectorTable>& table);

@@ -52,8 +52,8 @@ std::string RowText(const ICustomMatrix<double>& matrix, std::uint32_t row, bool
 
 }  // namespace
 
-Status LoadMatrixFile(ICustomMatrix<double>* matrix, const std::string& path, std::string* header,
-                      std::uint32_t flags) {
+Status LoadMatrixFile(ICustomMatrix<double>* matrix, const std::filesystem::path& path,
+                      std::string* header, std::uint32_t flags) {
   MatrixText text;
   const Status result = text.Read(path);
   if (result != status::kOk) {
@@ -99,7 +99,7 @@ Status ComposeMatrixFile(const ICustomMatrix<double>& matrix, std::string_view h
   return status::kOk;
 }
 
-Status SaveMatrixFile(const ICustomMatrix<double>& matrix, const std::string& path,
+Status SaveMatrixFile(const ICustomMatrix<double>& matrix, const std::filesystem::path& path,
                       std::string_view header, std::uint32_t flags) {
   std::string text;
   const Status result = ComposeMatrixFile(matrix, header, flags, text);

@@ -3,10 +3,11 @@
 // Lines are trimmed of blanks and line ends; empty ones do not count. A line that begins with "!",
 // "#" or "[" is a header line, any other a data line: decimals separated by white space, "," read
 // as ".". Numbers are read up to the first token that is not a finite decimal; a line without a
-// number is ignored. The process locale plays no part. File names are narrow (see os::NativePath).
+// number is ignored. The process locale plays no part.
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -23,8 +24,8 @@ inline constexpr std::uint32_t kMatrixFileExact = 2;   ///< write what reads bac
 /// 0x80047002 when the file cannot be opened; 0x8004705C when it has no numbers, rows of different
 /// lengths, or, with kMatrixFileDigest, a digest line that is missing or wrong, or anything but
 /// header lines after it.
-Status LoadMatrixFile(ICustomMatrix<double>* matrix, const std::string& path, std::string* header,
-                      std::uint32_t flags);
+Status LoadMatrixFile(ICustomMatrix<double>* matrix, const std::filesystem::path& path,
+                      std::string* header, std::uint32_t flags);
 
 /// Composes a file: the header lines, without those that begin with "#CRC", then the rows, values
 /// separated by tabs and with 13 significant digits. kMatrixFileExact gives more digits to a value
@@ -35,7 +36,7 @@ Status ComposeMatrixFile(const ICustomMatrix<double>& matrix, std::string_view h
 
 /// Writes a composed file. Returns 0; 0x80047002 when the file cannot be created or written;
 /// 0x80047010, leaving the file alone, when a value is not finite.
-Status SaveMatrixFile(const ICustomMatrix<double>& matrix, const std::string& path,
+Status SaveMatrixFile(const ICustomMatrix<double>& matrix, const std::filesystem::path& path,
                       std::string_view header, std::uint32_t flags);
 
 /// The value of the first header line that begins with "#" immediately followed by `key`: the rest

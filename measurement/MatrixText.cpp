@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <future>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -12,7 +13,7 @@
 
 namespace {
 
-constexpr std::streamoff kLargestFile = std::streamoff{1} << 30;
+constexpr std::size_t kLargestFile = std::size_t{1} << 30;
 constexpr std::string_view kLineStartsOfHeaders = "!#[";
 /// Digesting so much takes longer by far than starting a thread.
 constexpr std::size_t kWorthAThread = 256 << 10;
@@ -114,24 +115,13 @@ void MatrixText::Parse(OnFirstData&& on_first_data) {
   }
 }
 
-Status MatrixText::Read(const std::string& path) { return Read(os::OpenForReading(path)); }
-
-Status MatrixText::Read(std::ifstream file, bool (*is_signed)(const std::string& header)) {
-  if (!file.is_open()) {
+Status MatrixText::Read(const std::filesystem::path& path,
+                        bool (*is_signed)(const std::string& header)) {
+  std::optional<std::string> content = os::ReadWholeFile(path, kLargestFile);
+  if (!content) {
     return status::kCannotOpenFile;
   }
-  file.seekg(0, std::ios::end);
-  const std::streamoff size = file.tellg();
-  file.seekg(0);
-  if (!file || size < 0) {
-    return status::kCannotOpenFile;
-  }
-  if (size > kLargestFile) {
-    return status::kInvalidFileFormat;
-  }
-  text_.resize(static_cast<std::size_t>(size));
-  file.read(text_.data(), size);
-  text_.resize(static_cast<std::size_t>(file.gcount()));
+  text_ = std::move(*content);
   // The digest takes several times as long as the numbers: that of a large file is worked out
   // beside them.
   std::future<std::string> digest;

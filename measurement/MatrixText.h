@@ -3,7 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,13 +40,12 @@ void ParseNumbers(std::string_view line, std::vector<double>& numbers);
 
 class MatrixText {
  public:
-  /// Reads a whole file. Returns 0, 0x80047002 when it cannot be opened, or 0x8004705C when it has
-  /// no numbers, rows of different lengths, or more than a gibibyte.
-  Status Read(const std::string& path);
-  /// As above from a file that was opened in binary mode, or could not be. `is_signed` tells from
-  /// the header in front of the numbers whether the digest will be asked for, which then is worked
-  /// out meanwhile.
-  Status Read(std::ifstream file, bool (*is_signed)(const std::string& header) = nullptr);
+  /// Reads a whole file. Returns 0, 0x80047002 when it cannot be opened or is no regular file, or
+  /// 0x8004705C when it has no numbers, rows of different lengths, or more than a gibibyte.
+  /// `is_signed` tells from the header in front of the numbers whether the digest will be asked
+  /// for, which then is worked out meanwhile.
+  Status Read(const std::filesystem::path& path,
+              bool (*is_signed)(const std::string& header) = nullptr);
 
   // What follows can be asked of any file, good or not.
 

@@ -1,5 +1,6 @@
 #include "zk4n/Arguments.h"
 
+#include <fstream>
 #include <system_error>
 
 #include "zk4n/Commands.h"
@@ -16,13 +17,15 @@ std::filesystem::path PathArgument(const std::string& utf8) {
   return {std::u8string(utf8.begin(), utf8.end())};
 }
 
-std::ifstream OpenArgument(const std::string& file) {
-  std::error_code error;
-  const std::filesystem::path path = PathArgument(file);
-  if (!std::filesystem::is_regular_file(path, error)) return {};
-  return std::ifstream(path, std::ios::binary);
+std::string Utf8Of(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
 }
 
 void RequireReadable(const std::string& file) {
-  if (!OpenArgument(file).is_open()) throw UsageError("cannot read " + file);
+  std::error_code error;
+  const std::filesystem::path path = PathArgument(file);
+  if (!std::filesystem::is_regular_file(path, error) || !std::ifstream(path).is_open()) {
+    throw UsageError("cannot read " + file);
+  }
 }

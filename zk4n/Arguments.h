@@ -2,7 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "zk4n/Quantity.h"
@@ -12,10 +11,8 @@ double QuantityArgument(const std::string& option, const std::string& text, Unit
 
 /// A path as it was typed.
 std::filesystem::path PathArgument(const std::string& utf8);
-
-/// Opens a file for reading in binary mode; a stream that is not open for a folder, or for what
-/// cannot be read.
-std::ifstream OpenArgument(const std::string& file);
+/// A path as a person reads it.
+std::string Utf8Of(const std::filesystem::path& path);
 
 /// Throws UsageError unless the file can be opened for reading.
 void RequireReadable(const std::string& file);

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "platform/os/Text.h"
+#include "zk4n/Arguments.h"
 #include "zk4n/Commands.h"
 #include "zk4n/DriverClient.h"
 #include "zk4n/DriverFile.h"
@@ -42,7 +43,7 @@ class Checks {
 
   std::string Registration() {
     if (!options_.module.empty()) {
-      driver_.emplace(driver_file_);
+      driver_.emplace(PathArgument(driver_file_));
       return registered_file_.empty() ? "none, and none needed with --module"
                                       : "not used with --module: " + registered_file_;
     }

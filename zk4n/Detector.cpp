@@ -51,7 +51,7 @@ int Check(const DetectorOptions& options) {
 /// The input file, which can be opened; good or not.
 DetectorFile ReadInput(const DetectorOptions& options) {
   DetectorFile file;
-  if (file.Read(OpenArgument(options.input)) == DetectorFile::Fault::kCannotOpen) {
+  if (file.Read(PathArgument(options.input)) == DetectorFile::Fault::kCannotOpen) {
     throw UsageError("cannot read " + options.input);
   }
   return file;

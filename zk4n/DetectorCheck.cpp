@@ -59,7 +59,7 @@ std::string FaultText(const DetectorFile& file) {
 }
 
 DetectorCheck::DetectorCheck(std::string file) : name_(std::move(file)) {
-  file_.Read(OpenArgument(name_));
+  file_.Read(PathArgument(name_));
   if (!file_.HasTable()) return;
   CSimpleMatrix matrix;
   file_.Fill(matrix);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/os/Text.h"
+#include "zk4n/Arguments.h"
 #include "zk4n/HresultName.h"
 
 namespace {
@@ -29,17 +30,17 @@ std::string ResultText(HRESULT result, const std::string& description) {
 
 }  // namespace
 
-std::string DefaultDriverModule() { return os::ThisModuleFolder() + ZK_DRIVER_FILE_NAME; }
+std::filesystem::path DefaultDriverModule() { return os::ThisModuleFolder() / ZK_DRIVER_FILE_NAME; }
 
-DriverClient::DriverClient(const std::string& module_file) {
+DriverClient::DriverClient(const std::filesystem::path& module_file) {
   using GetClassObject = HRESULT STDMETHODCALLTYPE(REFCLSID, REFIID, void**);
   if (!module_.Load(module_file)) {
-    throw DriverError(E_FAIL, "cannot load the driver module " + module_file);
+    throw DriverError(E_FAIL, "cannot load the driver module " + Utf8Of(module_file));
   }
   auto* const get_class_object = module_.FunctionOf<GetClassObject>("DllGetClassObject");
   if (get_class_object == nullptr) {
-    throw DriverError(E_FAIL,
-                      module_file + " is not the driver module: it has no DllGetClassObject");
+    throw DriverError(
+        E_FAIL, Utf8Of(module_file) + " is not the driver module: it has no DllGetClassObject");
   }
   ComPtr<IClassFactory> factory;
   Check(get_class_object(__uuidof(ZentrelK4N), __uuidof(IClassFactory),

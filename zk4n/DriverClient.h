@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -32,7 +33,7 @@ class DriverError : public std::runtime_error {
 class DriverClient {
  public:
   /// Throws DriverError when the module cannot be loaded or the object not be created.
-  explicit DriverClient(const std::string& module_file);
+  explicit DriverClient(const std::filesystem::path& module_file);
 
   /// The driver as any client gets it: by its ProgID, from where it is registered.
   static DriverClient Registered(const char* prog_id);
@@ -76,4 +77,4 @@ class DriverClient {
 };
 
 /// The driver module beside this program.
-std::string DefaultDriverModule();
+std::filesystem::path DefaultDriverModule();

@@ -16,15 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string FromAnsi(const std::string& text) {
-  return os::ToNarrow(os::ToWide(text), os::kUtf8CodePage);
-}
-
-std::string Utf8Of(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
-
 std::uint32_t Word(std::string_view bytes, std::size_t offset, std::size_t size) {
   std::uint32_t word = 0;
   for (std::size_t i = size; i-- > 0;) {
@@ -48,7 +39,7 @@ int BitsOfPe(std::string_view head) {
 }  // namespace
 
 std::string DriverFile(const std::string& typed) {
-  const fs::path path = PathArgument(typed.empty() ? FromAnsi(DefaultDriverModule()) : typed);
+  const fs::path path = typed.empty() ? DefaultDriverModule() : PathArgument(typed);
   RequireReadable(Utf8Of(path));
   return Utf8Of(fs::absolute(path).lexically_normal());
 }
@@ -70,8 +61,4 @@ int BitsOfModule(const std::string& file) {
                         "ELF"))
     return BitsOfElf(bytes);
   return bytes.starts_with("MZ") ? BitsOfPe(bytes) : 0;
-}
-
-bool LoadModule(os::Module& module, const std::string& file) {
-  return module.Load(os::ToNarrow(os::ToWide(file, os::kUtf8CodePage)));
 }

@@ -3,8 +3,6 @@
 
 #include <string>
 
-#include "platform/os/Module.h"
-
 /// The full path of a module that was typed, or of the one beside this program for an empty text.
 /// Throws UsageError for a file that cannot be read.
 std::string DriverFile(const std::string& typed);
@@ -14,6 +12,3 @@ std::string RegisteredDriverFile();
 
 /// 32 or 64; 0 when the file is no module of this processor family or cannot be read.
 int BitsOfModule(const std::string& file);
-
-/// Loads a module by its path; false when it cannot be loaded.
-bool LoadModule(os::Module& module, const std::string& file);

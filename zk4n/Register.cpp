@@ -5,6 +5,8 @@
 #include <memory>
 
 #include "platform/com/Com.h"
+#include "platform/os/Module.h"
+#include "zk4n/Arguments.h"
 #include "zk4n/Commands.h"
 #include "zk4n/DriverClient.h"
 #include "zk4n/DriverFile.h"
@@ -23,7 +25,7 @@ using Install = HRESULT STDAPICALLTYPE(BOOL, LPCWSTR);
 int Register(const RegisterOptions& options) {
   const std::string file = DriverFile(options.module);
   os::Module module;
-  if (!LoadModule(module, file)) {
+  if (!module.Load(PathArgument(file))) {
     throw DriverError(E_FAIL, "cannot load the driver module " + file);
   }
   auto* const install = module.FunctionOf<Install>("DllInstall");

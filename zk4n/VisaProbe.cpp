@@ -4,7 +4,7 @@
 #include <type_traits>
 
 #include "platform/os/Text.h"
-#include "zk4n/DriverFile.h"
+#include "zk4n/Arguments.h"
 #include "zk4n/HresultName.h"
 
 namespace {
@@ -16,7 +16,7 @@ constexpr ViUInt32 kOpenTimeout = 2000;  // milliseconds, as the driver's
 bool VisaProbe::Load(const std::string& driver_file) {
   const std::string folder = driver_file.substr(0, driver_file.find_last_of("/\\") + 1);
   return (module_.Load("zevisa64.dll") || module_.Load("zevisa.dll") ||
-          LoadModule(module_, folder + "ZeVISA.dll")) &&
+          module_.Load(PathArgument(folder + "ZeVISA.dll"))) &&
          Bind();
 }
 

@@ -1,53 +1,44 @@
-// Folders and narrow file names. A narrow file name is text in the code page of the locale in
-// effect (LocaleSwitch) and may use backslashes; it becomes a native path only here, where a file
-// is opened.
+// Files, folders and their paths. A path is a std::filesystem::path, which can hold any name that
+// the system has: wide text on Windows, bytes elsewhere. It may use backslashes, which become
+// separators on every system where a file is opened.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
-#include <string_view>
 
 #include "platform/os/Text.h"
 
 namespace os {
 
-/// The code page in which narrow file names are read now: the thread's ANSI code page, or the one
-/// of the innermost LocaleSwitch.
-CodePage FileNameCodePage();
+/// The path that a name stands for when it is read as text of one code page. A name with a
+/// character that the page lacks is no file's name there: it gives the empty path, which nothing
+/// opens, and never a name with question marks or similar letters in place of its own. The page
+/// goes with each name, so that threads with different pages do not meet.
+std::filesystem::path PathOf(WideView name, CodePage code_page);
 
-/// Switches the process locale (all categories) for its life time and restores the previous one, or
-/// leaves the process in another one: "Russian" makes file names Windows-1251, "English"
-/// Windows-1252. The switch is process-wide; it does not touch how the driver parses or prints
-/// numbers.
-class LocaleSwitch {
- public:
-  explicit LocaleSwitch(const char* locale_name, const char* afterwards = nullptr);
-  ~LocaleSwitch();
-  LocaleSwitch(const LocaleSwitch&) = delete;
-  LocaleSwitch& operator=(const LocaleSwitch&) = delete;
+/// A path as text; bytes that are not UTF-8 become U+FFFD.
+WideString WideOf(const std::filesystem::path& path);
 
- private:
-  std::string locale_afterwards_;
-  CodePage previous_code_page_;
-};
+/// The path with backslashes as separators of this system.
+std::filesystem::path NativePath(const std::filesystem::path& path);
 
-/// A narrow file name as a native path; backslashes become separators on every system.
-std::filesystem::path NativePath(std::string_view narrow_name);
-
-/// Opens a file for reading in binary mode. A folder, a missing or an unreadable file gives a
-/// stream that is not open.
-std::ifstream OpenForReading(std::string_view narrow_name);
+/// The bytes of a regular file; nothing when it cannot be opened, and at once for what is no
+/// regular file: a folder, a FIFO, a pipe, a device. Empty for a file that has more bytes than
+/// `largest` or cannot be read.
+std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, std::size_t largest);
 
 /// Creates or truncates a file for writing in binary mode; other processes may read it meanwhile.
-std::ofstream OpenForWriting(std::string_view narrow_name);
+std::ofstream OpenForWriting(const std::filesystem::path& path);
 
-/// The system's common files folder without a trailing separator, as narrow text in the ANSI code
-/// page; empty when the system does not tell. Elsewhere than on Windows: ZENTREL_COMMON_FILES, or a
-/// folder below the user's XDG data home.
-std::string CommonFilesFolder();
+/// The system's common files folder without a trailing separator; empty when the system does not
+/// tell. Elsewhere than on Windows: ZENTREL_COMMON_FILES, or a folder below the user's XDG data
+/// home.
+std::filesystem::path CommonFilesFolder();
 
 /// The user's documents folder, likewise. Elsewhere than on Windows: ZENTREL_DOCUMENTS, or XDG's.
-std::string DocumentsFolder();
+std::filesystem::path DocumentsFolder();
 
 }  // namespace os

@@ -10,8 +10,8 @@ std::string Environment(const char* name) {
   return value == nullptr ? std::string() : std::string(value);
 }
 
-/// A folder of the user's in the thread's ANSI code page, as all narrow text of the driver is.
-std::string Folder(const char* variable, const char* xdg_variable, const char* below_home) {
+std::filesystem::path Folder(const char* variable, const char* xdg_variable,
+                             const char* below_home) {
   std::string folder = Environment(variable);
   if (folder.empty()) folder = Environment(xdg_variable);
   if (folder.empty()) {
@@ -19,16 +19,16 @@ std::string Folder(const char* variable, const char* xdg_variable, const char* b
     if (!home.empty()) folder = home + below_home;
   }
   while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
-  return ToNarrow(ToWide(folder, kUtf8CodePage));
+  return folder;
 }
 
 }  // namespace
 
-std::string CommonFilesFolder() {
+std::filesystem::path CommonFilesFolder() {
   return Folder("ZENTREL_COMMON_FILES", "XDG_DATA_HOME", "/.local/share");
 }
 
-std::string DocumentsFolder() {
+std::filesystem::path DocumentsFolder() {
   return Folder("ZENTREL_DOCUMENTS", "XDG_DOCUMENTS_DIR", "/Documents");
 }
 

@@ -7,16 +7,16 @@
 namespace os {
 namespace {
 
-std::string ShellFolder(int csidl) {
+std::filesystem::path ShellFolder(int csidl) {
   wchar_t path[MAX_PATH] = {};
   if (!SHGetSpecialFolderPathW(nullptr, path, csidl, FALSE)) return {};
-  return ToNarrow(path);
+  return path;
 }
 
 }  // namespace
 
-std::string CommonFilesFolder() { return ShellFolder(CSIDL_PROGRAM_FILES_COMMON); }
+std::filesystem::path CommonFilesFolder() { return ShellFolder(CSIDL_PROGRAM_FILES_COMMON); }
 
-std::string DocumentsFolder() { return ShellFolder(CSIDL_PERSONAL); }
+std::filesystem::path DocumentsFolder() { return ShellFolder(CSIDL_PERSONAL); }
 
 }  // namespace os

@@ -1,9 +1,7 @@
-#include "platform/os/System.h"
+#include "platform/os/Locale.h"
 
 namespace os {
 
-// File names are UTF-8 whatever the locale is, so that it can stay as it is. Other threads may be
-// using it.
-std::string system::SetLocale(const char*) { return {}; }
+void SetProcessLocale(const char*) {}
 
 }  // namespace os

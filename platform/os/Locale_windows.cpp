@@ -1,13 +1,9 @@
 #include <clocale>
 
-#include "platform/os/System.h"
+#include "platform/os/Locale.h"
 
 namespace os {
 
-std::string system::SetLocale(const char* name) {
-  const char* const current = std::setlocale(LC_ALL, nullptr);
-  std::string previous = current == nullptr ? "" : current;
-  return std::setlocale(LC_ALL, name) == nullptr ? std::string() : previous;
-}
+void SetProcessLocale(const char* windows_name) { std::setlocale(LC_ALL, windows_name); }
 
 }  // namespace os

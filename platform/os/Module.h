@@ -1,8 +1,7 @@
 // Modules loaded at run time.
 #pragma once
 
-#include <string>
-#include <string_view>
+#include <filesystem>
 
 #include "platform/os/Text.h"
 
@@ -20,11 +19,10 @@ class Module {
 
   /// Loads "name.dll" by the system's search, or from the folder that the name carries. Elsewhere
   /// than on Windows the file is libname.so, its name in lower case: "zevisa64.dll" is
-  /// libzevisa64.so, and
-  /// "/opt/driver/ZeVISA.dll" is /opt/driver/libzevisa.so; a name that ends in .so is a file's own.
-  /// A module held before is unloaded first. Returns false, holding nothing, when there is no such
-  /// module or it cannot be loaded.
-  bool Load(std::string_view name);
+  /// libzevisa64.so, and "/opt/driver/ZeVISA.dll" is /opt/driver/libzevisa.so; a name that ends in
+  /// .so is a file's own. A module held before is unloaded first. Returns false, holding nothing,
+  /// when there is no such module or it cannot be loaded.
+  bool Load(const std::filesystem::path& name);
 
   /// Unloads the module; nothing to do when none is held.
   void Unload();
@@ -51,8 +49,8 @@ class Module {
 /// The full path of the module that holds this code; empty when the system does not tell.
 WideString ThisModuleFile();
 
-/// The folder of the module that holds this code, with a trailing separator, as narrow text in the
-/// ANSI code page; empty when the system does not tell or the path is longer than 260 characters.
-std::string ThisModuleFolder();
+/// The folder of the module that holds this code, with a trailing separator; empty when the system
+/// does not tell or the path of the module is longer than 260 characters.
+std::filesystem::path ThisModuleFolder();
 
 }  // namespace os

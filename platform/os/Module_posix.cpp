@@ -2,7 +2,7 @@
 #include <link.h>
 
 #include <algorithm>
-#include <filesystem>
+#include <string>
 
 #include "platform/os/Files.h"
 #include "platform/os/Module.h"
@@ -42,7 +42,7 @@ std::filesystem::path ThisModulePath() {
 
 }  // namespace
 
-bool Module::Load(std::string_view name) {
+bool Module::Load(const std::filesystem::path& name) {
   Unload();
   const std::filesystem::path path = NativePath(name);
   const std::filesystem::path file = path.parent_path() / FileNameOf(path.filename().string());
@@ -62,15 +62,15 @@ void* Module::Symbol(const char* name) const {
 WideString Module::File() const {
   link_map* map = nullptr;
   if (handle_ == nullptr || dlinfo(handle_, RTLD_DI_LINKMAP, &map) != 0) return {};
-  return ToWide(FileOf(map->l_name).native(), kUtf8CodePage);
+  return WideOf(FileOf(map->l_name));
 }
 
-WideString ThisModuleFile() { return ToWide(ThisModulePath().native(), kUtf8CodePage); }
+WideString ThisModuleFile() { return WideOf(ThisModulePath()); }
 
-std::string ThisModuleFolder() {
+std::filesystem::path ThisModuleFolder() {
   const std::filesystem::path file = ThisModulePath();
-  if (file.empty() || file.native().size() > kLongestModulePath) return {};
-  return ToNarrow(ToWide(file.parent_path().native() + "/", kUtf8CodePage));
+  if (file.empty() || WideOf(file).size() > kLongestModulePath) return {};
+  return file.parent_path() / "";
 }
 
 }  // namespace os

@@ -17,7 +17,7 @@ std::wstring FileOf(HMODULE module) {
 
 }  // namespace
 
-bool Module::Load(std::string_view name) {
+bool Module::Load(const std::filesystem::path& name) {
   Unload();
   // A file that is no module must not bring up a box.
   DWORD previous_mode = 0;
@@ -49,11 +49,11 @@ WideString ThisModuleFile() {
   return GetModuleHandleExW(kFlags, address, &module) ? FileOf(module) : WideString();
 }
 
-std::string ThisModuleFolder() {
+std::filesystem::path ThisModuleFolder() {
   const std::wstring path = ThisModuleFile();
   const auto separator = path.find_last_of(L'\\');
   if (path.size() > MAX_PATH || separator == std::wstring::npos) return {};
-  return ToNarrow(path.substr(0, separator + 1));
+  return path.substr(0, separator + 1);
 }
 
 }  // namespace os

@@ -13,10 +13,6 @@ namespace os::system {
 std::string ToNarrow(WideView text, CodePage code_page);
 WideString ToWide(std::string_view text, CodePage code_page);
 
-/// Sets the locale of the process, all categories, and returns the one before; empty when nothing
-/// was changed.
-std::string SetLocale(const char* name);
-
 /// What a person sees of a warning when no hook is set.
 void ShowWarning(const std::string& text, const std::string& caption);
 

@@ -3,10 +3,10 @@
 
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "measurement/DetectorFile.h"
 #include "platform/os/Files.h"
-#include "platform/os/Text.h"
 #include "tests/driver/SessionFixture.h"
 
 namespace driver_test {
@@ -123,12 +123,13 @@ TEST_F(Acquisition, ABadBlockDoesNotEndTheSession) {
 // Detector files where clients name them, each with its own content.
 class DetectorFiles : public Acquisition {
  protected:
-  ~DetectorFiles() override {
+  ~DetectorFiles() override { RemoveFiles(); }
+  void RemoveFiles() {
     std::error_code error;
     for (const auto& file : files_) fs::remove(file, error);
   }
   /// A copy of the good file, or a file that holds no table.
-  void Place(const fs::path& file, bool good) {
+  void PlaceFile(const fs::path& file, bool good) {
     fs::create_directories(file.parent_path());
     if (good) {
       fs::copy_file(ZK_DETECTOR_FILE, file, fs::copy_options::overwrite_existing);
@@ -151,44 +152,91 @@ class DetectorFiles : public Acquisition {
   std::vector<fs::path> files_;
 };
 
+enum class Place { kHere, kShared };
+struct FileCase {
+  const char* name;  // without its end
+  Place place;
+  bool good;
+  std::uint32_t result;
+};
+// In the code page of this computer, in the Russian one alone, in none.
+constexpr FileCase kFileCases[] = {
+    {"Gr\u00F6\u00DFe", Place::kHere, true, 0},
+    {"Gr\u00F6\u00DFe", Place::kHere, false, 0x80047003},
+    {"Gr\u00F6\u00DFe", Place::kShared, true, 0},
+    {"Gr\u00F6\u00DFe", Place::kShared, false, 0x80047003},
+    {"\u0434\u0435\u0442", Place::kHere, true, 0},
+    {"\u0434\u0435\u0442", Place::kHere, false, 0},  // found on the second attempt: taken
+    {"\u0434\u0435\u0442", Place::kShared, true, 0},
+    {"\u0434\u0435\u0442", Place::kShared, false, 0x80047003},
+    {"\u6E2C\u5B9A", Place::kHere, true, 0x80047002},
+    {"\u6E2C\u5B9A", Place::kShared, true, 0x80047002},
+};
+
 TEST_F(DetectorFiles, AreLookedForInThreeWays) {
-  const std::string shared = GetDetectorFolder();
-  const IID channel = __uuidof(IZentrelK4NChannel);
-  const std::string read = "ZentrelK4NLib: Error reading file ";
-  const std::string name = "driver_test_" + stamp_ + ".det";
-  const std::string russian = "driver_test_\xD0\xB4\xD0\xB5\xD1\x82_" + stamp_ + ".det";
-  const std::string bad = "driver_test_bad_" + stamp_ + ".det";
-  const std::u8string russian_name(russian.begin(), russian.end());
-  Place(here_ / name, true);
-  Place(here_ / bad, false);
-  Place(os::NativePath(shared + name), true);
-  Place(os::NativePath(shared + bad), false);
-
-  EXPECT_EQ(Load(Utf8(here_ / name)), S_OK);
-  ExpectReported(Load(Utf8(here_ / bad)), Code(0x80047003), read + Utf8(here_ / bad) + ".",
-                 channel);
-  EXPECT_EQ(Load(name), S_OK) << "in the shared folder";
-  ExpectReported(Load(bad), Code(0x80047003),
-                 read + os::ToNarrow(os::ToWide(shared + bad), os::kUtf8CodePage) + ".", channel);
-  ExpectReported(Load("driver_test_missing.det"), Code(0x80047002),
-                 "ZentrelK4NLib: Cannot open file driver_test_missing.det.", channel);
-  ExpectReported(Load(Utf8(here_)), Code(0x80047002),
-                 "ZentrelK4NLib: Cannot open file " + Utf8(here_) + ".", channel);
-
-  // Letters that the code page of this computer lacks: found on the second attempt, and then taken
-  // for good whatever stands in the file.
-  Place(here_ / russian_name, true);
-  EXPECT_EQ(Load(Utf8(here_ / russian_name)), S_OK);
-  Place(here_ / russian_name, false);
-  EXPECT_EQ(Load(Utf8(here_ / russian_name)), S_OK);
-
+  const fs::path shared = GetDetectorFolder();
+  for (const FileCase& row : kFileCases) {
+    const std::string name = row.name + stamp_ + ".det";
+    const std::u8string name_of_file(name.begin(), name.end());
+    const bool is_here = row.place == Place::kHere;
+    PlaceFile((is_here ? here_ : os::NativePath(shared)) / name_of_file, row.good);
+    const std::string client_name = is_here ? Utf8(here_ / name_of_file) : name;
+    std::string text;
+    if (row.result == 0x80047002) {
+      text = "ZentrelK4NLib: Cannot open file " + client_name + ".";
+    } else if (row.result == 0x80047003) {
+      text = "ZentrelK4NLib: Error reading file " +
+             (is_here ? client_name : Utf8(shared) + client_name) + ".";
+    }
+    SCOPED_TRACE(client_name + (row.good ? "" : ", no table"));
+    ExpectReported(Load(client_name), Code(row.result), text, __uuidof(IZentrelK4NChannel));
+    RemoveFiles();
+  }
   RunSweep(1e9, 1.1e9, 1e7);
   ExpectResponse(kLevel, 11);  // failed loads have left the tables alone
 }
 
+TEST_F(DetectorFiles, WhatIsNoFileCannotBeOpened) {
+#ifdef _WIN32
+  const std::string null_device = "NUL";
+#else
+  const std::string null_device = "/dev/null";
+#endif
+  for (const std::string& name : {null_device, Utf8(fs::current_path()), std::string(),
+                                  std::string("\u043D\u0435\u0442.det")}) {
+    ExpectReported(Load(name), Code(0x80047002), "ZentrelK4NLib: Cannot open file " + name + ".",
+                   __uuidof(IZentrelK4NChannel));
+  }
+}
+
+TEST_F(DetectorFiles, LoadsOfManyObjectsDoNotDisturbEachOther) {
+  constexpr int kLoads = 200;
+  const fs::path files[] = {here_ / u"Gr\u00F6\u00DFe" / "a.det",
+                            here_ / u"\u0434\u0435\u0442.det"};
+  for (const fs::path& file : files) {
+    PlaceFile(file, true);
+    std::ofstream(file) << "0 10000\n0 10000\n0 10000\n";
+  }
+  constexpr int kThreads = 4;
+  std::vector<std::thread> threads;
+  threads.reserve(kThreads);
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([name = Text(Utf8(files[thread % 2]))] {
+      Bench bench;
+      bench.Open();
+      int lost = 0;
+      for (int load = 0; load < kLoads; ++load) {
+        lost += bench.surface_.channel->LoadDetectorDataFromFile(name.Get()) == S_OK ? 0 : 1;
+      }
+      EXPECT_EQ(lost, 0) << TakeErrorInfo().description;
+    });
+  }
+  for (auto& thread : threads) thread.join();
+}
+
 TEST_F(DetectorFiles, TheDefaultOneIsLoadedByInitialize) {
   const fs::path previous = fs::current_path();
-  Place(here_ / "calibr20.det", true);
+  PlaceFile(here_ / "calibr20.det", true);
   surface_.root->Close();
   fs::current_path(here_);
   EXPECT_EQ(Initialize(), S_OK);

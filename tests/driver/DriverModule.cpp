@@ -21,11 +21,12 @@ void CopyModule(const fs::path& built, const fs::path& folder, const std::string
                 fs::copy_options::overwrite_existing);
 }
 
-fs::path NewFolder() {
+fs::path NewFolder(const std::u16string& letters) {
   static std::atomic<int> count = 0;
   const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
   fs::path folder = fs::current_path() / "driver_test_modules" /
                     (std::to_string(stamp) + "_" + std::to_string(++count));
+  folder += letters;
   fs::create_directories(folder);
   return folder;
 }
@@ -34,12 +35,13 @@ std::string ToUtf8(os::WideView text) { return os::ToNarrow(text, os::kUtf8CodeP
 
 }  // namespace
 
-DriverModule::DriverModule(Company company) : folder_(NewFolder()) {
+DriverModule::DriverModule(Company company, const std::u16string& letters)
+    : folder_(NewFolder(letters)) {
   CopyModule(ZK_DRIVER_MODULE, folder_, "zentrelk4nlib");
   if (company == Company::kVisaLibrary) {
     CopyModule(ZK_VISA_MODULE, folder_, "zevisa");
   }
-  if (!module_.Load((folder_ / "zentrelk4nlib.dll").string())) {
+  if (!module_.Load(folder_ / "zentrelk4nlib.dll")) {
     ADD_FAILURE() << "The driver module cannot be loaded";
   }
 }

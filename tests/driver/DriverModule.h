@@ -21,7 +21,8 @@ enum class Company { kNone, kVisaLibrary };
 /// A copy of the module in a folder of its own, loaded; with or without our VISA library beside it.
 class DriverModule {
  public:
-  explicit DriverModule(Company company = Company::kNone);
+  /// `letters` end the folder's name.
+  explicit DriverModule(Company company = Company::kNone, const std::u16string& letters = {});
   ~DriverModule();
 
   ComPtr<IClassFactory> Factory(const CLSID& class_id) const;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/com/Com.h"
+
 namespace {
 
 struct BuilderCase {
@@ -22,7 +24,9 @@ constexpr BuilderCase kBuilderCases[] = {
 
 TEST(ErrorMessage, BuildsWhatNoCallOfAClientShows) {
   for (const auto& row : kBuilderCases) {
-    EXPECT_EQ(BuildErrorMessage(status::FromBits(row.code), row.insert, "x", "y"), row.expected);
+    const Status code = status::FromBits(row.code);
+    EXPECT_EQ(BuildErrorMessage(code, os::ToWide(row.insert), OLESTR("x"), OLESTR("y")),
+              os::ToWide(row.expected));
   }
 }
 

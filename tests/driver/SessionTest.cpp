@@ -32,6 +32,15 @@ TEST_F(Session, ASecondInitializeTakesTheFirstOnesPlace) {
   EXPECT_TRUE(WaitUntil([&] { return other.ConnectionCount() == 0; }));
 }
 
+// No code page has all these letters.
+TEST_F(Session, FindsTheLibraryBesideADriverInAFolderOfAnyName) {
+  DriverModule driver(Company::kVisaLibrary, u"_\u00FC\u0434\u6E2C");
+  surface_ = Surface(driver);
+  Open();
+  EXPECT_TRUE(IsOpen());
+  surface_ = Surface(ModuleWithVisa());  // before its code goes
+}
+
 TEST_F(Session, IsNotOpenedOnAnInstrumentThatCannotStart) {
   Fault refusal;
   refusal.kind = FaultKind::kRefuse;

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -19,7 +20,7 @@ namespace {
 /// The folder of the logs in a documents folder of the test's own.
 class DriverLogTest : public testing::Test {
  protected:
-  DriverLogTest() : folder_(os::NativePath(os::DocumentsFolder() + "\\zentrel lumigraf")) {
+  DriverLogTest() : folder_(os::DocumentsFolder() / "zentrel lumigraf") {
     std::filesystem::remove_all(folder_);
     os::SetNoticeHook([this](const std::string& text, const std::string& caption) {
       notices_.push_back(caption + ": " + text);
@@ -64,6 +65,9 @@ TEST_F(DriverLogTest, EntriesAreFlushedAtOnceAndNullIsNothing) {
   { DriverLog again("test.log"); }
   EXPECT_TRUE(std::regex_match(Content(), std::regex(std::string(kOpening) + kClosing)));
   EXPECT_TRUE(notices_.empty());
+#ifdef _WIN32
+  EXPECT_THAT(std::setlocale(LC_ALL, nullptr), testing::StartsWith("English"));
+#endif
 }
 
 TEST_F(DriverLogTest, MissingFolderGivesTheWarningAndNoFile) {

@@ -104,7 +104,7 @@ TEST(DetectorFile, FailedLoadKeepsTheTable) {
 }
 
 TEST(DetectorFile, FolderIsBelowTheCommonFiles) {
-  EXPECT_EQ(GetDetectorFolder(), os::CommonFilesFolder() + "\\Zentrel Shared\\Detectors\\");
+  EXPECT_EQ(GetDetectorFolder(), os::CommonFilesFolder().concat("\\Zentrel Shared\\Detectors\\"));
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace {
 
 const std::u16string kClassText = u"{5A0C3D1E-7B42-4E0B-9C55-1F6A2D8E9B70}";
 
-std::string ProbeFile() { return os::ThisModuleFolder() + "libplatformprobe.so"; }
+std::string ProbeFile() { return (os::ThisModuleFolder() / "libplatformprobe.so").string(); }
 
 bool ProbeIsLoaded() {
   void* const handle = dlopen(ProbeFile().c_str(), RTLD_LAZY | RTLD_NOLOAD);

@@ -4,82 +4,118 @@
 
 #include <cstdlib>
 
+#include "platform/com/Com.h"
 #include "platform/os/Notice.h"
 #include "tests/platform/TemporaryFolder.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <sys/stat.h>
+#endif
+
 namespace {
 
-// "Данные.det" in Windows-1251.
-constexpr const char* kCyrillicName = "\xC4\xE0\xED\xED\xFB\xE5.det";
-constexpr const char16_t* kCyrillicNameUtf16 = u"\u0414\u0430\u043D\u043D\u044B\u0435.det";
+namespace fs = std::filesystem;
 
-std::string ContentOf(std::string_view narrow_name) {
-  std::ifstream file = os::OpenForReading(narrow_name);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+constexpr std::size_t kLargest = 20;
 
 class Files : public testing::Test {
  protected:
-  [[nodiscard]] std::string InFolder(const std::string& name) const {
-    return folder_.path().string() + "\\" + name;
+  [[nodiscard]] fs::path InFolder(const fs::path& name) const {
+    return fs::path(folder_.path()).concat("\\").concat(name.native());
+  }
+  [[nodiscard]] std::string ContentOf(const fs::path& name) const {
+    return os::ReadWholeFile(InFolder(name), kLargest).value_or("not opened");
   }
   TemporaryFolder folder_;
 };
 
 TEST_F(Files, BackslashesSeparateFolders) {
-  std::filesystem::create_directories(folder_.path() / "a" / "b");
+  fs::create_directories(folder_.path() / "a" / "b");
   os::OpenForWriting(InFolder("a\\b\\c.txt")) << "text\n";
-  EXPECT_TRUE(std::filesystem::is_regular_file(folder_.path() / "a" / "b" / "c.txt"));
-  EXPECT_EQ(ContentOf(InFolder("a\\b\\c.txt")), "text\n");
+  EXPECT_TRUE(fs::is_regular_file(folder_.path() / "a" / "b" / "c.txt"));
+  EXPECT_EQ(ContentOf("a\\b\\c.txt"), "text\n");
 }
 
 TEST_F(Files, WritingReplacesWhatWasThereAndReadingDoesNotTouchLineEnds) {
   for (const char* const text : {"a long first text", "a\r\nb\n\x1A"}) {
     os::OpenForWriting(InFolder("log.txt")) << text;
-    EXPECT_EQ(ContentOf(InFolder("log.txt")), text);
+    EXPECT_EQ(ContentOf("log.txt"), text);
   }
 }
 
-TEST_F(Files, CyrillicNameNeedsTheRussianLocale) {
-  std::ofstream(folder_.path() / kCyrillicNameUtf16) << "found";
-  EXPECT_FALSE(os::OpenForReading(InFolder(kCyrillicName)).is_open());
-  {
-    const os::LocaleSwitch russian("Russian");
-    EXPECT_EQ(ContentOf(InFolder(kCyrillicName)), "found");
+TEST_F(Files, OneThatIsTooLargeIsEmpty) {
+  for (const std::size_t size : {kLargest, kLargest + 1}) {
+    const std::string text(size, 'x');
+    os::OpenForWriting(InFolder("large.det")) << text;
+    EXPECT_EQ(ContentOf("large.det"), size == kLargest ? text : "");
   }
-  EXPECT_FALSE(os::OpenForReading(InFolder(kCyrillicName)).is_open());
 }
 
-TEST_F(Files, FolderMissingFileAndMissingFolderAreNotOpen) {
-  EXPECT_FALSE(os::OpenForReading(folder_.path().string()).is_open());
-  EXPECT_FALSE(os::OpenForReading(InFolder("missing.det")).is_open());
-  EXPECT_FALSE(os::OpenForReading("").is_open());
+TEST_F(Files, FolderMissingFileAndMissingFolderAreNotOpened) {
+  for (const fs::path& path : {folder_.path(), InFolder(""), InFolder("missing.det"), fs::path()}) {
+    EXPECT_EQ(os::ReadWholeFile(path, kLargest), std::nullopt) << path;
+  }
   EXPECT_FALSE(os::OpenForWriting(InFolder("missing\\new.log")).is_open());
 }
 
-TEST(LocaleSwitch, NestedSwitchesRestoreEachOther) {
-  const os::CodePage before = os::FileNameCodePage();
-  {
-    const os::LocaleSwitch russian("Russian");
-    EXPECT_EQ(os::FileNameCodePage(), os::kCyrillicCodePage);
-    {
-      const os::LocaleSwitch english("English");
-      EXPECT_EQ(os::FileNameCodePage(), os::kWesternCodePage);
-    }
-    EXPECT_EQ(os::FileNameCodePage(), os::kCyrillicCodePage);
+// Each would keep a reader waiting, or has no end.
+TEST_F(Files, WhatIsNoRegularFileIsNotOpened) {
+#ifdef _WIN32
+  const fs::path pipe = R"(\\.\pipe\)" + folder_.path().filename().string();
+  const HANDLE server = CreateNamedPipeW(pipe.c_str(), PIPE_ACCESS_DUPLEX, 0, 1, 0, 0, 0, nullptr);
+  ASSERT_NE(server, INVALID_HANDLE_VALUE);
+  const std::initializer_list<fs::path> paths{pipe, "NUL", "CON", InFolder("nul")};
+#else
+  ASSERT_EQ(mkfifo((folder_.path() / "fifo").c_str(), 0600), 0);
+  const std::initializer_list<fs::path> paths{InFolder("fifo"), "/dev/null", "/dev/zero",
+                                              "/dev/tty"};
+#endif
+  for (const fs::path& path : paths) {
+    EXPECT_EQ(os::ReadWholeFile(path, kLargest), std::nullopt) << path;
   }
-  EXPECT_EQ(os::FileNameCodePage(), before);
+#ifdef _WIN32
+  CloseHandle(server);
+#endif
+}
+
+struct NameCase {
+  os::WideString name;
+  os::CodePage code_page;
+  bool has_path;
+};
+const NameCase kNameCases[] = {
+    {OLESTR("Gr\u00FC\u00DFe/calibr20.det"), os::kWesternCodePage, true},
+    {OLESTR("Gr\u00FC\u00DFe/calibr20.det"), os::kCyrillicCodePage, false},
+    {OLESTR("\u0434\u0435\u0442.det"), os::kWesternCodePage, false},
+    {OLESTR("\u0434\u0435\u0442.det"), os::kCyrillicCodePage, true},
+    {OLESTR("\u6E2C\u5B9A.det"), os::kCyrillicCodePage, false},
+    {OLESTR("\u6E2C\u5B9A.det"), os::kUtf8CodePage, true},
+    {OLESTR("\uFF21.det"), os::kWesternCodePage, false},  // not "A.det"
+    {OLESTR("\u0101.det"), 1250, false},                  // not "a.det"
+    {OLESTR("what?.det"), os::kWesternCodePage, true},
+    {os::WideString(OLESTR("a")) + static_cast<os::WideChar>(0xD800), os::kUtf8CodePage, false},
+};
+
+TEST(FileNames, HaveAPathWhereTheCodePageHasTheirLetters) {
+  for (const NameCase& row : kNameCases) {
+    SCOPED_TRACE(os::ToNarrow(row.name, os::kUtf8CodePage) + std::to_string(row.code_page));
+    const fs::path path = os::PathOf(row.name, row.code_page);
+    EXPECT_EQ(path, row.has_path ? fs::path(row.name) : fs::path());
+    EXPECT_TRUE(!row.has_path || os::WideOf(path) == row.name);
+  }
 }
 
 TEST(Folders, CommonFilesHaveNoSeparatorAtTheEnd) {
 #ifndef _WIN32
-  setenv("ZENTREL_COMMON_FILES", "/srv/common/", 1);
-  EXPECT_EQ(os::CommonFilesFolder(), "/srv/common");
+  setenv("ZENTREL_COMMON_FILES", "/srv/\xE6\xB8\xAC/", 1);
+  EXPECT_EQ(os::CommonFilesFolder(), "/srv/\xE6\xB8\xAC") << "whatever its letters";
   unsetenv("ZENTREL_COMMON_FILES");
 #endif
-  const std::string folder = os::CommonFilesFolder();
+  const fs::path folder = os::CommonFilesFolder();
   ASSERT_FALSE(folder.empty());
-  EXPECT_EQ(folder.find_last_of("/\\") == folder.size() - 1, false) << folder;
+  EXPECT_TRUE(folder.has_filename()) << folder;
 }
 
 TEST(Notice, HookReceivesTheWarningAndMaySetAnother) {

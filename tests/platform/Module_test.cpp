@@ -6,14 +6,21 @@
 #include <utility>
 
 #include "tests/platform/Probe.h"
+#include "tests/platform/TemporaryFolder.h"
 
 namespace {
 
-std::string ProbePath() { return os::ThisModuleFolder() + "PlatformProbe.DLL"; }
+namespace fs = std::filesystem;
+
+fs::path ProbePath() { return os::ThisModuleFolder() / "PlatformProbe.DLL"; }
 
 int AnswerOf(const os::Module& module) {
   auto* const answer = module.FunctionOf<int()>("ProbeAnswer");
   return answer == nullptr ? -1 : answer();
+}
+
+fs::path FolderOf(const os::Module& module) {
+  return module.FunctionOf<const fs::path::value_type*()>("ProbeFolder")();
 }
 
 class Module : public testing::Test {
@@ -37,17 +44,31 @@ TEST_F(Module, LoadsFromTheFolderInTheName) {
 }
 
 TEST_F(Module, KnowsItsFileAndFolder) {
-  EXPECT_EQ(module_.FunctionOf<const char*()>("ProbeFolder")(), os::ThisModuleFolder());
-  const std::filesystem::path file = module_.File();
-  EXPECT_TRUE(std::filesystem::is_regular_file(file));
-  EXPECT_EQ(file.parent_path() / "", std::filesystem::path(os::ThisModuleFolder()));
-  const std::filesystem::path own = os::ThisModuleFile();
+  EXPECT_EQ(FolderOf(module_), os::ThisModuleFolder());
+  const fs::path file = module_.File();
+  EXPECT_TRUE(fs::is_regular_file(file));
+  EXPECT_EQ(file.parent_path() / "", os::ThisModuleFolder());
+  const fs::path own = os::ThisModuleFile();
   EXPECT_EQ(own.parent_path(), file.parent_path());
   EXPECT_NE(own, file);
 }
 
+// No code page has all these letters.
+TEST_F(Module, MayLieInAFolderOfAnyName) {
+  const TemporaryFolder temporary;
+  const fs::path folder = temporary.path() / u"\u00FC\u0434\u6E2C" / "";
+  fs::create_directory(folder);
+  const fs::path file = module_.File();
+  fs::copy_file(file, folder / file.filename());
+  const os::Module first = std::move(module_);
+  ASSERT_TRUE(module_.Load(folder / "PlatformProbe.DLL"));
+  EXPECT_EQ(FolderOf(module_), folder);
+  EXPECT_EQ(fs::path(module_.File()).parent_path() / "", folder);
+  module_.Unload();
+}
+
 TEST_F(Module, MissingModuleGivesNothing) {
-  EXPECT_FALSE(module_.Load(os::ThisModuleFolder() + "NoSuchModule.dll"));
+  EXPECT_FALSE(module_.Load(os::ThisModuleFolder() / "NoSuchModule.dll"));
   EXPECT_FALSE(module_.IsLoaded());
   EXPECT_EQ(module_.Symbol("ProbeAnswer"), nullptr);
 }

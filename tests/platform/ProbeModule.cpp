@@ -1,6 +1,6 @@
 // A module with one class, whose objects know nothing but IUnknown.
 #include <atomic>
-#include <string>
+#include <filesystem>
 
 #include "platform/com/Com.h"
 #include "platform/os/Module.h"
@@ -62,8 +62,8 @@ class Factory final : public IClassFactory {
 
 PROBE_EXPORT int ProbeAnswer() { return kProbeAnswer; }
 
-PROBE_EXPORT const char* ProbeFolder() {
-  static const std::string folder = os::ThisModuleFolder();
+PROBE_EXPORT const std::filesystem::path::value_type* ProbeFolder() {
+  static const std::filesystem::path folder = os::ThisModuleFolder();
   return folder.c_str();
 }
 

@@ -7,7 +7,6 @@
 #include <memory>
 
 #include "platform/os/Console.h"
-#include "platform/os/Text.h"
 #include "zk4n/Arguments.h"
 #include "zk4n/Commands.h"
 #include "zk4n/DriverFile.h"
@@ -73,7 +72,7 @@ int RunShell(const ShellOptions& options) {
   os::UseByteStreams();
   shell::Console console([&] {
     return options.registered ? DriverClient::Registered(kDriverProgId)
-                              : DriverClient(os::ToNarrow(os::ToWide(module, os::kUtf8CodePage)));
+                              : DriverClient(PathArgument(module));
   });
   const bool is_interactive =
       !script.is_open() && !options.json && os::IsTerminal(stdin) && os::IsTerminal(stdout);
