@@ -29,13 +29,8 @@ std::optional<ErrorRecord> ErrorTrail::Take() {
   return oldest;
 }
 
-std::vector<ErrorTrail::Run> ErrorTrail::Runs() const {
+std::optional<ErrorTrail::Run> ErrorTrail::RunAt(std::size_t index) const {
   const std::lock_guard lock(mutex_);
-  return {runs_.begin(), runs_.end()};
-}
-
-std::vector<ErrorRecord> ErrorTrail::Records() const {
-  std::vector<ErrorRecord> records;
-  for (const Run& run : Runs()) records.insert(records.end(), run.count, run.record);
-  return records;
+  if (index >= runs_.size()) return std::nullopt;
+  return runs_[index];
 }

@@ -7,7 +7,6 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "measurement/Status.h"
 
@@ -75,14 +74,13 @@ class ErrorTrail {
   void Append(Status status, Site site);
   /// Removes the oldest record; nothing when the trail is empty.
   std::optional<ErrorRecord> Take();
+  /// A record, and how many like it there are in a row.
   struct Run {
     ErrorRecord record;
     std::uint64_t count = 1;
   };
-  /// What is kept, oldest first.
-  [[nodiscard]] std::vector<Run> Runs() const;
-  /// All records, oldest first, each by itself: as many as there are.
-  [[nodiscard]] std::vector<ErrorRecord> Records() const;
+  /// Looks at one of the runs; 0 is the oldest. Nothing behind the newest.
+  [[nodiscard]] std::optional<Run> RunAt(std::size_t index) const;
 
  private:
   mutable std::mutex mutex_;

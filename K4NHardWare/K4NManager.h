@@ -12,7 +12,6 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <vector>
 
 #include "K4NHardWare/ErrorTrail.h"
 #include "K4NHardWare/IEventProcessor.h"
@@ -55,8 +54,8 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   /// library or decimal number). Code 0 and no text when the trail is empty. Returns 0, also
   /// without a session.
   Status ErrorQuery(std::int32_t& code, std::optional<std::string>& message);
-  /// The whole error trail, oldest first; nothing is removed.
-  [[nodiscard]] std::vector<ErrorRecord> ErrorRecords() const { return trail_.Records(); }
+  /// What the error trail holds; nothing is removed.
+  [[nodiscard]] const ErrorTrail& error_trail() const { return trail_; }
   /// Whether the instrument's DSP program is dated at all. Kept: the reference date that it is
   /// compared with lies in December, which is not read as a date, so that every date is later.
   [[nodiscard]] bool IsFirmwareNewer() const { return firmware_newer_; }

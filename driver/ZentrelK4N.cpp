@@ -1,6 +1,7 @@
 #include "driver/ZentrelK4N.h"
 
 #include <chrono>
+#include <optional>
 #include <string>
 
 #include "driver/Channel.h"
@@ -75,6 +76,22 @@ STDMETHODIMP CZentrelK4N::GetGUID(DWORD kind, GUID* guid) {
 // Kept: the groups on this object report errors, too, but only the root interface says so.
 STDMETHODIMP CZentrelK4N::InterfaceSupportsErrorInfo(REFIID iid) {
   return IsEqualGUID(iid, __uuidof(IZentrelK4N)) ? S_OK : S_FALSE;
+}
+
+STDMETHODIMP CZentrelK4N::GetRun(ULONG number, LONG* status, BSTR* location, std::uint64_t* count) {
+  return Frame([&]() -> HRESULT {
+    if (status == nullptr || location == nullptr || count == nullptr) {
+      return E_POINTER;
+    }
+    const std::optional<ErrorTrail::Run> run = manager_.error_trail().RunAt(number);
+    if (!run) {
+      return S_FALSE;
+    }
+    *location = NewBstr(os::ToWide(run->record.Location()));
+    *status = run->record.status;
+    *count = run->count;
+    return S_OK;
+  });
 }
 
 STDMETHODIMP CZentrelK4N::get_Utility(IIviDriverUtility** value) {

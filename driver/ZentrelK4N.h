@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -17,6 +18,7 @@
 #include "platform/com/Raii.h"
 #include "platform/os/Text.h"
 #include "server/interface/Guids.h"
+#include "server/interface/IErrorTrail.h"
 #include "server/interface/IviInherent.h"
 #include "server/interface/ZentrelK4NLib.h"
 
@@ -38,13 +40,15 @@ class CZentrelK4N : public CallFrame,
                     public IZentrelK4NAcquisition,
                     public IZentrelK4NChannels,
                     public IZentrelK4NList,
-                    public IZentrelK4NSystem {
+                    public IZentrelK4NSystem,
+                    public IErrorTrail {
  public:
-  using Interfaces = InterfaceList<IZentrelK4N, IProvideClassInfo, IProvideClassInfo2,
-                                   ISupportErrorInfo, IIviDriverIdentity, IIviDriverOperation,
-                                   IIviDriverUtility, IIviComponentIdentity, IZentrelK4NRF,
-                                   IZentrelK4NSweep, IZentrelK4NFrequencyStep, IZentrelK4NChannels,
-                                   IZentrelK4NList, IZentrelK4NAcquisition, IZentrelK4NSystem>;
+  using Interfaces =
+      InterfaceList<IZentrelK4N, IProvideClassInfo, IProvideClassInfo2, ISupportErrorInfo,
+                    IIviDriverIdentity, IIviDriverOperation, IIviDriverUtility,
+                    IIviComponentIdentity, IZentrelK4NRF, IZentrelK4NSweep,
+                    IZentrelK4NFrequencyStep, IZentrelK4NChannels, IZentrelK4NList,
+                    IZentrelK4NAcquisition, IZentrelK4NSystem, IErrorTrail>;
 
   CZentrelK4N();
   /// Creates the children. One that cannot be made is missing: its getter fails.
@@ -88,6 +92,9 @@ class CZentrelK4N : public CallFrame,
   STDMETHODIMP GetClassInfo(ITypeInfo** info) override;
   STDMETHODIMP GetGUID(DWORD kind, GUID* guid) override;
   STDMETHODIMP InterfaceSupportsErrorInfo(REFIID iid) override;
+
+  // --- IErrorTrail
+  STDMETHODIMP GetRun(ULONG number, LONG* status, BSTR* location, std::uint64_t* count) override;
 
   // --- IZentrelK4N
   STDMETHODIMP get_Utility(IIviDriverUtility** value) override;

@@ -23,7 +23,8 @@ const ClassRow kClasses[] = {
       __uuidof(ISupportErrorInfo), __uuidof(IIviDriverIdentity), __uuidof(IIviDriverOperation),
       __uuidof(IIviDriverUtility), __uuidof(IIviComponentIdentity), __uuidof(IZentrelK4NRF),
       __uuidof(IZentrelK4NSweep), __uuidof(IZentrelK4NFrequencyStep), __uuidof(IZentrelK4NChannels),
-      __uuidof(IZentrelK4NList), __uuidof(IZentrelK4NAcquisition), __uuidof(IZentrelK4NSystem)}},
+      __uuidof(IZentrelK4NList), __uuidof(IZentrelK4NAcquisition), __uuidof(IZentrelK4NSystem),
+      __uuidof(IErrorTrail)}},
     {"Channel", __uuidof(ZentrelK4NChannel), {__uuidof(IZentrelK4NChannel)}},
     {"PowerStep", __uuidof(ZentrelK4NPowerStep), {__uuidof(IZentrelK4NPowerStep)}},
     {"PulseGenerator", __uuidof(ZentrelK4NPulseGenerator), {__uuidof(IZentrelK4NPulseGenerator)}},
@@ -215,6 +216,26 @@ TEST(Objects, AGetterNamesTheInterfaceThatItCannotHandOut) {
     EXPECT_EQ(rf, nullptr);
   }
   without_interfaces.inner->Release();
+}
+
+TEST(Objects, TheErrorTrailIsShownFromTheOldestRunToTheNewest) {
+  Surface surface(ModuleWithVisa());
+  const auto trail = surface.root.As<IErrorTrail>();
+  std::uint64_t count = 0;
+  EXPECT_EQ(trail->GetRun(0, &surface.integer, &surface.text, &count), S_FALSE);
+  EXPECT_EQ(surface.text, nullptr);
+  for (int i = 0; i < 2; ++i) {  // the discard port
+    surface.root->Initialize(Text("TCPIP0::127.0.0.1::9::SOCKET").Get(), 0, 0, nullptr);
+  }
+  TakeErrorInfo();
+  EXPECT_EQ(trail->GetRun(0, &surface.integer, &surface.text, &count), S_OK);
+  EXPECT_EQ(surface.integer, Code(0xBFFF0011));
+  EXPECT_EQ(TakeText(surface.text), "File: .\\K4NHardWare\\K4NManager Line: 991");
+  EXPECT_EQ(count, 2U);
+  EXPECT_EQ(trail->GetRun(1, &surface.integer, &surface.text, &count), S_FALSE);
+  EXPECT_EQ(trail->GetRun(0, nullptr, &surface.text, &count), E_POINTER);
+  EXPECT_EQ(trail->GetRun(0, &surface.integer, nullptr, &count), E_POINTER);
+  EXPECT_EQ(trail->GetRun(0, &surface.integer, &surface.text, nullptr), E_POINTER);
 }
 
 TEST(Objects, NoExceptionLeavesAMember) {

@@ -9,12 +9,20 @@ constexpr Status kLost = status::FromBits(0xBFFF00A6);
 constexpr ErrorRecord kRead{kLost, Site::kWorkerRead};
 constexpr ErrorRecord kButton{kLost, Site::kWorkerRfButton};
 
+std::uint64_t CountOf(const ErrorTrail& trail) {
+  std::uint64_t count = 0;
+  for (std::size_t i = 0; const auto run = trail.RunAt(i); ++i) count += run->count;
+  return count;
+}
+
 TEST(ErrorTrailTest, RunsAreKeptOnceAndToldRecordByRecord) {
   ErrorTrail trail;
   for (int i = 0; i < 1'000'000; ++i) trail.Append(kLost, Site::kWorkerRead);
   trail.Append(kLost, Site::kWorkerRfButton);
   trail.Append(kLost, Site::kWorkerRead);
-  EXPECT_EQ(trail.Runs().size(), 3U);
+  EXPECT_EQ(trail.RunAt(0)->count, 1'000'000U);
+  EXPECT_EQ(trail.RunAt(2)->record, kRead);
+  EXPECT_FALSE(trail.RunAt(3));
   for (int i = 0; i < 1'000'000; ++i) ASSERT_EQ(trail.Take(), kRead) << i;
   EXPECT_EQ(trail.Take(), kButton) << "a record between two runs parts them";
   EXPECT_EQ(trail.Take(), kRead);
@@ -29,13 +37,14 @@ TEST(ErrorTrailTest, FullTrailCountsInTheNewestRunOfTheKind) {
     trail.Append(kLost, Site::kWorkerRfButton);
   }
   trail.Append(1, Site::kDwell);
-  EXPECT_EQ(trail.Runs().size(), ErrorTrail::kLongestTrail + 1) << "a new kind is kept, too";
-  EXPECT_EQ(trail.Records().size(), appended + 1) << "none is lost";
+  EXPECT_TRUE(trail.RunAt(ErrorTrail::kLongestTrail)) << "a new kind is kept, too";
+  EXPECT_FALSE(trail.RunAt(ErrorTrail::kLongestTrail + 1));
+  EXPECT_EQ(CountOf(trail), appended + 1) << "none is lost";
   for (std::size_t i = 0; i + 2 < ErrorTrail::kLongestTrail; ++i) {
     ASSERT_EQ(trail.Take(), i % 2 == 0 ? kRead : kButton) << "in order up to the limit, " << i;
   }
   trail.Append(kLost, Site::kDwell);
-  EXPECT_EQ(trail.Records().back(), (ErrorRecord{kLost, Site::kDwell})) << "in order again";
+  EXPECT_EQ(trail.RunAt(3)->record, (ErrorRecord{kLost, Site::kDwell})) << "in order again";
 }
 
 }  // namespace

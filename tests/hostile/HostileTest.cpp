@@ -248,7 +248,7 @@ class HostileTest : public ManagerTest {
   void ExpectLimits() { visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1); }
 
   std::vector<ErrorRecord> DrainTrail() {
-    std::vector<ErrorRecord> records = manager_.ErrorRecords();
+    std::vector<ErrorRecord> records = ErrorRecords();
     std::int32_t code = 0;
     std::optional<std::string> text;
     for (const ErrorRecord& record : records) {
@@ -265,7 +265,7 @@ class HostileTest : public ManagerTest {
     ExpectLimits();
     visa_.ClearRecord();
     EXPECT_EQ(operation.run(manager_), 0);
-    EXPECT_TRUE(manager_.ErrorRecords().empty());
+    EXPECT_TRUE(ErrorRecords().empty());
     return visa_.RequestOrder();
   }
 
@@ -383,7 +383,7 @@ TEST_F(HostileTest, MeasuringSurvivesEveryFaultOfABlock) {
     visa_.CompleteData('A', Block(kSpoiledPoints));
     const bool lost = fault.spoiling.then < 0;
     if (lost) {
-      EXPECT_TRUE(WaitUntil([&] { return manager_.ErrorRecords().size() >= 2; })) << "it reads on";
+      EXPECT_TRUE(WaitUntil([&] { return ErrorRecords().size() >= 2; })) << "it reads on";
       EXPECT_EQ(manager_.SetDwell(1.0), fault.spoiling.then) << "callers are told";
       EXPECT_EQ(manager_.Close(), 0);
     }

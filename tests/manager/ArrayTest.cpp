@@ -57,9 +57,8 @@ TEST_F(ManagerTest, RefusedListIsKept) {
   visa_.Rule(kWrite, kFrequencyListId, kRefusal);
   EXPECT_EQ(manager_.SetFrequencyList(Doubles({1, 2}).Get()), kRefusalStatus);
   EXPECT_TRUE(manager_.HasFrequencyList());
-  EXPECT_THAT(manager_.ErrorRecords(),
-              ElementsAre(ErrorRecord{kRefusalStatus, Site::kFrequencyAxis},
-                          ErrorRecord{kRefusalStatus, Site::kFrequencyList}));
+  EXPECT_THAT(ErrorRecords(), ElementsAre(ErrorRecord{kRefusalStatus, Site::kFrequencyAxis},
+                                          ErrorRecord{kRefusalStatus, Site::kFrequencyList}));
   EXPECT_EQ(manager_.SetFrequencyList(nullptr), 0);
   EXPECT_FALSE(manager_.HasFrequencyList()) << "no array clears it";
 }

@@ -22,7 +22,7 @@ class FetchTest : public ManagerTest {
   void OpenUnarmed() {
     visa_.Rule(kRead, kPowerId, kRefusal);
     ASSERT_EQ(manager_.Initialize(kResource, ""), 0);
-    ASSERT_EQ(manager_.ErrorRecords().size(), 1U);
+    ASSERT_EQ(ErrorRecords().size(), 1U);
     visa_.ClearRecord();
   }
   /// Has the worker store a block that nobody has fetched yet.
@@ -30,7 +30,7 @@ class FetchTest : public ManagerTest {
     ASSERT_EQ(manager_.SetSweepMode(mode), 0);
     visa_.CompleteData('A', Block(1, 7));  // its word goes into the trail after it was stored
     manager_.RequestSoftwareTrigger();
-    ASSERT_TRUE(WaitUntil([this] { return manager_.ErrorRecords().size() == 1; }));
+    ASSERT_TRUE(WaitUntil([this] { return ErrorRecords().size() == 1; }));
   }
   [[nodiscard]] std::vector<double> Row(int channel) const {
     const auto row = trace_.Row(channel);
@@ -137,7 +137,7 @@ TEST_P(SingleReadTest, BeforeAnySweep) {
   EXPECT_EQ(manager_.FetchData(trace_), row.result);
   EXPECT_EQ(Requests().front(), Request(6, 0, '@', 0, ""));
   EXPECT_EQ(trace_.ColumnCount(), row.points);
-  const auto trail = manager_.ErrorRecords();
+  const auto trail = ErrorRecords();
   const bool recorded = row.result != 0 && row.result != status::kVisaTimeout;
   ASSERT_EQ(trail.size(), recorded ? 2U : 1U);
   EXPECT_TRUE(!recorded || trail.back() == (ErrorRecord{row.result, Site::kSingleRead}));

@@ -23,6 +23,15 @@ inline void PrintTo(const ErrorRecord& record, std::ostream* stream) {
           << static_cast<int>(record.site);
 }
 
+/// All records of a trail, oldest first, each by itself.
+inline std::vector<ErrorRecord> RecordsOf(const ErrorTrail& trail) {
+  std::vector<ErrorRecord> records;
+  for (std::size_t i = 0; const auto run = trail.RunAt(i); ++i) {
+    records.insert(records.end(), run->count, run->record);
+  }
+  return records;
+}
+
 inline std::string Repeat(std::string_view hex, int count) {
   std::string text;
   for (int i = 0; i < count; ++i) text += hex;
@@ -108,7 +117,7 @@ class ManagerTest : public testing::Test {
   void Open(Output output = Output::kOn, const char* option = "") {
     visa_.RuleBody(kRead, kPowerId, 0, PowerBody(static_cast<unsigned>(output), kMinus20));
     ASSERT_EQ(manager_.Initialize(kResource, option), 0);
-    ASSERT_EQ(manager_.ErrorRecords().size(), 0U);
+    ASSERT_EQ(ErrorRecords().size(), 0U);
     visa_.ClearRecord();
   }
 
@@ -148,6 +157,9 @@ class ManagerTest : public testing::Test {
     return requests;
   }
 
+  [[nodiscard]] std::vector<ErrorRecord> ErrorRecords() const {
+    return RecordsOf(manager_.error_trail());
+  }
   /// Takes the oldest record from the trail; code 0 and no text when there is none.
   std::pair<std::int32_t, std::optional<std::string>> TakeError() {
     std::int32_t code = 1;

@@ -24,13 +24,13 @@ TEST_P(SettingTest, RefusalIsReturnedAndGoesIntoTheTrail) {
   Open();
   visa_.Rule(kWrite, GetParam().id, kRefusal);
   EXPECT_EQ(GetParam().set(manager_), kRefusalStatus);
-  EXPECT_THAT(manager_.ErrorRecords(), ElementsAreArray(Refusals(GetParam().trail)));
+  EXPECT_THAT(ErrorRecords(), ElementsAreArray(Refusals(GetParam().trail)));
 }
 
 TEST_P(SettingTest, WithoutSessionNothingHappens) {
   EXPECT_EQ(GetParam().set(manager_), status::kNoSession);
   EXPECT_TRUE(visa_.Requests().empty());
-  EXPECT_TRUE(manager_.ErrorRecords().empty());
+  EXPECT_TRUE(ErrorRecords().empty());
 }
 
 /// The worker is paused, the refused or accepted setting sent, and the worker resumed.
@@ -213,7 +213,7 @@ TEST_F(ManagerTest, RefusedModeIsRestored) {
     SweepMode mode{};
     EXPECT_EQ(manager.GetSweepMode(mode), 0);
     EXPECT_EQ(mode, SweepMode::kContinuousWave);
-    EXPECT_THAT(manager.ErrorRecords(), ElementsAreArray(Refusals(row.trail)));
+    EXPECT_THAT(RecordsOf(manager.error_trail()), ElementsAreArray(Refusals(row.trail)));
     visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
   }
 }
@@ -254,8 +254,7 @@ TEST_F(ManagerTest, ErrorsAreToldOldestFirstAlsoAfterTheSession) {
   manager_.SetDwell(1.0);
   visa_.SetResult(Function::kRead, 0xBFFF00A6, 1);
   manager_.SetDwell(1.0);
-  EXPECT_EQ(manager_.ErrorRecords().front().Location(),
-            "File: .\\K4NHardWare\\K4NManager Line: 632");
+  EXPECT_EQ(ErrorRecords().front().Location(), "File: .\\K4NHardWare\\K4NManager Line: 632");
   manager_.Close();
   EXPECT_EQ(TakeError().first, kRefusalStatus);
   EXPECT_THAT(TakeError(), Pair(status::FromBits(0xBFFF00A6), "-1073807194"))

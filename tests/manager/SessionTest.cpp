@@ -48,7 +48,7 @@ TEST_F(ManagerTest, ConnectionByteForByte) {
   ASSERT_EQ(opened.size(), 1U);
   EXPECT_EQ(opened[0].value, (std::uint64_t{5} << 16) + 1000) << "locked, within a second";
   EXPECT_TRUE(manager_.IsConnected());
-  EXPECT_TRUE(manager_.ErrorRecords().empty());
+  EXPECT_TRUE(ErrorRecords().empty());
 }
 
 TEST_F(ManagerTest, CloseSwitchesTheOutputOffThenClosesTheSession) {
@@ -115,7 +115,7 @@ TEST_P(InitializeTest, EndsAsItMust) {
   const bool connected = row.result == 0;
   row.arrange(visa_);
   EXPECT_EQ(manager_.Initialize(kResource, row.option), row.result);
-  EXPECT_THAT(manager_.ErrorRecords(), ElementsAreArray(row.trail));
+  EXPECT_THAT(ErrorRecords(), ElementsAreArray(row.trail));
   const auto order = visa_.RequestOrder();
   auto from = order.begin();
   for (const std::string asked : row.asked) {

@@ -42,7 +42,7 @@ TEST_P(TriggerTest, MapsBothWays) {
   EXPECT_EQ(kept.action, row.kept.action);
   EXPECT_EQ(kept.sync_detection, row.kept.sync_detection);
   EXPECT_EQ(step, row.kept_step);
-  EXPECT_TRUE(manager_.ErrorRecords().empty());
+  EXPECT_TRUE(ErrorRecords().empty());
 
   const bool software = row.kept.source == static_cast<std::uint32_t>(TriggerSource::kSoftware);
   EXPECT_EQ(IsMeasuring(), row.result == 0 && !software) << "the worker stays paused after -1";
@@ -160,7 +160,7 @@ TEST_F(ManagerTest, RefusedTriggerOutputReadsDisabled) {
     EXPECT_EQ(manager.GetTriggerOutput(settings), 0);
     EXPECT_EQ(settings.mode, row.mode);
     EXPECT_EQ(settings.enabled, row.enabled);
-    EXPECT_THAT(manager.ErrorRecords(), testing::ElementsAreArray(Refusals(row.trail)));
+    EXPECT_THAT(RecordsOf(manager.error_trail()), testing::ElementsAreArray(Refusals(row.trail)));
   }
 }
 

@@ -67,7 +67,7 @@ TEST_F(ManagerTest, WorkerStoresBlockAfterBlock) {
     EXPECT_EQ(manager_.FetchData(trace_), status::kVisaTimeout) << "each block once";
   }
   EXPECT_EQ(Requested("1"), 0U);
-  EXPECT_TRUE(manager_.ErrorRecords().empty());
+  EXPECT_TRUE(ErrorRecords().empty());
 }
 
 TEST_F(ManagerTest, WorkerDropsOddBlocks) {
@@ -79,7 +79,7 @@ TEST_F(ManagerTest, WorkerDropsOddBlocks) {
   visa_.CompleteData('A', {});
   EXPECT_TRUE(WaitUntilRequested("6", 2));
   EXPECT_EQ(manager_.FetchData(trace_), status::kVisaTimeout);
-  EXPECT_TRUE(manager_.ErrorRecords().empty());
+  EXPECT_TRUE(ErrorRecords().empty());
   EXPECT_EQ(Requested("1"), 0U);
 }
 
@@ -116,7 +116,7 @@ TEST_P(ReadFailureTest, IsRecordedAndReadingGoesOn) {
   visa_.CompleteData('A', Block(7));
   EXPECT_TRUE(WaitForBlock()) << "reading goes on";
   EXPECT_EQ(trace_.ColumnCount(), 7);
-  EXPECT_THAT(manager_.ErrorRecords(), testing::ElementsAreArray(row.trail));
+  EXPECT_THAT(ErrorRecords(), testing::ElementsAreArray(row.trail));
   if (!row.at_once) {
     EXPECT_EQ(Requested("1"), row.recovers ? 1U : 0U);
     EXPECT_EQ(visa_.Calls(Function::kClear).size(), row.recovers ? 1U : 0U);
@@ -180,7 +180,7 @@ TEST_F(ManagerTest, StateIsAskedForWhileNothingIsMeasured) {
   EXPECT_THAT(visa_.RequestOrder(), testing::IsSupersetOf({"4:0/40x3", "4:79/62x5", "4:34/20x1"}));
   visa_.Rule(kRead, kButtonId, kRefusal);
   EXPECT_EQ(manager_.GetRfButton(good), kRefusalStatus);
-  EXPECT_EQ(manager_.ErrorRecords().back(), (ErrorRecord{kRefusalStatus, Site::kRfButton}));
+  EXPECT_EQ(ErrorRecords().back(), (ErrorRecord{kRefusalStatus, Site::kRfButton}));
 }
 
 TEST_F(ManagerTest, WorkerAsksForTheButtonNowAndThen) {
@@ -194,8 +194,7 @@ TEST_F(ManagerTest, WorkerAsksForTheButtonNowAndThen) {
     manager_.GetRfButton(pressed);
     return pressed;
   }));
-  EXPECT_THAT(manager_.ErrorRecords(),
-              ElementsAre(ErrorRecord{kRefusalStatus, Site::kWorkerRfButton}));
+  EXPECT_THAT(ErrorRecords(), ElementsAre(ErrorRecord{kRefusalStatus, Site::kWorkerRfButton}));
 }
 
 TEST_F(ManagerTest, SoftwareTriggerReadsOneSweep) {
@@ -231,7 +230,7 @@ TEST_F(ManagerTest, SettingDuringASweepClearsRecoversAndStartsItAgain) {
   ASSERT_TRUE(WaitUntilRequested("6", 1));
   EXPECT_THAT(visa_.RequestOrder(), ElementsAre("1", "3:5/40x2", "6"));
   EXPECT_GE(visa_.Calls(Function::kClear).size(), 1U);
-  EXPECT_TRUE(manager_.ErrorRecords().empty());
+  EXPECT_TRUE(ErrorRecords().empty());
 }
 
 TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
@@ -279,7 +278,7 @@ TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
   visa_.CompleteData('A', Block(4));
   EXPECT_TRUE(traces > 0 || WaitForBlock());
   EXPECT_EQ(Frequency(), 1e9 + kRounds - 1);
-  EXPECT_TRUE(manager_.ErrorRecords().empty());
+  EXPECT_TRUE(ErrorRecords().empty());
 }
 
 TEST_F(ManagerTest, ErrorTextsWhileTheWorkerReads) {

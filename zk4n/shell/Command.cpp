@@ -18,8 +18,8 @@ struct NamedVerb {
 constexpr std::array kVerbs{
     NamedVerb{"new", Verb::kNew},     NamedVerb{"release", Verb::kRelease},
     NamedVerb{"query", Verb::kQuery}, NamedVerb{"supports", Verb::kSupports},
-    NamedVerb{"sleep", Verb::kSleep}, NamedVerb{"help", Verb::kHelp},
-    NamedVerb{"quit", Verb::kQuit}};
+    NamedVerb{"trail", Verb::kTrail}, NamedVerb{"sleep", Verb::kSleep},
+    NamedVerb{"help", Verb::kHelp},   NamedVerb{"quit", Verb::kQuit}};
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }

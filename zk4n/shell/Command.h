@@ -41,7 +41,18 @@ struct Element {
 };
 using Path = std::vector<Element>;
 
-enum class Verb { kNothing, kMember, kNew, kRelease, kQuery, kSupports, kSleep, kHelp, kQuit };
+enum class Verb {
+  kNothing,
+  kMember,
+  kNew,
+  kRelease,
+  kQuery,
+  kSupports,
+  kTrail,
+  kSleep,
+  kHelp,
+  kQuit
+};
 
 struct Command {
   Verb verb = Verb::kNothing;       ///< kNothing: an empty line or a comment

@@ -5,6 +5,7 @@
 #include <thread>
 #include <utility>
 
+#include "server/interface/IErrorTrail.h"
 #include "server/interface/IviInherent.h"
 #include "zk4n/shell/Convert.h"
 
@@ -129,6 +130,7 @@ constexpr std::string_view kHelp =
     "release               release the driver object\n"
     "query {IID}           ask the driver object for an interface\n"
     "[Path] supports {IID} whether an object gives error information for an interface\n"
+    "trail                 every record of the driver's error trail; none is removed\n"
     "sleep MS              wait\n"
     "help [Path]           this, or the members of a group: help RF\n"
     "quit                  end\n"
@@ -201,6 +203,8 @@ Result Console::Run(const Command& command) {
       return Query(command.iid);
     case Verb::kSupports:
       return Supports(command);
+    case Verb::kTrail:
+      return Trail();
     case Verb::kSleep:
       std::this_thread::sleep_for(command.time);
       return {};
@@ -287,6 +291,22 @@ Result Console::Supports(const Command& command) const {
 Result Console::Query(REFIID iid) const {
   ComPtr<IUnknown> found;
   return QueryFor(*Root(), iid, found);
+}
+
+/// Through an interface of our own: another driver's objects lack it.
+Result Console::Trail() const {
+  const auto trail = ComPtr<IUnknown>(Root()).As<IErrorTrail>();
+  if (!trail) throw Fault("this driver does not show its error trail");
+  Result result;
+  result.trail.emplace();
+  LONG status = 0;
+  Bstr location;
+  std::uint64_t count = 0;
+  while (trail->GetRun(static_cast<ULONG>(result.trail->size()), &status, location.Put(), &count) ==
+         S_OK) {
+    result.trail->push_back({static_cast<HRESULT>(status), DriverClient::Utf8(location), count});
+  }
+  return result;
 }
 
 Result Console::New() {

@@ -1,6 +1,7 @@
 // Carries out the console's commands on one driver object.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -25,6 +26,13 @@ struct ErrorText {
   IID iid{};
 };
 
+/// Equal records in a row of the driver's error trail.
+struct TrailRun {
+  HRESULT status = S_OK;
+  std::string location;  ///< the place in the driver that noticed them
+  std::uint64_t count = 0;
+};
+
 struct Result {
   HRESULT hresult = S_OK;
   std::optional<Output> value;  ///< [out,retval]
@@ -32,6 +40,7 @@ struct Result {
   std::vector<Output> out;
   std::optional<ErrorText> error;
   std::string text;  ///< of help
+  std::optional<std::vector<TrailRun>> trail;
 };
 
 class Console {
@@ -55,6 +64,7 @@ class Console {
   Result CallMember(const Command& command) const;
   Result Supports(const Command& command) const;
   Result Query(REFIID iid) const;
+  Result Trail() const;
   Result New();
   Result Release();
 

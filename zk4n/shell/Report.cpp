@@ -123,11 +123,33 @@ bool IsTrailRecord(const Result& result) {
   return code != nullptr && *code != 0;
 }
 
+std::string WithName(HRESULT result) {
+  return HresultText(result) + " (" + std::string(HresultName(result)) + ")";
+}
+
 std::string Outcome(const Result& result) {
-  std::string text =
-      HresultText(result.hresult) + " (" + std::string(HresultName(result.hresult)) + ")";
+  std::string text = WithName(result.hresult);
   if (result.error && result.error->description) text += ": " + *result.error->description;
   return text;
+}
+
+Json TrailAsJson(const std::vector<TrailRun>& trail) {
+  Json records = Json::array();
+  for (const TrailRun& run : trail) {
+    records.push_back(Json{
+        {"status", HresultText(run.status)}, {"location", run.location}, {"count", run.count}});
+  }
+  return records;
+}
+
+std::string TrailAsText(const std::vector<TrailRun>& trail) {
+  std::string text;
+  for (const TrailRun& run : trail) {
+    text.append(text.empty() ? "" : "\n").append(WithName(run.status));
+    text.append(", ").append(run.location);
+    if (run.count > 1) text.append(", ").append(std::to_string(run.count)).append(" times");
+  }
+  return text.empty() ? "no records" : text;
 }
 
 }  // namespace
@@ -146,11 +168,13 @@ std::string ResultAsJson(std::string_view command, const Result& result) {
                  {"source", OrNull(result.error->source)},
                  {"iid", IidText(result.error->iid)}};
   }
-  return Dump(Json{{"command", command},
-                   {"hresult", HresultText(result.hresult)},
-                   {"value", std::move(value)},
-                   {"out", std::move(out)},
-                   {"error", std::move(error)}});
+  Json line{{"command", command},
+            {"hresult", HresultText(result.hresult)},
+            {"value", std::move(value)},
+            {"out", std::move(out)},
+            {"error", std::move(error)}};
+  if (result.trail) line["records"] = TrailAsJson(*result.trail);
+  return Dump(line);
 }
 
 std::string FaultAsJson(std::string_view command, std::string_view why) {
@@ -169,11 +193,12 @@ std::string ResultAsText(const Result& result) {
         Visit(output.value, PlainVisitor{*output.parameter}));
   }
   if (!result.text.empty()) add(result.text);
+  if (result.trail) add(TrailAsText(*result.trail));
   if (IsRecorded(result.hresult))
     add("hint: Utility.ErrorQuery tells what the instrument reported");
   if (IsTrailRecord(result)) {
     const auto code = std::get<LONG>(result.out.front().value);
-    add(HresultText(code) + " (" + std::string(HresultName(code)) + ")");
+    add(WithName(code));
     add("hint: there may be more records; the last one is followed by the code 0");
   }
   return text.empty() ? "ok" : text;

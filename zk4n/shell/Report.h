@@ -9,7 +9,8 @@
 namespace shell {
 
 /// One line of JSON without its end: {"command":...,"hresult":...,"value":...,"out":{...},
-/// "error":...}. Bytes of the command that are not UTF-8 become U+FFFD. A number that is not
+/// "error":...}, for an error trail with "records":[{"status":...,"location":...,"count":...}].
+/// Bytes of the command that are not UTF-8 become U+FFFD. A number that is not
 /// finite, which JSON lacks, is one of the texts "NaN", "Infinity" and "-Infinity", so that it
 /// differs from the null of an argument that was not written.
 std::string ResultAsJson(std::string_view command, const Result& result);
