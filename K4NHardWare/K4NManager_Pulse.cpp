@@ -132,7 +132,9 @@ Status CK4NManager::ConfigurePacket(bool enabled, SAFEARRAY* widths, SAFEARRAY* 
 Status CK4NManager::SetPulseModEnabled(bool enabled) {
   const std::lock_guard lock(operation_mutex_);
   pulse_.With([&](PulseSettings& pulse) { pulse.modulation_enabled = enabled; });
-  return Guarded([&] { return enabled ? ProgramPulseModulation() : SwitchPulseModulationOff(); });
+  return Guarded([&] {
+    return enabled ? ProgramPulseModulation() : Record(Site::kPulseOff, SwitchPulseModulationOff());
+  });
 }
 
 Status CK4NManager::SetPulseModSource(std::uint32_t source) {
@@ -199,14 +201,14 @@ Status CK4NManager::ProgramPacket(PulseSettings& pulse) {
                                            pulse.modulation_inverse));
 }
 
+/// The caller records a failure: at connection not every one is.
 Status CK4NManager::SwitchPulseModulationOff() {
   block_.Discard();
   PulseSettings pulse = pulse_.Copy();
   std::array widths = {0.0};
   std::array gaps = {0.0};
-  const Status result =
-      Record(Site::kPulseOff, model_->TransferPulseTrain(kTrainOff, pulse.modulation_source, widths,
-                                                         gaps, pulse.modulation_inverse));
+  const Status result = model_->TransferPulseTrain(kTrainOff, pulse.modulation_source, widths, gaps,
+                                                   pulse.modulation_inverse);
   pulse_.Set(std::move(pulse));
   return result;
 }

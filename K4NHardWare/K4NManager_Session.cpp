@@ -81,9 +81,11 @@ Status CK4NManager::StartSession(bool generator_only) {
   pulse_.With([](PulseSettings& pulse) { pulse.modulation_enabled = false; });
   Status modulation_off = SwitchPulseModulationOff();
   if (IsNotSupported(modulation_off)) {
+    // An instrument without a modulator has not failed.
     pulse_.With([](PulseSettings& pulse) { pulse.modulation_available = false; });
     modulation_off = status::kOk;
   }
+  Record(Site::kPulseOff, modulation_off);
   const std::lock_guard lock(session_mutex_);
   return protocol_.Open().value_or(modulation_off);
 }
