@@ -207,8 +207,11 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   // Channel index 3 or more: ignored, 0.
   Status SetChannel(std::size_t channel, double ChannelTransform::*element, double value);
   Status GetChannel(std::size_t channel, double ChannelTransform::*element, double& value) const;
+  /// Whether a state counts as good again once it has been told.
+  enum class Told { kAlways, kOnce };
   template <typename Read>
-  Status ReadState(std::atomic<bool>& state, Site site, bool& value, Read&& read);
+  Status ReadState(std::atomic<bool>& state, Site site, bool& value, Read&& read,
+                   Told told = Told::kAlways);
   Status ReadSingleBlock();
 
   // Lock order: operation lock, data lock (in the measurement block), session lock; the locks

@@ -43,17 +43,18 @@ Status CK4NManager::GetInstrumentType(std::string& type) {
 
 /// What the worker knows while it measures, otherwise what the instrument answers.
 template <typename Read>
-Status CK4NManager::ReadState(std::atomic<bool>& state, Site site, bool& value, Read&& read) {
+Status CK4NManager::ReadState(std::atomic<bool>& state, Site site, bool& value, Read&& read,
+                              Told told) {
   if (!connected_) return status::kNoSession;
   if (worker_.IsMeasuring()) {
-    value = state;
+    value = told == Told::kOnce ? state.exchange(true) : state.load();
     return status::kOk;
   }
   return Guarded([&] {
     bool answer = false;
     const Status result = Record(site, std::forward<Read>(read)(answer));
     if (!IsSuccess(result)) return result;
-    state = answer;
+    state = told == Told::kOnce || answer;
     value = answer;
     return status::kOk;
   });
@@ -69,13 +70,12 @@ Status CK4NManager::GetPllState(bool& locked) {
                    [this](bool& answer) { return model_->ReadPllState(answer); });
 }
 
-/// Kept: a fault is told once, then the state counts as good until the next fault.
+/// Kept: a fault is told once, then the state counts as good until the next fault. The worker may
+/// note one at any moment, so that taking it is one exchange: none is lost and none told twice.
 Status CK4NManager::GetErgState(bool& good) {
-  std::atomic<bool>& state = worker_.state().erg_good;
-  const Status result = ReadState(state, Site::kErgState, good,
-                                  [this](bool& answer) { return model_->ReadErgState(answer); });
-  if (result == status::kOk) state = true;
-  return result;
+  return ReadState(
+      worker_.state().erg_good, Site::kErgState, good,
+      [this](bool& answer) { return model_->ReadErgState(answer); }, Told::kOnce);
 }
 
 Status CK4NManager::GetLevelState(bool& settled) {

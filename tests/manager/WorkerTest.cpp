@@ -162,6 +162,32 @@ TEST_F(ManagerTest, StateFollowsTheBlocks) {
   EXPECT_EQ(Requested("4:0/40x3"), 0U) << "nothing was asked";
 }
 
+/// However often it is asked for meanwhile.
+TEST_F(ManagerTest, EachErgFaultIsToldOnceToCallersOnManyThreads) {
+  constexpr int kFaults = 100;
+  Open();
+  StartMeasuring();
+  std::atomic<int> told = 0;
+  std::atomic<bool> done = false;
+  std::vector<std::thread> callers;
+  for (int i = 0; i < 2; ++i) {
+    callers.emplace_back([&] {
+      while (!done) {
+        bool good = true;
+        EXPECT_EQ(manager_.GetErgState(good), 0);
+        if (!good) ++told;
+      }
+    });
+  }
+  for (int fault = 1; fault <= kFaults && !HasFailure(); ++fault) {
+    visa_.CompleteData('A', Block(1, 0x801C));
+    EXPECT_TRUE(WaitUntil([&] { return told >= fault; })) << "fault " << fault << " is lost";
+    EXPECT_LE(told, fault) << "told twice";
+  }
+  done = true;
+  for (std::thread& caller : callers) caller.join();
+}
+
 TEST_F(ManagerTest, StateIsAskedForWhileNothingIsMeasured) {
   Open();
   visa_.Rule(kRead, kFrequencyId, 0x8007, 0, 1);
@@ -181,6 +207,9 @@ TEST_F(ManagerTest, StateIsAskedForWhileNothingIsMeasured) {
   visa_.Rule(kRead, kButtonId, kRefusal);
   EXPECT_EQ(manager_.GetRfButton(good), kRefusalStatus);
   EXPECT_EQ(ErrorRecords().back(), (ErrorRecord{kRefusalStatus, Site::kRfButton}));
+  StartMeasuring();
+  EXPECT_EQ(manager_.GetErgState(good), 0);
+  EXPECT_TRUE(good) << "told twice";
 }
 
 TEST_F(ManagerTest, WorkerAsksForTheButtonNowAndThen) {
