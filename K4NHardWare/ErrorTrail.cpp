@@ -1,24 +1,32 @@
 #include "K4NHardWare/ErrorTrail.h"
 
 #include <algorithm>
+#include <new>
 
 std::string ErrorRecord::Location() const {
   return "File: .\\K4NHardWare\\K4NManager Line: " + std::to_string(static_cast<int>(site));
 }
 
-void ErrorTrail::Append(Status status, Site site) {
+void ErrorTrail::Append(Status status, Site site) noexcept {
   const std::lock_guard lock(mutex_);
   const ErrorRecord record{status, site};
   const bool full = runs_.size() >= kLongestTrail;
-  const auto newest = runs_.rbegin();
-  const auto last = full || runs_.empty() ? runs_.rend() : newest + 1;
-  const auto equal =
-      std::find_if(newest, last, [&](const Run& run) { return run.record == record; });
-  if (equal != last) {
-    ++equal->count;
-  } else {
+  if (CountInLast(full ? runs_.size() : 1, record)) return;
+  try {
     runs_.push_back({record});  // also in a full trail: there are only so many kinds of failures
+  } catch (const std::bad_alloc&) {
+    CountInLast(runs_.size(), record);
   }
+}
+
+/// Counts a failure in the newest of the last so many runs that is of its kind; false when none is.
+bool ErrorTrail::CountInLast(std::size_t runs, const ErrorRecord& record) {
+  const auto end = runs_.rbegin() + static_cast<std::ptrdiff_t>(std::min(runs, runs_.size()));
+  const auto equal =
+      std::find_if(runs_.rbegin(), end, [&](const Run& run) { return run.record == record; });
+  if (equal == end) return false;
+  ++equal->count;
+  return true;
 }
 
 std::optional<ErrorRecord> ErrorTrail::Take() {

@@ -64,14 +64,15 @@ struct ErrorRecord {
 
 /// First in, first out: every record, one by one. A link that stays dead fails every few
 /// milliseconds, for months perhaps, so equal records that follow each other are kept once with
-/// their number. When kLongestTrail such runs wait unread, a further failure is counted in the
-/// newest run of its kind: nothing is lost, but the order among these no longer tells. Every
-/// operation may be called from any thread.
+/// their number. When kLongestTrail such runs wait unread, or there is no memory for another, a
+/// further failure is counted in the newest run of its kind: the order among these no longer tells,
+/// and nothing is lost but, without memory, the first of a kind. Every operation may be called from
+/// any thread.
 class ErrorTrail {
  public:
   static constexpr std::size_t kLongestTrail = 16384;
 
-  void Append(Status status, Site site);
+  void Append(Status status, Site site) noexcept;
   /// Removes the oldest record; nothing when the trail is empty.
   std::optional<ErrorRecord> Take();
   /// A record, and how many like it there are in a row.
@@ -83,6 +84,8 @@ class ErrorTrail {
   [[nodiscard]] std::optional<Run> RunAt(std::size_t index) const;
 
  private:
+  bool CountInLast(std::size_t runs, const ErrorRecord& record);
+
   mutable std::mutex mutex_;
   std::deque<Run> runs_;
 };

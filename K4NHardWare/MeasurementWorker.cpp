@@ -2,6 +2,8 @@
 
 #include <array>
 #include <chrono>
+#include <new>
+#include <utility>
 
 #include "K4NHardWare/D3THardWare.h"
 
@@ -69,15 +71,31 @@ bool MeasurementWorker::Measure() {
   for (;;) {
     if (stop_request_.AcquireFor(kStopPoll)) return true;
     bool stop_requested = false;
-    if (ReadBlock(stop_requested) == status::kOk) {
-      KeepBlock();
-    } else {
-      model_->ClearAndRecover();
-    }
-    PollRfButton();
+    const Status read = Attempt([&] { return ReadBlock(stop_requested); });
+    Attempt([&] {
+      FinishRead(read);
+      return status::kOk;
+    });
     const bool triggered = trigger_pending_.exchange(false);
     if (stop_requested || triggered) return stop_requested;
   }
+}
+
+/// Runs a part of the reading. Whatever it throws, because there is no memory or because a VISA
+/// library does, ends neither the client's process nor the reading: it goes into the trail as a
+/// failed read. A stop request that was taken before is still acknowledged.
+template <typename Step>
+Status MeasurementWorker::Attempt(Step&& step) noexcept {
+  Status thrown = status::kOk;
+  try {
+    return std::forward<Step>(step)();
+  } catch (const std::bad_alloc&) {
+    thrown = status::kVisaAllocation;
+  } catch (...) {
+    thrown = status::kVisaIo;
+  }
+  trail_.Append(thrown, Site::kWorkerRead);
+  return thrown;
 }
 
 /// Waits for the block of a whole sweep, which may take many time-outs, unless a stop is requested.
@@ -89,6 +107,15 @@ Status MeasurementWorker::ReadBlock(bool& stop_requested) {
     status = Poll(Site::kWorkerRepeatedRead);
   }
   return status;
+}
+
+void MeasurementWorker::FinishRead(Status read) {
+  if (read == status::kOk) {
+    KeepBlock();
+  } else {
+    model_->ClearAndRecover();
+  }
+  PollRfButton();
 }
 
 Status MeasurementWorker::Poll(Site site) {

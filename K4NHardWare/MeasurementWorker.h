@@ -26,7 +26,7 @@ struct InstrumentState {
 
 /// Start, Stop, Pause and Resume are called by one thread at a time (the manager's operation lock
 /// sees to it); the rest from any thread. A caller may use the instrument only between Pause and
-/// Resume.
+/// Resume. What is thrown in the worker's thread counts as a failed read.
 class MeasurementWorker {
  public:
   MeasurementWorker(ErrorTrail& trail, const Synchronized<InstrumentSettings>& settings,
@@ -65,7 +65,10 @@ class MeasurementWorker {
  private:
   void Run();
   bool Measure();
+  template <typename Step>
+  Status Attempt(Step&& step) noexcept;
   Status ReadBlock(bool& stop_requested);
+  void FinishRead(Status read);
   Status Poll(Site site);
   void KeepBlock();
   void NoteState(Status status);

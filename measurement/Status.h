@@ -34,6 +34,7 @@ inline constexpr Status kInstrumentFileMissing = -32509;   // 0x8103
 // VISA statuses that the driver tests or returns itself.
 inline constexpr Status kVisaTimeout = FromBits(0xBFFF0015);
 inline constexpr Status kVisaProtocolViolation = FromBits(0xBFFF0037);
+inline constexpr Status kVisaAllocation = FromBits(0xBFFF003C);
 inline constexpr Status kVisaIo = FromBits(0xBFFF003E);
 inline constexpr Status kVisaLibraryNotFound = FromBits(0xBFFF009E);
 inline constexpr Status kVisaFirst = FromBits(0xBFFF0000);

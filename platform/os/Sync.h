@@ -35,7 +35,8 @@ class Semaphore {
 };
 
 /// Waits until one of the semaphores is signalled and takes that one signal; when several are, the
-/// first in the order given. Returns its index, or nothing after the time-out.
+/// first in the order given. Returns its index, or nothing after the time-out. At most 64
+/// semaphores.
 std::optional<std::size_t> WaitAny(std::span<Semaphore* const> semaphores,
                                    std::chrono::milliseconds timeout);
 

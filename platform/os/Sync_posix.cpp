@@ -22,6 +22,10 @@ constexpr Clock::time_point kNever = Clock::time_point::max();
 // A longer time-out has no end: the clock could not tell it, and waiting without one costs less.
 constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24 * 365);
 
+// Threads at one semaphore; room for these is there before anybody waits, so that waiting needs no
+// memory.
+constexpr std::size_t kUsualWaiters = 4;
+
 /// Where a thread sleeps that waits for one or more semaphores. The system's own call instead of a
 /// condition variable: who is woken finds every lock free, so that handing over to another thread
 /// and back, which every setting does, takes two calls a thread.
@@ -52,6 +56,8 @@ class Waiter {
 }  // namespace
 
 struct Semaphore::Impl {
+  Impl() { waiters.reserve(kUsualWaiters); }
+
   std::mutex mutex;
   bool signalled = false;
   std::vector<Waiter*> waiters;  // each removes itself before it goes

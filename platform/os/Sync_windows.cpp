@@ -1,8 +1,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <new>
-#include <vector>
 
 #include "platform/os/Sync.h"
 
@@ -41,12 +41,12 @@ bool Semaphore::AcquireFor(std::chrono::milliseconds timeout) {
 
 std::optional<std::size_t> WaitAny(std::span<Semaphore* const> semaphores,
                                    std::chrono::milliseconds timeout) {
-  std::vector<HANDLE> handles(semaphores.size());
+  std::array<HANDLE, MAXIMUM_WAIT_OBJECTS> handles{};
   std::transform(semaphores.begin(), semaphores.end(), handles.begin(),
                  [](const Semaphore* semaphore) { return semaphore->impl_->handle; });
-  const DWORD result = WaitForMultipleObjects(static_cast<DWORD>(handles.size()), handles.data(),
+  const DWORD result = WaitForMultipleObjects(static_cast<DWORD>(semaphores.size()), handles.data(),
                                               FALSE, WaitTime(timeout));
-  if (result < WAIT_OBJECT_0 + handles.size()) return result - WAIT_OBJECT_0;
+  if (result < WAIT_OBJECT_0 + semaphores.size()) return result - WAIT_OBJECT_0;
   return std::nullopt;
 }
 

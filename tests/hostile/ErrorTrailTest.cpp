@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "K4NHardWare/ErrorTrail.h"
+#include "tests/hostile/Heap.h"
 
 namespace {
 
@@ -45,6 +46,21 @@ TEST(ErrorTrailTest, FullTrailCountsInTheNewestRunOfTheKind) {
   }
   trail.Append(kLost, Site::kDwell);
   EXPECT_EQ(trail.RunAt(3)->record, (ErrorRecord{kLost, Site::kDwell})) << "in order again";
+}
+
+TEST(ErrorTrailTest, WithoutMemoryFailuresAreCountedWithTheirKind) {
+  constexpr int kAppended = 1000;
+  ErrorTrail trail;
+  {
+    const Shortage shortage;
+    for (int i = 0; i < kAppended; ++i) {
+      trail.Append(kLost, i % 2 == 0 ? Site::kWorkerRead : Site::kWorkerRfButton);
+    }
+  }
+  EXPECT_FALSE(trail.RunAt(kAppended - 1)) << "there was memory for all";
+  EXPECT_EQ(CountOf(trail), static_cast<std::uint64_t>(kAppended)) << "none is lost";
+  EXPECT_EQ(trail.Take(), kRead);
+  EXPECT_EQ(trail.Take(), kButton);
 }
 
 }  // namespace

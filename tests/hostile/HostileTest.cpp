@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "platform/com/Raii.h"
-#include "tests/hostile/LiveAllocations.h"
+#include "tests/hostile/Heap.h"
 #include "tests/manager/ManagerFixture.h"
 
 namespace {
