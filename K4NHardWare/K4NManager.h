@@ -143,7 +143,7 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status LoadDetectorData(std::size_t channel, const std::filesystem::path& file);
   /// Converts the newest block, each block once; VI_ERROR_TMO when there is none.
   Status FetchData(TraceMatrix& trace);
-  // Channel index 3 or more: ignored, 0. They work without a session.
+  // Channel index 3 or more: ignored, 0, whatever the value. They work without a session.
   Status SetChannelOffset(std::size_t channel,
                           double offset);  ///< Hz; magnitude over 1e11: 0x80047010
   Status GetChannelOffset(std::size_t channel, double& offset) const;
@@ -204,8 +204,9 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status ProgramTriggerOutput(TriggerOutputSettings& settings);
   Status RouteSyncGenerator(bool routed);
   Status ProgramAveraging(std::int32_t count);
-  // Channel index 3 or more: ignored, 0.
-  Status SetChannel(std::size_t channel, double ChannelTransform::*element, double value);
+  /// 0x80047010 for a value that is not valid.
+  Status SetChannel(std::size_t channel, double ChannelTransform::*element, double value,
+                    bool is_valid);
   Status GetChannel(std::size_t channel, double ChannelTransform::*element, double& value) const;
   /// Whether a state counts as good again once it has been told.
   enum class Told { kAlways, kOnce };

@@ -85,11 +85,11 @@ Status CK4NManager::ReadSingleBlock() {
   });
 }
 
-Status CK4NManager::SetChannel(std::size_t channel, double ChannelTransform::*element,
-                               double value) {
-  if (channel < kChannelCount) {
-    settings_.With([&](InstrumentSettings& live) { live.channels[channel].*element = value; });
-  }
+Status CK4NManager::SetChannel(std::size_t channel, double ChannelTransform::*element, double value,
+                               bool is_valid) {
+  if (channel >= kChannelCount) return status::kOk;
+  if (!is_valid) return status::kInvalidValue;
+  settings_.With([&](InstrumentSettings& live) { live.channels[channel].*element = value; });
   return status::kOk;
 }
 
@@ -103,8 +103,7 @@ Status CK4NManager::GetChannel(std::size_t channel, double ChannelTransform::*el
 }
 
 Status CK4NManager::SetChannelOffset(std::size_t channel, double offset) {
-  return std::abs(offset) <= kLargestOffset ? SetChannel(channel, &ChannelTransform::offset, offset)
-                                            : status::kInvalidValue;
+  return SetChannel(channel, &ChannelTransform::offset, offset, std::abs(offset) <= kLargestOffset);
 }
 
 Status CK4NManager::GetChannelOffset(std::size_t channel, double& offset) const {
@@ -112,7 +111,7 @@ Status CK4NManager::GetChannelOffset(std::size_t channel, double& offset) const 
 }
 
 Status CK4NManager::SetChannelMultiplier(std::size_t channel, double multiplier) {
-  return SetChannel(channel, &ChannelTransform::multiplier, multiplier);
+  return SetChannel(channel, &ChannelTransform::multiplier, multiplier, true);
 }
 
 Status CK4NManager::GetChannelMultiplier(std::size_t channel, double& multiplier) const {
@@ -120,8 +119,7 @@ Status CK4NManager::GetChannelMultiplier(std::size_t channel, double& multiplier
 }
 
 Status CK4NManager::SetChannelDivider(std::size_t channel, double divider) {
-  return divider >= kSmallestDivider ? SetChannel(channel, &ChannelTransform::divider, divider)
-                                     : status::kInvalidValue;
+  return SetChannel(channel, &ChannelTransform::divider, divider, divider >= kSmallestDivider);
 }
 
 Status CK4NManager::GetChannelDivider(std::size_t channel, double& divider) const {

@@ -189,6 +189,8 @@ TEST_F(FetchTest, FailedDetectorLoadKeepsTheTable) {
 
 TEST_F(FetchTest, ThereIsNoFourthChannel) {
   EXPECT_EQ(manager_.SetChannelOffset(kChannelCount, 1.0), 0);
+  EXPECT_EQ(manager_.SetChannelOffset(kChannelCount, 2e11), 0) << "whatever the value";
+  EXPECT_EQ(manager_.SetChannelDivider(kChannelCount, 0.5), 0);
   double offset = -7.0;
   EXPECT_EQ(manager_.GetChannelOffset(kChannelCount, offset), 0);
   EXPECT_EQ(offset, -7.0);
