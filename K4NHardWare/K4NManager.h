@@ -110,11 +110,11 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   [[nodiscard]] PulseSettings GetPulseSettings() const;
 
   // --- Trigger output, sync generator
+  // Without a session the getters give what the last one left, or the defaults.
   Status SetTriggerOutput(TriggerOutputSettings& settings);
-  /// Without a session 10057, and the record is left untouched.
-  Status GetTriggerOutput(TriggerOutputSettings& settings) const;
+  [[nodiscard]] TriggerOutputSettings GetTriggerOutput() const;
   Status SetSyncGenerator(SyncGeneratorSettings& settings);
-  Status GetSyncGenerator(SyncGeneratorSettings& settings) const;
+  [[nodiscard]] SyncGeneratorSettings GetSyncGenerator() const;
 
   // --- System
   Status GetSerialNumber(std::string& serial_number);

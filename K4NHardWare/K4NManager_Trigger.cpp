@@ -72,8 +72,8 @@ Status CK4NManager::RouteSyncGenerator(bool routed) {
   return Record(Site::kSecondTriggerOutput, model_->SetTriggerOutput(kSecondLine, output));
 }
 
-Status CK4NManager::GetTriggerOutput(TriggerOutputSettings& settings) const {
-  return Cached([&](const InstrumentSettings& live) { settings = live.trigger_output; });
+TriggerOutputSettings CK4NManager::GetTriggerOutput() const {
+  return settings_.With([](const InstrumentSettings& live) { return live.trigger_output; });
 }
 
 /// The settings are kept also when the instrument refuses them.
@@ -88,6 +88,6 @@ Status CK4NManager::SetSyncGenerator(SyncGeneratorSettings& settings) {
   });
 }
 
-Status CK4NManager::GetSyncGenerator(SyncGeneratorSettings& settings) const {
-  return Cached([&](const InstrumentSettings& live) { settings = live.sync_generator; });
+SyncGeneratorSettings CK4NManager::GetSyncGenerator() const {
+  return settings_.With([](const InstrumentSettings& live) { return live.sync_generator; });
 }

@@ -28,8 +28,7 @@ STDMETHODIMP CZentrelK4NSyncGenerator::get_Delay(double* value) {
 
 HRESULT CZentrelK4NSyncGenerator::Replace(double SyncGeneratorSettings::*element, double seconds) {
   return ManagerFrame([&](CK4NManager& manager) {
-    SyncGeneratorSettings settings;
-    manager.GetSyncGenerator(settings);
+    SyncGeneratorSettings settings = manager.GetSyncGenerator();
     settings.*element = seconds * kNanosecondsPerSecond;
     return manager.SetSyncGenerator(settings);
   });
@@ -37,9 +36,7 @@ HRESULT CZentrelK4NSyncGenerator::Replace(double SyncGeneratorSettings::*element
 
 HRESULT CZentrelK4NSyncGenerator::Read(double SyncGeneratorSettings::*element, double* seconds) {
   return ManagerFrame(seconds, [&](const CK4NManager& manager) {
-    SyncGeneratorSettings settings;
-    manager.GetSyncGenerator(settings);
-    *seconds = settings.*element / kNanosecondsPerSecond;
+    *seconds = manager.GetSyncGenerator().*element / kNanosecondsPerSecond;
     return S_OK;
   });
 }

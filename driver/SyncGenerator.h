@@ -4,7 +4,7 @@
 #include "driver/Child.h"
 
 /// Width, period and delay in seconds. Without a session setting one gives 10057, which clients see
-/// as success.
+/// as success, and those of the last session are read.
 class CZentrelK4NSyncGenerator : public Child<IZentrelK4NSyncGenerator> {
  public:
   CZentrelK4NSyncGenerator() : Child(__uuidof(ZentrelK4NSyncGenerator)) {}

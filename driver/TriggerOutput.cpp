@@ -20,8 +20,7 @@ constexpr EnumMap<ZentrelK4NTriggerOutputModeEnum, std::uint32_t, 7> kModes{{
 template <typename Change>
 HRESULT CZentrelK4NTriggerOutput::Set(Change change) const {
   return ManagerFrame([&](CK4NManager& manager) {
-    TriggerOutputSettings settings;
-    manager.GetTriggerOutput(settings);
+    TriggerOutputSettings settings = manager.GetTriggerOutput();
     change(settings);
     manager.SetTriggerOutput(settings);
     return S_OK;
@@ -31,9 +30,7 @@ HRESULT CZentrelK4NTriggerOutput::Set(Change change) const {
 template <typename Out, typename Pick>
 HRESULT CZentrelK4NTriggerOutput::Read(Out* value, Pick pick) const {
   return ManagerFrame(value, [&](const CK4NManager& manager) {
-    TriggerOutputSettings settings;
-    manager.GetTriggerOutput(settings);
-    *value = pick(settings);
+    *value = pick(manager.GetTriggerOutput());
     return S_OK;
   });
 }

@@ -223,6 +223,23 @@ TEST_F(Settings, PacketsComeBackFillingThePeriod) {
   EXPECT_EQ(instrument_.State().pulses.pulses.size(), 1u);
 }
 
+TEST_F(Settings, WithoutASessionTheRecordsReadAsTheyWereLast) {
+  EXPECT_EQ(surface_.trigger_output->put_Enabled(VARIANT_TRUE), S_OK);
+  EXPECT_EQ(surface_.trigger_output->put_Mode(ZentrelK4NTriggerOutputModeSyncGen), S_OK);
+  EXPECT_EQ(surface_.trigger_output->put_Width(3e-6), S_OK);
+  EXPECT_EQ(surface_.sync_generator->put_Period(2e-6), S_OK);
+  surface_.root->Close();
+  EXPECT_EQ(surface_.trigger_output->put_Width(9e-6), S_OK) << "not taken, nor told";
+  EXPECT_EQ(surface_.sync_generator->put_Period(9e-6), kNoSessionCode);
+  EXPECT_EQ(NumberOf(surface_, "TriggerOutput.get Width"), 3e-6);
+  EXPECT_EQ(NumberOf(surface_, "TriggerOutput.get Mode"), ZentrelK4NTriggerOutputModeSyncGen);
+  EXPECT_EQ(NumberOf(surface_, "TriggerOutput.get Enabled"), 1);
+  EXPECT_EQ(NumberOf(surface_, "SyncGenerator.get Period"), 2e-6);
+  Open();
+  EXPECT_EQ(NumberOf(surface_, "TriggerOutput.get Width"), 1e-6) << "a session starts afresh";
+  EXPECT_EQ(NumberOf(surface_, "SyncGenerator.get Period"), 0);
+}
+
 class Bare : public SessionTest {
  protected:
   static simulator::Options Instrument() {
