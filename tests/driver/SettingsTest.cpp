@@ -254,6 +254,15 @@ class Bare : public SessionTest {
   Bare() : SessionTest(Instrument()) {}
 };
 
+TEST(Identity, SerialNumberEndsAtItsPadding) {
+  simulator::Options options;
+  options.serial_number = std::string("1101\0\0\0", 7);
+  Bench bench(options);
+  bench.Open();
+  EXPECT_EQ(bench.surface_.system->get_SerialNum(&bench.surface_.text), S_OK);
+  EXPECT_EQ(TakeText(bench.surface_.text), "1101");
+}
+
 struct BareAnswer {
   std::string_view call;
   HRESULT result;
