@@ -9,9 +9,19 @@ namespace {
 // What a lower bound may add to an array; one beyond is no index that anybody means.
 constexpr std::size_t kMostMissing = 0x10000;
 
+/// Features of elements that are no plain numbers.
+constexpr unsigned kOwnedElements =
+    FADF_BSTR | FADF_UNKNOWN | FADF_HAVEIID | FADF_DISPATCH | FADF_VARIANT | FADF_RECORD;
+
+bool HoldsReals(SAFEARRAY* array) {
+  if (VARTYPE type = VT_EMPTY; SafeArrayGetVartype(array, &type) == S_OK) return type == VT_R8;
+  return array->cbElements == sizeof(double) && (array->fFeatures & kOwnedElements) == 0;
+}
+
+/// A descriptor may be there without its elements.
 bool IsRealVector(SAFEARRAY* array) {
-  VARTYPE type = VT_EMPTY;
-  return SafeArrayGetDim(array) == 1 && SafeArrayGetVartype(array, &type) == S_OK && type == VT_R8;
+  return SafeArrayGetDim(array) == 1 && HoldsReals(array) &&
+         (array->pvData != nullptr || array->rgsabound[0].cElements == 0);
 }
 
 }  // namespace

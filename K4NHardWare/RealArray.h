@@ -14,7 +14,8 @@ class RealArray {
   RealArray(const RealArray&) = delete;
   RealArray& operator=(const RealArray&) = delete;
 
-  /// Whether this is a one-dimensional array of doubles; nothing is locked otherwise.
+  /// Whether this is a one-dimensional array of doubles; nothing is locked otherwise. Without a
+  /// type mark, as clients make arrays by hand, eight bytes that are no pointers count as a double.
   [[nodiscard]] bool HasRightType() const { return right_type_; }
   /// S_OK, or why the array could not be locked.
   [[nodiscard]] HRESULT locked() const { return locked_; }

@@ -109,7 +109,10 @@ HRESULT SafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound) {
 }
 
 HRESULT SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type) {
-  if (array == nullptr || type == nullptr) return E_INVALIDARG;
+  // Without the mark there is nothing in front of the structure that could be read.
+  if (array == nullptr || type == nullptr || (array->fFeatures & FADF_HAVEVARTYPE) == 0) {
+    return E_INVALIDARG;
+  }
   DWORD stored_type = 0;
   std::memcpy(&stored_type, BlockOf(array) + kPrefixSize - sizeof(stored_type),
               sizeof(stored_type));

@@ -52,6 +52,47 @@ const std::vector<ListCase> kListCases = {
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Lists, ListTest, testing::ValuesIn(kListCases), RowName());
 
+/// A descriptor that a client filled in by hand: nothing says what its elements are.
+struct UnmarkedCase {
+  const char* name;
+  USHORT features;
+  ULONG element_size;
+  bool has_elements;
+  bool is_taken;
+};
+const std::array kUnmarkedCases{
+    UnmarkedCase{"doubles", 0, 8, true, true},
+    UnmarkedCase{"too short", 0, 4, true, false},
+    UnmarkedCase{"too long", 0, 16, true, false},
+    UnmarkedCase{"texts", FADF_BSTR, 8, true, false},
+    UnmarkedCase{"objects", FADF_UNKNOWN, 8, true, false},
+    UnmarkedCase{"objects with an identifier", FADF_UNKNOWN | FADF_HAVEIID, 8, true, false},
+    UnmarkedCase{"automation objects", FADF_DISPATCH, 8, true, false},
+    UnmarkedCase{"variants", FADF_VARIANT, 8, true, false},
+    UnmarkedCase{"records", FADF_RECORD, 8, true, false},
+    UnmarkedCase{"nothing behind the descriptor", 0, 8, false, false},
+};
+
+TEST_F(ManagerTest, ArrayWithoutATypeMarkIsTakenByTheSizeOfItsElements) {
+  Open();
+  for (const UnmarkedCase& row : kUnmarkedCases) {
+    SCOPED_TRACE(row.name);
+    Values values = {1e9, 2e9};
+    SAFEARRAY array{.cDims = 1,
+                    .fFeatures = row.features,
+                    .cbElements = row.element_size,
+                    .cLocks = 0,
+                    .pvData = row.has_elements ? values.data() : nullptr,
+                    .rgsabound = {{.cElements = 2, .lLbound = 0}}};
+    EXPECT_EQ(manager_.SetFrequencyList(nullptr), 0);
+    EXPECT_EQ(manager_.SetFrequencyList(&array), row.is_taken ? 0 : E_INVALIDARG);
+    EXPECT_EQ(manager_.HasFrequencyList(), row.is_taken);
+    EXPECT_EQ(manager_.ConfigurePacket(true, &array, &array), row.is_taken ? 0 : E_INVALIDARG);
+    EXPECT_EQ(array.cLocks, 0U);
+    EXPECT_THAT(values, ElementsAre(testing::DoubleEq(1e9), testing::DoubleEq(2e9)));
+  }
+}
+
 TEST_F(ManagerTest, RefusedListIsKept) {
   Open();
   visa_.Rule(kWrite, kFrequencyListId, kRefusal);

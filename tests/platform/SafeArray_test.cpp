@@ -44,6 +44,21 @@ TEST(SafeArray, ElementsAreZeroAndKnowTheirType) {
   }
 }
 
+TEST(SafeArray, OneMadeByHandHasNoTypeUnlessItSaysSo) {
+  double value = 0.0;
+  SAFEARRAY array{};
+  array.cDims = 1;
+  array.cbElements = sizeof value;
+  array.pvData = &value;
+  array.rgsabound[0].cElements = 1;
+  VARTYPE type = VT_I4;
+  EXPECT_EQ(SafeArrayGetVartype(&array, &type), E_INVALIDARG);
+  void* data = nullptr;
+  EXPECT_EQ(SafeArrayAccessData(&array, &data), S_OK);
+  EXPECT_EQ(data, &value);
+  EXPECT_EQ(SafeArrayUnaccessData(&array), S_OK);
+}
+
 TEST(SafeArray, LocksAreCountedAndKeepItAlive) {
   SAFEARRAY* const array = SafeArrayCreateVector(VT_R8, 0, 1);
   void* data = nullptr;

@@ -19,7 +19,8 @@ struct SAFEARRAYBOUND {
 };
 
 /// An array; use the SafeArray functions rather than the fields. The bounds stand rightmost
-/// dimension first, as many as there are dimensions.
+/// dimension first, as many as there are dimensions. A client may fill one in by hand; it then has
+/// no element type.
 struct SAFEARRAY {
   USHORT cDims;
   USHORT fFeatures;
@@ -28,7 +29,14 @@ struct SAFEARRAY {
   PVOID pvData;
   SAFEARRAYBOUND rgsabound[1];
 };
+// Features: what the elements are. The functions here make arrays with a type mark alone.
+inline constexpr USHORT FADF_RECORD = 0x20;
+inline constexpr USHORT FADF_HAVEIID = 0x40;
 inline constexpr USHORT FADF_HAVEVARTYPE = 0x80;
+inline constexpr USHORT FADF_BSTR = 0x100;
+inline constexpr USHORT FADF_UNKNOWN = 0x200;
+inline constexpr USHORT FADF_DISPATCH = 0x400;
+inline constexpr USHORT FADF_VARIANT = 0x800;
 
 struct IErrorInfo : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE GetGUID(GUID* guid) = 0;

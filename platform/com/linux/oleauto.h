@@ -24,6 +24,7 @@ WINOLEAUTAPI SafeArrayDestroy(SAFEARRAY* array);
 WINOLEAUTAPI_(UINT) SafeArrayGetDim(SAFEARRAY* array);
 WINOLEAUTAPI SafeArrayGetLBound(SAFEARRAY* array, UINT dimension, LONG* bound);
 WINOLEAUTAPI SafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound);
+/// E_INVALIDARG for an array without a type mark.
 WINOLEAUTAPI SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type);
 WINOLEAUTAPI SafeArrayLock(SAFEARRAY* array);
 /// E_UNEXPECTED when the array is not locked.
