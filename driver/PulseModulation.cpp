@@ -37,7 +37,7 @@ STDMETHODIMP CZentrelK4NPulseModulation::put_Source(ZentrelK4NPulseModulationSou
 
 STDMETHODIMP CZentrelK4NPulseModulation::get_Source(ZentrelK4NPulseModulationSourceEnum* value) {
   return ManagerFrame(value, [&](const CK4NManager& manager) {
-    *value = ValueOf(kSources, manager.GetPulseSettings().modulation_source).value_or(*value);
+    PutValueOf(kSources, manager.GetPulseSettings().modulation_source, value);
     return S_OK;
   });
 }

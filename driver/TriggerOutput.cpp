@@ -49,8 +49,10 @@ STDMETHODIMP CZentrelK4NTriggerOutput::put_Mode(ZentrelK4NTriggerOutputModeEnum 
 }
 
 STDMETHODIMP CZentrelK4NTriggerOutput::get_Mode(ZentrelK4NTriggerOutputModeEnum* value) {
-  return Read(
-      value, [&](const auto& settings) { return ValueOf(kModes, settings.mode).value_or(*value); });
+  return ManagerFrame(value, [&](const CK4NManager& manager) {
+    PutValueOf(kModes, manager.GetTriggerOutput().mode, value);
+    return S_OK;
+  });
 }
 
 // Kept: every value but Inverse means Normal.

@@ -92,7 +92,7 @@ STDMETHODIMP CZentrelK4N::put_TriggerSource(ZentrelK4NSweepTriggerSourceEnum sou
 
 STDMETHODIMP CZentrelK4N::get_TriggerSource(ZentrelK4NSweepTriggerSourceEnum* value) {
   return SessionFrame(kSweep, value, [&] {
-    *value = ValueOf(kTriggerSources, SweepTriggerOf(manager_).settings.source).value_or(*value);
+    PutValueOf(kTriggerSources, SweepTriggerOf(manager_).settings.source, value);
     return S_OK;
   });
 }

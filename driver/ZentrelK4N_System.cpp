@@ -107,7 +107,7 @@ STDMETHODIMP CZentrelK4N::get_Atten(ZentrelK4NSystemAttenEnum* value) {
     if (code == kNoAttenModes) {
       return status::kPropertyNotSupported;
     }
-    *value = ValueOf(kAttenModes, code).value_or(*value);
+    PutValueOf(kAttenModes, code, value);
     return status::kOk;
   });
 }

@@ -218,6 +218,16 @@ TEST(Objects, AGetterNamesTheInterfaceThatItCannotHandOut) {
   without_interfaces.inner->Release();
 }
 
+TEST(Objects, ACodeThatIsNoValueLeavesTheClientsVariableAlone) {
+  const auto root = ComPtr<ComObject<CZentrelK4N>>::Adopt(ComObject<CZentrelK4N>::Create());
+  EXPECT_EQ(root->manager().SetPulseModSource(7), S_OK);
+  ComPtr<IZentrelK4NPulseModulation> modulation;
+  EXPECT_EQ(root->get_PulseModulation(modulation.Put()), S_OK);
+  using Source = ZentrelK4NPulseModulationSourceEnum;
+  static const Source untouched = ZentrelK4NPulseModulationSourceExternal;  // a write would trap
+  EXPECT_EQ(modulation->get_Source(const_cast<Source*>(&untouched)), S_OK);
+}
+
 TEST(Objects, TheErrorTrailIsShownFromTheOldestRunToTheNewest) {
   Surface surface(ModuleWithVisa());
   const auto trail = surface.root.As<IErrorTrail>();
