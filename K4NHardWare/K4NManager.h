@@ -79,6 +79,8 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status GetPowerStep(double& start, double& stop, double& step) const;
   Status SetSweepTrigger(SweepTriggerSettings& trigger, bool single_step);
   Status GetSweepTrigger(SweepTriggerSettings& trigger, bool& single_step) const;
+  /// Kept: the instrument's parameter has 32 bits, and what a longer time has beyond them is lost:
+  /// 10 s read back as 1.410065408 s.
   Status SetDwell(double nanoseconds);
   /// Always 0.
   Status GetDwell(double& nanoseconds) const;

@@ -99,6 +99,9 @@ Status MeasurementWorker::Attempt(Step&& step) noexcept {
 }
 
 /// Waits for the block of a whole sweep, which may take many time-outs, unless a stop is requested.
+/// A stop is looked for before the next read, not behind it: a read may wait for a whole time-out,
+/// and a caller who came during one must not wait for a second. Its 5 ms are the pause between the
+/// reads, too.
 Status MeasurementWorker::ReadBlock(bool& stop_requested) {
   Status status = Poll(Site::kWorkerRead);
   while (status == status::kVisaTimeout) {

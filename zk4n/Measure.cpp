@@ -259,7 +259,8 @@ void AddMeasureCommand(CLI::App& app, int& status) {
       ->capture_default_str();
   command->add_option("--frequency", options->frequency, "Frequency while the level is stepped")
       ->capture_default_str();
-  command->add_option("--dwell", options->dwell, "Time a point")->capture_default_str();
+  command->add_option("--dwell", options->dwell, "Time a point, at most 4.29s")
+      ->capture_default_str();
   command->add_option("--averaging", options->averaging, "Averaging factor, 1 to 14")
       ->capture_default_str();
   command

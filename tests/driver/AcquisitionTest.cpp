@@ -52,6 +52,12 @@ TEST_F(Acquisition, GoesFromInitiateToCompleteWhenTheSweepHasEnded) {
   EXPECT_EQ(surface_.acquisition->Abort(), S_OK);
   EXPECT_EQ(Status(), ZentrelK4NAcquisitionStatusUnknown);
   ExpectResponse(kLevel, 101);  // the trace before it
+
+  EXPECT_EQ(surface_.sweep->put_TriggerSource(ZentrelK4NSweepTriggerSourceExternal), S_OK);
+  EXPECT_EQ(surface_.acquisition->Initiate(), S_OK);
+  ExpectReported(FetchCode(), kInProgress, "ZentrelK4NLib: Operation in progress.",
+                 __uuidof(IZentrelK4NChannel));
+  EXPECT_EQ(surface_.array, nullptr) << "not the trace of the measurement before";
 }
 
 TEST_F(Acquisition, TheAxisIsTheSweepsWhateverTheChannelTransforms) {

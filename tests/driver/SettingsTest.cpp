@@ -240,6 +240,14 @@ TEST_F(Settings, WithoutASessionTheRecordsReadAsTheyWereLast) {
   EXPECT_EQ(NumberOf(surface_, "SyncGenerator.get Period"), 0);
 }
 
+TEST_F(Settings, TheDwellTimeHas32BitsOfNanoseconds) {
+  for (const auto& [seconds, reads] :
+       {std::pair(4.2949672, 4.2949672), std::pair(10.0, 1.4100654)}) {
+    EXPECT_EQ(surface_.frequency_step->put_Dwell(seconds), S_OK);
+    EXPECT_EQ(NumberOf(surface_, "FrequencyStep.get Dwell"), reads);
+  }
+}
+
 class Bare : public SessionTest {
  protected:
   static simulator::Options Instrument() {
