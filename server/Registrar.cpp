@@ -14,15 +14,6 @@ ClassesPlace PlaceOf(const os::WideString& root, RegistrationScope scope) {
   return ClassesOf(scope);
 }
 
-/// What is not there needs no removing.
-LSTATUS Removed(LSTATUS status) {
-  return status == ERROR_FILE_NOT_FOUND ? LSTATUS{ERROR_SUCCESS} : status;
-}
-
-void KeepFirst(LSTATUS& first, LSTATUS status) {
-  if (first == ERROR_SUCCESS) first = status;
-}
-
 LSTATUS MakeContent(HKEY key, const ScriptKey& content);
 
 LSTATUS MakeKey(HKEY parent, const ScriptKey& script) {

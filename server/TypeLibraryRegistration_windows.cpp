@@ -1,10 +1,13 @@
 #include "server/TypeLibraryRegistration.h"
 
-#include <vector>
+#include <algorithm>
+#include <array>
+#include <initializer_list>
 
 #include "platform/com/Raii.h"
 #include "platform/com/RegKey.h"
 #include "platform/os/Module.h"
+#include "server/RegistryCopy_windows.h"
 #include "server/interface/Guids.h"
 
 namespace {
@@ -12,7 +15,6 @@ namespace {
 constexpr WORD kMajorVersion = 1;
 constexpr WORD kMinorVersion = 2;
 constexpr LCID kLocale = 0x409;
-constexpr DWORD kLongestName = 16384;  // of a value; a key's is shorter
 
 std::wstring GuidText(REFGUID guid) {
   wchar_t text[39] = {};
@@ -20,97 +22,96 @@ std::wstring GuidText(REFGUID guid) {
   return text;
 }
 
-/// A copy of a key with all that is in and below it.
-class SavedKey {
+/// The key of the interface that the library redeclares from the IVI Foundation, in one scope and
+/// for programs of one width: other makers' components rely on it. Its parent is opened for each
+/// use, since the system may make it meanwhile.
+class SharedInterfaceKey {
  public:
-  /// Reads the key at a place; one that is not there has no copy.
-  SavedKey(HKEY parent, std::wstring path) : path_(std::move(path)) {
-    RegKey key;
-    exists_ = key.Open(parent, path_, KEY_READ) == ERROR_SUCCESS;
-    if (!exists_) return;
-    ReadValues(key.Get());
-    std::wstring name(kLongestName, 0);
-    DWORD length = kLongestName;
-    for (DWORD index = 0; RegEnumKeyExW(key.Get(), index, name.data(), &length, nullptr, nullptr,
-                                        nullptr, nullptr) == ERROR_SUCCESS;
-         ++index, length = kLongestName) {
-      subkeys_.emplace_back(key.Get(), name.substr(0, length));
-    }
+  SharedInterfaceKey(RegistrationScope scope, REGSAM width) : scope_(scope), width_(width) {}
+
+  LSTATUS Read() {
+    RegKey interfaces;
+    const LSTATUS opened = Removed(Open(interfaces));
+    if (opened != ERROR_SUCCESS || interfaces.Get() == nullptr) return opened;
+    const LSTATUS read = copy_.Read(interfaces.Get(), Name());
+    is_foreign_ = copy_.Exists() &&
+                  RegistryText(interfaces.Get(), Name() + L"\\TypeLib") != GuidText(kTypeLibraryId);
+    return read;
   }
 
-  [[nodiscard]] bool Exists() const { return exists_; }
+  /// Whether it stood there, and was not made by our own registration.
+  [[nodiscard]] bool IsForeign() const { return is_foreign_; }
 
-  /// Puts the copy in the place of what is there now.
-  [[nodiscard]] LSTATUS Restore(HKEY parent) const {
-    RegDeleteTreeW(parent, path_.c_str());
-    RegKey key;
-    LSTATUS status = key.Create(parent, path_);
-    for (const Value& value : values_) {
-      if (status != ERROR_SUCCESS) return status;
-      status = RegSetValueExW(key.Get(), value.name.c_str(), 0, value.type, value.data.data(),
-                              static_cast<DWORD>(value.data.size()));
-    }
-    for (const SavedKey& subkey : subkeys_) {
-      if (status != ERROR_SUCCESS) return status;
-      status = subkey.Restore(key.Get());
-    }
-    return status;
+  [[nodiscard]] LSTATUS Restore() const {
+    RegKey interfaces;
+    const LSTATUS opened = Open(interfaces);
+    return opened == ERROR_SUCCESS ? copy_.Restore(interfaces.Get()) : opened;
+  }
+
+  [[nodiscard]] LSTATUS Remove() const {
+    RegKey interfaces;
+    LSTATUS status = Open(interfaces);
+    if (status == ERROR_SUCCESS) status = RegDeleteTreeW(interfaces.Get(), Name().c_str());
+    return Removed(status);
   }
 
  private:
-  struct Value {
-    std::wstring name;
-    DWORD type;
-    std::vector<BYTE> data;
-  };
+  static std::wstring Name() { return GuidText(__uuidof(IIviDriverUtility)); }
 
-  void ReadValues(HKEY key) {
-    std::wstring name(kLongestName, 0);
-    for (DWORD index = 0;; ++index) {
-      DWORD length = kLongestName;
-      Value value{};
-      DWORD size = 0;
-      if (RegEnumValueW(key, index, name.data(), &length, nullptr, &value.type, nullptr, &size) !=
-          ERROR_SUCCESS) {
-        return;
-      }
-      value.name = name.substr(0, length);
-      value.data.resize(size);
-      RegQueryValueExW(key, value.name.c_str(), nullptr, nullptr, value.data.data(), &size);
-      values_.push_back(std::move(value));
-    }
+  LSTATUS Open(RegKey& interfaces) const {
+    const ClassesPlace classes = ClassesOf(scope_);
+    return interfaces.Open(classes.root, classes.path + L"\\Interface", KEY_READ | width_);
   }
 
-  std::wstring path_;
-  bool exists_ = false;
-  std::vector<Value> values_;
-  std::vector<SavedKey> subkeys_;
+  RegistrationScope scope_;
+  REGSAM width_;
+  RegistryCopy copy_;
+  bool is_foreign_ = false;
 };
 
-/// Our type library describes one interface that belongs to the IVI Foundation. Registering a
-/// library points the keys of all its interfaces to itself, and unregistering deletes them, so the
-/// key that other makers' components rely on is put back afterwards. A key that we made ourselves
-/// is left to the library's registration.
+/// Lets the system register the library or take it away, and keeps what other makers have of the
+/// shared interface as it was. Registering points the keys of all the library's interfaces to the
+/// library, for programs of both widths, and deletes none of them. What removing does with a key
+/// that names another library, as this one does since it was put back, is documented nowhere: Wine
+/// deletes its subkeys all the same, and with them the key where it has no others, so that they may
+/// have to be made anew. All places are looked after in either scope, since Wine registers for the
+/// machine when asked for the user. A key that we made ourselves is left to the system: a
+/// marshaller needs it where nobody else has one. But a user's comes before the machine's for that
+/// user, and goes where the machine's is foreign.
 template <typename Act>
 HRESULT KeepingForeignInterface(RegistrationScope scope, Act act) {
-  const ClassesPlace classes = ClassesOf(scope);
-  RegKey root;
-  const LSTATUS opened = root.Create(classes.root, classes.path);
-  if (opened != ERROR_SUCCESS) return HRESULT_FROM_WIN32(opened);
-  const std::wstring path = L"Interface\\" + GuidText(__uuidof(IIviDriverUtility));
-  const SavedKey saved(root.Get(), path);
-  const bool is_foreign =
-      saved.Exists() && RegistryText(root.Get(), path + L"\\TypeLib") != GuidText(kTypeLibraryId);
+  struct Keys {
+    explicit Keys(REGSAM width)
+        : machine(RegistrationScope::kMachine, width), user(RegistrationScope::kUser, width) {}
+    SharedInterfaceKey machine;
+    SharedInterfaceKey user;
+  };
+  std::array widths{Keys(KEY_WOW64_64KEY), Keys(KEY_WOW64_32KEY)};
+  LSTATUS first = ERROR_SUCCESS;
+  for (Keys& keys : widths) {
+    KeepFirst(first, keys.machine.Read());
+    KeepFirst(first, keys.user.Read());
+  }
+  if (first != ERROR_SUCCESS) return HRESULT_FROM_WIN32(first);
   const HRESULT result = act();
-  if (!is_foreign) return result;
-  const LSTATUS restored = saved.Restore(root.Get());
-  return FAILED(result) ? result : HRESULT_FROM_WIN32(restored);
+  for (const Keys& keys : widths) {
+    if (keys.machine.IsForeign()) KeepFirst(first, keys.machine.Restore());
+    if (keys.user.IsForeign()) {
+      KeepFirst(first, keys.user.Restore());
+    } else if (scope == RegistrationScope::kUser && keys.machine.IsForeign()) {
+      KeepFirst(first, keys.user.Remove());
+    }
+  }
+  return FAILED(result) ? result : HRESULT_FROM_WIN32(first);
 }
 
 /// Makes the library known under the neutral locale, too. Its own locale is English: whoever asks
 /// in another language, or in none as a marshaller of interfaces may do, would not find it.
 constexpr std::string_view kNeutralLocaleScript =
     "HKCR { NoRemove TypeLib { %LIBRARY% { 1.2 { 0 { win64 = s '%MODULE%' } } } } }";
+/// What is ours of the library's version where others use it, too.
+constexpr std::string_view kOwnPartScript =
+    "HKCR { NoRemove TypeLib { %LIBRARY% { 1.2 { 0 { win64 } 409 { win64 } } } } }";
 /// Takes away what the system leaves of the library's version: the neutral locale, and all of it
 /// where the library's own locale is gone already.
 constexpr std::string_view kRemainsScript =
@@ -126,12 +127,42 @@ Function* OptionalFunction(os::Module& automation, const char* name) {
   return automation.Load("OLEAUT32.DLL") ? automation.FunctionOf<Function>(name) : nullptr;
 }
 
-bool IsRegistered(RegistrationScope scope) {
+LSTATUS OpenVersion(RegistrationScope scope, const std::wstring& subkey, RegKey& key) {
   const ClassesPlace classes = ClassesOf(scope);
-  RegKey key;
   return key.Open(classes.root,
-                  classes.path + L"\\TypeLib\\" + GuidText(kTypeLibraryId) + L"\\1.2\\409",
-                  KEY_READ) == ERROR_SUCCESS;
+                  classes.path + L"\\TypeLib\\" + GuidText(kTypeLibraryId) + L"\\1.2" + subkey,
+                  KEY_READ);
+}
+
+bool IsRegistered(RegistrationScope scope) {
+  RegKey key;
+  return OpenVersion(scope, L"\\409", key) == ERROR_SUCCESS;
+}
+
+/// Whether the key of the library's version, or one below it, has other subkeys than these.
+bool HasOthers(RegistrationScope scope, const std::wstring& subkey,
+               std::initializer_list<const wchar_t*> own) {
+  RegKey key;
+  if (OpenVersion(scope, subkey, key) != ERROR_SUCCESS) return false;
+  for (DWORD index = 0;; ++index) {
+    wchar_t name[256] = {};
+    DWORD length = 256;
+    if (RegEnumKeyExW(key.Get(), index, name, &length, nullptr, nullptr, nullptr, nullptr) !=
+        ERROR_SUCCESS) {
+      return false;
+    }
+    if (std::none_of(own.begin(), own.end(),
+                     [&name](const wchar_t* known) { return lstrcmpiW(known, name) == 0; })) {
+      return true;
+    }
+  }
+}
+
+/// Whether the library's version is registered in other languages, or for other kinds of systems as
+/// by a driver for 32-bit programs.
+bool OthersUseTheVersion(RegistrationScope scope) {
+  return HasOthers(scope, {}, {L"0", L"409", L"FLAGS", L"HELPDIR"}) ||
+         HasOthers(scope, L"\\0", {L"win64"}) || HasOthers(scope, L"\\409", {L"win64"});
 }
 
 }  // namespace
@@ -157,6 +188,9 @@ HRESULT RegisterTypeLibrary(RegistrationScope scope, const os::WideString& modul
 }
 
 HRESULT UnregisterTypeLibrary(RegistrationScope scope) {
+  // The version's flags and the keys of its interfaces stay with whoever else uses it. The system
+  // would take the interfaces away.
+  if (OthersUseTheVersion(scope)) return LibraryKey(scope, {}).Remove(kOwnPartScript);
   const bool was_registered = IsRegistered(scope);
   const HRESULT result = KeepingForeignInterface(scope, [&]() -> HRESULT {
     if (scope == RegistrationScope::kMachine) {

@@ -1,4 +1,4 @@
-// An owner for keys of the registry, and short forms for its texts.
+// An owner for keys of the registry, and short forms for its texts and results.
 #pragma once
 
 #include <utility>
@@ -34,6 +34,16 @@ class RegKey {
  private:
   HKEY key_ = nullptr;
 };
+
+/// The result of removing something: what is not there needs no removing.
+inline LSTATUS Removed(LSTATUS status) {
+  return status == ERROR_FILE_NOT_FOUND ? LSTATUS{ERROR_SUCCESS} : status;
+}
+
+/// For what goes on after a failure and gives the first.
+inline void KeepFirst(LSTATUS& first, LSTATUS status) {
+  if (first == ERROR_SUCCESS) first = status;
+}
 
 /// Sets a text; the empty name is the key's default value.
 inline LSTATUS SetRegistryText(HKEY key, const os::WideString& name, const os::WideString& text) {

@@ -5,7 +5,7 @@ list(APPEND registration_files ${registration_list} ${CMAKE_CURRENT_LIST_DIR}/Ze
 
 if(WIN32)
   target_sources(ZentrelK4NLib PRIVATE
-    Registration.cpp ScriptResource_windows.cpp TypeLibraryRegistration_windows.cpp)
+    Registration.cpp RegistryCopy_windows.cpp ScriptResource_windows.cpp TypeLibraryRegistration_windows.cpp)
   return()
 endif()
 

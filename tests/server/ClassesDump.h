@@ -11,6 +11,12 @@
 using ClassesLines = std::set<std::string>;
 ClassesLines DumpClasses(RegistrationScope scope);
 
+#ifdef _WIN32
+/// The same of one key, which `path` names in the lines. Values that are not texts with their end
+/// appear as type:bytes.
+void DumpKey(HKEY parent, const std::wstring& name, const std::string& path, ClassesLines& lines);
+#endif
+
 /// The scopes whose classes this system finds by ProgID. Wine's HKEY_CLASSES_ROOT shows the
 /// machine's part alone.
 extern const std::set<RegistrationScope> kScopesFoundByProgId;

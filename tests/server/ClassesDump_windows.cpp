@@ -1,5 +1,7 @@
 #include "tests/server/ClassesDump.h"
 
+#include <span>
+
 #include "platform/com/RegKey.h"
 
 const std::set<RegistrationScope> kScopesFoundByProgId = {RegistrationScope::kMachine};
@@ -19,6 +21,20 @@ std::string TopKey(const std::wstring& name) {
   return name == L"Wow6432Node" ? std::string() : Utf8(name);
 }
 
+/// A text with its end as it is; anything else as its type and bytes.
+std::string Shown(DWORD type, std::wstring_view data, DWORD size) {
+  const std::size_t end = data.find(L'\0');
+  if (type == REG_SZ && (end + 1) * sizeof(wchar_t) == size) return Utf8(data.substr(0, end));
+  std::string shown = std::to_string(type) + ":";
+  for (const BYTE byte : std::span(reinterpret_cast<const BYTE*>(data.data()), size)) {
+    shown += "0123456789ABCDEF"[byte / 16];
+    shown += "0123456789ABCDEF"[byte % 16];
+  }
+  return shown;
+}
+
+}  // namespace
+
 void DumpKey(HKEY parent, const std::wstring& name, const std::string& path, ClassesLines& lines) {
   RegKey key;
   if (key.Open(parent, name, KEY_READ) != ERROR_SUCCESS) return;
@@ -28,12 +44,12 @@ void DumpKey(HKEY parent, const std::wstring& name, const std::string& path, Cla
   for (DWORD index = 0;; ++index) {
     DWORD length = kRoom;
     DWORD size = kRoom * sizeof(wchar_t);
-    if (RegEnumValueW(key.Get(), index, text.data(), &length, nullptr, nullptr,
+    DWORD type = 0;
+    if (RegEnumValueW(key.Get(), index, text.data(), &length, nullptr, &type,
                       reinterpret_cast<BYTE*>(data.data()), &size) != ERROR_SUCCESS) {
       break;
     }
-    lines.insert(path + " " + Utf8({text.data(), length}) + "=" +
-                 Utf8(std::wstring(data, 0, size / sizeof(wchar_t)).c_str()));
+    lines.insert(path + " " + Utf8({text.data(), length}) + "=" + Shown(type, data, size));
   }
   for (DWORD index = 0;; ++index) {
     DWORD length = kRoom;
@@ -46,8 +62,6 @@ void DumpKey(HKEY parent, const std::wstring& name, const std::string& path, Cla
     if (!subpath.empty()) DumpKey(key.Get(), subkey, subpath, lines);
   }
 }
-
-}  // namespace
 
 ClassesLines DumpClasses(RegistrationScope scope) {
   const ClassesPlace place = ClassesOf(scope);
