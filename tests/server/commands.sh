@@ -14,8 +14,7 @@ expect() {
   shift 2
   said=$($runner "$zk4n" "$@" 2>&1)
   got=$?
-  # Wine's own services write into the output of whatever program started them.
-  said=$(tr -d '\r' <<<"$said" | grep -v '^wine: ')
+  said=$(tr -d '\r' <<<"$said")
   if [ $got -ne "$status" ] || ! grep -Pqz "$pattern" <<<"$said"; then
     printf '%s\n' "zk4n $*" "  expected status $status and: $pattern" "  got status $got and:" "$said"
     failures=$((failures + 1))
