@@ -61,10 +61,10 @@ if(CMAKE_CROSSCOMPILING)
   target_include_directories(zk_third_party_headers SYSTEM INTERFACE ${ZK_STAGED_INCLUDE})
   target_link_libraries(zk_third_party_headers INTERFACE ws2_32 mswsock)
 endif()
-# Whether Asio finds std::aligned_alloc depends on what a source includes before it; every source must free as the
-# others allocate.
+# What Asio finds depends on what a source includes before it: std::aligned_alloc, and with mingw-w64 POSIX threads.
+# Every source must free as the others allocate, and know an execution context by the same members.
 target_compile_definitions(zk_third_party_headers INTERFACE
-  ASIO_STANDALONE ASIO_NO_DEPRECATED ASIO_DISABLE_STD_ALIGNED_ALLOC)
+  ASIO_STANDALONE ASIO_NO_DEPRECATED ASIO_DISABLE_STD_ALIGNED_ALLOC ASIO_HAS_PTHREADS=1)
 if(ZK_SANITIZE MATCHES thread)
   # The sanitizer does not know memory fences; Asio's locks order what is shared here.
   target_compile_definitions(zk_third_party_headers INTERFACE ASIO_DISABLE_FENCED_BLOCK)
