@@ -63,6 +63,8 @@ struct AveragingFeatures {
 
 /// Whether a result is the instrument's own code (16 bits) and not a failure of the link.
 constexpr bool IsInstrumentCode(Status result) { return result >= -32768 && result <= 32767; }
+/// Whether a probe found a form that the instrument takes; it may add a notice of its own.
+constexpr bool IsAccepted(Status result) { return result >= 0 && result <= 10000; }
 
 enum class ListAxis { kFrequency, kPower };
 

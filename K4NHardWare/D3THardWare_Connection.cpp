@@ -6,7 +6,6 @@ namespace {
 constexpr double kWideSpan = 1e11;               // Hz, beyond every instrument
 constexpr double kNarrowSpan = 4'001'000'000.0;  // Hz, the most that the narrow form is asked for
 constexpr double kFirstClassLimit = 4e9;         // Hz
-constexpr Status kLargestNotice = 10000;
 constexpr std::uint16_t kFeaturesAtConnection = 0xFFFB;  // all but bit 2
 
 }  // namespace
@@ -48,7 +47,7 @@ Status D3THardWare::ProbeFrequencyRange() {
       result = ProbeFrequencyForm(form, kNarrowSpan);
     }
   }
-  if (result < 0 || result > kLargestNotice) return result;
+  if (!IsAccepted(result)) return result;
   minimum_frequency_ = At(form).GetValue(FrequencyElement::kStart);
   maximum_frequency_ = minimum_frequency_ + At(form).GetValue(FrequencyElement::kStep);
   frequency_class_ = maximum_frequency_ <= kFirstClassLimit ? 1 : 2;

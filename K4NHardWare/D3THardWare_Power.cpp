@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr Status kLargestNotice = 10000;
-
 /// By variant; variant 0 has no sweep.
 constexpr std::array<Parameter, 6> kLevelForms = {Parameter::kPower0, Parameter::kPower1,
                                                   Parameter::kPower2, Parameter::kPower3,
@@ -20,8 +18,6 @@ constexpr std::array<Parameter, 6> kStateForms = {Parameter::kPower0, Parameter:
 constexpr std::array<Parameter, 6> kSweepForms = {Parameter::kCount,       Parameter::kPowerSweep1,
                                                   Parameter::kPowerSweep2, Parameter::kPowerSweep3,
                                                   Parameter::kPowerSweep4, Parameter::kPowerSweep5};
-
-bool IsAccepted(Status result) { return result >= 0 && result <= kLargestNotice; }
 
 /// The instrument does not know the form. Any other refusal, such as an unlocked PLL, tells nothing
 /// of it.

@@ -35,6 +35,9 @@ struct SweepTriggerSettings {
   std::uint8_t sync_detection = 0;  ///< 0 rise, 1 fall
 };
 
+/// The mode in which the trigger output gives nothing.
+inline constexpr std::uint32_t kNoTriggerOutput = 0;
+
 /// The trigger output, copied whole between the COM layer and the manager.
 struct TriggerOutputSettings {
   std::uint32_t mode = 1;      ///< instrument code 0..6

@@ -9,7 +9,6 @@ constexpr const char* kSerialNumberFile = "\\FRAM\\SERIAL.TXT";
 constexpr const char* kTypeFile = "\\FRAM\\TYPE.TXT";
 
 constexpr std::uint32_t kSoftwareOutput = 6;  // trigger output codes
-constexpr std::uint32_t kNoOutput = 0;
 
 }  // namespace
 
@@ -146,7 +145,7 @@ Status CK4NManager::SetExtPwrCtrl(bool enabled) {
     leave_worker_paused_ = false;
     if (!IsSuccess(triggered)) return triggered;
 
-    settings.trigger_output.mode = enabled ? kSoftwareOutput : kNoOutput;
+    settings.trigger_output.mode = enabled ? kSoftwareOutput : kNoTriggerOutput;
     const Status result = ProgramTriggerOutput(settings.trigger_output);
     settings_.With([](InstrumentSettings& live) { live.ext_pwr_ctrl = false; });
     return result;

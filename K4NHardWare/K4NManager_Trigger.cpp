@@ -7,14 +7,13 @@ namespace {
 
 /// The trigger output's mode that emits the synchronisation pulses.
 constexpr std::uint32_t kSyncGeneratorMode = 5;
-constexpr std::uint32_t kNoOutput = 0;
 
 // The lines that a trigger parameter is for.
 constexpr unsigned kFirstLine = 0;
 constexpr unsigned kSecondLine = 1;
 
-/// Kept: whole microseconds, cut and not rounded but for the last twentieth. None for what is no
-/// width.
+/// Kept: whole microseconds, cut and not rounded but for the last twentieth; 0 for NaN or a
+/// negative width.
 std::uint8_t WholeMicroseconds(double width) {
   constexpr double kMost = 255.0;
   return width >= 0.0 ? static_cast<std::uint8_t>(std::min(width + 0.05, kMost)) : 0;
@@ -33,7 +32,7 @@ Status CK4NManager::ProgramTriggerOutput(TriggerOutputSettings& settings) {
     return std::pair(live.trigger_output, live.ext_pwr_ctrl);
   });
   const bool is_sent = ext_pwr_ctrl || settings.enabled != 0;
-  TriggerElements elements{.code = is_sent ? settings.mode : kNoOutput,
+  TriggerElements elements{.code = is_sent ? settings.mode : kNoTriggerOutput,
                            .edge = settings.polarity != 0,
                            .value = WholeMicroseconds(settings.width),
                            .flag = ext_pwr_ctrl ? 1U : 0U,
@@ -63,7 +62,7 @@ Status CK4NManager::ProgramTriggerOutput(TriggerOutputSettings& settings) {
 
 /// Sets up the second trigger line: the sync generator goes there, or nothing.
 Status CK4NManager::RouteSyncGenerator(bool routed) {
-  const std::uint32_t code = routed ? kSyncGeneratorMode : kNoOutput;
+  const std::uint32_t code = routed ? kSyncGeneratorMode : kNoTriggerOutput;
   TriggerElements input{.code = code, .edge = false, .value = 1, .flag = 1, .last = 0};
   const Status result =
       Record(Site::kSecondTriggerInput, model_->SetTriggerInput(kSecondLine, input));

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr EnumMap<ZentrelK4NTriggerOutputModeEnum, std::uint32_t, 7> kModes{{
+constexpr EnumMap<ZentrelK4NTriggerOutputModeEnum, std::uint32_t, 7> kOutputModes{{
     {ZentrelK4NTriggerOutputModeNone, 0},
     {ZentrelK4NTriggerOutputModeInput, 4},
     {ZentrelK4NTriggerOutputModeSweep, 1},
@@ -45,12 +45,13 @@ STDMETHODIMP CZentrelK4NTriggerOutput::get_Width(double* value) {
 
 // Kept: a value that is none of the modes sends the present one again.
 STDMETHODIMP CZentrelK4NTriggerOutput::put_Mode(ZentrelK4NTriggerOutputModeEnum mode) {
-  return Set([&](auto& settings) { settings.mode = CodeOf(kModes, mode).value_or(settings.mode); });
+  return Set(
+      [&](auto& settings) { settings.mode = CodeOf(kOutputModes, mode).value_or(settings.mode); });
 }
 
 STDMETHODIMP CZentrelK4NTriggerOutput::get_Mode(ZentrelK4NTriggerOutputModeEnum* value) {
   return ManagerFrame(value, [&](const CK4NManager& manager) {
-    PutValueOf(kModes, manager.GetTriggerOutput().mode, value);
+    PutValueOf(kOutputModes, manager.GetTriggerOutput().mode, value);
     return S_OK;
   });
 }

@@ -10,7 +10,6 @@
 namespace {
 
 const IID& kAcquisition = __uuidof(IZentrelK4NAcquisition);
-const IID& kChannel = __uuidof(IZentrelK4NChannel);
 
 // A client that polls the status in a loop must not keep a processor busy.
 constexpr auto kPauseWhileInProgress = std::chrono::milliseconds(1);
@@ -114,11 +113,11 @@ HRESULT CZentrelK4N::FetchData(std::size_t channel, SAFEARRAY** data, double* in
     }
     const std::span<const double> row = acquisition_.trace.Row(static_cast<std::int32_t>(channel));
     if (row.empty()) {
-      return BuiltError(kChannel, status::kCannotRecover);
+      return BuiltError(__uuidof(IZentrelK4NChannel), status::kCannotRecover);
     }
     SAFEARRAY* const array = NewArray(row);
     if (array == nullptr) {
-      return BuiltError(kChannel, status::kOutOfMemory);
+      return BuiltError(__uuidof(IZentrelK4NChannel), status::kOutOfMemory);
     }
     *data = array;
     *initial_x = acquisition_.initial_x;
@@ -135,7 +134,7 @@ HRESULT CZentrelK4N::UpdateAcquisition() {
       return fetched;
     case status::kVisaTimeout:
       acquisition_.status = ZentrelK4NAcquisitionStatusInProgress;
-      return BuiltError(kChannel, status::kOperationInProgress);
+      return BuiltError(__uuidof(IZentrelK4NChannel), status::kOperationInProgress);
     case status::kOk:
       acquisition_.status = ZentrelK4NAcquisitionStatusComplete;
       acquisition_.initial_x = axis.start;

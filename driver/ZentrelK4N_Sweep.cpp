@@ -7,7 +7,7 @@ namespace {
 
 const IID& kSweep = __uuidof(IZentrelK4NSweep);
 
-constexpr EnumMap<ZentrelK4NSweepModeEnum, SweepMode, 4> kModes{{
+constexpr EnumMap<ZentrelK4NSweepModeEnum, SweepMode, 4> kSweepModes{{
     {ZentrelK4NSweepModeNone, SweepMode::kContinuousWave},
     {ZentrelK4NSweepModeFrequencyStep, SweepMode::kFrequencyStep},
     {ZentrelK4NSweepModePowerStep, SweepMode::kPowerStep},
@@ -53,7 +53,7 @@ STDMETHODIMP CZentrelK4N::Configure(ZentrelK4NSweepModeEnum mode,
 
 STDMETHODIMP CZentrelK4N::put_Mode(ZentrelK4NSweepModeEnum mode) {
   return SessionFrame(kSweep, [&]() -> HRESULT {
-    const auto code = CodeOf(kModes, static_cast<ZentrelK4NSweepModeEnum>(LowByte(mode)));
+    const auto code = CodeOf(kSweepModes, static_cast<ZentrelK4NSweepModeEnum>(LowByte(mode)));
     if (!code) {
       return Error(UnsupportedPropertyValue(mode, "Mode", FullStop::kYes), kSweep,
                    status::kEnumerationNotSupported);
@@ -67,7 +67,7 @@ STDMETHODIMP CZentrelK4N::put_Mode(ZentrelK4NSweepModeEnum mode) {
 
 STDMETHODIMP CZentrelK4N::get_Mode(ZentrelK4NSweepModeEnum* value) {
   return Frame(value, [&]() -> HRESULT {
-    const auto mode = ValueOf(kModes, SweepModeOf(manager_));
+    const auto mode = ValueOf(kSweepModes, SweepModeOf(manager_));
     if (!mode) {
       return Error(kUnexpectedResponseText, kSweep, status::kUnexpectedResponse);
     }

@@ -25,8 +25,8 @@ HRESULT IdentityText(Status result, const std::string& text, BSTR* value) {
     return status::kFileNotFound;
   }
   if (result == status::kOk) {
-    // Kept: the text ends at its first NUL, so that a padded serial number shows neither its padding
-    // nor the mark behind it.
+    // Kept: the text ends at its first NUL, so that a padded serial number shows neither its
+    // padding nor the mark behind it.
     *value = NewBstr(os::ToWide(text.substr(0, text.find('\0'))));
   }
   return result;

@@ -37,19 +37,13 @@ constexpr std::array kClassScripts{
 constexpr std::string_view kCategoryScript =
     "HKCR { NoRemove CLSID { NoRemove %CLASS% { 'Implemented Categories' { %CATEGORY% } } } }";
 
-os::WideString GuidText(REFGUID guid) {
-  std::array<OLECHAR, 39> text{};
-  StringFromGUID2(guid, text.data(), static_cast<int>(text.size()));
-  return text.data();
-}
-
 /// The registration of the whole module for one scope.
 class ModuleRegistration {
  public:
   explicit ModuleRegistration(RegistrationScope scope)
       : scope_(scope),
         module_file_(os::ThisModuleFile()),
-        scripts_(scope, {{"MODULE", module_file_}, {"APPID", GuidText(kApplicationId)}}) {}
+        scripts_(scope, {{"MODULE", module_file_}, {"APPID", RegistryName(kApplicationId)}}) {}
 
   /// Stops at the first failure.
   [[nodiscard]] HRESULT Register() const {
@@ -79,8 +73,9 @@ class ModuleRegistration {
 
  private:
   [[nodiscard]] Registrar Category(const ClassScript& script) const {
-    return {scope_,
-            {{"CLASS", GuidText(script.class_id)}, {"CATEGORY", GuidText(*script.category)}}};
+    return {
+        scope_,
+        {{"CLASS", RegistryName(script.class_id)}, {"CATEGORY", RegistryName(*script.category)}}};
   }
 
   RegistrationScope scope_;

@@ -16,12 +16,6 @@ constexpr WORD kMajorVersion = 1;
 constexpr WORD kMinorVersion = 2;
 constexpr LCID kLocale = 0x409;
 
-std::wstring GuidText(REFGUID guid) {
-  wchar_t text[39] = {};
-  StringFromGUID2(guid, text, 39);
-  return text;
-}
-
 /// The key of the interface that the library redeclares from the IVI Foundation, in one scope and
 /// for programs of one width: other makers' components rely on it. Its parent is opened for each
 /// use, since the system may make it meanwhile.
@@ -34,8 +28,8 @@ class SharedInterfaceKey {
     const LSTATUS opened = Removed(Open(interfaces));
     if (opened != ERROR_SUCCESS || interfaces.Get() == nullptr) return opened;
     const LSTATUS read = copy_.Read(interfaces.Get(), Name());
-    is_foreign_ = copy_.Exists() &&
-                  RegistryText(interfaces.Get(), Name() + L"\\TypeLib") != GuidText(kTypeLibraryId);
+    is_foreign_ = copy_.Exists() && RegistryText(interfaces.Get(), Name() + L"\\TypeLib") !=
+                                        RegistryName(kTypeLibraryId);
     return read;
   }
 
@@ -56,7 +50,7 @@ class SharedInterfaceKey {
   }
 
  private:
-  static std::wstring Name() { return GuidText(__uuidof(IIviDriverUtility)); }
+  static std::wstring Name() { return RegistryName(__uuidof(IIviDriverUtility)); }
 
   LSTATUS Open(RegKey& interfaces) const {
     const ClassesPlace classes = ClassesOf(scope_);
@@ -118,7 +112,7 @@ constexpr std::string_view kRemainsScript =
     "HKCR { NoRemove TypeLib { %LIBRARY% { ForceRemove 1.2 } } }";
 
 Registrar LibraryKey(RegistrationScope scope, const os::WideString& module_file) {
-  return {scope, {{"LIBRARY", GuidText(kTypeLibraryId)}, {"MODULE", module_file}}};
+  return {scope, {{"LIBRARY", RegistryName(kTypeLibraryId)}, {"MODULE", module_file}}};
 }
 
 /// A function of the automation library that systems before per-user registration lack; null there.
@@ -130,7 +124,7 @@ Function* OptionalFunction(os::Module& automation, const char* name) {
 LSTATUS OpenVersion(RegistrationScope scope, const std::wstring& subkey, RegKey& key) {
   const ClassesPlace classes = ClassesOf(scope);
   return key.Open(classes.root,
-                  classes.path + L"\\TypeLib\\" + GuidText(kTypeLibraryId) + L"\\1.2" + subkey,
+                  classes.path + L"\\TypeLib\\" + RegistryName(kTypeLibraryId) + L"\\1.2" + subkey,
                   KEY_READ);
 }
 

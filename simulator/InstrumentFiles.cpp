@@ -15,7 +15,6 @@ constexpr std::string_view kFpgaKey = "\xCF\xF0\xEE\xF8\xE8\xE2\xEA\xE0 \xCF\xCB
 
 constexpr std::string_view kSerialFile = "\\FRAM\\SERIAL.TXT";
 constexpr std::string_view kTypeFile = "\\FRAM\\TYPE.TXT";
-constexpr std::size_t kPathAt = 10;  // in the body of a file request
 constexpr std::uint32_t kModulus = 65537;
 
 std::optional<std::string> FileContent(const Options& options, const std::string& path) {

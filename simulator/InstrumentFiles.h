@@ -1,6 +1,7 @@
 // What the instrument tells of itself: identity text, files, serial number.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -15,6 +16,8 @@ Bytes IdentityText(const Options& options);
 /// Two reads carry no parameter in the usual form: theirs is told by identifier, count and type.
 bool IsFileRead(const Message& request);
 bool IsSerialNumberQuery(const Message& request);
+
+inline constexpr std::size_t kPathAt = 10;  ///< of the path in the body of a file request
 
 /// Reads a file by its path. The request's body: 16-bit parameter, 32-bit offset, 32-bit most
 /// bytes, then the path with a zero at its end. The answer repeats all that before the content.

@@ -60,7 +60,6 @@ std::string ValuesText(const Message& message, bool is_signed) {
 
 // Of a read of a file, the path, and of its answer what stands behind the path.
 std::string FileText(const Message& message, bool is_answer) {
-  constexpr std::size_t kPathAt = 10;
   const std::string body(message.body.begin(), message.body.end());
   const std::size_t path_end = std::min(body.find('\0', kPathAt), body.size());
   if (path_end < kPathAt) {

@@ -7,12 +7,12 @@
 namespace zevisa {
 namespace {
 
-struct Row {
+struct StatusRow {
   std::uint32_t status;
   const char* text;
 };
 
-constexpr Row kRows[] = {
+constexpr StatusRow kStatusTexts[] = {
     {0x00000000, "VI_SUCCESS: operation completed successfully"},
     {0x3FFF0002,
      "VI_SUCCESS_EVENT_EN: event is already enabled for at least one of the mechanisms"},
@@ -121,14 +121,14 @@ constexpr Row kRows[] = {
     {0xBFFF00A7, "VI_ERROR_MACHINE_NAVAIL: remote machine is not available"},
     {0xBFFF00A8, "VI_ERROR_NPERMISSION: access is not permitted"},
 };
-static_assert(std::ranges::is_sorted(kRows, {}, &Row::status));
+static_assert(std::ranges::is_sorted(kStatusTexts, {}, &StatusRow::status));
 
 }  // namespace
 
 std::string_view StatusText(ViStatus status) {
   const auto code = static_cast<std::uint32_t>(status);
-  const Row* const row = std::ranges::lower_bound(kRows, code, {}, &Row::status);
-  return row != std::end(kRows) && row->status == code ? row->text : std::string_view();
+  const StatusRow* const row = std::ranges::lower_bound(kStatusTexts, code, {}, &StatusRow::status);
+  return row != std::end(kStatusTexts) && row->status == code ? row->text : std::string_view();
 }
 
 }  // namespace zevisa

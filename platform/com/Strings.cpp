@@ -10,8 +10,8 @@ namespace {
 
 // The text follows a block of this size, whose last four bytes are its length in bytes; so the text
 // is aligned.
-constexpr std::size_t kPrefixSize = 8;
-constexpr UINT kLongest = std::numeric_limits<INT>::max() - kPrefixSize - sizeof(OLECHAR);
+constexpr std::size_t kBstrPrefixSize = 8;
+constexpr UINT kLongest = std::numeric_limits<INT>::max() - kBstrPrefixSize - sizeof(OLECHAR);
 
 char* BytesOf(BSTR text) { return reinterpret_cast<char*>(text); }
 
@@ -19,11 +19,12 @@ char* BytesOf(BSTR text) { return reinterpret_cast<char*>(text); }
 BSTR Allocate(const void* bytes, UINT size) {
   if (size > kLongest) return nullptr;
   // Zeroed, and with room for the closing zero behind an odd number of bytes, too.
-  auto* const block = static_cast<char*>(std::calloc(1, kPrefixSize + size + sizeof(OLECHAR) + 1));
+  auto* const block =
+      static_cast<char*>(std::calloc(1, kBstrPrefixSize + size + sizeof(OLECHAR) + 1));
   if (block == nullptr) return nullptr;
-  std::memcpy(block + kPrefixSize - sizeof(size), &size, sizeof(size));
-  if (bytes != nullptr) std::memcpy(block + kPrefixSize, bytes, size);
-  return reinterpret_cast<BSTR>(block + kPrefixSize);
+  std::memcpy(block + kBstrPrefixSize - sizeof(size), &size, sizeof(size));
+  if (bytes != nullptr) std::memcpy(block + kBstrPrefixSize, bytes, size);
+  return reinterpret_cast<BSTR>(block + kBstrPrefixSize);
 }
 
 }  // namespace
@@ -42,7 +43,7 @@ BSTR SysAllocString(const OLECHAR* text) {
 }
 
 void SysFreeString(BSTR text) {
-  if (text != nullptr) std::free(BytesOf(text) - kPrefixSize);
+  if (text != nullptr) std::free(BytesOf(text) - kBstrPrefixSize);
 }
 
 UINT SysStringByteLen(BSTR text) {

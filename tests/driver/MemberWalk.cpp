@@ -17,7 +17,6 @@ using members::Type;
 
 const IID& kComponent = __uuidof(IIviComponentIdentity);
 const IID& kUtility = __uuidof(IIviDriverUtility);
-const IID& kFrequencyStep = __uuidof(IZentrelK4NFrequencyStep);
 
 /// Members of an interface, or all that no row before it names.
 struct UnsupportedRow {
@@ -36,7 +35,7 @@ const UnsupportedRow kUnsupported[] = {
     {"FrequencyStep.", {"put Size", "ConfigureDwell"}},
     {"FrequencyStep.", {"Reset"}, {"", &kUtility}},
     {"List.", {"get SelectedName", "put SelectedName"}},
-    {"List.", {"ConfigureDwell"}, {"", &kFrequencyStep}},
+    {"List.", {"ConfigureDwell"}, {"", &__uuidof(IZentrelK4NFrequencyStep)}},
     {"List.", {"Reset"}, {"", &kUtility}},
     {"PowerStep.", {"ConfigureDwell", "Reset"}},
     {"PulseGenerator.",

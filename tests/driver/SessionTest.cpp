@@ -57,8 +57,8 @@ TEST_F(Session, IsNotOpenedOnAnInstrumentThatCannotStart) {
 }
 
 // A client that goes on as if nothing had happened.
-using Call = HRESULT (*)(Surface&);
-constexpr Call kLaterCalls[] = {
+using OnSurface = HRESULT (*)(Surface&);
+constexpr OnSurface kLaterCalls[] = {
     [](Surface& s) { return s.rf->put_Frequency(1e9); },
     [](Surface& s) { return s.rf->put_OutputEnabled(VARIANT_TRUE); },
     [](Surface& s) { return s.frequency_step->put_Dwell(1e-3); },

@@ -7,8 +7,8 @@
 namespace {
 
 constexpr Status kLost = status::FromBits(0xBFFF00A6);
-constexpr ErrorRecord kRead{kLost, Site::kWorkerRead};
-constexpr ErrorRecord kButton{kLost, Site::kWorkerRfButton};
+constexpr ErrorRecord kFailedRead{kLost, Site::kWorkerRead};
+constexpr ErrorRecord kFailedButton{kLost, Site::kWorkerRfButton};
 
 std::uint64_t CountOf(const ErrorTrail& trail) {
   std::uint64_t count = 0;
@@ -22,11 +22,11 @@ TEST(ErrorTrailTest, RunsAreKeptOnceAndToldRecordByRecord) {
   trail.Append(kLost, Site::kWorkerRfButton);
   trail.Append(kLost, Site::kWorkerRead);
   EXPECT_EQ(trail.RunAt(0)->count, 1'000'000U);
-  EXPECT_EQ(trail.RunAt(2)->record, kRead);
+  EXPECT_EQ(trail.RunAt(2)->record, kFailedRead);
   EXPECT_FALSE(trail.RunAt(3));
-  for (int i = 0; i < 1'000'000; ++i) ASSERT_EQ(trail.Take(), kRead) << i;
-  EXPECT_EQ(trail.Take(), kButton) << "a record between two runs parts them";
-  EXPECT_EQ(trail.Take(), kRead);
+  for (int i = 0; i < 1'000'000; ++i) ASSERT_EQ(trail.Take(), kFailedRead) << i;
+  EXPECT_EQ(trail.Take(), kFailedButton) << "a record between two runs parts them";
+  EXPECT_EQ(trail.Take(), kFailedRead);
   EXPECT_EQ(trail.Take(), std::nullopt);
 }
 
@@ -42,7 +42,8 @@ TEST(ErrorTrailTest, FullTrailCountsInTheNewestRunOfTheKind) {
   EXPECT_FALSE(trail.RunAt(ErrorTrail::kLongestTrail + 1));
   EXPECT_EQ(CountOf(trail), appended + 1) << "none is lost";
   for (std::size_t i = 0; i + 2 < ErrorTrail::kLongestTrail; ++i) {
-    ASSERT_EQ(trail.Take(), i % 2 == 0 ? kRead : kButton) << "in order up to the limit, " << i;
+    ASSERT_EQ(trail.Take(), i % 2 == 0 ? kFailedRead : kFailedButton)
+        << "in order up to the limit, " << i;
   }
   trail.Append(kLost, Site::kDwell);
   EXPECT_EQ(trail.RunAt(3)->record, (ErrorRecord{kLost, Site::kDwell})) << "in order again";
@@ -59,8 +60,8 @@ TEST(ErrorTrailTest, WithoutMemoryFailuresAreCountedWithTheirKind) {
   }
   EXPECT_FALSE(trail.RunAt(kAppended - 1)) << "there was memory for all";
   EXPECT_EQ(CountOf(trail), static_cast<std::uint64_t>(kAppended)) << "none is lost";
-  EXPECT_EQ(trail.Take(), kRead);
-  EXPECT_EQ(trail.Take(), kButton);
+  EXPECT_EQ(trail.Take(), kFailedRead);
+  EXPECT_EQ(trail.Take(), kFailedButton);
 }
 
 }  // namespace

@@ -16,7 +16,6 @@ using std::size_t;
 using Byte = std::uint8_t;
 
 constexpr size_t kHeader = ProtocolMessage::kHeaderSize;
-constexpr Status kLost = status::FromBits(0xBFFF00A6);
 constexpr Status kReset = status::kVisaIo;
 
 // --- Faults
@@ -82,7 +81,8 @@ std::vector<Fault> Faults() {
       {"long body", {.change = Resize<8>}},
       {"longest length", {.change = Misannounce<65535>}},
       {"too short a length", {.change = Misannounce<-3>}, true},
-      {"too long a length", {.change = Misannounce<3>, .silences = 3, .then = kLost}},
+      {"too long a length",
+       {.change = Misannounce<3>, .silences = 3, .then = scripted::kConnectionLost}},
       {"garbage behind", {.change = AppendGarbage<5>}, true},
       {"much garbage behind", {.change = AppendGarbage<40>}, true},
       {"answered twice", {.change = Twice}},
@@ -102,8 +102,8 @@ std::vector<Fault> Faults() {
       faults.push_back(
           {std::string(what) + phase.first, {.change = cut, .silences = silences, .then = end}});
     };
-    add("silence", 3, kLost);  // the system gives a silent peer up some time
-    add("drop", 0, kLost);
+    add("silence", 3, scripted::kConnectionLost);  // the system gives a silent peer up some time
+    add("drop", 0, scripted::kConnectionLost);
     if (cut != Cut<7> && cut != Cut<kHeader>) add("reset", 0, kReset);
   }
   return faults;
@@ -415,7 +415,8 @@ TEST_F(HostileTest, SingleReadSurvivesEveryFaultOfABlock) {
     OpenUnarmed();
     Spoiling spoiling = fault.spoiling;
     // Only the link's end ends the wait for a body of which nothing more comes.
-    if (spoiling.change == Misannounce<65535>) spoiling.silences = 3, spoiling.then = kLost;
+    if (spoiling.change == Misannounce<65535>)
+      spoiling.silences = 3, spoiling.then = scripted::kConnectionLost;
     visa_.control().SpoilAnswer(spoiling);
     visa_.CompleteData('@', Block(kSpoiledPoints));
     const Status result = manager_.FetchData(trace_);
@@ -441,7 +442,7 @@ TEST_F(HostileTest, CloseEndsTheWaitForTheRestOfABody) {
   OpenSession();
   visa_.ClearRecord();
   visa_.control().SpoilAnswer(
-      {.change = CutInTheMiddle, .silences = Spoiling::kAlways, .then = kLost});
+      {.change = CutInTheMiddle, .silences = Spoiling::kAlways, .then = scripted::kConnectionLost});
   std::jthread caller([this] { EXPECT_EQ(manager_.SetDwell(1.0), status::kVisaTimeout); });
   constexpr std::size_t kManyTimeouts = 20;
   EXPECT_TRUE(WaitUntil([this] { return visa_.Calls(Function::kRead).size() > kManyTimeouts; }));

@@ -8,8 +8,6 @@ namespace {
 using scripted::Function;
 using testing::ElementsAre;
 
-constexpr Status kViolation = static_cast<Status>(0xBFFF0037);
-
 class ExchangerTest : public testing::Test {
  protected:
   ExchangerTest() { visa_.ClearRecord(); }

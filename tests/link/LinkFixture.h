@@ -15,6 +15,7 @@
 #include "tests/link/ScriptedVisa.h"
 
 constexpr const char* kResource = "TCPIP0::hostA::5025::SOCKET";
+constexpr Status kViolation = status::FromBits(0xBFFF0037);
 
 /// The top of the chain: keeps what it is given.
 class EventKeeper final : public uIEvent::IEventProcessor {

@@ -6,8 +6,6 @@ namespace {
 
 using scripted::Numbering;
 
-constexpr Status kViolation = static_cast<Status>(0xBFFF0037);
-
 struct Instrument {
   const char* name;
   Numbering numbering;

@@ -147,10 +147,10 @@ double Straight(std::int32_t reading, char mark, std::uint32_t kind, double hert
 TEST(TraceConversion, EqualsTheStraightFormulaBitForBit) {
   std::mt19937 random(3);
   const auto pick = [&random](const auto& values) { return values[random() % std::size(values)]; };
-  constexpr double kInfinity = std::numeric_limits<double>::infinity();
-  const double kFactors[] = {1, 1, 1, 2, 0, -1, 0.1, 1e300, kInfinity, std::nan("")};
+  const double infinity = std::numeric_limits<double>::infinity();
+  const double kFactors[] = {1, 1, 1, 2, 0, -1, 0.1, 1e300, infinity, std::nan("")};
   const double kOffsets[] = {0, 0, 0, 1e9, -2e10, 1e308, std::nan("")};
-  const double kSteps[] = {1e6, 1e7, -3.3e6, 0, kInfinity, 5e9};
+  const double kSteps[] = {1e6, 1e7, -3.3e6, 0, infinity, 5e9};
   const std::int32_t kOddReadings[] = {0, 1, -1, 256, 2147483647, -2147483647 - 1};
   for (int round = 0; round < 60; ++round) {
     std::array<CSimpleMatrix, 3> matrices;

@@ -6,25 +6,25 @@
 
 namespace {
 
-constexpr GUID kGuid = {
+constexpr GUID kSampleGuid = {
     0x47ED5189, 0xA398, 0x11D4, {0xBA, 0x58, 0x00, 0x00, 0x64, 0x65, 0x73, 0x74}};
 constexpr const OLECHAR* kText = OLESTR("{47ED5189-A398-11D4-BA58-000064657374}");
 
 TEST(Identifiers, AreWrittenInUpperCase) {
   OLECHAR text[39] = {};
-  EXPECT_EQ(StringFromGUID2(kGuid, text, 39), 39);
+  EXPECT_EQ(StringFromGUID2(kSampleGuid, text, 39), 39);
   EXPECT_EQ(os::WideView(text), kText);
-  EXPECT_EQ(StringFromGUID2(kGuid, text, 38), 0);
+  EXPECT_EQ(StringFromGUID2(kSampleGuid, text, 38), 0);
 }
 
 TEST(Identifiers, AreReadInEitherCase) {
   for (const OLECHAR* text : {kText, OLESTR("{47ed5189-a398-11d4-ba58-000064657374}")}) {
     GUID guid = {};
     EXPECT_EQ(CLSIDFromString(text, &guid), S_OK);
-    EXPECT_TRUE(IsEqualGUID(guid, kGuid));
+    EXPECT_TRUE(IsEqualGUID(guid, kSampleGuid));
     guid = {};
     EXPECT_EQ(IIDFromString(text, &guid), S_OK);
-    EXPECT_TRUE(IsEqualGUID(guid, kGuid));
+    EXPECT_TRUE(IsEqualGUID(guid, kSampleGuid));
     EXPECT_EQ(CLSIDFromString(nullptr, &guid), S_OK);
     EXPECT_TRUE(IsEqualGUID(guid, GUID_NULL));
   }
@@ -53,10 +53,10 @@ TEST(Identifiers, OtherTextsAreRefused) {
 }
 
 TEST(Identifiers, ClassOfAnUnknownProgIdIsRefused) {
-  CLSID clsid = kGuid;
+  CLSID clsid = kSampleGuid;
   EXPECT_EQ(CLSIDFromProgID(OLESTR("Zentrel.NoSuchClass.7"), &clsid), CO_E_CLASSSTRING);
   LPOLESTR prog_id = nullptr;
-  EXPECT_EQ(ProgIDFromCLSID(kGuid, &prog_id), REGDB_E_CLASSNOTREG);
+  EXPECT_EQ(ProgIDFromCLSID(kSampleGuid, &prog_id), REGDB_E_CLASSNOTREG);
   EXPECT_EQ(prog_id, nullptr);
 }
 

@@ -9,13 +9,13 @@ namespace {
 
 os::WideString Wide(std::string_view text) { return os::ToWide(text, os::kUtf8CodePage); }
 
-std::string Utf8(os::WideView text) { return os::ToNarrow(text, os::kUtf8CodePage); }
+std::string ShownText(os::WideView text) { return os::ToNarrow(text, os::kUtf8CodePage); }
 
 /// A value's text, or its type's number and its bytes.
 std::string ShownValue(const ScriptValue& value) {
   if (value.type == ValueType::kText) {
     const auto* const text = reinterpret_cast<const os::WideChar*>(value.data.data());
-    return Utf8({text, value.data.size() / sizeof(os::WideChar) - 1});
+    return ShownText({text, value.data.size() / sizeof(os::WideChar) - 1});
   }
   std::string shown = std::to_string(static_cast<unsigned>(value.type)) + ":";
   for (const unsigned byte : value.data) {
@@ -27,17 +27,21 @@ std::string ShownValue(const ScriptValue& value) {
 }
 
 /// Keys as one line: "name[removal](value=text)...{keys};".
-std::string Shown(const std::vector<ScriptKey>& keys) {
+std::string ShownKeys(const std::vector<ScriptKey>& keys) {
   std::string text;
   for (const ScriptKey& key : keys) {
-    text += Utf8(key.name);
+    text += ShownText(key.name);
     if (key.removal == KeyRemoval::kNever) text += "[no]";
     if (key.removal == KeyRemoval::kForced) text += "[force]";
     if (key.removal == KeyRemoval::kBefore) text += "[before]";
     for (const ScriptValue& value : key.values) {
-      text.append("(").append(Utf8(value.name)).append("=").append(ShownValue(value)).append(")");
+      text.append("(")
+          .append(ShownText(value.name))
+          .append("=")
+          .append(ShownValue(value))
+          .append(")");
     }
-    if (!key.keys.empty()) text.append("{").append(Shown(key.keys)).append("}");
+    if (!key.keys.empty()) text.append("{").append(ShownKeys(key.keys)).append("}");
     text += ';';
   }
   return text;
@@ -93,7 +97,7 @@ TEST(RegistryScript, IsReadOrRefused) {
   for (const ScriptCase& row : kScripts) {
     std::string result;
     try {
-      result = Shown(ParseRegistryScript(row.script, replacements));
+      result = ShownKeys(ParseRegistryScript(row.script, replacements));
     } catch (const ScriptError& error) {
       result = error.what();
     }

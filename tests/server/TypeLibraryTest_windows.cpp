@@ -23,7 +23,8 @@ using std::literals::operator""sv;
 const std::wstring kInterfaces = L"Software\\Classes\\Interface";
 const std::wstring kSharedKey = L"{47ED5189-A398-11D4-BA58-000064657374}";
 const std::wstring kOwnInterface = L"{C63AE521-7C9B-4DF3-A6C6-6319D401488B}";
-const std::wstring kLibrary = L"Software\\Classes\\TypeLib\\{389B1F24-04DA-4E1D-8DCF-A0C93677F2AF}";
+const std::wstring kLibraryKey =
+    L"Software\\Classes\\TypeLib\\{389B1F24-04DA-4E1D-8DCF-A0C93677F2AF}";
 const std::string kOurLine = "\\TypeLib ={389B1F24-04DA-4E1D-8DCF-A0C93677F2AF}";
 
 /// One of the places where an interface's key may stand: a scope's, for programs of one width.
@@ -105,7 +106,7 @@ class LibraryRegistrationTest : public testing::Test {
   void Clean() const {
     for (const Place& place : kPlaces) RegDeleteTreeW(Interfaces(place).Get(), kSharedKey.c_str());
     for (const RegistrationScope scope : {RegistrationScope::kMachine, RegistrationScope::kUser}) {
-      RegDeleteTreeW(ClassesOf(scope).root, kLibrary.c_str());
+      RegDeleteTreeW(ClassesOf(scope).root, kLibraryKey.c_str());
       Call(scope, true);
       Call(scope, false);
     }
@@ -191,7 +192,7 @@ class TypeLibraryRegistration : public LibraryRegistrationTest,
 
   static bool HasLibraryKey(const std::wstring& path) {
     RegKey key;
-    return key.Open(Root(), kLibrary + path, KEY_READ) == ERROR_SUCCESS;
+    return key.Open(Root(), kLibraryKey + path, KEY_READ) == ERROR_SUCCESS;
   }
 };
 
@@ -233,7 +234,7 @@ TEST_F(LibraryRegistrationTest, ObjectTellsItsClassInAnyLanguage) {
 
 TEST_P(TypeLibraryRegistration, RemovingTakesWhatIsLeftOfALibrary) {
   ASSERT_EQ(Register(), S_OK);
-  EXPECT_EQ(RegDeleteTreeW(Root(), (kLibrary + L"\\1.2\\409").c_str()), ERROR_SUCCESS);
+  EXPECT_EQ(RegDeleteTreeW(Root(), (kLibraryKey + L"\\1.2\\409").c_str()), ERROR_SUCCESS);
   EXPECT_EQ(Unregister(), S_OK);
   EXPECT_FALSE(HasLibraryKey(L""));
 }
@@ -246,11 +247,11 @@ TEST_P(TypeLibraryRegistration, RemovingLeavesOtherLanguagesSystemKindsAndVersio
     ASSERT_EQ(Register(), S_OK);
     {
       RegKey key;
-      ASSERT_EQ(key.Create(Root(), kLibrary + others), ERROR_SUCCESS);
+      ASSERT_EQ(key.Create(Root(), kLibraryKey + others), ERROR_SUCCESS);
       SetRegistryText(key.Get(), {}, L"C:\\Others.tlb");
     }
     EXPECT_EQ(Unregister(), S_OK);
-    EXPECT_EQ(RegistryText(Root(), kLibrary + others), L"C:\\Others.tlb");
+    EXPECT_EQ(RegistryText(Root(), kLibraryKey + others), L"C:\\Others.tlb");
     EXPECT_FALSE(HasLibraryKey(L"\\1.2\\409\\win64"));
     EXPECT_FALSE(HasLibraryKey(L"\\1.2\\0\\win64"));
     // The flags and the interfaces are the version's, whoever uses it.
@@ -258,7 +259,7 @@ TEST_P(TypeLibraryRegistration, RemovingLeavesOtherLanguagesSystemKindsAndVersio
     EXPECT_EQ(HasLibraryKey(L"\\1.2\\HELPDIR"), is_our_version);
     EXPECT_EQ(OurPlaces(kOwnInterface),
               is_our_version ? PlacesOfTheSystem() : std::set<std::string>{});
-    RegDeleteTreeW(Root(), kLibrary.c_str());
+    RegDeleteTreeW(Root(), kLibraryKey.c_str());
     EXPECT_EQ(Unregister(), S_OK);
   }
 }

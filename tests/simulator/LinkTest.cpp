@@ -17,7 +17,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 // 1 GHz, 10 points by 10 MHz, stop 1.09 GHz.
-const Bytes kSweep =
+const Bytes kSweepElements =
     FromHex("00 00 00 CA 9A 3B 00 00 0A 00 00 00 00 00 80 96 98 00 00 00 80 12 F8 40 00 00");
 constexpr std::size_t kSweepBlock = 10 * 12 + 2;
 
@@ -36,7 +36,7 @@ class LinkTest : public ::testing::Test {
  protected:
   // A sweep that takes 10 points of 20 ms.
   void SetSlowSweep() {
-    EXPECT_EQ(client_.Exchange(Request(3, 4, 0x60, kSweep)).status, 0);
+    EXPECT_EQ(client_.Exchange(Request(3, 4, 0x60, kSweepElements)).status, 0);
     EXPECT_EQ(client_.Exchange(Dwell(20000)).status, 0);
   }
   std::uint16_t StartedPort() {
@@ -89,7 +89,7 @@ TEST_F(LinkTest, AnotherClientsSettingRestartsTheSweep) {
 }
 
 TEST_F(LinkTest, ExternalTriggers) {
-  EXPECT_EQ(client_.Exchange(Request(3, 4, 0x60, kSweep)).status, 0);
+  EXPECT_EQ(client_.Exchange(Request(3, 4, 0x60, kSweepElements)).status, 0);
   EXPECT_EQ(client_.Exchange(Trigger(1)).status, 0);
   client_.Send(kDataRequest);
   EXPECT_TRUE(client_.StaysQuiet(milliseconds(50)));

@@ -10,7 +10,7 @@ namespace {
 using Values = std::vector<double>;
 
 /// One write by its elements, and those of the answer.
-struct Write {
+struct WriteCase {
   const char* name;
   std::uint8_t id;
   std::uint8_t type;
@@ -20,7 +20,7 @@ struct Write {
   std::size_t count = SIZE_MAX;  // in the header, if it is not that of the elements
 };
 
-Bytes Body(const Write& row, const Values& values) {
+Bytes Body(const WriteCase& row, const Values& values) {
   Bytes body = {row.id, 0};
   for (const double value : values) {
     AppendElements(body, *ElementFormat::FromType(row.type, value < 0), std::vector{value});
@@ -28,9 +28,9 @@ Bytes Body(const Write& row, const Values& values) {
   return body;
 }
 
-void Check(Settings& settings, std::initializer_list<Write> writes) {
+void Check(Settings& settings, std::initializer_list<WriteCase> writes) {
   settings.BeginConnection();
-  for (const Write& row : writes) {
+  for (const WriteCase& row : writes) {
     const std::size_t count = row.count == SIZE_MAX ? row.sent.size() : row.count;
     const Bytes body = Body(row, row.sent);
     Bytes answer;
@@ -43,7 +43,7 @@ void Check(Settings& settings, std::initializer_list<Write> writes) {
     EXPECT_EQ(ToHex(answer), ToHex(row.answer.empty() ? body : Body(row, row.answer))) << row.name;
   }
 }
-void Check(const Options& options, std::initializer_list<Write> writes) {
+void Check(const Options& options, std::initializer_list<WriteCase> writes) {
   Settings settings(options);
   Check(settings, writes);
 }

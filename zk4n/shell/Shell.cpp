@@ -36,7 +36,7 @@ shell::Completion CompleteName(std::string_view line) {
   return {unfinished->name, std::move(names)};
 }
 
-void Print(const std::string& text) {
+void PrintAtOnce(const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), stdout);
   std::fputc('\n', stdout);
   std::fflush(stdout);
@@ -53,11 +53,11 @@ bool RunLine(shell::Console& console, const ShellOptions& options, const std::st
     if (command.verb == shell::Verb::kQuit) return false;
     if (command.verb == shell::Verb::kNothing) return true;
     const shell::Result result = console.Run(command);
-    Print(options.json ? shell::ResultAsJson(line, result) : shell::ResultAsText(result));
+    PrintAtOnce(options.json ? shell::ResultAsJson(line, result) : shell::ResultAsText(result));
   } catch (const std::bad_alloc&) {
-    Print(Fault(options, line, "out of memory"));
+    PrintAtOnce(Fault(options, line, "out of memory"));
   } catch (const shell::Fault& fault) {
-    Print(Fault(options, line, fault.what()));
+    PrintAtOnce(Fault(options, line, fault.what()));
   }
   return true;
 }
