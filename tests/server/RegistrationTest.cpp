@@ -143,7 +143,9 @@ TEST_P(RegistrationTest, WritesItsKeysAndLeavesNothingButTheSharedOnes) {
 }
 
 TEST_P(RegistrationTest, ClientsFindTheDriverByProgId) {
-  if (!kScopesFoundByProgId.contains(GetParam())) return;
+  if (!kScopesFoundByProgId.contains(GetParam())) {
+    GTEST_SKIP() << "this system looks a ProgID up for all users alone";
+  }
   ASSERT_EQ(Call(GetParam(), true), S_OK);
   CLSID class_id{};
   EXPECT_EQ(CLSIDFromProgID(OLESTR("ZentrelK4NLib.ZentrelK4N.1"), &class_id), S_OK);
