@@ -11,15 +11,13 @@ using Values = std::vector<double>;
 
 constexpr std::uint8_t kFrequencyListId = 2;
 
-struct ListCase {
-  const char* name;
+struct ListCase : Row {
   LONG lower;  // bound of the array
   Values given;
   std::string answer;  // to the list; empty: as sent
   Values sent;         // nothing: a list that is not there
   Values back;
 };
-void PrintTo(const ListCase& row, std::ostream* stream) { *stream << row.name; }
 
 class ListTest : public ManagerTest, public testing::WithParamInterface<ListCase> {};
 
@@ -122,42 +120,75 @@ TEST_F(ManagerTest, ListThatCannotBeLockedLeavesTheWorkerPausedUntilTheNextOpera
 
 // --- Packets
 
-struct PacketCase {
-  const char* name;
+struct PacketCase : Row {
   Values widths;  // seconds
   Values delays;
   Status result;
   Values delays_back;
+  std::vector<unsigned> sent;  // nanoseconds; kDouble: the train before
   LONG lower = 0;
 };
-void PrintTo(const PacketCase& row, std::ostream* stream) { *stream << row.name; }
 
-class PacketTest : public ManagerTest, public testing::WithParamInterface<PacketCase> {};
+class PulseTest : public ManagerTest {
+ protected:
+  /// On, with a double pulse, in a period of 10 us.
+  void SwitchOn() {
+    Open();
+    ASSERT_EQ(manager_.SetPulsePeriod(10'000.0), 0);
+    ASSERT_EQ(manager_.SetPulseModEnabled(true), 0);
+    ASSERT_EQ(manager_.SetDoublePulseEnabled(true), 0);
+  }
+  /// Widths and gaps of the train sent last, nanoseconds.
+  [[nodiscard]] std::vector<unsigned> SentTrain() const {
+    constexpr std::size_t kFirst = 22;  // byte, behind mode, source, polarity, offset and count
+    const auto train = visa_.Calls(scripted::Function::kWrite).back();
+    std::vector<unsigned> times;
+    for (std::size_t i = kFirst; i + 4 <= train.size; i += 4) {
+      times.push_back(train.bytes[i] | train.bytes[i + 1] << 8U | train.bytes[i + 2] << 16U);
+    }
+    return times;
+  }
+};
+class PacketTest : public PulseTest, public testing::WithParamInterface<PacketCase> {};
 
 TEST_P(PacketTest, FillsOnePeriod) {
-  Open();
-  ASSERT_EQ(manager_.SetPulsePeriod(10'000.0), 0);
-  ASSERT_EQ(manager_.SetPulseModEnabled(true), 0);
-  ASSERT_EQ(manager_.SetDoublePulseEnabled(true), 0);
+  SwitchOn();
   const PacketCase& row = GetParam();
   const auto widths = Doubles(row.widths, row.lower);
   const auto delays = Doubles(row.delays, row.lower);
   EXPECT_EQ(manager_.ConfigurePacket(true, widths.Get(), delays.Get()), row.result);
   EXPECT_EQ(ValuesOf(widths.Get()), row.widths);
   EXPECT_THAT(ValuesOf(delays.Get()), testing::Pointwise(testing::DoubleEq(), row.delays_back));
+  EXPECT_EQ(SentTrain(), row.sent);
   EXPECT_EQ(manager_.GetPulseSettings().packet_enabled, row.result == 0);
   EXPECT_EQ(manager_.GetPulseSettings().double_enabled, row.result != 0);
 }
 
+const std::vector<unsigned> kDouble = {1, 0, 1, 9'998};
+// clang-format off
 const std::vector<PacketCase> kPacketCases = {
-    {"LastDelayIsReplaced", {1e-6, 2e-6}, {1e-6, 9e-6}, 0, {1e-6, 6e-6}},
-    {"LongerThanThePeriod", {6e-6, 6e-6}, {1e-6, 1e-6}, 0, {1e-6, 0}},
-    {"OneBasedSendsOneMore", {1e-6, 2e-6}, {1e-6, 1e-6}, 0, {1e-6, 1e-6}, 1},
-    {"CountsDiffer", {1e-6, 1e-6}, {1e-6}, status::kInvalidValue, {1e-6}},
-    {"NegativeWidth", {1e-6, -1e-6}, {0, 0}, status::kInvalidValue, {0, 0}},
-    {"NegativeDelay", {1e-6}, {-1e-6}, status::kInvalidValue, {-1e-6}},
+    {"LastDelayIsReplaced", {1e-6, 2e-6}, {1e-6, 9e-6}, 0, {1e-6, 6e-6}, {1'000, 1'000, 2'000, 6'000}},
+    {"LongerThanThePeriod", {6e-6, 6e-6}, {1e-6, 1e-6}, 0, {1e-6, 0}, {6'000, 1'000, 6'000, 0}},
+    {"OneBasedSendsOneMore", {1e-6, 2e-6}, {1e-6, 1e-6}, 0, {1e-6, 1e-6}, {1'000, 1'000, 2'000, 1'000, 2'000, 3'000}, 1},
+    {"CountsDiffer", {1e-6, 1e-6}, {1e-6}, status::kInvalidValue, {1e-6}, kDouble},
+    {"NegativeWidth", {1e-6, -1e-6}, {0, 0}, status::kInvalidValue, {0, 0}, kDouble},
+    {"NegativeDelay", {1e-6}, {-1e-6}, status::kInvalidValue, {-1e-6}, kDouble},
 };
+// clang-format on
 INSTANTIATE_TEST_SUITE_P(Packets, PacketTest, testing::ValuesIn(kPacketCases), RowName());
+
+TEST_F(PulseTest, PulsesLongerThanThePeriod) {
+  SwitchOn();
+  EXPECT_EQ(manager_.SetDoublePulseDelay(1'000.0), 0);
+  EXPECT_EQ(SentTrain(), kDouble) << "stored only";
+  EXPECT_EQ(manager_.SetPulseWidth(6'000.0), 0);
+  EXPECT_THAT(SentTrain(), ElementsAre(6'000U, 1'000U, 6'000U, 0U));
+  EXPECT_EQ(manager_.GetPulseSettings().period, 10'000.0) << "as set";
+  EXPECT_EQ(manager_.SetPulsePeriod(5'000.0), 0);
+  EXPECT_EQ(manager_.SetDoublePulseEnabled(false), 0);
+  EXPECT_THAT(SentTrain(), ElementsAre(6'000U, 0U));
+  EXPECT_EQ(manager_.GetPulseSettings().period, 6'000.0) << "becomes the pulse's width";
+}
 
 TEST_F(ManagerTest, PacketsWithoutAnArray) {
   Open();

@@ -18,19 +18,12 @@ class FetchTest : public ManagerTest {
       ASSERT_EQ(manager_.LoadDetectorData(channel, file.Path()), 0);
     }
   }
-  /// A session whose sweep mode was never programmed.
+  /// A session whose sweep mode was refused.
   void OpenUnarmed() {
-    visa_.Rule(kRead, kPowerId, kRefusal);
-    ASSERT_EQ(manager_.Initialize(kResource, ""), 0);
+    visa_.Rule(kWrite, kFrequencyId, kRefusal);
+    ASSERT_EQ(Initialize(), 0);
     ASSERT_EQ(ErrorRecords().size(), 1U);
     visa_.ClearRecord();
-  }
-  /// Has the worker store a block that nobody has fetched yet.
-  void StoreBlock(SweepMode mode) {
-    ASSERT_EQ(manager_.SetSweepMode(mode), 0);
-    visa_.CompleteData('A', Block(1, 7));  // its word goes into the trail after it was stored
-    manager_.RequestSoftwareTrigger();
-    ASSERT_TRUE(WaitUntil([this] { return ErrorRecords().size() == 1; }));
   }
   [[nodiscard]] std::vector<double> Row(int channel) const {
     const auto row = trace_.Row(channel);
@@ -83,8 +76,7 @@ TEST_F(FetchTest, BlockKeepsTheSettingsThatItWasMeasuredWith) {
   EXPECT_THAT(Row(1), ElementsAre(1000.0));
 }
 
-struct DiscardCase {
-  const char* name;
+struct DiscardCase : Row {
   std::function<void(CK4NManager&)> act;
   bool discards;
 };
@@ -101,11 +93,19 @@ TEST_P(DiscardTest, BlockNobodyFetched) {
 const std::vector<DiscardCase> kDiscardCases = {
     {"ReadingTheOutputState", [](CK4NManager& m) { bool on = false; m.GetOutputEnabled(on); }, true},
     {"SweepMode", [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, true},
-    {"Averaging", [](CK4NManager& m) { m.SetAveraging(1); }, true},
-    {"PulseModulation", [](CK4NManager& m) { m.SetPulseModEnabled(true); }, true},
-    {"List", [](CK4NManager& m) { m.SetPowerList(nullptr); }, true},
-    {"Frequency", [](CK4NManager& m) { m.SetFrequency(1e9); }, false},
-    {"Dwell", [](CK4NManager& m) { m.SetDwell(1.0); }, false},
+    {"ExternalPowerControl", [](CK4NManager& m) { m.SetExtPwrCtrl(true); }, true},
+    {"NoSuchTrigger", [](CK4NManager& m) { SweepTriggerSettings t{.source = 3}; m.SetSweepTrigger(t, false); }, true},
+    {"FrequencyList", [](CK4NManager& m) { m.SetFrequencyList(nullptr); }, true},
+    {"PowerList", [](CK4NManager& m) { m.SetPowerList(nullptr); }, true},
+    {"ClearedLists", [](CK4NManager& m) { m.ClearFrequencyList(); m.ClearPowerList(); }, false},
+    {"DoublePulse", [](CK4NManager& m) { m.SetDoublePulseEnabled(true); m.SetPulseModEnabled(true); }, false},
+    {"Packet", [](CK4NManager& m) { m.ConfigurePacket(true, Doubles({1}).Get(), Doubles({1}).Get()); m.SetPulseModEnabled(true); }, false},
+    {"PulseThatIsOff", [](CK4NManager& m) { m.SetPulseWidth(1.0); m.SetPulsePeriod(1.0); m.SetPulseModSource(1); }, false},
+    {"TriggerOutput", [](CK4NManager& m) { TriggerOutputSettings t{.enabled = 1}; m.SetTriggerOutput(t); }, false},
+    {"SoftwareTrigger", [](CK4NManager& m) { m.RequestSoftwareTrigger(); }, false},
+    {"Identity", [](CK4NManager& m) { std::string text; m.GetSerialNumber(text); m.GetInstrumentType(text); }, false},
+    {"State", [](CK4NManager& m) { bool good = false; m.GetPllState(good); m.GetRfButton(good); }, false},
+    {"Detector", [](CK4NManager& m) { m.LoadDetectorData(0, TempFile(kFrequencyDetector).Path()); }, false},
 };
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Blocks, DiscardTest, testing::ValuesIn(kDiscardCases), RowName());
@@ -117,14 +117,12 @@ TEST_F(FetchTest, WithoutAnythingToFetch) {
   EXPECT_TRUE(visa_.Requests().empty()) << "once armed a fetch never reads by itself";
 }
 
-struct SingleReadCase {
-  const char* name;
+struct SingleReadCase : Row {
   std::uint16_t header_status;
   std::vector<std::uint8_t> body;
   Status result;
   int points;  // of a trace; a failure that is no notice goes into the trail
 };
-void PrintTo(const SingleReadCase& row, std::ostream* stream) { *stream << row.name; }
 
 class SingleReadTest : public FetchTest, public testing::WithParamInterface<SingleReadCase> {};
 

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <concepts>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -21,15 +22,6 @@
 inline void PrintTo(const ErrorRecord& record, std::ostream* stream) {
   *stream << std::hex << "0x" << static_cast<std::uint32_t>(record.status) << std::dec << '@'
           << static_cast<int>(record.site);
-}
-
-/// All records of a trail, oldest first, each by itself.
-inline std::vector<ErrorRecord> RecordsOf(const ErrorTrail& trail) {
-  std::vector<ErrorRecord> records;
-  for (std::size_t i = 0; const auto run = trail.RunAt(i); ++i) {
-    records.insert(records.end(), run->count, run->record);
-  }
-  return records;
 }
 
 inline std::string Repeat(std::string_view hex, int count) {
@@ -51,7 +43,8 @@ inline std::string PowerBody(unsigned output, std::string_view level, unsigned a
 // -20 dBm.
 constexpr const char* kLimits =
     "00 00 | 80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00";
-enum class Output : unsigned { kOff, kOn };
+/// The output switch as the instrument reports it: on is 1 and nothing else.
+enum class Output : unsigned { kOff, kOn, kNeither };
 
 // Identifiers of parameters, as rules take them.
 constexpr std::uint8_t kFrequencyId = 0;
@@ -91,10 +84,17 @@ inline std::vector<std::uint8_t> Block(int points, std::uint16_t status_word = 0
   return bytes;
 }
 
-/// The name of a table's row as gtest wants it.
+/// A table's row, and its name as gtest wants it.
+struct Row {
+  const char* name;
+};
+template <std::derived_from<Row> Case>
+void PrintTo(const Case& row, std::ostream* stream) {
+  *stream << row.name;
+}
 struct RowName {
-  template <typename Row>
-  std::string operator()(const testing::TestParamInfo<Row>& info) const {
+  template <typename Case>
+  std::string operator()(const testing::TestParamInfo<Case>& info) const {
     return info.param.name;
   }
 };
@@ -106,26 +106,32 @@ inline Status SetFrequencyStep(CK4NManager& manager) {
   return manager.SetFrequencyStep(start, stop, step);
 }
 
+inline Status TriggerImmediately(CK4NManager& manager) {
+  SweepTriggerSettings trigger{.source = static_cast<std::uint32_t>(TriggerSource::kImmediate)};
+  return manager.SetSweepTrigger(trigger, false);
+}
+
 class ManagerTest : public testing::Test {
  protected:
-  ManagerTest() {
-    visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
-    visa_.RuleBody(kRead, kPowerId, 0, PowerBody(1, kMinus20));
-  }
+  ManagerTest() { visa_.RuleBody(kRead, kPowerId, 0, PowerBody(1, kMinus20)); }
 
-  /// Opens a session and forgets what that put on the wire.
+  Status Initialize(const char* option = "", const char* resource = kResource) {
+    visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
+    return manager_.Initialize(resource, option);
+  }
+  /// Opens a session and forgets what that put on the wire, and what is in the trail.
   void Open(Output output = Output::kOn, const char* option = "") {
+    while (TakeError().first != 0) continue;
     visa_.RuleBody(kRead, kPowerId, 0, PowerBody(static_cast<unsigned>(output), kMinus20));
-    ASSERT_EQ(manager_.Initialize(kResource, option), 0);
+    ASSERT_EQ(Initialize(option), 0);
     ASSERT_EQ(ErrorRecords().size(), 0U);
     visa_.ClearRecord();
   }
 
   /// Has the worker read: list mode (no settings of its own), trigger immediate.
   void StartMeasuring() {
-    SweepTriggerSettings trigger{.source = static_cast<std::uint32_t>(TriggerSource::kImmediate)};
     ASSERT_EQ(manager_.SetSweepMode(SweepMode::kList), 0);
-    ASSERT_EQ(manager_.SetSweepTrigger(trigger, false), 0);
+    ASSERT_EQ(TriggerImmediately(manager_), 0);
     ASSERT_TRUE(WaitUntilRequested("6", 1));
     visa_.ClearRecord();
   }
@@ -137,13 +143,24 @@ class ManagerTest : public testing::Test {
   [[nodiscard]] bool WaitUntilRequested(std::string_view request, std::size_t times) const {
     return WaitUntil([&] { return Requested(request) >= times; });
   }
+  bool State(Status (CK4NManager::*get)(bool&)) {
+    bool state = false;
+    EXPECT_EQ((manager_.*get)(state), 0);
+    return state;
+  }
   /// Whether the worker was measuring until now. The button is told without the instrument only
   /// then. Forgets the record.
   [[nodiscard]] bool IsMeasuring() {
     visa_.ClearRecord();
-    bool pressed = false;
-    EXPECT_EQ(manager_.GetRfButton(pressed), 0);
+    State(&CK4NManager::GetRfButton);
     return Requested("4:34/20x1") == 0;
+  }
+  /// Has the worker store a block that nobody has fetched yet.
+  void StoreBlock(SweepMode mode) {
+    ASSERT_EQ(manager_.SetSweepMode(mode), 0);
+    visa_.CompleteData('A', Block(1, 7));  // its word goes into the trail after it was stored
+    manager_.RequestSoftwareTrigger();
+    ASSERT_TRUE(WaitUntil([this] { return ErrorRecords().size() == 1; }));
   }
   /// Fetches the next block, which the worker may not have stored yet.
   [[nodiscard]] bool WaitForBlock() {
@@ -157,8 +174,13 @@ class ManagerTest : public testing::Test {
     return requests;
   }
 
+  /// All records of the trail, oldest first, each by itself.
   [[nodiscard]] std::vector<ErrorRecord> ErrorRecords() const {
-    return RecordsOf(manager_.error_trail());
+    std::vector<ErrorRecord> records;
+    for (std::size_t i = 0; const auto run = manager_.error_trail().RunAt(i); ++i) {
+      records.insert(records.end(), run->count, run->record);
+    }
+    return records;
   }
   /// Takes the oldest record from the trail; code 0 and no text when there is none.
   std::pair<std::int32_t, std::optional<std::string>> TakeError() {

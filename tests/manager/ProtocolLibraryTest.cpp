@@ -52,7 +52,7 @@ TEST_F(ProtocolLibraryTest, WithoutAllEntryPointsIsNotUsed) {
 
 TEST_F(ProtocolLibraryTest, RefusalEndsTheSession) {
   Load(ZK_PROTOCOL_REFUSES);
-  EXPECT_EQ(manager_.Initialize(kResource, ""), -5);
+  EXPECT_EQ(Initialize(), -5);
   EXPECT_FALSE(manager_.IsConnected());
   EXPECT_EQ(visa_.control().OpenSessions(), 0U);
   EXPECT_EQ(Calls(), "Open(0) Load(4711Protocol.xml) Close(4711) ");
@@ -61,7 +61,7 @@ TEST_F(ProtocolLibraryTest, RefusalEndsTheSession) {
 TEST_F(ProtocolLibraryTest, ItsResultReplacesThatOfThePulseModulator) {
   Load(ZK_PROTOCOL_FULL);
   visa_.Rule(kWrite, kPulseId, kRefusal);
-  EXPECT_EQ(manager_.Initialize(kResource, ""), 0);
+  EXPECT_EQ(Initialize(), 0);
   EXPECT_THAT(ErrorRecords(), testing::ElementsAre(ErrorRecord{kRefusalStatus, Site::kPulseOff}));
 }
 

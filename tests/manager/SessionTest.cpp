@@ -1,5 +1,6 @@
 // From the first byte of a session to its last.
 #include "tests/manager/ManagerFixture.h"
+#include "tests/platform/Arrays.h"
 
 namespace {
 
@@ -14,7 +15,7 @@ std::string PowerProbe() {
 }
 
 TEST_F(ManagerTest, ConnectionByteForByte) {
-  ASSERT_EQ(manager_.Initialize(kResource, ""), 0);
+  ASSERT_EQ(Initialize(), 0);
   const std::string level = PowerRequest(1, kMinus20);
   EXPECT_THAT(
       Requests(),
@@ -65,15 +66,50 @@ TEST_F(ManagerTest, SecondInitializeEndsTheFirstSessionAndStartsFromDefaults) {
   Open();
   ASSERT_EQ(manager_.SetFrequency(2e9), 0);
   ASSERT_EQ(manager_.SetChannelOffset(1, 5.0), 0);
-  visa_.ClearRecord();
-  visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
-  ASSERT_EQ(manager_.Initialize("TCPIP0::hostB::5025::SOCKET", ""), 0);
-  EXPECT_EQ(Requests().front(), PowerRequest(0, kMinus20)) << "the old output goes off first";
+  ASSERT_EQ(manager_.SetFrequencyList(Doubles({1e9}).Get()), 0);
+  ASSERT_EQ(manager_.SetPowerList(Doubles({-10.0}).Get()), 0);
+  ASSERT_EQ(manager_.SetPulseWidth(5.0), 0);
+  StartMeasuring();
+  ASSERT_EQ(Initialize("", "TCPIP0::hostB::5025::SOCKET"), 0);
+  EXPECT_EQ(Requests()[1], PowerRequest(0, kMinus20)) << "the old output goes off first";
   EXPECT_EQ(visa_.control().OpenSessions(), 1U);
   EXPECT_EQ(Frequency(), 1e7);
   double offset = -1.0;
   manager_.GetChannelOffset(1, offset);
   EXPECT_EQ(offset, 0.0);
+  EXPECT_FALSE(manager_.HasFrequencyList());
+  EXPECT_FALSE(manager_.HasPowerList());
+  EXPECT_EQ(manager_.GetPulseSettings().width, 1.0);
+
+  // The mode that the worker reads in, too, where this session programs none.
+  StartMeasuring();
+  visa_.Rule(kRead, kPowerId, kRefusal);
+  ASSERT_EQ(Initialize(), 0);
+  EXPECT_EQ(TriggerImmediately(manager_), 0);
+  EXPECT_FALSE(IsMeasuring());
+}
+
+TEST_F(ManagerTest, SecondInitializeForgetsTheState) {
+  constexpr std::uint16_t kData = 6;
+  // Each answer to the worker leaves one of the states alone.
+  for (const auto& [answer, untouched] :
+       {std::pair(6, &CK4NManager::GetPllState), std::pair(0x8007, &CK4NManager::GetLevelState)}) {
+    ASSERT_EQ(Initialize(), 0);
+    visa_.RuleBody(kRead, kButtonId, 0, "22 00 01 00", 0, 1);
+    for (const auto get :
+         {&CK4NManager::GetRfButton, &CK4NManager::GetPllState, &CK4NManager::GetLevelState}) {
+      EXPECT_TRUE(State(get));
+    }
+    visa_.Rule(kData, 0, 0x801C);
+    StartMeasuring();
+    ASSERT_TRUE(WaitUntilRequested("6", 1)) << "the fault is noted";
+    visa_.Rule(kData, 0, static_cast<std::uint16_t>(answer));
+    ASSERT_EQ(Initialize(), 0);
+    StartMeasuring();
+    EXPECT_FALSE(State(untouched)) << answer;
+    EXPECT_FALSE(State(&CK4NManager::GetRfButton));
+    EXPECT_TRUE(State(&CK4NManager::GetErgState));
+  }
 }
 
 TEST_F(ManagerTest, DestructionSwitchesTheOutputOff) {
@@ -97,8 +133,7 @@ TEST_F(ManagerTest, FirmwareIsNewerForEveryDatedProgram) {
   EXPECT_TRUE(manager_.IsFirmwareNewer());
 }
 
-struct InitializeCase {
-  const char* name;
+struct InitializeCase : Row {
   void (*arrange)(scripted::Visa& visa);
   const char* option;
   Status result;
@@ -106,13 +141,13 @@ struct InitializeCase {
   std::vector<const char*> asked;  // requests whose order matters here, see RequestOrder
   std::vector<const char*> not_asked = {};
 };
-void PrintTo(const InitializeCase& row, std::ostream* stream) { *stream << row.name; }
 
 class InitializeTest : public ManagerTest, public testing::WithParamInterface<InitializeCase> {};
 
 TEST_P(InitializeTest, EndsAsItMust) {
   const InitializeCase& row = GetParam();
   const bool connected = row.result == 0;
+  visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
   row.arrange(visa_);
   EXPECT_EQ(manager_.Initialize(kResource, row.option), row.result);
   EXPECT_THAT(ErrorRecords(), ElementsAreArray(row.trail));
@@ -138,51 +173,37 @@ constexpr auto kOrdinary = [](scripted::Visa&) {};
 
 // clang-format off
 const std::vector<InitializeCase> kInitializeCases = {
-    {"ManagerOfVisaFails", [](auto& visa) { visa.SetResult(Function::kOpenDefaultRM, 0xBFFF0011); },
-     "", kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}},
-    {"OpenFails", [](auto& visa) { visa.SetResult(Function::kOpen, 0xBFFF0011); },
-     "", kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}},
-    {"OpenWithAWarningIsNoSession", [](auto& visa) { visa.SetResult(Function::kOpen, 0x3FFF007D); },
-     "", 0x3FFF007D, {{0x3FFF007D, Site::kOpenSession}}, {}, {"1"}},
-    {"OpenWithANoticeIsNoSessionAndNoFailure", [](auto& visa) { visa.SetResult(Function::kOpen, 3); },
-     "", 3, {}, {}, {"1"}},
-    {"TimeoutCannotBeSet", [](auto& visa) { visa.SetResult(Function::kSetAttribute, 0xBFFF001D); },
-     "", status::FromBits(0xBFFF001D), {{status::FromBits(0xBFFF001D), Site::kOpenSession}}, {}, {"1"}},
-    {"RecoveryNotSupported", [](auto& visa) { visa.Rule(1, 0, 0x8002); },
-     "", status::kUnknownResource, {{kNotSupported, Site::kInitializeModel}}, {"1"}, {"3:3/20x1", "3:79/62x5"}},
+    {"ManagerOfVisaFails", [](auto& visa) { visa.SetResult(Function::kOpenDefaultRM, 0xBFFF0011); }, "", kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}},
+    {"OpenFails", [](auto& visa) { visa.SetResult(Function::kOpen, 0xBFFF0011); }, "", kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}},
+    {"OpenWithAWarningIsNoSession", [](auto& visa) { visa.SetResult(Function::kOpen, 0x3FFF007D); }, "", 0x3FFF007D, {{0x3FFF007D, Site::kOpenSession}}, {}, {"1"}},
+    {"OpenWithANoticeIsNoSessionAndNoFailure", [](auto& visa) { visa.SetResult(Function::kOpen, 3); }, "", 3, {}, {}, {"1"}},
+    {"TimeoutCannotBeSet", [](auto& visa) { visa.SetResult(Function::kSetAttribute, 0xBFFF001D); }, "", status::FromBits(0xBFFF001D), {{status::FromBits(0xBFFF001D), Site::kOpenSession}}, {}, {"1"}},
+    {"RecoveryNotSupported", [](auto& visa) { visa.Rule(1, 0, 0x8002); }, "", status::kUnknownResource, {{kNotSupported, Site::kInitializeModel}}, {"1"}, {"3:3/20x1", "3:79/62x5"}},
     {"NoFrequencyFormSupported", [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8003); },
      "", status::kUnknownResource, {{kFormUnknown, Site::kInitializeModel}}, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, {"3:3/20x1", "3:79/62x5"}},
-    {"OtherFailureOfTheModelGoesOn", [](auto& visa) { visa.Answer(kRefusal); },
-     "", 0, {{kRefusalStatus, Site::kInitializeModel}}, {"1", "3:3/20x1", "3:79/62x5", "3:31/40x2"}, {"4:15/10x100"}},
+    {"OtherFailureOfTheModelGoesOn", [](auto& visa) { visa.Answer(kRefusal); }, "", 0, {{kRefusalStatus, Site::kInitializeModel}}, {"1", "3:3/20x1", "3:79/62x5", "3:31/40x2"}, {"4:15/10x100"}},
     {"OtherKindGoesOn", [](auto& visa) { visa.RuleBody(kWrite, kKindId, 0, "03 00 02 00"); },
      "", 0, {{status::kWrongInstrumentKind, Site::kInstrumentKind}}, {"3:3/20x1", "3:31/40x3"}, {"4:79/62x5", "3:4/10x1", "3:79/62x5"}},
-    {"NoKindConfirmed", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); },
-     "", 0, {}, {"3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "4:79/62x5", "3:4/10x1", "3:79/62x5", "3:31/40x3"}},
-    {"FailedRecoveryOfTheProbeIsNotTold", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); visa.Rule(1, 0, kRefusal); visa.Rule(1, 0, 0, 0, 1); },
-     "", 0, {}, {"3:3/20x1", "3:3/20x1", "3:3/20x1", "4:79/62x5"}},
+    {"NoKindConfirmed", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); }, "", 0, {}, {"3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "4:79/62x5", "3:4/10x1", "3:79/62x5", "3:31/40x3"}},
+    {"FailedRecoveryOfTheProbeIsNotTold", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); visa.Rule(1, 0, kRefusal); visa.Rule(1, 0, 0, 0, 1); }, "", 0, {}, {"3:3/20x1", "3:3/20x1", "3:3/20x1", "4:79/62x5"}},
     {"GeneratorIsAskedForThatKindAlone", kOrdinary, "GENERATOR", 0, {}, {"3:3/20x1", "4:79/62x5", "3:79/62x5"}, {"3:4/10x1"}},
     {"OptionIsCaseSensitive", kOrdinary, "generator", 0, {}, {"3:3/20x1", "3:4/10x1"}},
     {"OutputStateNotSupported", [](auto& visa) { visa.Rule(kRead, kPowerId, 0x8002); visa.Rule(kRead, 12, 0x8002); },
      "", status::kIdentificationFailed, {{kNotSupported, Site::kOutputState}}, {"4:79/62x5"}, {"3:79/62x5", "3:31/40x3"}},
-    {"OtherFailureOfTheOutputStateGoesOn", [](auto& visa) { visa.Rule(kRead, kPowerId, kRefusal); },
-     "", 0, {{kRefusalStatus, Site::kOutputState}}, {"4:79/62x5", "3:31/40x3"}, {"3:4/10x1", "3:0/60x1"}},
-    {"RefusedAveragingGoesOn", [](auto& visa) { visa.Rule(kWrite, 4, kRefusal); },
-     "", 0, {{kRefusalStatus, Site::kAveraging}}, {"3:4/10x1", "3:79/62x5", "3:31/40x3"}},
+    {"OtherFailureOfTheOutputStateGoesOn", [](auto& visa) { visa.Rule(kRead, kPowerId, kRefusal); }, "", 0, {{kRefusalStatus, Site::kOutputState}}, {"4:79/62x5", "3:31/40x3"}, {"3:4/10x1", "3:0/60x1"}},
+    {"RefusedAveragingGoesOn", [](auto& visa) { visa.Rule(kWrite, 4, kRefusal); }, "", 0, {{kRefusalStatus, Site::kAveraging}}, {"3:4/10x1", "3:79/62x5", "3:31/40x3"}},
     {"SweepModeNotSupported", [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8002, 0x60); visa.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1); },
      "", status::kIdentificationFailed, {{kNotSupported, Site::kFrequencyAxis}}, {"3:0/60x1", "3:79/62x5"}, {"3:31/40x3"}},
-    {"NoPulseModulator", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8002); },
-     "", 0, {}, {"3:31/40x3"}},
-    {"NoPulseModulatorOfThisForm", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8003); },
-     "", 0, {}, {"3:31/40x3"}},
-    {"PulseModulatorFails", [](auto& visa) { visa.Rule(kWrite, kPulseId, kRefusal); },
-     "", kRefusalStatus, {{kRefusalStatus, Site::kPulseOff}}, {"3:31/40x3"}},
+    {"NoPulseModulator", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8002); }, "", 0, {}, {"3:31/40x3"}},
+    {"NoPulseModulatorOfThisForm", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8003); }, "", 0, {}, {"3:31/40x3"}},
+    {"PulseModulatorFails", [](auto& visa) { visa.Rule(kWrite, kPulseId, kRefusal); }, "", kRefusalStatus, {{kRefusalStatus, Site::kPulseOff}}, {"3:31/40x3"}},
 };
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Branches, InitializeTest, testing::ValuesIn(kInitializeCases), RowName());
 
 TEST_F(ManagerTest, KindsAreProbedFromAnalyserDownAndTheConfirmedOneStands) {
   visa_.Rule(kWrite, kKindId, kRefusal, 0, 2);
-  ASSERT_EQ(manager_.Initialize(kResource, ""), 0);
+  ASSERT_EQ(Initialize(), 0);
   std::vector<std::string> probes;
   for (const std::string& request : Requests()) {
     if (request.find("| 03 00") != request.npos) probes.push_back(request);

@@ -5,8 +5,7 @@ namespace {
 
 using testing::ElementsAre;
 
-struct TriggerCase {
-  const char* name;
+struct TriggerCase : Row {
   SweepTriggerSettings trigger;
   bool single_step;
   const char* sent;    // code, edge, value, flag, last; none: nothing is sent
@@ -15,7 +14,6 @@ struct TriggerCase {
   SweepTriggerSettings kept;
   bool kept_step;
 };
-void PrintTo(const TriggerCase& row, std::ostream* stream) { *stream << row.name; }
 
 class TriggerTest : public ManagerTest, public testing::WithParamInterface<TriggerCase> {};
 
@@ -69,14 +67,62 @@ const std::vector<TriggerCase> kTriggerCases = {
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Sources, TriggerTest, testing::ValuesIn(kTriggerCases), RowName());
 
-TEST_F(ManagerTest, ExternalPowerControlSwitchesTriggerAndOutput) {
+/// External power control, switched while the worker measures; one parameter's next answer.
+struct PowerControlCase : Row {
+  bool enabled;
+  std::uint8_t id;
+  std::uint16_t status;
+  const char* answer;  // null: as sent
+  Status result;
+  std::vector<std::string> sent;  // identifier, code, edge, value, flag, last
+  bool is_switching;              // afterwards
+  std::uint32_t source;
+  std::uint32_t mode;
+  std::vector<Site> trail;
+};
+
+class PowerControlTest : public ManagerTest,
+                         public testing::WithParamInterface<PowerControlCase> {};
+
+TEST_P(PowerControlTest, SwitchesTriggerAndOutput) {
   Open();
-  EXPECT_EQ(manager_.SetExtPwrCtrl(true), 0);
-  EXPECT_THAT(visa_.RequestOrder(),
-              ElementsAre("4:7/10x10", "3:7/10x10", "4:8/10x10", "3:8/10x10"));
-  EXPECT_THAT(Requests()[1], testing::HasSubstr("| 07 00 04 00 01 00 03"));
-  EXPECT_THAT(Requests()[3], testing::HasSubstr("| 08 00 06 00 01 01 00"));
+  StartMeasuring();
+  const PowerControlCase& row = GetParam();
+  if (row.answer != nullptr) {
+    visa_.RuleBody(kWrite, row.id, row.status, row.answer + Repeat(" 00", 5), 0, 1);
+  }
+  EXPECT_EQ(manager_.SetExtPwrCtrl(row.enabled), row.result);
+  std::vector<std::string> sent;
+  for (const std::string& request : Requests()) {
+    if (request.starts_with("AA 55 03")) sent.push_back(request.substr(38, 20));
+  }
+  EXPECT_EQ(sent, row.sent);
+  bool switching = !row.is_switching;
+  EXPECT_EQ(manager_.GetExtPwrCtrl(switching), 0);
+  EXPECT_EQ(switching, row.is_switching);
+  SweepTriggerSettings trigger;
+  bool step = false;
+  EXPECT_EQ(manager_.GetSweepTrigger(trigger, step), 0);
+  EXPECT_EQ(trigger.source, row.source);
+  EXPECT_EQ(manager_.GetTriggerOutput().mode, row.mode);
+  EXPECT_THAT(ErrorRecords(), testing::ElementsAreArray(Refusals(row.trail)));
+  EXPECT_EQ(IsMeasuring(), row.source == 0) << "the worker is resumed in any case";
 }
+
+constexpr auto kIn = kTriggerInputId;
+constexpr auto kOut = kTriggerOutputId;
+constexpr const char* kInOn = "07 00 04 00 01 00 03";
+constexpr const char* kOutOn = "08 00 06 00 01 01 00";
+// clang-format off
+const std::vector<PowerControlCase> kPowerControlCases = {
+    {"On", true, 0, 0, nullptr, 0, {kInOn, kOutOn}, false, 2, 6, {}},
+    {"Off", false, 0, 0, nullptr, 0, {"07 00 00 00 01 00 03", "08 00 00 00 01 01 00"}, false, 0, 0, {}},
+    {"UnknownAnswerToTheTrigger", true, kIn, 0, "07 00 05 00 01 00 03", -1, {kInOn}, true, 0, 1, {}},
+    {"RefusedTrigger", true, kIn, kRefusal, kInOn, kRefusalStatus, {kInOn}, true, 0, 1, {Site::kSweepTrigger}},
+    {"RefusedOutput", true, kOut, kRefusal, kOutOn, kRefusalStatus, {kInOn, kOutOn}, false, 2, 6, {Site::kTriggerOutput}},
+};
+// clang-format on
+INSTANTIATE_TEST_SUITE_P(Steps, PowerControlTest, testing::ValuesIn(kPowerControlCases), RowName());
 
 struct WidthCase {
   double microseconds;
@@ -149,17 +195,15 @@ const std::array kOutputRefusals{
 
 TEST_F(ManagerTest, RefusedTriggerOutputReadsDisabled) {
   for (const OutputRefusal& row : kOutputRefusals) {
-    CK4NManager manager;
-    visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
-    ASSERT_EQ(manager.Initialize(kResource, ""), 0);
+    Open();
     TriggerOutputSettings settings{.mode = 2, .enabled = 1};
-    ASSERT_EQ(manager.SetTriggerOutput(settings), 0);
+    ASSERT_EQ(manager_.SetTriggerOutput(settings), 0);
     visa_.Rule(kWrite, row.id, kRefusal, 0, row.times);
     settings = {.mode = row.asked, .enabled = 1};
-    EXPECT_EQ(manager.SetTriggerOutput(settings), row.result);
-    EXPECT_EQ(manager.GetTriggerOutput().mode, row.mode);
-    EXPECT_EQ(manager.GetTriggerOutput().enabled, row.enabled);
-    EXPECT_THAT(RecordsOf(manager.error_trail()), testing::ElementsAreArray(Refusals(row.trail)));
+    EXPECT_EQ(manager_.SetTriggerOutput(settings), row.result);
+    EXPECT_EQ(manager_.GetTriggerOutput().mode, row.mode);
+    EXPECT_EQ(manager_.GetTriggerOutput().enabled, row.enabled);
+    EXPECT_THAT(ErrorRecords(), testing::ElementsAreArray(Refusals(row.trail)));
   }
 }
 

@@ -6,33 +6,29 @@ namespace {
 using scripted::Function;
 using testing::ElementsAre;
 
-struct ResumeCase {
-  const char* name;
+struct ResumeCase : Row {
   const char* option;
   Output output;
   void (*arrange)(CK4NManager& manager);
   bool measures;
+  bool refuses_frequency = false;  // the first that is set
 };
-void PrintTo(const ResumeCase& row, std::ostream* stream) { *stream << row.name; }
 
 class ResumeTest : public ManagerTest, public testing::WithParamInterface<ResumeCase> {};
 
 TEST_P(ResumeTest, DependsOnTheSettings) {
   Open(GetParam().output, GetParam().option);
+  if (GetParam().refuses_frequency) visa_.Rule(kWrite, kFrequencyId, kRefusal, 0, 1);
   GetParam().arrange(manager_);
   EXPECT_EQ(IsMeasuring(), GetParam().measures);
 }
 
-void Immediate(CK4NManager& manager) {
-  SweepTriggerSettings trigger{.source = static_cast<std::uint32_t>(TriggerSource::kImmediate)};
-  manager.SetSweepTrigger(trigger, false);
-}
 void ImmediateList(CK4NManager& manager) {
-  Immediate(manager);
+  TriggerImmediately(manager);
   manager.SetSweepMode(SweepMode::kList);
 }
 void ImmediateFrequencyStep(CK4NManager& manager) {
-  Immediate(manager);
+  TriggerImmediately(manager);
   manager.SetSweepMode(SweepMode::kFrequencyStep);
 }
 void ConfiguredFrequencyStep(CK4NManager& manager) {
@@ -42,14 +38,17 @@ void ConfiguredFrequencyStep(CK4NManager& manager) {
 
 // clang-format off
 const std::vector<ResumeCase> kResumeCases = {
-    {"NoSweep", "", Output::kOn, Immediate, false},
+    {"NoSweep", "", Output::kOn, [](CK4NManager& m) { TriggerImmediately(m); }, false},
     {"List", "", Output::kOn, ImmediateList, true},
     {"FrequencyStepNotConfigured", "", Output::kOn, ImmediateFrequencyStep, false},
     {"FrequencyStepConfigured", "", Output::kOn, ConfiguredFrequencyStep, true},
+    {"FrequencyStepRefused", "", Output::kOn, ConfiguredFrequencyStep, false, true},
     {"SoftwareWithoutTrigger", "", Output::kOn, [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, false},
     {"SoftwareWithTrigger", "", Output::kOn, [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); m.RequestSoftwareTrigger(); }, true},
+    {"TriggerBeforeItsMode", "", Output::kOn, [](CK4NManager& m) { m.RequestSoftwareTrigger(); m.SetDwell(1.0); m.SetSweepMode(SweepMode::kList); }, true},
     {"AnalyserOutputOff", "", Output::kOff, ImmediateList, true},
     {"GeneratorOutputOff", "GENERATOR", Output::kOff, ImmediateList, false},
+    {"GeneratorOutputNeither", "GENERATOR", Output::kNeither, ImmediateList, false},
     {"GeneratorOutputOn", "GENERATOR", Output::kOn, ImmediateList, true},
 };
 // clang-format on
@@ -83,15 +82,13 @@ TEST_F(ManagerTest, WorkerDropsOddBlocks) {
   EXPECT_EQ(Requested("1"), 0U);
 }
 
-struct ReadFailureCase {
-  const char* name;
+struct ReadFailureCase : Row {
   std::uint16_t header_status;
   std::uint16_t status_word;
   bool at_once;  // with the worker's first read, not after time-outs
   std::vector<ErrorRecord> trail;
   bool recovers;  // else the block is kept
 };
-void PrintTo(const ReadFailureCase& row, std::ostream* stream) { *stream << row.name; }
 
 class ReadFailureTest : public ManagerTest, public testing::WithParamInterface<ReadFailureCase> {};
 
@@ -152,13 +149,7 @@ TEST_F(ManagerTest, StateFollowsTheBlocks) {
   EXPECT_TRUE(shows(0, &CK4NManager::GetLevelState, true));
   EXPECT_TRUE(shows(0x8007, &CK4NManager::GetPllState, false));
   EXPECT_TRUE(shows(0, &CK4NManager::GetPllState, true));
-  bool good = false;
-  EXPECT_EQ(manager_.GetErgState(good), 0);
-  EXPECT_TRUE(good);
-  visa_.CompleteData('A', Block(1, 0x801C));
-  EXPECT_TRUE(WaitUntil([&] { return manager_.GetErgState(good) == 0 && !good; }));
-  EXPECT_EQ(manager_.GetErgState(good), 0);
-  EXPECT_TRUE(good) << "told once";
+  EXPECT_TRUE(State(&CK4NManager::GetErgState));
   EXPECT_EQ(Requested("4:0/40x3"), 0U) << "nothing was asked";
 }
 
@@ -191,75 +182,69 @@ TEST_F(ManagerTest, EachErgFaultIsToldOnceToCallersOnManyThreads) {
 TEST_F(ManagerTest, StateIsAskedForWhileNothingIsMeasured) {
   Open();
   visa_.Rule(kRead, kFrequencyId, 0x8007, 0, 1);
-  bool good = true;
-  EXPECT_EQ(manager_.GetPllState(good), 0);
-  EXPECT_FALSE(good);
+  EXPECT_FALSE(State(&CK4NManager::GetPllState));
   visa_.Rule(kRead, kFrequencyId, 0x801C, 0, 1);
-  EXPECT_EQ(manager_.GetErgState(good), 0);
-  EXPECT_FALSE(good);
+  EXPECT_FALSE(State(&CK4NManager::GetErgState));
   visa_.Rule(kRead, kPowerId, 6, 0, 1);
-  EXPECT_EQ(manager_.GetLevelState(good), 0);
-  EXPECT_FALSE(good);
+  EXPECT_FALSE(State(&CK4NManager::GetLevelState));
   visa_.RuleBody(kRead, kButtonId, 0, "22 00 01 00", 0, 1);
-  EXPECT_EQ(manager_.GetRfButton(good), 0);
-  EXPECT_TRUE(good);
+  EXPECT_TRUE(State(&CK4NManager::GetRfButton));
   EXPECT_THAT(visa_.RequestOrder(), testing::IsSupersetOf({"4:0/40x3", "4:79/62x5", "4:34/20x1"}));
-  visa_.Rule(kRead, kButtonId, kRefusal);
-  EXPECT_EQ(manager_.GetRfButton(good), kRefusalStatus);
+  visa_.Rule(kRead, kButtonId, kRefusal, 0, 1);
+  bool pressed = false;
+  EXPECT_EQ(manager_.GetRfButton(pressed), kRefusalStatus);
   EXPECT_EQ(ErrorRecords().back(), (ErrorRecord{kRefusalStatus, Site::kRfButton}));
   StartMeasuring();
-  EXPECT_EQ(manager_.GetErgState(good), 0);
-  EXPECT_TRUE(good) << "told twice";
+  EXPECT_TRUE(State(&CK4NManager::GetErgState)) << "told twice";
 }
 
+/// Before the next block, or when a stop comes, once more than 900 ms have passed.
 TEST_F(ManagerTest, WorkerAsksForTheButtonNowAndThen) {
+  constexpr std::uint32_t kPeriod = 900;
+  constexpr const char* kButtonRead = "4:34/20x1";
   Open();
   visa_.RuleBody(kRead, kButtonId, 0, "22 00 01 00");
   visa_.Rule(kRead, kButtonId, kRefusal, 0, 1);
   StartMeasuring();
+  os::Sleep(std::chrono::milliseconds(kPeriod + 50));
+  const std::uint32_t start = os::TickCount();
+  EXPECT_EQ(manager_.SetDwell(1.0), 0);
+  ASSERT_TRUE(WaitUntilRequested("6", 1));
+  EXPECT_THAT(visa_.RequestOrder(), ElementsAre("1", kButtonRead, "1", "3:5/40x2", "6"));
+  EXPECT_GE(visa_.Calls(Function::kClear).size(), 1U);
   EXPECT_TRUE(WaitUntil([this] {
     visa_.CompleteData('A', Block(1));
     bool pressed = false;
     manager_.GetRfButton(pressed);
     return pressed;
   }));
+  EXPECT_GT(os::TickCount() - start, kPeriod);
+  EXPECT_EQ(Requested(kButtonRead), 2U);
   EXPECT_THAT(ErrorRecords(), ElementsAre(ErrorRecord{kRefusalStatus, Site::kWorkerRfButton}));
 }
 
 TEST_F(ManagerTest, SoftwareTriggerReadsOneSweep) {
   Open();
   ASSERT_EQ(manager_.SetSweepMode(SweepMode::kList), 0);
-  for (const int points : {2, 4}) {
-    visa_.ClearRecord();
+  for (int points = 1; points <= 50; ++points) {  // each as soon as it may come
     manager_.RequestSoftwareTrigger();
-    ASSERT_TRUE(WaitUntilRequested("6", 1));
     visa_.CompleteData('A', Block(points));
     ASSERT_TRUE(WaitForBlock());
     EXPECT_EQ(trace_.ColumnCount(), points);
-    ASSERT_TRUE(WaitUntil([this] { return !IsMeasuring(); })) << "by itself";
-    visa_.ClearRecord();
-    EXPECT_EQ(manager_.SetDwell(1.0), 0);
-    EXPECT_THAT(visa_.RequestOrder(), ElementsAre("3:5/40x2")) << "nothing to give up or resume";
   }
-}
+  manager_.RequestSoftwareTrigger();
+  manager_.RequestSoftwareTrigger();  // gives up the sweep of the one before
+  visa_.CompleteData('A', Block(2));
+  ASSERT_TRUE(WaitForBlock());
+  ASSERT_TRUE(WaitUntil([this] { return !IsMeasuring(); })) << "by itself";
+  visa_.ClearRecord();
+  EXPECT_EQ(manager_.SetDwell(1.0), 0);
+  EXPECT_THAT(visa_.RequestOrder(), ElementsAre("3:5/40x2")) << "nothing to give up or resume";
 
-TEST_F(ManagerTest, SettingDuringATriggeredSweepGivesItUp) {
-  Open();
-  ASSERT_EQ(manager_.SetSweepMode(SweepMode::kList), 0);
   manager_.RequestSoftwareTrigger();
   ASSERT_TRUE(WaitUntilRequested("6", 1));
   EXPECT_EQ(manager_.SetDwell(1.0), 0);
-  EXPECT_FALSE(IsMeasuring());
-}
-
-TEST_F(ManagerTest, SettingDuringASweepClearsRecoversAndStartsItAgain) {
-  Open();
-  StartMeasuring();
-  EXPECT_EQ(manager_.SetDwell(1.0), 0);
-  ASSERT_TRUE(WaitUntilRequested("6", 1));
-  EXPECT_THAT(visa_.RequestOrder(), ElementsAre("1", "3:5/40x2", "6"));
-  EXPECT_GE(visa_.Calls(Function::kClear).size(), 1U);
-  EXPECT_TRUE(ErrorRecords().empty());
+  EXPECT_FALSE(IsMeasuring()) << "a setting gives it up, too";
 }
 
 TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
@@ -279,8 +264,7 @@ TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
     done = true;
   });
   threads.emplace_back([&] {
-    SweepTriggerSettings trigger{.source = 0};
-    for (int i = 0; i < kRounds; ++i) EXPECT_EQ(manager_.SetSweepTrigger(trigger, false), 0);
+    for (int i = 0; i < kRounds; ++i) EXPECT_EQ(TriggerImmediately(manager_), 0);
   });
   threads.emplace_back([&] {
     while (!done) {
