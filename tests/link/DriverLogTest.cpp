@@ -4,7 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <clocale>
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -68,6 +71,43 @@ TEST_F(DriverLogTest, EntriesAreFlushedAtOnceAndNullIsNothing) {
 #ifdef _WIN32
   EXPECT_THAT(std::setlocale(LC_ALL, nullptr), testing::StartsWith("English"));
 #endif
+}
+
+void SetZone(const char* zone) {
+#ifdef _WIN32
+  _putenv_s("TZ", zone);
+  _tzset();
+#else
+  setenv("TZ", zone, 1);
+#endif
+}
+
+TEST_F(DriverLogTest, StampsAreLocalTimeAndDate) {
+  constexpr std::time_t kHalfADay = 43200;
+  std::filesystem::create_directories(folder_);
+  const auto now = [] { return std::time(nullptr); };
+  // Half a day to the side on which the date is another one.
+  const bool is_morning = now() % 86400 < kHalfADay;
+  SetZone(is_morning ? "TST12" : "TST-12");
+  const std::time_t shift = is_morning ? -kHalfADay : kHalfADay;
+  const auto entry = [shift](std::time_t time) {
+    const std::time_t shifted = time + shift;
+    std::array<char, 64> text{};
+    std::strftime(text.data(), text.size(), "\r\n%m/%d/%y [%H:%M:%S] x\r\n[%H:%M:%S -  ms after] x",
+                  std::gmtime(&shifted));
+    return std::string(text.data());
+  };
+  std::time_t begin = 0;
+  do {  // within one second
+    begin = now();
+    {
+      DriverLog log("test.log");
+      log.DatedLine("x");
+      log.TimedLine("x");
+    }
+  } while (now() != begin);
+  SetZone("UTC0");
+  EXPECT_THAT(Content(), testing::HasSubstr(entry(begin)));
 }
 
 TEST_F(DriverLogTest, MissingFolderGivesTheWarningAndNoFile) {

@@ -134,6 +134,7 @@ struct SweepCase {
   std::string request;
   const char* answer;
   double stop;
+  const char* state_request;
 };
 
 void PrintTo(const SweepCase& row, std::ostream* stream) { *stream << row.variant; }
@@ -149,6 +150,10 @@ TEST_P(PowerSweepTest, UsesItsForm) {
   }
   ASSERT_EQ(model_.SetOutputLevel(settings, start), 0);
   ASSERT_EQ(model_.power_variant(), GetParam().variant);
+  visa_.ClearRecord();
+  bool settled = false;
+  EXPECT_EQ(model_.ReadLevelState(settled), 0);
+  EXPECT_THAT(visa_.RequestOrder(), ElementsAre(GetParam().state_request));
   visa_.ClearRecord();
   double stop = -50;
   double step = 2.5;
@@ -180,12 +185,12 @@ constexpr const char* kSweep62 =
 INSTANTIATE_TEST_SUITE_P(
     ByVariant, PowerSweepTest,
     testing::ValuesIn(std::vector<SweepCase>{
-        {0, {0x8003, 0x8003, 0x8003, 0}, "", "", 0},
-        {1, {0x8003, 0x8003, 0}, WriteRequest(4, 0x42, "0C 00 | 00 00 01 00 | 00 00 C4 FF | 00 00 05 00 | 00 80 02 00"), "0C 00 | 00 00 01 00 | 00 00 C5 FF | 00 00 03 00 | 00 00 02 00", -55},
-        {2, {0x8003, 0, 0x8005}, WriteRequest(7, 0x42, kSweep42), kAnswer42, -55},
-        {3, {0, 0x8003}, WriteRequest(7, 0x62, kSweep62), kAnswer62, -55},
-        {4, {0x8003, 0, 0}, WriteRequest(8, 0x42, std::string(kSweep42) + "| 00 00 CE FF"), kAnswer42, -50},
-        {5, {0, 0}, WriteRequest(8, 0x62, std::string(kSweep62) + "| 00 00 CE FF FF FF"), kAnswer62, -50},
+        {0, {0x8003, 0x8003, 0x8003, 0}, "", "", 0, "4:12/21x2"},
+        {1, {0x8003, 0x8003, 0}, WriteRequest(4, 0x42, "0C 00 | 00 00 01 00 | 00 00 C4 FF | 00 00 05 00 | 00 80 02 00"), "0C 00 | 00 00 01 00 | 00 00 C5 FF | 00 00 03 00 | 00 00 02 00", -55, "4:12/21x2"},
+        {2, {0x8003, 0, 0x8005}, WriteRequest(7, 0x42, kSweep42), kAnswer42, -55, "4:79/42x5"},
+        {3, {0, 0x8003}, WriteRequest(7, 0x62, kSweep62), kAnswer62, -55, "4:79/62x5"},
+        {4, {0x8003, 0, 0}, WriteRequest(8, 0x42, std::string(kSweep42) + "| 00 00 CE FF"), kAnswer42, -50, "4:79/42x5"},
+        {5, {0, 0}, WriteRequest(8, 0x62, std::string(kSweep62) + "| 00 00 CE FF FF FF"), kAnswer62, -50, "4:79/62x5"},
     }));
 // clang-format on
 
