@@ -46,7 +46,7 @@ INSTANTIATE_TEST_SUITE_P(
                     VersionCase{"WordIsZero", "#VERSION three\n1 2\n3 4\n", 3},
                     VersionCase{"ZeroNeedsNoDigest", "#VERSION 0\n1 2\n3 4\n#CRC 12\n", 3},
                     VersionCase{"Three", Signed("#VERSION 3\n1 2\n3 4\n"), 2},
-                    VersionCase{"ThreeBehindTab", Signed("#VERSION\t3\n1 2\n3 4\n"), 2},
+                    VersionCase{"TabsAreContent", Signed("#VERSION\t3\t\n\t1 2\t\n3 4\t\n"), 2},
                     VersionCase{"ThreePointOne", Signed("#VERSION 3.1\n1 2\n3 4\n"), 2},
                     VersionCase{"FirstCounts", Signed("#VERSION 3\n#VERSION 2\n1 2\n3 4\n"), 2},
                     VersionCase{"ThreeUnsigned", "#VERSION 3\n1 2\n3 4\n", 0},
@@ -58,15 +58,20 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& tested) { return tested.param.fault; });
 
 TEST(DetectorFile, VersionZeroGetsALevelColumn) {
-  const TempFile file("0 10 20 30\n1 11 21 31\n2 12 22 32\n");
+  constexpr std::uint32_t kRows = 50;
+  std::string lines = "0 10 20 30\n1 11 21 31\n";
+  for (std::uint32_t row = 2; row < kRows; ++row) lines += std::to_string(row) + " 12 22 32\n";
+  const TempFile file(lines);
   CSimpleMatrix matrix;
   std::string header;
   ASSERT_EQ(LoadDetectorFile(matrix, file.Path(), &header), status::kOk);
   ASSERT_EQ(matrix.GetCols(), 5U);
-  ASSERT_EQ(matrix.GetRows(), 3U);
+  ASSERT_EQ(matrix.GetRows(), kRows);
   EXPECT_EQ(matrix.GetItem(0, 0), 0.0);
-  EXPECT_EQ(matrix.GetItem(0, 1), 5e6 / 16777216);
-  EXPECT_DOUBLE_EQ(matrix.GetItem(0, 2), 5e6 * 1.0442737824274138 / 16777216);
+  for (std::uint32_t row = 1; row < kRows; ++row) {
+    const auto factor = static_cast<double>(std::exp2((row - 1) / 16.0L));
+    EXPECT_EQ(matrix.GetItem(0, row), 5e6 * factor / 16777216) << row;
+  }
   EXPECT_EQ(matrix.GetItem(1, 2), 2.0);
   EXPECT_EQ(matrix.GetItem(4, 1), 31.0);
 
