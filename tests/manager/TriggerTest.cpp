@@ -3,8 +3,6 @@
 
 namespace {
 
-using testing::ElementsAre;
-
 struct TriggerCase : Row {
   SweepTriggerSettings trigger;
   bool single_step;

@@ -161,7 +161,9 @@ TEST_F(ManagerTest, EachErgFaultIsToldOnceToCallersOnManyThreads) {
   std::atomic<int> told = 0;
   std::atomic<bool> done = false;
   std::vector<std::thread> callers;
-  for (int i = 0; i < 2; ++i) {
+  constexpr int kCallers = 2;
+  callers.reserve(kCallers);
+  for (int i = 0; i < kCallers; ++i) {
     callers.emplace_back([&] {
       while (!done) {
         bool good = true;
