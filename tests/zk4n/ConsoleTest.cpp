@@ -78,12 +78,12 @@ std::string NextLine(const Program& program, std::size_t& read) {
   std::string output;
   std::size_t end = 0;
   const auto is_there = [&] {
-    output = program.Output();
-    return (end = output.find('\n', read)) != std::string::npos;
+    output = program.Output(read);
+    return (end = output.find('\n')) != std::string::npos;
   };
   if (!WaitUntil(is_there)) return "no result; standard error: " + program.Errors();
-  const std::size_t begin = std::exchange(read, end + 1);
-  return output.substr(begin, end - begin);
+  read += end + 1;
+  return output.substr(0, end);
 }
 
 TEST_F(ConsoleTest, TheScriptGivesTheSameTranscriptOnEverySystem) {

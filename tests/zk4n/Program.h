@@ -30,12 +30,12 @@ class Program {
   /// Ends what it has to read.
   void CloseInput();
 
-  /// What it wrote so far to standard output and to standard error.
-  [[nodiscard]] std::string Output() const { return TextOf(output_); }
+  /// What it wrote so far to standard output, from a place in it on, and to standard error.
+  [[nodiscard]] std::string Output(std::size_t from = 0) const { return TextOf(output_, from); }
   [[nodiscard]] std::string Errors() const { return TextOf(errors_); }
 
  private:
-  static std::string TextOf(const std::filesystem::path& file);
+  static std::string TextOf(const std::filesystem::path& file, std::size_t from = 0);
 
   std::filesystem::path output_;
   std::filesystem::path errors_;
