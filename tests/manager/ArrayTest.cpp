@@ -181,6 +181,8 @@ TEST_F(PulseTest, PulsesLongerThanThePeriod) {
   SwitchOn();
   EXPECT_EQ(manager_.SetDoublePulseDelay(1'000.0), 0);
   EXPECT_EQ(SentTrain(), kDouble) << "stored only";
+  EXPECT_EQ(manager_.SetDoublePulseEnabled(true), 0);
+  EXPECT_THAT(SentTrain(), ElementsAre(1U, 1'000U, 1U, 8'998U));
   EXPECT_EQ(manager_.SetPulseWidth(6'000.0), 0);
   EXPECT_THAT(SentTrain(), ElementsAre(6'000U, 1'000U, 6'000U, 0U));
   EXPECT_EQ(manager_.GetPulseSettings().period, 10'000.0) << "as set";

@@ -92,7 +92,6 @@ TEST_P(DiscardTest, BlockNobodyFetched) {
 // clang-format off
 const std::vector<DiscardCase> kDiscardCases = {
     {"ReadingTheOutputState", [](CK4NManager& m) { bool on = false; m.GetOutputEnabled(on); }, true},
-    {"SweepMode", [](CK4NManager& m) { m.SetSweepMode(SweepMode::kList); }, true},
     {"ExternalPowerControl", [](CK4NManager& m) { m.SetExtPwrCtrl(true); }, true},
     {"NoSuchTrigger", [](CK4NManager& m) { SweepTriggerSettings t{.source = 3}; m.SetSweepTrigger(t, false); }, true},
     {"FrequencyList", [](CK4NManager& m) { m.SetFrequencyList(nullptr); }, true},

@@ -45,10 +45,13 @@ TEST_P(SettingTest, ComesBetweenTwoReads) {
 }
 
 TEST_P(SettingTest, DiscardsABlockOrNot) {
-  Open();
-  StoreBlock(SweepMode::kList);
-  GetParam().set(manager_);
-  EXPECT_EQ(manager_.FetchData(trace_), GetParam().discards ? status::kVisaTimeout : 0);
+  for (const std::uint16_t answer : {std::uint16_t{0}, kRefusal}) {
+    Open();
+    StoreBlock(SweepMode::kList);
+    visa_.Rule(kWrite, GetParam().id, answer);
+    GetParam().set(manager_);
+    EXPECT_EQ(manager_.FetchData(trace_), GetParam().discards ? status::kVisaTimeout : 0) << answer;
+  }
 }
 
 Status PowerStep(M& manager) {
@@ -70,6 +73,7 @@ const std::vector<SettingCase> kSettingCases = {
     {"OutputOff", 79, [](M& m) { return m.SetOutputEnabled(false); }, {S::kOutputEnabled}},
     {"OutputOn", 79, [](M& m) { return m.SetOutputEnabled(true); }, {S::kPowerAxis, S::kOutputEnabled}},
     {"AttenMode", 79, [](M& m) { return m.SetAttenMode(5); }, {S::kPowerAxis, S::kAttenMode}},
+    {"SweepMode", 79, [](M& m) { return m.SetSweepMode(SweepMode::kPowerStep); }, {S::kPowerAxis}, true},
     {"FrequencyStep", 0, SetFrequencyStep, {S::kFrequencyAxis, S::kFrequencyAxis, S::kFrequencyStep}, true},
     {"PowerStep", 79, PowerStep, {S::kPowerAxis, S::kPowerAxis, S::kPowerStep}, true},
     {"SweepTrigger", 7, TriggerImmediately, {S::kSweepTrigger}, true},
