@@ -170,12 +170,8 @@ Status CK4NManager::ProgramSweepTrigger(SweepTriggerSettings& trigger, bool sing
                            .value = static_cast<std::uint8_t>(ext_pwr_ctrl ? 1 : 0),
                            .flag = 0,
                            .last = ext_pwr_ctrl ? 3U : 2U};
-  Status result = model_->SetTriggerInput(0, elements);
-  if (result == status::kInstrumentFormNotUsable && ext_pwr_ctrl) {
-    elements.value = 0;
-    result = model_->SetTriggerInput(0, elements);
-  }
-  if (!IsSuccess(Record(Site::kSweepTrigger, result))) return result;
+  const Status result = Record(Site::kSweepTrigger, model_->SetTriggerInput(0, elements));
+  if (!IsSuccess(result)) return result;
 
   trigger.sync_detection = elements.edge ? 1 : 0;
   if (!TakeCode(elements.code, trigger, single_step)) {

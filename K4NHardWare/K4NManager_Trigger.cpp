@@ -37,12 +37,7 @@ Status CK4NManager::ProgramTriggerOutput(TriggerOutputSettings& settings) {
                            .value = WholeMicroseconds(settings.width),
                            .flag = ext_pwr_ctrl ? 1U : 0U,
                            .last = 0};
-  Status result = model_->SetTriggerOutput(kFirstLine, elements);
-  if (result == status::kInstrumentFormNotUsable && ext_pwr_ctrl) {
-    elements.flag = 0;
-    result = model_->SetTriggerOutput(kFirstLine, elements);
-  }
-  Record(Site::kTriggerOutput, result);
+  Status result = Record(Site::kTriggerOutput, model_->SetTriggerOutput(kFirstLine, elements));
   if (result != status::kOk) settings.enabled = 0;
   settings.mode = elements.code;
   settings.polarity = elements.edge ? 1 : 0;
