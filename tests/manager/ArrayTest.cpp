@@ -149,6 +149,7 @@ class PulseTest : public ManagerTest {
     return times;
   }
 };
+const std::vector<unsigned> kDouble = {1, 0, 1, 9'998};
 class PacketTest : public PulseTest, public testing::WithParamInterface<PacketCase> {};
 
 TEST_P(PacketTest, FillsOnePeriod) {
@@ -162,9 +163,10 @@ TEST_P(PacketTest, FillsOnePeriod) {
   EXPECT_EQ(SentTrain(), row.sent);
   EXPECT_EQ(manager_.GetPulseSettings().packet_enabled, row.result == 0);
   EXPECT_EQ(manager_.GetPulseSettings().double_enabled, row.result != 0);
+  EXPECT_EQ(manager_.SetDoublePulseEnabled(true), 0);
+  EXPECT_EQ(SentTrain(), kDouble) << "ends the packet";
 }
 
-const std::vector<unsigned> kDouble = {1, 0, 1, 9'998};
 // clang-format off
 const std::vector<PacketCase> kPacketCases = {
     {"LastDelayIsReplaced", {1e-6, 2e-6}, {1e-6, 9e-6}, 0, {1e-6, 6e-6}, {1'000, 1'000, 2'000, 6'000}},

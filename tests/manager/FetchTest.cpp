@@ -74,6 +74,12 @@ TEST_F(FetchTest, BlockKeepsTheSettingsThatItWasMeasuredWith) {
   ASSERT_EQ(manager_.FetchData(trace_), 0);
   EXPECT_THAT(Row(0), ElementsAre(1501.0)) << "the channel's transform is the present one";
   EXPECT_THAT(Row(1), ElementsAre(1000.0));
+
+  ASSERT_EQ(manager_.SetFrequencyList(Doubles({4e9}).Get()), 0);
+  StoreBlock(SweepMode::kList);
+  manager_.ClearFrequencyList();
+  ASSERT_EQ(manager_.FetchData(trace_), 0);
+  EXPECT_THAT(Row(1), ElementsAre(5000.0)) << "but not its list";
 }
 
 struct DiscardCase : Row {

@@ -158,9 +158,10 @@ class ManagerTest : public testing::Test {
   /// Has the worker store a block that nobody has fetched yet.
   void StoreBlock(SweepMode mode) {
     ASSERT_EQ(manager_.SetSweepMode(mode), 0);
+    const std::size_t records = ErrorRecords().size();
     visa_.CompleteData('A', Block(1, 7));  // its word goes into the trail after it was stored
     manager_.RequestSoftwareTrigger();
-    ASSERT_TRUE(WaitUntil([this] { return ErrorRecords().size() == 1; }));
+    ASSERT_TRUE(WaitUntil([&] { return ErrorRecords().size() > records; }));
   }
   /// Fetches the next block, which the worker may not have stored yet.
   [[nodiscard]] bool WaitForBlock() {

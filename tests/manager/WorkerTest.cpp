@@ -82,6 +82,14 @@ TEST_F(ManagerTest, WorkerDropsOddBlocks) {
   EXPECT_EQ(Requested("1"), 0U);
 }
 
+TEST_F(ManagerTest, WorkerStandsStillDuringALoad) {
+  EXPECT_EQ(manager_.LoadDetectorData(0, "none.det"), status::kNoSession);
+  Open();
+  StartMeasuring();
+  EXPECT_EQ(manager_.LoadDetectorData(0, "none.det"), status::kCannotOpenFile);
+  EXPECT_THAT(visa_.RequestOrder(), testing::Contains("1")) << "the read in progress is given up";
+}
+
 struct ReadFailureCase : Row {
   std::uint16_t header_status;
   std::uint16_t status_word;
@@ -220,8 +228,10 @@ TEST_F(ManagerTest, WorkerAsksForTheButtonNowAndThen) {
     manager_.GetRfButton(pressed);
     return pressed;
   }));
-  EXPECT_GT(os::TickCount() - start, kPeriod);
-  EXPECT_EQ(Requested(kButtonRead), 2U);
+  const std::size_t reads = Requested("6");
+  for (int block = 0; block < 2; ++block) visa_.CompleteData('A', Block(1));
+  EXPECT_TRUE(WaitUntilRequested("6", reads + 2)) << "the button is not asked for each time";
+  EXPECT_GE(os::TickCount() - start, kPeriod * (Requested(kButtonRead) - 1));
   EXPECT_THAT(ErrorRecords(), ElementsAre(ErrorRecord{kRefusalStatus, Site::kWorkerRfButton}));
 }
 
@@ -235,6 +245,7 @@ TEST_F(ManagerTest, SoftwareTriggerReadsOneSweep) {
     EXPECT_EQ(trace_.ColumnCount(), points);
   }
   manager_.RequestSoftwareTrigger();
+  ASSERT_TRUE(WaitUntilRequested("6", 51));
   manager_.RequestSoftwareTrigger();  // gives up the sweep of the one before
   visa_.CompleteData('A', Block(2));
   ASSERT_TRUE(WaitForBlock());
