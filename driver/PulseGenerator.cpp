@@ -1,39 +1,27 @@
 #include "driver/PulseGenerator.h"
 
+#include "driver/PulseGeneratorDouble.h"
+#include "driver/PulseGeneratorOutput.h"
+#include "driver/PulsePacketGenerator.h"
 #include "driver/Units.h"
-
-void CZentrelK4NPulseGenerator::FinalConstruct() {
-  double_ = ComPtr<ComObject<CZentrelK4NPulseGeneratorDouble>>::Adopt(
-      ComObject<CZentrelK4NPulseGeneratorDouble>::Create());
-  output_ = ComPtr<ComObject<CZentrelK4NPulseGeneratorOutput>>::Adopt(
-      ComObject<CZentrelK4NPulseGeneratorOutput>::Create());
-  packet_ = ComPtr<ComObject<CZentrelK4NPulsePacketGenerator>>::Adopt(
-      ComObject<CZentrelK4NPulsePacketGenerator>::Create());
-}
-
-void CZentrelK4NPulseGenerator::FinalRelease() {
-  double_.Reset();
-  output_.Reset();
-  packet_.Reset();
-}
 
 void CZentrelK4NPulseGenerator::SetOwner(const std::shared_ptr<OwnerLink>& owner) {
   Child::SetOwner(owner);
-  double_->SetOwner(owner);
-  output_->SetOwner(owner);
-  packet_->SetOwner(owner);
+  CreateChild<CZentrelK4NPulseGeneratorDouble>(owner, double_);
+  CreateChild<CZentrelK4NPulseGeneratorOutput>(owner, output_);
+  CreateChild<CZentrelK4NPulsePacketGenerator>(owner, packet_);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_Double(IZentrelK4NPulseGeneratorDouble** value) {
-  return Getter(&double_->Unknown(), kInterface, "IZentrelK4NPulseGeneratorDouble", value);
+  return Getter(double_.Get(), kInterface, "IZentrelK4NPulseGeneratorDouble", value);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_Output(IZentrelK4NPulseGeneratorOutput** value) {
-  return Getter(&output_->Unknown(), kInterface, "IZentrelK4NPulseGeneratorOutput", value);
+  return Getter(output_.Get(), kInterface, "IZentrelK4NPulseGeneratorOutput", value);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_Packet(IZentrelK4NPulsePacketGenerator** value) {
-  return Getter(&packet_->Unknown(), kInterface, "IZentrelK4NPulsePacketGenerator", value);
+  return Getter(packet_.Get(), kInterface, "IZentrelK4NPulsePacketGenerator", value);
 }
 
 // Kept: trigger source and gating are taken and ignored.

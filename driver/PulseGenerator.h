@@ -4,19 +4,16 @@
 #include <memory>
 
 #include "driver/Child.h"
-#include "driver/PulseGeneratorDouble.h"
-#include "driver/PulseGeneratorOutput.h"
-#include "driver/PulsePacketGenerator.h"
 
 /// Times in seconds. The settings are kept without a session, too; they are sent while the
 /// modulator is on. Owns the objects of the double pulse, the output and the packet.
 class CZentrelK4NPulseGenerator : public Child<IZentrelK4NPulseGenerator> {
  public:
   CZentrelK4NPulseGenerator() : Child(__uuidof(ZentrelK4NPulseGenerator)) {}
-  /// Makes the three objects.
-  void FinalConstruct();
-  void FinalRelease();
-  /// Also ties the three objects to the root.
+  /// One without a root has the three objects, too.
+  void FinalConstruct() { SetOwner(nullptr); }
+  /// Makes the three objects anew, for this root. One that cannot be made is missing: its getter
+  /// fails.
   void SetOwner(const std::shared_ptr<OwnerLink>& owner);
 
   STDMETHODIMP get_Double(IZentrelK4NPulseGeneratorDouble** value) override;
@@ -43,7 +40,7 @@ class CZentrelK4NPulseGenerator : public Child<IZentrelK4NPulseGenerator> {
   ~CZentrelK4NPulseGenerator() = default;
 
  private:
-  ComPtr<ComObject<CZentrelK4NPulseGeneratorDouble>> double_;
-  ComPtr<ComObject<CZentrelK4NPulseGeneratorOutput>> output_;
-  ComPtr<ComObject<CZentrelK4NPulsePacketGenerator>> packet_;
+  ComPtr<IZentrelK4NPulseGeneratorDouble> double_;
+  ComPtr<IZentrelK4NPulseGeneratorOutput> output_;
+  ComPtr<IZentrelK4NPulsePacketGenerator> packet_;
 };

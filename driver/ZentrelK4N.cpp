@@ -37,18 +37,6 @@ void CZentrelK4N::FinalConstruct() {
   CreateChild<CZentrelK4NSyncGenerator>(link_, sync_generator_);
 }
 
-void CZentrelK4N::FinalRelease() {
-  link_->Cut();
-  for (auto& channel : channels_) {
-    channel.Reset();
-  }
-  power_step_.Reset();
-  pulse_generator_.Reset();
-  pulse_modulation_.Reset();
-  trigger_output_.Reset();
-  sync_generator_.Reset();
-}
-
 // Kept: both name the IVI base interface, which the object itself does not answer.
 HRESULT CZentrelK4N::get_DriverOperation(IIviDriverOperation** value) {
   return Getter(Self(), IID_IIviDriver, "IIviDriverOperation", value);

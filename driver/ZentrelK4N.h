@@ -53,7 +53,8 @@ class CZentrelK4N : public CallFrame,
   CZentrelK4N();
   /// Creates the children. One that cannot be made is missing: its getter fails.
   void FinalConstruct();
-  void FinalRelease();
+  /// Cuts the tie to the children that clients keep.
+  void FinalRelease() { link_->Cut(); }
 
   // --- For the children
   CK4NManager& manager() { return manager_; }

@@ -28,6 +28,12 @@ class Acquisition : public SessionTest {
   HRESULT FetchCode() {
     return surface_.channel->FetchData(&surface_.array, &surface_.number, &surface_.number_2);
   }
+  void ExpectNoAxis() {
+    const Trace trace = Fetch("ChannelA");
+    EXPECT_EQ(trace.initial_x, 0.0);
+    EXPECT_EQ(trace.x_increment, 0.0);
+  }
+  static constexpr std::uint16_t kLevelParameter = 79;
 };
 
 TEST_F(Acquisition, GoesFromInitiateToCompleteWhenTheSweepHasEnded) {
@@ -79,13 +85,41 @@ TEST_F(Acquisition, TheAxisIsTheSweepsWhateverTheChannelTransforms) {
   EXPECT_EQ(power.x_increment, 2.0);
   ASSERT_EQ(power.values.size(), 11u);
   EXPECT_NEAR(power.values[10] - power.values[0], 20.0, 0.1);
+
+  const auto frequencies = Doubles({1e9, 1.1e9, 1.3e9});
+  SAFEARRAY* list = frequencies.Get();
+  EXPECT_EQ(surface_.list->CreateFrequency(nullptr, &list), S_OK);
+  EXPECT_EQ(surface_.sweep->put_Mode(ZentrelK4NSweepModeList), S_OK);
+  EXPECT_EQ(surface_.acquisition->Initiate(), S_OK);
+  EXPECT_EQ(WaitForEnd(), ZentrelK4NAcquisitionStatusComplete);
+  ExpectNoAxis();
+
+  // Without a mode that the instrument took, a fetch measures by itself.
+  surface_ = Surface(ModuleWithVisa());
+  instrument_.InjectFault(simulator::Fault::Refuse(kLevelParameter, kRefusal));
+  Open();
+  LoadDetectors();
+  EXPECT_EQ(surface_.acquisition->Initiate(), S_OK);
+  instrument_.ClearFaults();
+  EXPECT_EQ(WaitForEnd(), ZentrelK4NAcquisitionStatusComplete);
+  ExpectNoAxis();
 }
 
-TEST_F(Acquisition, ASoftwareTriggerReadsOneSweep) {
+TEST_F(Acquisition, ASoftwareTriggerProgramsTheModeAgainAndReadsOneSweep) {
   RunSweep(1e9, 1.1e9, 1e7);
-  const auto sweeps = instrument_.State().sweeps;
-  EXPECT_EQ(surface_.root->SendSoftwareTrigger(), S_OK);
-  EXPECT_TRUE(WaitUntil([&] { return instrument_.State().sweeps > sweeps; }));
+  const std::vector<std::string> mode = {"level #79 [1, 4, 0, 0, -5]",
+                                         "frequency #0 [1000000000, 11, 10000000, 1100000000]",
+                                         "trigger input #7 [0, 0, 0, 0, 2, 0, 0, 0, 0, 0]"};
+  for (const std::size_t refused : {0, 1}) {
+    const auto sweeps = instrument_.State().sweeps;
+    instrument_.ClearRequests();
+    EXPECT_EQ(surface_.root->SendSoftwareTrigger(), S_OK);
+    EXPECT_TRUE(WaitUntil([&] { return instrument_.State().sweeps > sweeps; })) << refused;
+    EXPECT_EQ(TakeErrors(), std::vector<LONG>(refused, kRefusal)) << "heard of here only";
+    EXPECT_EQ(Writes(), refused == 0 ? mode : std::vector(1, mode[0]));
+    instrument_.InjectFault(simulator::Fault::Refuse(kLevelParameter, kRefusal));
+  }
+  instrument_.ClearFaults();
   EXPECT_EQ(surface_.sweep->put_TriggerSource(ZentrelK4NSweepTriggerSourceExternal), S_OK);
   instrument_.ClearRequests();
   EXPECT_EQ(surface_.root->SendSoftwareTrigger(), S_OK) << "not the client's to pull";

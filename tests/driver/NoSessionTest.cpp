@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "tests/driver/MemberWalk.h"
+#include "tests/driver/ProcessResources.h"
 #include "tests/driver/SessionFixture.h"
 
 namespace driver_test {
@@ -155,10 +156,21 @@ TEST(NoSession, CallsTellANullThatWasWrittenAndRefuseWhatDoesNotFit) {
 }
 
 TEST(NoSession, ANameTakesThePlaceOfWhatStoodThere) {
+  constexpr std::size_t kLetters = 1 << 20;
   const Surface surface;
-  BSTR name = Text("is freed").Detach();
+  BSTR name = Bstr(os::WideString(kLetters, 'x')).Detach();
+  const std::size_t before = CountResources().memory;
   EXPECT_EQ(surface.channels->get_Name(2, &name), S_OK);
+  EXPECT_TRUE(before == 0 || before > CountResources().memory + kLetters) << "is freed";
   EXPECT_EQ(TakeText(name), "ChannelB");
+  for (const LONG index : {0, 4}) {
+    name = Untouchable<OLECHAR>();
+    ExpectReported(surface.channels->get_Name(index, &name), Code(0x80047010),
+                   "ZentrelK4NLib: Invalid value (" + std::to_string(index) +
+                       ") for method Index, parameter Name.",
+                   __uuidof(IZentrelK4NChannels));
+    EXPECT_EQ(name, Untouchable<OLECHAR>()) << "not freed";
+  }
 }
 
 }  // namespace

@@ -203,21 +203,6 @@ TEST(Objects, TheRootHandsOutTheInterfacesWithoutAProperty) {
   EXPECT_TRUE(identity);
 }
 
-TEST(Objects, AGetterNamesTheInterfaceThatItCannotHandOut) {
-  const auto root = ComPtr<ComObject<CZentrelK4N>>::Adopt(ComObject<CZentrelK4N>::Create());
-  Outer without_interfaces;
-  without_interfaces.inner = SharedModule().Create(__uuidof(ZentrelK4NChannel)).Detach();
-  for (IUnknown* const target : std::initializer_list<IUnknown*>{nullptr, &without_interfaces}) {
-    IZentrelK4NRF* rf = nullptr;
-    ExpectReported(
-        root->Getter(target, __uuidof(IZentrelK4NSweep), "IZentrelK4NRF", &rf), kPropertyCode,
-        "ZentrelK4NLib: Does not support this class-compliant feature: property IZentrelK4NRF.",
-        __uuidof(IZentrelK4NSweep));
-    EXPECT_EQ(rf, nullptr);
-  }
-  without_interfaces.inner->Release();
-}
-
 TEST(Objects, ACodeThatIsNoValueLeavesTheClientsVariableAlone) {
   const auto root = ComPtr<ComObject<CZentrelK4N>>::Adopt(ComObject<CZentrelK4N>::Create());
   EXPECT_EQ(root->manager().SetPulseModSource(7), S_OK);

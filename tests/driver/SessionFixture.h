@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <bit>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -17,6 +19,12 @@ namespace driver_test {
 
 /// An answer that the failure tests look for: a code that no layer gives a meaning.
 inline constexpr std::int16_t kRefusal = -321;
+
+/// A text or array that a member must neither read nor free: either would trap.
+template <typename T>
+T* Untouchable() {
+  return std::bit_cast<T*>(std::uintptr_t{64});
+}
 
 /// A simulated instrument on a port of its own and every interface of a driver for it. No session
 /// is open before Open().
@@ -60,8 +68,9 @@ class Bench {
     std::vector<LONG> codes;
     for (;;) {
       LONG code = 0;
-      BSTR text = nullptr;
+      BSTR text = Untouchable<OLECHAR>();
       EXPECT_EQ(surface_.utility->ErrorQuery(&code, &text), S_OK);
+      EXPECT_EQ(text == nullptr, code == 0);
       SysFreeString(text);
       if (code == 0) return codes;
       codes.push_back(code);
@@ -95,6 +104,18 @@ class Bench {
     EXPECT_EQ(surface_.rf->put_OutputEnabled(VARIANT_TRUE), S_OK);
     EXPECT_EQ(surface_.acquisition->Initiate(), S_OK);
   }
+  /// What the writes since ClearRequests() asked for, as the instrument understood them.
+  std::vector<std::string> Writes() {
+    constexpr std::uint16_t kWriteCommand = 3;
+    constexpr std::string_view kWord = "write ";
+    std::vector<std::string> writes;
+    for (const auto& request : instrument_.Requests()) {
+      if (request.command != kWriteCommand) continue;
+      const std::string& text = request.text;
+      writes.push_back(text.substr(kWord.size(), text.find(" ->") - kWord.size()));
+    }
+    return writes;
+  }
   /// Runs one sweep to its end.
   void RunSweep(double start, double stop, double step) {
     StartSweep(start, stop, step, ZentrelK4NSweepTriggerSourceSoftware);
@@ -107,10 +128,14 @@ class Bench {
   };
   Trace Fetch(std::string_view name) {
     Trace trace;
-    SAFEARRAY* array = nullptr;
-    EXPECT_EQ(Channel(name)->FetchData(&array, &trace.initial_x, &trace.x_increment), S_OK);
+    auto* array = Untouchable<SAFEARRAY>();
+    const HRESULT fetched =
+        Channel(name)->FetchData(&array, &trace.initial_x, &trace.x_increment);
+    EXPECT_EQ(fetched, S_OK);
+    if (fetched != S_OK) return trace;
     const SafeArrayOwner owner(array);
-    if (array != nullptr) trace.values = ValuesOf(array);
+    EXPECT_EQ(array->rgsabound[0].lLbound, 0);
+    trace.values = ValuesOf(array);
     return trace;
   }
   /// Every point of the newest trace against what the simulated device does to a level in dBm.

@@ -41,18 +41,30 @@ TEST_F(Session, FindsTheLibraryBesideADriverInAFolderOfAnyName) {
   surface_ = Surface(ModuleWithVisa());  // before its code goes
 }
 
-TEST_F(Session, IsNotOpenedOnAnInstrumentThatCannotStart) {
+TEST_F(Session, IsOpenedOnNoInstrumentThatStartsOtherThanWithZero) {
+  const auto expect_unknown = [&] {
+    ExpectReported(Initialize(), Code(0x80047060),
+                   "ZentrelK4NLib: Unknown resource " + instrument_.ResourceName() + ".",
+                   __uuidof(IIviDriver));
+    EXPECT_FALSE(IsOpen());
+    EXPECT_TRUE(WaitUntil([&] { return instrument_.ConnectionCount() == 0; }));
+  };
   Fault refusal;
   refusal.kind = FaultKind::kRefuse;
   refusal.command = kRecoverCommand;
   refusal.status = -32766;
   instrument_.InjectFault(refusal);
-  ExpectReported(Initialize(), Code(0x80047060),
-                 "ZentrelK4NLib: Unknown resource " + instrument_.ResourceName() + ".",
-                 __uuidof(IIviDriver));
-  EXPECT_FALSE(IsOpen());
-  EXPECT_TRUE(WaitUntil([&] { return instrument_.ConnectionCount() == 0; }));
+  expect_unknown();
   instrument_.ClearFaults();
+  os::Module protocol_library;  // whose session opens with a notice
+  ASSERT_TRUE(protocol_library.Load(ZK_PROTOCOL_REFUSES));
+  expect_unknown();
+  protocol_library.Unload();
+
+  for (const auto flag : std::initializer_list<VARIANT_BOOL>{1, 2, -1, 0x100}) {
+    EXPECT_EQ(Initialize(flag, flag), Code(0x00047065)) << flag;
+    EXPECT_EQ(Initialize(VARIANT_FALSE, flag), Code(0x00047066)) << flag;
+  }
   Open();
 }
 
