@@ -74,11 +74,16 @@ const Setting kSettings[] = {
     {"PowerStep.put SingleStepEnabled", {0}, "FrequencyStep.get SingleStepEnabled", 0, "trigger input #7 [1, 1, 0, 0, 2, 0, 0, 0, 0, 0]", kInputId, S_OK},
     {"List.put SingleStepEnabled", {VARIANT_TRUE}, "PowerStep.get SingleStepEnabled", 1, "trigger input #7 [2, 1, 0, 0, 2, 0, 0, 0, 0, 0]", kInputId},
     {"FrequencyStep.put SingleStepEnabled", {0}, "PowerStep.get SingleStepEnabled", 0, "trigger input #7 [1, 1, 0, 0, 2, 0, 0, 0, 0, 0]", kInputId},
-    {"Sweep.Configure", {4, 2}, "Sweep.get TriggerSource", 2, "trigger input #7 [0, 1, 0, 0, 2, 0, 0, 0, 0, 0]", kLevelId, kInstrumentErrorCode},
+    {"System.put SyncSourceDetection", {0}, "System.get SyncSourceDetection", 0, "trigger input #7 [1, 0, 0, 0, 2, 0, 0, 0, 0, 0]", kInputId},
+    {"Sweep.put TriggerSource", {0}, "Sweep.get TriggerSource", 0, "trigger input #7 [0, 0, 0, 0, 2, 0, 0, 0, 0, 0]", kInputId},
+    {"Sweep.Configure", {4, 2}, "Sweep.get TriggerSource", 2, "trigger input #7 [0, 0, 0, 0, 2, 0, 0, 0, 0, 0]", kLevelId, kInstrumentErrorCode},
     {"PowerStep.ConfigureStartStop", {-20, 0, 2}, "PowerStep.get Size", 2, "level #79 [1, 4, 0, 0, -20, 11, 2, 0]", kLevelId, S_OK, 2, 2},
     {"PowerStep.put Start", {-10}, "PowerStep.get Start", -10, "level #79 [1, 4, 0, 0, -10, 6, 2, 0]", kLevelId, S_OK, 2, -10},
     {"PowerStep.put Stop", {-2}, "PowerStep.get Stop", -2, "level #79 [1, 4, 0, 0, -10, 5, 2, -2]", kLevelId, S_OK, 2, -2},
     {"PowerStep.put Size", {4}, "PowerStep.get Size", 4, "level #79 [1, 4, 0, 0, -10, 3, 4, -2]", kLevelId, S_OK, 2, 4},
+    {"System.put Atten", {0}, "System.get Atten", 0, "level #79 [1, 2, 0, 0, -10, 3, 4, -2]", kLevelId, kRefusal, 2, 0},
+    {"System.put Atten", {1}, "System.get Atten", 1, "level #79 [1, 3, 0, 0, -10, 3, 4, -2]", kLevelId, kRefusal, 2, 1},
+    {"System.put Atten", {2}, "System.get Atten", 2, "level #79 [1, 4, 0, 0, -10, 3, 4, -2]", kLevelId, kRefusal, 2, 2},
     {"System.put Atten", {3}, "System.get Atten", 3, "level #79 [1, 5, 0, 0, -10, 3, 4, -2]", kLevelId, kRefusal, 2, 3},
     {"System.put Atten", {7}, "System.get Atten", 3, "level #79 [1, 5, 0, 0, -10, 3, 4, -2]", kLevelId, kRefusal, 2, 3},
     {"Acquisition.put Averaging", {5}, "Acquisition.get Averaging", 5, "averaging #4 [5, 0]", kAveragingId, kRefusal, 1, 5},
@@ -98,9 +103,16 @@ const Setting kSettings[] = {
     {"RF.DisableAllModulation", {}, "PulseModulation.get Enabled", 0, "pulse train #31 [0, 3, 0, 0, 1, 0, 0]", kPulseId, kRefusal, 1, 0},
     {"TriggerOutput.put Width", {2.96e-6}, "TriggerOutput.get Width", 3e-6, "trigger output #8 [0, 0, 3, 0, 0, 0, 0, 0, 0, 0]", kOutputId, S_OK, 1, 3e-6},
     {"TriggerOutput.put Enabled", {5}, "TriggerOutput.get Enabled", 1, "trigger output #8 [0, 0, 3, 0, 0, 0, 1, 1, 1, 0]", kOutputId, S_OK},
-    {"TriggerOutput.put Mode", {1}, "TriggerOutput.get Mode", 1, "trigger output #8 [4, 0, 3, 0, 0, 0, 1, 1, 1, 0]", kOutputId, S_OK, 2},
-    {"TriggerOutput.put Mode", {7}, "TriggerOutput.get Mode", 1, "trigger output #8 [4, 0, 3, 0, 0, 0, 1, 1, 1, 0]", kOutputId, S_OK, 2},
-    {"TriggerOutput.put Polarity", {1}, "TriggerOutput.get Polarity", 1, "trigger output #8 [4, 1, 3, 0, 0, 0, 1, 1, 1, 0]", kOutputId, S_OK, 2},
+    {"TriggerOutput.put Mode", {1001}, "TriggerOutput.get Mode", 1001, "trigger output #8 [1, 0, 3, 0, 0, 0, 1, 1, 1, 0]", kOutputId, S_OK, 2},
+    {"TriggerOutput.put Mode", {1002}, "TriggerOutput.get Mode", 1002, "trigger output #8 [2, 0, 3, 0, 0, 0, 1, 1, 1, 0]", kOutputId, S_OK, 2},
+    {"TriggerOutput.put Mode", {1003}, "TriggerOutput.get Mode", 1003, "trigger output #8 [3, 0, 3, 0, 0, 0, 1, 1, 1, 0]", kOutputId, S_OK, 2},
+    {"TriggerOutput.put Mode", {1004}, "TriggerOutput.get Mode", 1004, "trigger output #8 [6, 0, 3, 0, 0, 0, 1, 1, 1, 0]", kOutputId, S_OK, 2},
+    {"TriggerOutput.put Mode", {1005}, "TriggerOutput.get Mode", 1005, "trigger output #8 [5, 0, 3, 0, 0, 5, 1, 1, 1, 0]", kOutputId, S_OK, 2},
+    {"TriggerOutput.put Mode", {0}, "TriggerOutput.get Mode", 0, "trigger output #8 [0, 0, 3, 0, 0, 5, 1, 1, 1, 0]", kOutputId, S_OK, 2},
+    {"TriggerOutput.put Mode", {1}, "TriggerOutput.get Mode", 1, "trigger output #8 [4, 0, 3, 0, 0, 5, 1, 1, 1, 0]", kOutputId, S_OK, 2},
+    {"TriggerOutput.put Mode", {7}, "TriggerOutput.get Mode", 1, "trigger output #8 [4, 0, 3, 0, 0, 5, 1, 1, 1, 0]", kOutputId, S_OK, 2},
+    {"TriggerOutput.put Polarity", {1}, "TriggerOutput.get Polarity", 1, "trigger output #8 [4, 1, 3, 0, 0, 5, 1, 1, 1, 0]", kOutputId, S_OK, 2},
+    {"TriggerOutput.put Polarity", {5}, "TriggerOutput.get Polarity", 0, "trigger output #8 [4, 0, 3, 0, 0, 5, 1, 1, 1, 0]", kOutputId, S_OK, 2},
     {"SyncGenerator.put Width", {2.004e-6}, "SyncGenerator.get Period", 2e-6, "sync generator #37 [2004, 0, 0]", kSyncId, kRefusal, 1, 2.004e-6},
     {"SyncGenerator.put Period", {1e-5}, "SyncGenerator.get Period", 1e-5, "sync generator #37 [2000, 8000, 0]", kSyncId, kRefusal, 1, 1e-5},
     {"SyncGenerator.put Delay", {1e-6}, "SyncGenerator.get Delay", 1e-6, "sync generator #37 [2000, 8000, 1000]", kSyncId, kRefusal, 1, 1e-6},
@@ -108,7 +120,8 @@ const Setting kSettings[] = {
     {"System.put ExtRefGenEnabled", {VARIANT_TRUE}, "System.get ExtRefGenEnabled", 1, "reference #17 [1, 250000000]", kReferenceId, kRefusal, 1, 1},
     {"System.put ExtRefPhaseDelay", {-7}, "System.get ExtRefPhaseDelay", -7, "phase delay #92 [-7]", kPhaseId},
     {"System.put CompensMode", {4}, "System.get CompensMode", 4, "compensation mode #11 [4]", kCompensationId, kRefusal, 1, 4},
-    {"System.put ExtPwrCtrl", {VARIANT_TRUE}, "System.get ExtPwrCtrl", 0, "trigger output #8 [6, 1, 3, 1, 0, 0, 1, 1, 1, 0]", kInputId, kRefusal, 1, -1},
+    {"System.put CompensMode", {9}, "System.get CompensMode", 4, "compensation mode #11 [9]", kCompensationId, kRefusal, 1, 9},
+    {"System.put ExtPwrCtrl", {VARIANT_TRUE}, "System.get ExtPwrCtrl", 0, "trigger output #8 [6, 0, 3, 1, 0, 5, 1, 1, 1, 0]", kInputId, kRefusal, 1, -1},
     {"Channel.put FrequencyOffset", {1e6}, "Channel.get FrequencyOffset", 1e6, ""},
     {"Channel.put FrequencyMultiplier", {3}, "Channel.get FrequencyMultiplier", 3, ""},
     {"Channel.put FrequencyDivider", {2}, "Channel.get FrequencyDivider", 2, ""},
@@ -127,7 +140,7 @@ class SettingWalk : public Settings {
   }
 };
 
-TEST_F(SettingWalk, IsRefusedThenTakenOneByOne) {
+TEST_F(SettingWalk, IsRefusedThenTakenOneByOneAndReadsTheSameAfterClose) {
   for (const Setting& row : kSettings) {
     SCOPED_TRACE(std::string(row.call) + " " + std::to_string(row.reads));
     const auto reads = [&](double wanted) {
@@ -147,6 +160,21 @@ TEST_F(SettingWalk, IsRefusedThenTakenOneByOne) {
     reads(row.reads);
     EXPECT_THAT(TakeErrors(), ElementsAre());
   }
+
+  std::vector<std::pair<const Walked*, Answer>> gets;
+  for (const Walked& walked : AllMembers()) {
+    if (walked.member->kind != members::Kind::kGet || walked.FindUnsupported() != nullptr) continue;
+    gets.emplace_back(&walked, Call(surface_, walked));
+  }
+  EXPECT_EQ(surface_.root->Close(), S_OK);
+  const Surface fresh;
+  for (const auto& [walked, open] : gets) {
+    if (walked->name == "Root.get Initialized") continue;
+    SCOPED_TRACE(walked->name);
+    const Answer closed = Call(surface_, *walked);
+    EXPECT_EQ(closed.result, Call(fresh, *walked).result) << "as without any session";
+    EXPECT_EQ(closed.written, closed.result == S_OK ? open.written : std::vector<std::string>());
+  }
 }
 
 // clang-format off
@@ -164,6 +192,44 @@ TEST(SettingTable, HasEveryMemberThatSets) {
     EXPECT_EQ(std::ranges::count(kSettings, walked.name, &Setting::call) == 0,
               std::ranges::count(kTestedElsewhere, walked.name) == 1)
         << walked.name;
+  }
+}
+
+TEST_F(Settings, EveryNumberButZeroIsTrue) {
+  constexpr std::pair<std::string_view, std::string_view> kSwitches[] = {
+      {"RF.put OutputEnabled", "RF.get OutputEnabled"},
+      {"FrequencyStep.put SingleStepEnabled", "FrequencyStep.get SingleStepEnabled"},
+      {"PowerStep.put SingleStepEnabled", "FrequencyStep.get SingleStepEnabled"},
+      {"List.put SingleStepEnabled", "FrequencyStep.get SingleStepEnabled"},
+      {"PulseModulation.put Enabled", "PulseModulation.get Enabled"},
+      {"PulseGeneratorDouble.put Enabled", "PulseGeneratorDouble.get Enabled"},
+      {"PulseGeneratorDouble.Configure", "PulseGeneratorDouble.get Enabled"},
+      {"PulsePacketGenerator.put Enabled", "PulsePacketGenerator.get Enabled"},
+      {"PulsePacketGenerator.Configure", "PulsePacketGenerator.get Enabled"},
+      {"TriggerOutput.put Enabled", "TriggerOutput.get Enabled"},
+      {"System.put ExtRefGenEnabled", "System.get ExtRefGenEnabled"},
+      {"System.put ExtPwrCtrl", "Sweep.get TriggerSource"}};
+  EXPECT_EQ(surface_.sweep->put_TriggerSource(ZentrelK4NSweepTriggerSourceExternal), S_OK);
+  for (const auto& [put, get] : kSwitches) {
+    for (const double flag : {1, 0, 2, 0, -1, 0, 0x100, 0}) {
+      Call(surface_, MemberOf(put), std::vector{flag});
+      EXPECT_EQ(NumberOf(surface_, get) != 0, flag != 0) << put << " " << flag;
+    }
+  }
+}
+
+TEST_F(Settings, EverySweepModeProgramsItsAxes) {
+  using simulator::AxisMode;
+  constexpr std::tuple<ZentrelK4NSweepModeEnum, AxisMode, AxisMode> kModes[] = {
+      {ZentrelK4NSweepModeList, AxisMode::kList, AxisMode::kList},
+      {ZentrelK4NSweepModePowerStep, AxisMode::kFixed, AxisMode::kSweep},
+      {ZentrelK4NSweepModeFrequencyStep, AxisMode::kSweep, AxisMode::kFixed},
+      {ZentrelK4NSweepModeNone, AxisMode::kFixed, AxisMode::kFixed}};
+  for (const auto& [mode, frequency, level] : kModes) {
+    EXPECT_EQ(surface_.sweep->put_Mode(mode), S_OK);
+    EXPECT_EQ(instrument_.State().frequency.mode, frequency) << mode;
+    EXPECT_EQ(instrument_.State().level.mode, level) << mode;
+    EXPECT_EQ(NumberOf(surface_, "Sweep.get Mode"), mode);
   }
 }
 
@@ -191,6 +257,11 @@ TEST_F(Settings, ListsComeBackAsTheInstrumentTookThemAndReplaceEachOther) {
   EXPECT_THAT(lists(), Pair(ElementsAre(1e7), ElementsAre(-10, 20)));
   EXPECT_EQ(surface_.list->CreateFrequencyPower(nullptr, &frequency, &level), S_OK);
   EXPECT_THAT(lists(), Pair(ElementsAre(1e9, 20e9), ElementsAre(-10, 20)));
+  EXPECT_EQ(surface_.list->ClearAll(), S_OK);
+  EXPECT_THAT(lists(), Pair(ElementsAre(1e7), ElementsAre(-60)));
+  EXPECT_EQ(surface_.list->CreatePower(nullptr, &level), S_OK);
+  EXPECT_EQ(surface_.list->CreateFrequency(nullptr, &frequency), S_OK);
+  EXPECT_THAT(lists(), Pair(ElementsAre(1e9, 20e9), ElementsAre(-60)));
 
   instrument_.InjectFault(Fault::Refuse(kFrequencyListId, kRefusal));
   EXPECT_EQ(surface_.list->CreateFrequencyPower(nullptr, &frequency, &level), S_OK);
@@ -198,7 +269,6 @@ TEST_F(Settings, ListsComeBackAsTheInstrumentTookThemAndReplaceEachOther) {
   EXPECT_EQ(surface_.list->CreateFrequency(nullptr, &frequency), kRefusal);
   instrument_.ClearFaults();
   EXPECT_EQ(surface_.list->CreateFrequency(nullptr, nullptr), S_OK) << "no array: no list";
-  EXPECT_EQ(surface_.list->ClearAll(), S_OK);
   EXPECT_THAT(lists(), Pair(ElementsAre(1e7), ElementsAre(-60)));
 }
 
@@ -218,17 +288,13 @@ TEST_F(Settings, PacketsComeBackFillingThePeriod) {
   EXPECT_EQ(instrument_.State().pulses.pulses.size(), 1u);
 }
 
-TEST_F(Settings, WithoutASessionTheRecordsReadAsTheyWereLast) {
-  EXPECT_EQ(surface_.trigger_output->put_Enabled(VARIANT_TRUE), S_OK);
-  EXPECT_EQ(surface_.trigger_output->put_Mode(ZentrelK4NTriggerOutputModeSyncGen), S_OK);
+TEST_F(Settings, WithoutASessionTheRecordsTakeNothing) {
   EXPECT_EQ(surface_.trigger_output->put_Width(3e-6), S_OK);
   EXPECT_EQ(surface_.sync_generator->put_Period(2e-6), S_OK);
   surface_.root->Close();
-  EXPECT_EQ(surface_.trigger_output->put_Width(9e-6), S_OK) << "not taken, nor told";
+  EXPECT_EQ(surface_.trigger_output->put_Width(9e-6), S_OK) << "nor told";
   EXPECT_EQ(surface_.sync_generator->put_Period(9e-6), kNoSessionCode);
   EXPECT_EQ(NumberOf(surface_, "TriggerOutput.get Width"), 3e-6);
-  EXPECT_EQ(NumberOf(surface_, "TriggerOutput.get Mode"), ZentrelK4NTriggerOutputModeSyncGen);
-  EXPECT_EQ(NumberOf(surface_, "TriggerOutput.get Enabled"), 1);
   EXPECT_EQ(NumberOf(surface_, "SyncGenerator.get Period"), 2e-6);
   Open();
   EXPECT_EQ(NumberOf(surface_, "TriggerOutput.get Width"), 1e-6) << "a session starts afresh";
