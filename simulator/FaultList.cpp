@@ -37,6 +37,7 @@ std::optional<Fault> FaultList::Take(std::uint16_t command,
     if (!struck && !over) {
       struck = fault;
       ++pending.struck;
+      ++struck_;
     }
   }
   return struck;

@@ -17,6 +17,8 @@ class FaultList {
   void Clear() { pending_.clear(); }
   /// Every fault that matches the request counts it; the first that is due strikes.
   std::optional<Fault> Take(std::uint16_t command, std::optional<std::uint16_t> parameter);
+  /// Requests that were struck so far.
+  [[nodiscard]] std::uint64_t struck() const { return struck_; }
 
  private:
   struct Pending {
@@ -25,6 +27,7 @@ class FaultList {
     std::uint32_t struck = 0;  // those that it struck
   };
   std::vector<Pending> pending_;
+  std::uint64_t struck_ = 0;
 };
 
 /// Bytes on their way to a client, and their timing.

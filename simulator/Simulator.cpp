@@ -116,6 +116,11 @@ void Simulator::ClearFaults() {
   impl_->bench.faults.Clear();
 }
 
+std::uint64_t Simulator::StruckRequests() const {
+  const std::lock_guard lock(impl_->bench.mutex);
+  return impl_->bench.faults.struck();
+}
+
 void Simulator::SetDevice(const DeviceUnderTest& device) {
   Options options = impl_->options;
   options.device = device;

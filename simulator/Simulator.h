@@ -50,6 +50,9 @@ class Simulator {
   /// Joins those already there; the first that matches a request strikes.
   void InjectFault(const Fault& fault);
   void ClearFaults();
+  /// Requests that faults have struck since the instrument was switched on. It is told before what
+  /// comes of the fault can be seen at the other end.
+  [[nodiscard]] std::uint64_t StruckRequests() const;
 
   // What happens at the instrument rather than on the wire.
   void SetDevice(const DeviceUnderTest& device);

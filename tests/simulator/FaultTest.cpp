@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -37,6 +38,7 @@ TEST(FaultList, StrikesWhatMatchesAsOftenAsItSays) {
       struck += fault ? 'x' : '-';
     }
     EXPECT_EQ(struck, expected) << text;
+    EXPECT_EQ(faults.struck(), std::ranges::count(struck, 'x'));
   }
 }
 

@@ -47,15 +47,16 @@ struct Mishap {
   bool data_only = false;
   std::uint16_t word = 0;  // header word or status
   std::int32_t bytes = 0;
-  int pause = 0;  // ms
+  int pause = 0;        // ms
+  bool is_felt = true;  // by the client, as a failure
 };
 constexpr Mishap kMishaps[] = {
     {.kind = FaultKind::kRefuse, .word = 0xFEBF},
     {.kind = FaultKind::kDrop},
     {.kind = FaultKind::kHeaderWord, .word = 0x1234},
-    {.kind = FaultKind::kPieces, .bytes = 7, .pause = 1},
+    {.kind = FaultKind::kPieces, .bytes = 7, .pause = 1, .is_felt = false},
     {.kind = FaultKind::kSilence},
-    {.kind = FaultKind::kDelay, .pause = 20},
+    {.kind = FaultKind::kDelay, .pause = 20, .is_felt = false},
     {.kind = FaultKind::kBlockStatus, .word = 0x8007},
     {.kind = FaultKind::kBodyLength, .data_only = true, .bytes = -5},
     {.kind = FaultKind::kBodyLength, .data_only = true, .bytes = 7},
@@ -122,9 +123,14 @@ class Soak : public SessionTest {
     return TakeErrors().empty() && done;
   }
 
+  /// Whether a fault that is felt has struck since the round began.
+  [[nodiscard]] bool HasStruck() const {
+    return cut_ || (felt_ && instrument_.StruckRequests() != struck_before_);
+  }
+
   /// True when the sweep has ended well. A free-running one may give its block up to a fault and
-  /// deliver the next one: that is no failure.
-  bool Run() {
+  /// deliver the next one: that is no failure. Only a fault of its own keeps a sweep from its end.
+  bool Run(bool had_struck) {
     surface_.acquisition->Initiate();
     auto status = ZentrelK4NAcquisitionStatusInProgress;
     const auto deadline = steady_clock::now() + std::chrono::seconds(5);
@@ -132,6 +138,9 @@ class Soak : public SessionTest {
       surface_.acquisition->get_Status(&status);
     }
     TakeErrorInfo();
+    if (status == ZentrelK4NAcquisitionStatusInProgress) {
+      EXPECT_TRUE(!had_struck && HasStruck()) << "sweep " << sweeps_ << " was lost";
+    }
     return status == ZentrelK4NAcquisitionStatusComplete;
   }
 
@@ -161,7 +170,8 @@ class Soak : public SessionTest {
       surface_.acquisition->Initiate();
     }
     const Plan plan = NewPlan();
-    if (!Configure(plan) || !Run()) return false;
+    const bool had_struck = HasStruck();
+    if (!Configure(plan) || !Run(had_struck)) return false;
     Check(plan);
     return true;
   }
@@ -171,6 +181,7 @@ class Soak : public SessionTest {
     if (OneIn(6)) {
       instrument_.Stop();
       instrument_.Start();
+      cut_ = true;
       return;
     }
     const Mishap& mishap = kMishaps[Pick(0, std::size(kMishaps) - 1)];
@@ -183,27 +194,33 @@ class Soak : public SessionTest {
     fault.bytes = mishap.bytes;
     fault.pause = std::chrono::milliseconds(mishap.pause);
     if (mishap.data_only || OneIn(2)) fault.command = kDataCommand;
+    felt_ = mishap.is_felt;
     instrument_.InjectFault(fault);
   }
 
   void Round() {
     // A fault may strike a free-running sweep after its trace was fetched: the next one feels it.
-    const bool disturbed_before = disturbed_;
     instrument_.ClearFaults();
-    disturbed_ = OneIn(2);
-    if (disturbed_) Disturb();
+    const bool had_struck = HasStruck();
+    struck_before_ = instrument_.StruckRequests();
+    felt_ = cut_ = false;
+    if (OneIn(2)) Disturb();
     if (Measure()) return;
-    EXPECT_TRUE(disturbed_ || disturbed_before) << "a sweep failed that nothing had disturbed";
+    EXPECT_TRUE(had_struck || HasStruck()) << "a sweep failed that nothing had disturbed";
     instrument_.ClearFaults();
     ++failures_;
-    if (Measure()) return;  // the same session serves on where the link has held
+    if (Measure()) return;
+    EXPECT_TRUE(WaitUntil([this] { return instrument_.ConnectionCount() == 0; }))
+        << "a session that fails again has lost its link";
     Reconnect();
     EXPECT_TRUE(Measure()) << "a new session measures";
   }
 
   std::mt19937 random_{static_cast<unsigned>(Setting("ZK_SOAK_SEED", 1))};
   simulator::DeviceUnderTest device_{.isolation = 40.0};  // the detectors see all of it
-  bool disturbed_ = false;
+  // The round's fault.
+  bool felt_ = false, cut_ = false;
+  std::uint64_t struck_before_ = 0;
   std::uint64_t sweeps_ = 0, points_ = 0, faults_ = 0, failures_ = 0, reconnections_ = 0;
 };
 
