@@ -49,9 +49,8 @@ HRESULT CallFrame::BuiltError(REFIID iid, Status code, os::WideView insert) cons
   return WideError(PrefixedMessage(BuildErrorMessage(code, insert)), iid, code);
 }
 
-HRESULT CallFrame::NotSupported(std::string_view qualified_name, REFIID iid) const noexcept {
+HRESULT CallFrame::NotSupported(std::string_view member, REFIID iid) const noexcept {
   return Frame([&] {
-    const std::string_view member = qualified_name.substr(qualified_name.find("::") + 2);
     if (member.starts_with(kPutPrefix) || member.starts_with(kGetPrefix)) {
       return BuiltError(iid, status::kPropertyNotSupported, member.substr(kPutPrefix.size()));
     }

@@ -50,10 +50,9 @@ class CallFrame {
   /// the code page lacks.
   HRESULT BuiltError(REFIID iid, Status code, os::WideView insert) const;
 
-  /// The whole answer of a member that is not supported, given its qualified name
-  /// ("Class::get_Property" or "Class::Method"): 0x80047012 for a property, 0x80047011 for a
-  /// method.
-  HRESULT NotSupported(std::string_view qualified_name, REFIID iid) const noexcept;
+  /// The whole answer of a member that is not supported, given its name ("get_Property" or
+  /// "Method"): 0x80047012 for a property, 0x80047011 for a method.
+  HRESULT NotSupported(std::string_view member, REFIID iid) const noexcept;
 
   /// The whole body of a property that hands out an interface of `target` (null when that object
   /// could not be made). A failed query is reported as 0x80047012 with the wanted interface's name,

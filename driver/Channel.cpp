@@ -10,11 +10,11 @@ void CZentrelK4NChannel::SetOwner(std::shared_ptr<OwnerLink> owner, std::size_t 
 }
 
 STDMETHODIMP CZentrelK4NChannel::get_Enabled(VARIANT_BOOL* /*value*/) {
-  return NotSupported("CZentrelK4NChannel::get_Enabled", kInterface);
+  return NotSupported("get_Enabled", kInterface);
 }
 
 STDMETHODIMP CZentrelK4NChannel::put_Enabled(VARIANT_BOOL /*value*/) {
-  return NotSupported("CZentrelK4NChannel::put_Enabled", kInterface);
+  return NotSupported("put_Enabled", kInterface);
 }
 
 STDMETHODIMP CZentrelK4NChannel::LoadDetectorDataFromFile(BSTR file_name) {

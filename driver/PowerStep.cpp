@@ -36,7 +36,7 @@ STDMETHODIMP CZentrelK4NPowerStep::get_Size(double* value) {
 
 STDMETHODIMP CZentrelK4NPowerStep::ConfigureDwell(VARIANT_BOOL /*single_step_enabled*/,
                                                   double /*dwell*/) {
-  return NotSupported("CZentrelK4NPowerStep::ConfigureDwell", kInterface);
+  return NotSupported("ConfigureDwell", kInterface);
 }
 
 STDMETHODIMP CZentrelK4NPowerStep::put_SingleStepEnabled(VARIANT_BOOL enabled) {
@@ -70,7 +70,7 @@ STDMETHODIMP CZentrelK4NPowerStep::get_Dwell(double* value) {
 }
 
 STDMETHODIMP CZentrelK4NPowerStep::Reset() {
-  return NotSupported("CZentrelK4NPowerStep::Reset", kInterface);
+  return NotSupported("Reset", kInterface);
 }
 
 HRESULT CZentrelK4NPowerStep::Replace(double StepSettings::*element, double value) {

@@ -33,7 +33,7 @@ STDMETHODIMP CZentrelK4NPulseGenerator::Configure(ZentrelK4NPulseTriggerSourceEn
 
 STDMETHODIMP CZentrelK4NPulseGenerator::ConfigureExternalTrigger(
     ZentrelK4NPulseExternalTriggerSlopeEnum /*slope*/, double /*delay*/) {
-  return NotSupported("CZentrelK4NPulseGenerator::ConfigureExternalTrigger", kInterface);
+  return NotSupported("ConfigureExternalTrigger", kInterface);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::put_InternalTriggerPeriod(double period) {
@@ -61,42 +61,42 @@ STDMETHODIMP CZentrelK4NPulseGenerator::get_Width(double* value) {
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::put_GatingEnabled(VARIANT_BOOL /*enabled*/) {
-  return NotSupported("CZentrelK4NPulseGenerator::put_GatingEnabled", kInterface);
+  return NotSupported("put_GatingEnabled", kInterface);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_GatingEnabled(VARIANT_BOOL* /*value*/) {
-  return NotSupported("CZentrelK4NPulseGenerator::get_GatingEnabled", kInterface);
+  return NotSupported("get_GatingEnabled", kInterface);
 }
 
 // Kept: the root answers for the trigger source, under a name of its own for the property.
 STDMETHODIMP CZentrelK4NPulseGenerator::put_TriggerSource(
     ZentrelK4NPulseTriggerSourceEnum /*source*/) {
   return RootFrame([&](const CZentrelK4N& root) {
-    return root.NotSupported("CZentrelK4N::put_TriggerSource_PGenerator", kInterface);
+    return root.NotSupported("put_TriggerSource_PGenerator", kInterface);
   });
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_TriggerSource(
     ZentrelK4NPulseTriggerSourceEnum* /*value*/) {
   return RootFrame([&](const CZentrelK4N& root) {
-    return root.NotSupported("CZentrelK4N::get_TriggerSource_PGenerator", kInterface);
+    return root.NotSupported("get_TriggerSource_PGenerator", kInterface);
   });
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::put_ExternalTriggerSlope(
     ZentrelK4NPulseExternalTriggerSlopeEnum /*slope*/) {
-  return NotSupported("CZentrelK4NPulseGenerator::put_ExternalTriggerSlope", kInterface);
+  return NotSupported("put_ExternalTriggerSlope", kInterface);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_ExternalTriggerSlope(
     ZentrelK4NPulseExternalTriggerSlopeEnum* /*value*/) {
-  return NotSupported("CZentrelK4NPulseGenerator::get_ExternalTriggerSlope", kInterface);
+  return NotSupported("get_ExternalTriggerSlope", kInterface);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::put_ExternalTriggerDelay(double /*delay*/) {
-  return NotSupported("CZentrelK4NPulseGenerator::put_ExternalTriggerDelay", kInterface);
+  return NotSupported("put_ExternalTriggerDelay", kInterface);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_ExternalTriggerDelay(double* /*value*/) {
-  return NotSupported("CZentrelK4NPulseGenerator::get_ExternalTriggerDelay", kInterface);
+  return NotSupported("get_ExternalTriggerDelay", kInterface);
 }

@@ -2,28 +2,28 @@
 
 STDMETHODIMP CZentrelK4NPulseGeneratorOutput::Configure(
     ZentrelK4NPulseOutputPolarityEnum /*polarity*/, VARIANT_BOOL /*enabled*/) {
-  return RootNotSupported("CZentrelK4N::Configure_PGeneratorOutput");
+  return RootNotSupported("Configure_PGeneratorOutput");
 }
 
 STDMETHODIMP CZentrelK4NPulseGeneratorOutput::put_Polarity(
     ZentrelK4NPulseOutputPolarityEnum /*polarity*/) {
-  return RootNotSupported("CZentrelK4N::put_Polarity_PGeneratorOutput");
+  return RootNotSupported("put_Polarity_PGeneratorOutput");
 }
 
 STDMETHODIMP CZentrelK4NPulseGeneratorOutput::get_Polarity(
     ZentrelK4NPulseOutputPolarityEnum* /*value*/) {
-  return RootNotSupported("CZentrelK4N::get_Polarity_PGeneratorOutput");
+  return RootNotSupported("get_Polarity_PGeneratorOutput");
 }
 
 STDMETHODIMP CZentrelK4NPulseGeneratorOutput::put_Enabled(VARIANT_BOOL /*enabled*/) {
-  return RootNotSupported("CZentrelK4N::put_Enabled_PGeneratorOutput");
+  return RootNotSupported("put_Enabled_PGeneratorOutput");
 }
 
 STDMETHODIMP CZentrelK4NPulseGeneratorOutput::get_Enabled(VARIANT_BOOL* /*value*/) {
-  return RootNotSupported("CZentrelK4N::get_Enabled_PGeneratorOutput");
+  return RootNotSupported("get_Enabled_PGeneratorOutput");
 }
 
-HRESULT CZentrelK4NPulseGeneratorOutput::RootNotSupported(std::string_view qualified_name) {
+HRESULT CZentrelK4NPulseGeneratorOutput::RootNotSupported(std::string_view member) {
   return RootFrame(
-      [&](const CZentrelK4N& root) { return root.NotSupported(qualified_name, kInterface); });
+      [&](const CZentrelK4N& root) { return root.NotSupported(member, kInterface); });
 }

@@ -20,5 +20,5 @@ class CZentrelK4NPulseGeneratorOutput : public Child<IZentrelK4NPulseGeneratorOu
   ~CZentrelK4NPulseGeneratorOutput() = default;
 
  private:
-  HRESULT RootNotSupported(std::string_view qualified_name);
+  HRESULT RootNotSupported(std::string_view member);
 };

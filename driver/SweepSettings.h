@@ -38,7 +38,7 @@ inline StepSettings PowerStepOf(const CK4NManager& manager) {
 
 /// Seconds a point, one for all kinds of sweep.
 inline double DwellOf(const CK4NManager& manager) {
-  double nanoseconds = 0.0;
+  double nanoseconds{};
   manager.GetDwell(nanoseconds);
   return nanoseconds / kNanosecondsPerSecond;
 }

@@ -59,7 +59,7 @@ STDMETHODIMP CZentrelK4NTriggerOutput::get_Mode(ZentrelK4NTriggerOutputModeEnum*
 // Kept: every value but Inverse means Normal.
 STDMETHODIMP CZentrelK4NTriggerOutput::put_Polarity(ZentrelK4NTriggerOutputPolarityEnum polarity) {
   return Set([&](auto& settings) {
-    settings.polarity = polarity == ZentrelK4NTriggerOutputPolarityInverse ? 1 : 0;
+    settings.polarity = polarity == ZentrelK4NTriggerOutputPolarityInverse;
   });
 }
 

@@ -259,8 +259,6 @@ class CZentrelK4N : public CallFrame,
   IUnknown* Self() { return static_cast<IZentrelK4N*>(this); }
   /// Writes 1 or 0; nothing when the manager has a failure to report, which is returned.
   Status ReadStateBit(VARIANT_BOOL& value, Status (CK4NManager::*read)(bool&));
-  /// Switches from the list to a continuous wave.
-  void LeaveListMode(bool list_held);
   /// Takes the newest block into the trace; needs the acquisition's lock.
   HRESULT UpdateAcquisition();
   void SetAcquisitionStatus(ZentrelK4NAcquisitionStatusEnum status);

@@ -41,7 +41,7 @@ StepSettings SweptAxis(const CK4NManager& manager) {
 
 STDMETHODIMP CZentrelK4N::get_Averaging(LONG* value) {
   return SessionFrame(kAcquisition, value, [&]() -> HRESULT {
-    std::int32_t count = 0;
+    std::int32_t count{};
     if (manager_.GetAveraging(count) == status::kPropertyNotSupported) {
       return BuiltError(kAcquisition, status::kPropertyNotSupported, "Averaging");
     }

@@ -70,7 +70,7 @@ STDMETHODIMP CZentrelK4N::get_Scaling(ZentrelK4NFrequencyStepScalingEnum* value)
 }
 
 STDMETHODIMP CZentrelK4N::put_Size(double /*size*/) {
-  return NotSupported("CZentrelK4N::put_Size", kFrequencyStep);
+  return NotSupported("put_Size", kFrequencyStep);
 }
 
 STDMETHODIMP CZentrelK4N::get_Size(double* value) {
@@ -81,7 +81,7 @@ STDMETHODIMP CZentrelK4N::get_Size(double* value) {
 }
 
 STDMETHODIMP CZentrelK4N::ConfigureDwell(VARIANT_BOOL /*single_step_enabled*/, double /*dwell*/) {
-  return NotSupported("CZentrelK4N::ConfigureDwell", kFrequencyStep);
+  return NotSupported("ConfigureDwell", kFrequencyStep);
 }
 
 STDMETHODIMP CZentrelK4N::put_SingleStepEnabled(VARIANT_BOOL enabled) {

@@ -11,11 +11,11 @@ const IID& kList = __uuidof(IZentrelK4NList);
 }  // namespace
 
 STDMETHODIMP CZentrelK4N::get_SelectedName(BSTR* /*value*/) {
-  return NotSupported("CZentrelK4N::get_SelectedName", kList);
+  return NotSupported("get_SelectedName", kList);
 }
 
 STDMETHODIMP CZentrelK4N::put_SelectedName(BSTR /*name*/) {
-  return NotSupported("CZentrelK4N::put_SelectedName", kList);
+  return NotSupported("put_SelectedName", kList);
 }
 
 // Works without a session; the instrument keeps what it has until it is programmed again.

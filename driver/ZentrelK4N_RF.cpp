@@ -1,23 +1,11 @@
 // IZentrelK4NRF: continuous-wave frequency and level, output switch.
-#include "driver/SweepSettings.h"
 #include "driver/ZentrelK4N.h"
 
 namespace {
 
 const IID& kRf = __uuidof(IZentrelK4NRF);
 
-// The client's value for the list, which the manager's own codes never reach. Kept: frequency and
-// level compare the manager's code with it, and so a held list never makes them leave the list
-// mode.
-constexpr auto kListModeOfClients = static_cast<SweepMode>(5);
-
 }  // namespace
-
-void CZentrelK4N::LeaveListMode(bool list_held) {
-  if (list_held && SweepModeOf(manager_) == kListModeOfClients) {
-    put_Mode(ZentrelK4NSweepModeNone);
-  }
-}
 
 STDMETHODIMP CZentrelK4N::Configure(double frequency, double power_level) {
   return SessionFrame(kRf, [&] {
@@ -26,14 +14,9 @@ STDMETHODIMP CZentrelK4N::Configure(double frequency, double power_level) {
   });
 }
 
+// Kept: neither frequency nor level makes a sweep over a list end.
 STDMETHODIMP CZentrelK4N::put_Frequency(double frequency) {
-  return SessionFrame(kRf, [&] {
-    const Status result = manager_.SetFrequency(frequency);
-    if (result == status::kOk) {
-      LeaveListMode(manager_.HasFrequencyList());
-    }
-    return result;
-  });
+  return SessionFrame(kRf, [&] { return manager_.SetFrequency(frequency); });
 }
 
 STDMETHODIMP CZentrelK4N::get_Frequency(double* value) {
@@ -43,13 +26,8 @@ STDMETHODIMP CZentrelK4N::get_Frequency(double* value) {
   });
 }
 
-// Kept: unlike the frequency, a refused level is followed by the look at the list, too.
 STDMETHODIMP CZentrelK4N::put_Level(double level) {
-  return SessionFrame(kRf, [&] {
-    const Status result = manager_.SetLevel(level);
-    LeaveListMode(manager_.HasPowerList());
-    return result;
-  });
+  return SessionFrame(kRf, [&] { return manager_.SetLevel(level); });
 }
 
 STDMETHODIMP CZentrelK4N::get_Level(double* value) {
@@ -76,11 +54,11 @@ STDMETHODIMP CZentrelK4N::get_OutputEnabled(VARIANT_BOOL* value) {
 }
 
 STDMETHODIMP CZentrelK4N::IsSettled(VARIANT_BOOL* /*done*/) {
-  return NotSupported("CZentrelK4N::IsSettled", kRf);
+  return NotSupported("IsSettled", kRf);
 }
 
 STDMETHODIMP CZentrelK4N::WaitUntilSettled(LONG /*max_time_milliseconds*/) {
-  return NotSupported("CZentrelK4N::WaitUntilSettled", kRf);
+  return NotSupported("WaitUntilSettled", kRf);
 }
 
 // Pulse modulation is the only one. Kept: without a session this is 10057, which clients see as

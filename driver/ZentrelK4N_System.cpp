@@ -115,7 +115,7 @@ STDMETHODIMP CZentrelK4N::get_Atten(ZentrelK4NSystemAttenEnum* value) {
 STDMETHODIMP CZentrelK4N::put_ExtRefGenEnabled(VARIANT_BOOL enabled) {
   return SessionFrame(kSystem, [&] {
     bool previous = false;
-    double frequency = 0.0;
+    double frequency{};
     manager_.GetExtRefGen(previous, frequency);
     return manager_.SetExtRefGen(enabled != VARIANT_FALSE, frequency);
   });
@@ -124,7 +124,7 @@ STDMETHODIMP CZentrelK4N::put_ExtRefGenEnabled(VARIANT_BOOL enabled) {
 STDMETHODIMP CZentrelK4N::get_ExtRefGenEnabled(VARIANT_BOOL* value) {
   return SessionFrame(kSystem, value, [&] {
     bool enabled = false;
-    double frequency = 0.0;
+    double frequency{};
     manager_.GetExtRefGen(enabled, frequency);
     *value = enabled ? 1 : 0;
     return S_OK;
@@ -134,7 +134,7 @@ STDMETHODIMP CZentrelK4N::get_ExtRefGenEnabled(VARIANT_BOOL* value) {
 STDMETHODIMP CZentrelK4N::put_ExtRefGenFrequency(double frequency) {
   return SessionFrame(kSystem, [&] {
     bool enabled = false;
-    double previous = 0.0;
+    double previous{};
     manager_.GetExtRefGen(enabled, previous);
     return manager_.SetExtRefGen(enabled, frequency);
   });
@@ -173,7 +173,7 @@ STDMETHODIMP CZentrelK4N::put_ExtRefPhaseDelay(LONG delay) {
 
 STDMETHODIMP CZentrelK4N::get_ExtRefPhaseDelay(LONG* value) {
   return SessionFrame(kSystem, value, [&] {
-    std::int32_t delay = 0;
+    std::int32_t delay{};
     manager_.GetExtRefPhaseDelay(delay);
     *value = delay;
     return S_OK;
@@ -197,7 +197,7 @@ STDMETHODIMP CZentrelK4N::get_ExtPwrCtrl(VARIANT_BOOL* value) {
 
 STDMETHODIMP CZentrelK4N::get_CompensMode(ZentrelK4NSystemCompensModeEnum* value) {
   return SessionFrame(kSystem, value, [&] {
-    std::uint32_t mode = 0;
+    std::uint32_t mode{};
     manager_.GetCompensMode(mode);
     *value = static_cast<ZentrelK4NSystemCompensModeEnum>(mode);
     return S_OK;

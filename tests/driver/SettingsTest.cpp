@@ -256,6 +256,8 @@ TEST_F(Settings, ListsComeBackAsTheInstrumentTookThemAndReplaceEachOther) {
   EXPECT_THAT(ValuesOf(level), ElementsAre(-10, 20));
   EXPECT_THAT(lists(), Pair(ElementsAre(1e7), ElementsAre(-10, 20)));
   EXPECT_EQ(surface_.list->CreateFrequencyPower(nullptr, &frequency, &level), S_OK);
+  EXPECT_EQ(surface_.rf->Configure(2e9, -20), S_OK);
+  EXPECT_EQ(NumberOf(surface_, "Sweep.get Mode"), ZentrelK4NSweepModeList) << "it stays";
   EXPECT_THAT(lists(), Pair(ElementsAre(1e9, 20e9), ElementsAre(-10, 20)));
   EXPECT_EQ(surface_.list->ClearAll(), S_OK);
   EXPECT_THAT(lists(), Pair(ElementsAre(1e7), ElementsAre(-60)));
