@@ -79,8 +79,8 @@ class Child : public CallFrame, public Interface, public ISupportErrorInfo {
   std::shared_ptr<OwnerLink> owner_;
 };
 
-/// Makes a child for the owner and puts its interface into `place`; without memory the place is left
-/// empty.
+/// Makes a child for the owner and puts its interface into `place`; without memory the place is
+/// left empty.
 template <typename Class, typename Interface, typename... Settings>
 void CreateChild(const std::shared_ptr<OwnerLink>& owner, ComPtr<Interface>& place,
                  Settings... settings) {

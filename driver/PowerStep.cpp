@@ -69,9 +69,7 @@ STDMETHODIMP CZentrelK4NPowerStep::get_Dwell(double* value) {
   });
 }
 
-STDMETHODIMP CZentrelK4NPowerStep::Reset() {
-  return NotSupported("Reset", kInterface);
-}
+STDMETHODIMP CZentrelK4NPowerStep::Reset() { return NotSupported("Reset", kInterface); }
 
 HRESULT CZentrelK4NPowerStep::Replace(double StepSettings::*element, double value) {
   return SessionFrame([&](CK4NManager& manager) {

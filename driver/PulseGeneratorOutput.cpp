@@ -24,6 +24,5 @@ STDMETHODIMP CZentrelK4NPulseGeneratorOutput::get_Enabled(VARIANT_BOOL* /*value*
 }
 
 HRESULT CZentrelK4NPulseGeneratorOutput::RootNotSupported(std::string_view member) {
-  return RootFrame(
-      [&](const CZentrelK4N& root) { return root.NotSupported(member, kInterface); });
+  return RootFrame([&](const CZentrelK4N& root) { return root.NotSupported(member, kInterface); });
 }

@@ -168,6 +168,4 @@ STDMETHODIMP CZentrelK4N::ErrorQuery(LONG* error_code, BSTR* error_message) {
 
 STDMETHODIMP CZentrelK4N::LockObject() { return NotSupported("LockObject", kUtility); }
 
-STDMETHODIMP CZentrelK4N::UnlockObject() {
-  return NotSupported("UnlockObject", kUtility);
-}
+STDMETHODIMP CZentrelK4N::UnlockObject() { return NotSupported("UnlockObject", kUtility); }

@@ -129,8 +129,7 @@ class Bench {
   Trace Fetch(std::string_view name) {
     Trace trace;
     auto* array = Untouchable<SAFEARRAY>();
-    const HRESULT fetched =
-        Channel(name)->FetchData(&array, &trace.initial_x, &trace.x_increment);
+    const HRESULT fetched = Channel(name)->FetchData(&array, &trace.initial_x, &trace.x_increment);
     EXPECT_EQ(fetched, S_OK);
     if (fetched != S_OK) return trace;
     const SafeArrayOwner owner(array);

@@ -28,7 +28,10 @@ TEST_F(Session, ASecondInitializeTakesTheFirstOnesPlace) {
   EXPECT_EQ(other.ConnectionCount(), 1u);
   EXPECT_EQ(surface_.rf->put_Frequency(3e9), S_OK);
   EXPECT_EQ(other.State().frequency.start, 3e9);
+  const auto before = std::chrono::steady_clock::now();
   EXPECT_EQ(surface_.root->Close(), S_OK);
+  EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(18))
+      << "the instrument's time to settle";
   EXPECT_TRUE(WaitUntil([&] { return other.ConnectionCount() == 0; }));
 }
 

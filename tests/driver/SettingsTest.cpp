@@ -63,6 +63,8 @@ const Setting kSettings[] = {
     {"FrequencyStep.put Stop", {1.6e9}, "FrequencyStep.get Stop", 1.6e9, "frequency #0 [1500000000, 11, 10000000, 1600000000]", kFrequencyId, S_OK, 2, 1.6e9},
     {"FrequencyStep.put Scaling", {0}, "FrequencyStep.get Scaling", 0, ""},
     {"FrequencyStep.put Dwell", {1.00004e-3}, "PowerStep.get Dwell", 1e-3, "dwell #5 [0, 1000040]", kDwellId},
+    {"FrequencyStep.put Dwell", {4.2949672}, "FrequencyStep.get Dwell", 4.2949672, "dwell #5 [0, 4294967200]", kDwellId},
+    {"FrequencyStep.put Dwell", {10}, "FrequencyStep.get Dwell", 1.4100654, "dwell #5 [0, 1410065408]", kDwellId},
     {"PowerStep.put Dwell", {0.5}, "List.get Dwell", 0.5, "dwell #5 [0, 500000000]", kDwellId, S_OK},
     {"List.put Dwell", {2e-3}, "FrequencyStep.get Dwell", 2e-3, "dwell #5 [0, 2000000]", kDwellId},
     {"FrequencyStep.put SingleStepEnabled", {5}, "List.get SingleStepEnabled", 1, "trigger input #7 [0, 0, 0, 0, 2, 0, 0, 0, 0, 0]", kInputId},
@@ -134,10 +136,6 @@ class SettingWalk : public Settings {
     instrument_.ClearRequests();
     return Call(surface_, MemberOf(row.call), row.numbers).result;
   }
-  std::string LastWrite() {
-    const auto writes = Writes();
-    return writes.empty() ? "" : writes.back();
-  }
 };
 
 TEST_F(SettingWalk, IsRefusedThenTakenOneByOneAndReadsTheSameAfterClose) {
@@ -156,7 +154,8 @@ TEST_F(SettingWalk, IsRefusedThenTakenOneByOneAndReadsTheSameAfterClose) {
       reads(row.refused_reads.value_or(before));
     }
     ExpectReported(Put(row), S_OK, "", {});
-    EXPECT_EQ(LastWrite(), row.wire);
+    const auto writes = Writes();
+    EXPECT_EQ(writes.empty() ? "" : writes.back(), row.wire);
     reads(row.reads);
     EXPECT_THAT(TakeErrors(), ElementsAre());
   }
@@ -167,6 +166,8 @@ TEST_F(SettingWalk, IsRefusedThenTakenOneByOneAndReadsTheSameAfterClose) {
     gets.emplace_back(&walked, Call(surface_, walked));
   }
   EXPECT_EQ(surface_.root->Close(), S_OK);
+  EXPECT_EQ(surface_.trigger_output->put_Width(9e-6), S_OK) << "not taken, nor told";
+  EXPECT_EQ(surface_.sync_generator->put_Period(9e-6), kNoSessionCode);
   const Surface fresh;
   for (const auto& [walked, open] : gets) {
     if (walked->name == "Root.get Initialized") continue;
@@ -175,6 +176,9 @@ TEST_F(SettingWalk, IsRefusedThenTakenOneByOneAndReadsTheSameAfterClose) {
     EXPECT_EQ(closed.result, Call(fresh, *walked).result) << "as without any session";
     EXPECT_EQ(closed.written, closed.result == S_OK ? open.written : std::vector<std::string>());
   }
+  Open();
+  EXPECT_EQ(NumberOf(surface_, "TriggerOutput.get Width"), 1e-6) << "a session starts afresh";
+  EXPECT_EQ(NumberOf(surface_, "SyncGenerator.get Period"), 0);
 }
 
 // clang-format off
@@ -196,40 +200,32 @@ TEST(SettingTable, HasEveryMemberThatSets) {
 }
 
 TEST_F(Settings, EveryNumberButZeroIsTrue) {
-  constexpr std::pair<std::string_view, std::string_view> kSwitches[] = {
-      {"RF.put OutputEnabled", "RF.get OutputEnabled"},
-      {"FrequencyStep.put SingleStepEnabled", "FrequencyStep.get SingleStepEnabled"},
-      {"PowerStep.put SingleStepEnabled", "FrequencyStep.get SingleStepEnabled"},
-      {"List.put SingleStepEnabled", "FrequencyStep.get SingleStepEnabled"},
-      {"PulseModulation.put Enabled", "PulseModulation.get Enabled"},
-      {"PulseGeneratorDouble.put Enabled", "PulseGeneratorDouble.get Enabled"},
-      {"PulseGeneratorDouble.Configure", "PulseGeneratorDouble.get Enabled"},
-      {"PulsePacketGenerator.put Enabled", "PulsePacketGenerator.get Enabled"},
-      {"PulsePacketGenerator.Configure", "PulsePacketGenerator.get Enabled"},
-      {"TriggerOutput.put Enabled", "TriggerOutput.get Enabled"},
-      {"System.put ExtRefGenEnabled", "System.get ExtRefGenEnabled"},
-      {"System.put ExtPwrCtrl", "Sweep.get TriggerSource"}};
   EXPECT_EQ(surface_.sweep->put_TriggerSource(ZentrelK4NSweepTriggerSourceExternal), S_OK);
-  for (const auto& [put, get] : kSwitches) {
+  for (const Walked& walked : AllMembers()) {
+    const members::Member& put = *walked.member;
+    if (walked.FindUnsupported() != nullptr || put.parameters.empty()) continue;
+    if (put.parameters[0].type != members::Type::kBool || put.parameters[0].IsOut()) continue;
+    std::string get = walked.name.substr(0, walked.name.find('.')) + ".get ";
+    get += put.kind == members::Kind::kPut ? put.name : "Enabled";
+    if (put.name == "ExtPwrCtrl") get = "Sweep.get TriggerSource";
     for (const double flag : {1, 0, 2, 0, -1, 0, 0x100, 0}) {
-      Call(surface_, MemberOf(put), std::vector{flag});
-      EXPECT_EQ(NumberOf(surface_, get) != 0, flag != 0) << put << " " << flag;
+      Call(surface_, walked, std::vector{flag});
+      EXPECT_EQ(NumberOf(surface_, get) != 0, flag != 0) << walked.name << " " << flag;
     }
   }
 }
 
-TEST_F(Settings, EverySweepModeProgramsItsAxes) {
-  using simulator::AxisMode;
-  constexpr std::tuple<ZentrelK4NSweepModeEnum, AxisMode, AxisMode> kModes[] = {
-      {ZentrelK4NSweepModeList, AxisMode::kList, AxisMode::kList},
-      {ZentrelK4NSweepModePowerStep, AxisMode::kFixed, AxisMode::kSweep},
-      {ZentrelK4NSweepModeFrequencyStep, AxisMode::kSweep, AxisMode::kFixed},
-      {ZentrelK4NSweepModeNone, AxisMode::kFixed, AxisMode::kFixed}};
-  for (const auto& [mode, frequency, level] : kModes) {
-    EXPECT_EQ(surface_.sweep->put_Mode(mode), S_OK);
-    EXPECT_EQ(instrument_.State().frequency.mode, frequency) << mode;
-    EXPECT_EQ(instrument_.State().level.mode, level) << mode;
-    EXPECT_EQ(NumberOf(surface_, "Sweep.get Mode"), mode);
+TEST_F(Settings, AFailedReadIsToldButForThreeStates) {
+  Fault refusal;
+  refusal.kind = simulator::FaultKind::kRefuse;
+  refusal.command = 4;
+  refusal.status = kRefusal;
+  instrument_.InjectFault(refusal);
+  for (const std::string_view name :
+       {"SerialNum", "Type", "RFButton", "PLLState", "ERGState", "LevelState"}) {
+    const Answer answer = Call(surface_, MemberOf("System.get " + std::string(name)));
+    EXPECT_EQ(answer.result, name.ends_with("State") ? S_OK : kRefusal) << name;
+    EXPECT_THAT(answer.written, testing::IsEmpty()) << name;
   }
 }
 
@@ -272,6 +268,8 @@ TEST_F(Settings, ListsComeBackAsTheInstrumentTookThemAndReplaceEachOther) {
   instrument_.ClearFaults();
   EXPECT_EQ(surface_.list->CreateFrequency(nullptr, nullptr), S_OK) << "no array: no list";
   EXPECT_THAT(lists(), Pair(ElementsAre(1e7), ElementsAre(-60)));
+  EXPECT_EQ(surface_.sweep->put_Mode(ZentrelK4NSweepModeNone), S_OK);
+  EXPECT_EQ(instrument_.State().level.mode, simulator::AxisMode::kFixed);
 }
 
 TEST_F(Settings, PacketsComeBackFillingThePeriod) {
@@ -288,27 +286,6 @@ TEST_F(Settings, PacketsComeBackFillingThePeriod) {
             (std::vector<simulator::Pulse>{{1000, 1000}, {2000, 6000}}));
   EXPECT_EQ(surface_.packet->put_Enabled(VARIANT_FALSE), S_OK);
   EXPECT_EQ(instrument_.State().pulses.pulses.size(), 1u);
-}
-
-TEST_F(Settings, WithoutASessionTheRecordsTakeNothing) {
-  EXPECT_EQ(surface_.trigger_output->put_Width(3e-6), S_OK);
-  EXPECT_EQ(surface_.sync_generator->put_Period(2e-6), S_OK);
-  surface_.root->Close();
-  EXPECT_EQ(surface_.trigger_output->put_Width(9e-6), S_OK) << "nor told";
-  EXPECT_EQ(surface_.sync_generator->put_Period(9e-6), kNoSessionCode);
-  EXPECT_EQ(NumberOf(surface_, "TriggerOutput.get Width"), 3e-6);
-  EXPECT_EQ(NumberOf(surface_, "SyncGenerator.get Period"), 2e-6);
-  Open();
-  EXPECT_EQ(NumberOf(surface_, "TriggerOutput.get Width"), 1e-6) << "a session starts afresh";
-  EXPECT_EQ(NumberOf(surface_, "SyncGenerator.get Period"), 0);
-}
-
-TEST_F(Settings, TheDwellTimeHas32BitsOfNanoseconds) {
-  for (const auto& [seconds, reads] :
-       {std::pair(4.2949672, 4.2949672), std::pair(10.0, 1.4100654)}) {
-    EXPECT_EQ(surface_.frequency_step->put_Dwell(seconds), S_OK);
-    EXPECT_EQ(NumberOf(surface_, "FrequencyStep.get Dwell"), reads);
-  }
 }
 
 class Bare : public SessionTest {
