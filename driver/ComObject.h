@@ -96,7 +96,12 @@ class ComObject final : public Class {
       return left;
     }
 
+    // While an object goes, references taken and given back must not bring it down a second time.
+    void Pin() { references_ = kPinned; }
+
    private:
+    static constexpr ULONG kPinned = 0x40000000;
+
     ComObject& object_;
     std::atomic<ULONG> references_ = 1;
   };
@@ -112,6 +117,7 @@ class ComObject final : public Class {
   }
 
   void Destroy() {
+    inner_.Pin();
     this->FinalRelease();
     delete this;
   }

@@ -116,6 +116,23 @@ TEST(Objects, AnAggregatedObjectTakesTheOuterIdentity) {
   }
 }
 
+class UsedWhileItEnds : public IUnknown {
+ public:
+  using Interfaces = InterfaceList<IUnknown>;
+  void FinalConstruct() {}
+  void FinalRelease() {
+    ++ends;
+    AddRef();
+    Release();
+  }
+  static inline int ends = 0;
+};
+
+TEST(Objects, WhatIsUsedWhileItEndsEndsOnce) {
+  EXPECT_EQ(ComObject<UsedWhileItEnds>::Create()->Release(), 0U);
+  EXPECT_EQ(UsedWhileItEnds::ends, 1);
+}
+
 TEST(Objects, UnknownClassesAndInterfacesOfTheFactoryAreRefused) {
   const auto get = [](const CLSID& class_id, const IID& iid, void** out) {
     return SharedModule().GetClassObject(class_id, iid, out);
