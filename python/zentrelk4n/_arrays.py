@@ -75,7 +75,7 @@ class _Elements:
         if automation("SafeArrayAccessData")(self._safearray, ctypes.byref(data)) != S_OK:
             raise MemoryError("an array of the driver cannot be read")
         count = upper.value - lower.value + 1
-        return doubles_at(data.value, count) if data.value and count > 0 else memoryview(b"").cast("d")
+        return doubles_at(data.value, count) if data.value and count > 0 else memoryview(bytearray()).cast("d")
 
     def __exit__(self, *_: object) -> None:
         automation("SafeArrayUnaccessData")(self._safearray)

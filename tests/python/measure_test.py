@@ -1,0 +1,108 @@
+"""Measurements: the client's trace to the last digit, what is refused, what fails on the way, and Ctrl-C."""
+
+import io
+import signal
+import sys
+import time
+
+import pytest
+
+import zentrelk4n as k4n
+from conftest import DETECTORS, zk4n
+
+
+@pytest.mark.parametrize("client, python", [
+    (["--start=1GHz", "--stop=3GHz", "--step=5MHz", "--level=-10dBm"],
+     dict(start="1 GHz", stop="3 GHz", step=5e6, level=-10)),
+    (["--mode=power", "--frequency=2.4GHz", "--start=-20", "--stop=10", "--step=0.5", "--dwell=100us", "--averaging=1"],
+     dict(start=-20, stop=10, step="0.5 dB", frequency="2.4 GHz", dwell="100 us", averaging=1)),
+    (["--start=1GHz", "--stop=3GHz", "--step=0.2MHz"], dict(start=1e9, stop=3e9, step=2e5)),  # in two pieces
+    (["--start=19.9GHz", "--stop=20.2GHz", "--step=0.3MHz"], dict(start=19.9e9, stop=20.2e9, step=3e5)),  # to its limit
+    (["--start=2GHz", "--stop=2GHz", "--step=1"], dict(start=2e9, stop=2e9, step=1)),
+], ids=["frequency", "power", "pieces", "limit", "point"])
+def test_the_trace_is_the_client_s(simulator, tmp_path, client, python):
+    zk4n("measure", "--resource", simulator.resource, "--csv", tmp_path / "client.csv", *client,
+         *(f"--detector={channel}={DETECTORS}" for channel in "ABR"))
+    with k4n.open(simulator.resource) as gen:
+        trace = gen.measure(detectors=DETECTORS, **python)
+    trace.to_csv(tmp_path / "python.csv")
+    ours, theirs = (([line for line in (tmp_path / name).read_bytes().split(b"\n") if not line.startswith(b"# date: ")])
+                    for name in ("python.csv", "client.csv"))
+    assert ours == theirs
+    assert len(trace) == len(trace.x) == len(trace.a) == len(trace.b) == len(trace.r) == len(ours) - 6
+
+
+def test_uncalibrated_values_are_written_as_the_client_does(simulator, tmp_path):
+    zk4n("measure", "--resource", simulator.resource, "--csv", tmp_path / "client.csv", "--step=500MHz")
+    with k4n.open(simulator.resource) as gen:
+        gen.measure(start=1e9, stop=3e9, step=5e8).to_csv(tmp_path / "python.csv")
+    rows = [(tmp_path / name).read_text().splitlines()[6:] for name in ("python.csv", "client.csv")]
+    assert rows[0] == rows[1] and "nan" in rows[0][0]
+
+
+def test_lists(gen):
+    trace = gen.measure(frequencies=["1 GHz", 2.4e9, 21e9], level=-3, channels="RA")
+    assert trace.axis == "frequency" and list(trace.frequency) == [1e9, 2.4e9, 20e9] and list(trace.channels) == ["R", "A"]
+    stepped = gen.measure(start=1e9, stop=2.4e9, step=1.4e9, level=-3)
+    assert list(trace.a[:2]) == list(stepped.a)
+    for name, why in (("b", "B was not measured"), ("level", "not stepped.*level -3 dBm")):
+        with pytest.raises(AttributeError, match=why):
+            getattr(trace, name)
+    levels = [-10, 40]
+    trace = gen.measure(levels=levels, frequency="2.4 GHz")
+    assert list(trace.level) == [-10.0, 20.0] and levels == [-10, 40]
+    assert repr(trace) == "<trace of 2 points, level stepped, at 2.4 GHz, averaging 3>"
+    assert len(gen.measure(frequencies=[1e9 + 1e5 * i for i in range(6000)])) == 6000  # two blocks
+
+
+RANGE = dict(start=1e9, stop=2e9, step=1e8)
+
+
+@pytest.mark.parametrize("arguments, text", [
+    (dict(), "give start, stop and step"), (dict(start=1e9, stop=2e9), "give start, stop and step"),
+    (dict(RANGE, frequencies=[1e9]), "give start, stop and step"), (dict(levels=[1], frequencies=[1e9]), "either frequencies"),
+    (dict(RANGE, level=0, frequency=1e9), "either level or frequency"), (dict(levels=[1]), "give the frequency"),
+    (dict(frequencies=[]), "empty"), (dict(RANGE, stop=1e8), "stop is below start"), (dict(RANGE, step=0), "step must be"),
+    (dict(RANGE, dwell=-1), "dwell must not"), (dict(RANGE, averaging=15), "averaging: 1 to 14"),
+    (dict(RANGE, channels="AX"), "channels: of"), (dict(RANGE, channels=""), "channels: of"),
+    (dict(RANGE, step=1), "million"), (dict(RANGE, level="1 W"), "level: not a value in dBm"),
+    (dict(RANGE, detectors={"C": "x"}), "detectors: A, B and R")])
+def test_plans_that_make_no_sense(gen, arguments, text):
+    with pytest.raises(ValueError, match=text):
+        gen.measure(**arguments)
+
+
+@pytest.mark.parametrize("options, arguments, kind, text", [
+    (dict(fault="block-status:status=-32761"), {}, k4n.DriverError, "instrument: PLL unlocked"),
+    (dict(fault="drop:command=6"), {}, k4n.DriverError, "measurement: 0xBFFF00A6"),
+    (dict(fault="refuse:status=-32766,command=3,parameter=5"), {}, k4n.DriverError, "request not supported"),
+    (dict(), dict(detectors="no such.det"), k4n.DriverError, "0x80047002 .cannot open file.*no such.det"),
+    (dict(kind="generator"), {}, k4n.Error, "the driver cannot tell|not supported"),
+])
+def test_failures_on_the_way(options, arguments, kind, text):
+    with k4n.simulate(**options) as instrument, k4n.open(instrument.resource) as gen:
+        with pytest.raises(kind, match=text):
+            gen.measure(**RANGE, **arguments)
+        assert not gen.closed
+
+
+def test_progress(gen, monkeypatch):
+    told = []
+    gen.measure(**RANGE, dwell="20 ms", averaging=1, progress=told.append)
+    assert told == sorted(told) and told[-1] == 1.0 and len(told) > 5 and 0.0 <= told[0] < 0.2
+    screen = io.StringIO()
+    monkeypatch.setattr(sys, "stderr", screen)
+    gen.measure(**RANGE, dwell="80 ms", averaging=1)
+    assert screen.getvalue() == ""  # no terminal
+    gen.measure(**RANGE, dwell="80 ms", averaging=1, progress=True)
+    assert screen.getvalue().startswith("\rMeasuring [####") and screen.getvalue().endswith("100 %\n")
+
+
+def test_ctrl_c_ends_the_measurement_and_the_session(simulator):
+    with k4n.open(simulator) as gen:
+        started = time.monotonic()
+        with pytest.raises(KeyboardInterrupt):
+            gen.measure(**RANGE, dwell=2, progress=lambda share: signal.raise_signal(signal.SIGINT))
+        assert time.monotonic() - started < 2 and gen.closed
+    with k4n.open(simulator) as gen:  # free, with its output off
+        assert not gen.rf.output_enabled

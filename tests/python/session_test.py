@@ -1,0 +1,230 @@
+"""Sessions: how they open and end, what they say when something is wrong, many of them, many threads."""
+
+import gc
+import os
+import pathlib
+import pickle
+import queue
+import subprocess
+import sys
+import threading
+import warnings
+
+import pytest
+
+import zentrelk4n as k4n
+from conftest import DRIVER, MODULES, zk4n
+from zentrelk4n import _module
+from zentrelk4n._members import report
+
+
+def test_a_session_tells_what_it_is(simulator):
+    with k4n.open(simulator) as gen:
+        rf = gen.rf
+        assert repr(gen) == f"<k4n session: K4N-20, serial {gen.serial}, {simulator.resource}>"
+        assert gen.model == gen.system.type and gen.serial.startswith("1101190042")
+        assert f"{gen.sweep.list!r}" == f"<Sweep.List of the session with K4N-20 {gen.serial} at {simulator.resource}>"
+    assert gen.closed and repr(gen).endswith(", closed>")
+    gen.close()
+    for use in (lambda: gen.rf, lambda: rf.frequency, lambda: setattr(rf, "level", 0), gen.errors, lambda: gen.identity,
+                lambda: gen.measure(start=1, stop=2, step=1)):
+        with pytest.raises(k4n.Error, match=f"^the session with K4N-20 .* at {simulator.resource} is closed$"):
+            use()
+
+
+def test_a_session_that_is_dropped_is_closed(simulator):
+    with pytest.warns(ResourceWarning, match="was not closed"):
+        k4n.open(simulator)
+        gc.collect()
+    k4n.open(simulator).close()
+
+
+def test_the_end_of_the_program_closes_what_is_open(simulator):
+    subprocess.run([sys.executable, "-W", "error", "-c", "import sys, zentrelk4n; gen = zentrelk4n.open(sys.argv[1])",
+                    simulator.resource], check=True)
+    k4n.open(simulator).close()
+
+
+@pytest.mark.parametrize("arguments, code, name", [
+    (dict(id_query=True), 0x47065, "identification query not supported"), (dict(reset=True), 0x47066, "reset not supported"),
+    (dict(id_query=True, reset=True), 0x47065, "identification query not supported")])
+def test_successes_that_are_more_are_warnings(simulator, arguments, code, name):
+    with pytest.warns(k4n.DriverWarning) as caught, k4n.open(simulator, **arguments):
+        pass
+    assert [(w.message.code, w.message.name, w.filename) for w in caught] == [(code, name, __file__)]
+
+
+@pytest.mark.parametrize("filters", [(), ("error",), ("ignore",)])
+def test_every_notice_is_told_each_time_unless_the_program_says_otherwise(simulator, filters):
+    script = ("import sys, warnings, zentrelk4n as k4n\ngen = k4n.open(sys.argv[1])\nk4n.ZentrelK4N.close(gen)\n"
+              "for _ in range(3):\n    gen.rf.disable_all_modulation()\n")
+    done = subprocess.run([sys.executable, *(f"-W{name}:::" for name in filters), "-c", script, simulator.resource],
+                          text=True, capture_output=True)
+    notice = "DriverWarning: RF.DisableAllModulation: 0x00002749 (no instrument session)"
+    assert (done.stderr.count(notice), done.returncode) == {(): (3, 0), ("error",): (1, 1), ("ignore",): (0, 0)}[filters]
+
+
+def test_the_instrument_s_notices_have_a_name(recwarn):
+    report("RF.Level", 4)
+    assert str(recwarn.pop(k4n.DriverWarning).message) == "RF.Level: 0x00000004 (instrument notice)"
+
+
+def test_a_session_that_was_closed_behind_its_back(simulator):
+    with k4n.open(simulator) as gen:
+        k4n.ZentrelK4N.close(gen)
+        with pytest.raises(k4n.K4NError, match="RF.Frequency: 0x8004701D .not connected.: A connection"):
+            gen.rf.frequency = 1e9
+
+
+def test_failures_carry_what_the_driver_tells(gen):
+    with pytest.raises(k4n.DriverError) as caught:
+        gen.acquisition.channels.item("channela")
+    error = pickle.loads(pickle.dumps(caught.value))
+    assert (error.code, error.name, error.member, error.interface, error.source) == (
+        0x80047020, "unknown channel name", "Acquisition.Channels.Item", "IZentrelK4NChannels", "")
+    assert str(error) == ("Acquisition.Channels.Item: 0x80047020 (unknown channel name): "
+                          "ZentrelK4NLib: Unknown channel name.")
+    # A failure that brings no text has none of an earlier one.
+    with pytest.raises(k4n.DriverError) as caught:
+        gen.acquisition.channels.item("ChannelA").frequency_divider = 0.5
+    assert caught.value.code == 0x80047010 and caught.value.description == ""
+
+
+def test_the_error_trail_is_emptied():
+    with k4n.simulate(fault="refuse:status=-32766,command=3,parameter=5") as instrument, k4n.open(instrument.resource) as gen:
+        assert gen.errors() == []
+        for _ in range(3):
+            with pytest.raises(k4n.DriverError, match="0xFFFF8002 .instrument: request not supported"):
+                gen.sweep.list.dwell = 1e-3
+        assert gen.errors() == [k4n.Record(0xFFFF8002, "", 3)] and gen.errors() == []
+
+
+@pytest.mark.parametrize("resource, hint", [
+    ("TCPIP0::127.0.0.1::1::SOCKET", "0xBFFF0011"), ("no resource", "0xBFFF0012"), (None, r"held by process \d+ \(python")])
+def test_a_session_that_does_not_open_says_why(gen, resource, hint):
+    with pytest.raises(k4n.DriverError, match=rf"^Initialize: 0x80047060 \(unknown resource\): .*\. \[.*{hint}.*\]$"):
+        k4n.open(resource or gen.resource)
+
+
+def elf(bits):
+    return b"\x7fELF" + bytes([bits // 32]) + bytes(13) + (b"\x03\x00" if bits == 32 else b"\x3e\x00") + bytes(4096)
+
+
+@pytest.mark.parametrize("content, kind, text", [
+    (None, k4n.DriverNotInstalledError, r"there is no driver module .*module.so \(as given\)"),
+    (b"text", k4n.DriverNotInstalledError, "module.so is not the driver's module"),
+    (elf(64), k4n.DriverNotInstalledError, "the driver module cannot be loaded: .*module.so"),
+    (elf(32), k4n.UnsupportedConfigurationError, "this Python has 64 bits, and .*module.so is a 32-bit module"),
+    (b"\x7fELF" + bytes(14) + b"\xb7\x00", k4n.UnsupportedConfigurationError, "for another processor"),
+    (b"MZ" + bytes(0x3A) + b"\x40\0\0\0PE\0\0\x64\x86", k4n.UnsupportedConfigurationError, "for Windows, this is Linux"),
+    ((MODULES / "libzevisa64.so").read_bytes(), k4n.DriverNotInstalledError, "it has no class factory")],
+    ids=["none", "text", "broken", "32 bits", "processor", "Windows", "another module"])
+def test_wrong_modules(tmp_path, content, kind, text):
+    if content is not None:
+        (tmp_path / "module.so").write_bytes(content)
+    with pytest.raises(kind, match=text) as caught:
+        k4n.open("x", module=tmp_path / "module.so")
+    assert "\n" not in str(caught.value)
+
+
+def test_where_the_driver_is_looked_for(tmp_path, monkeypatch):
+    def found():
+        return [place.file for place in _module.places()][:-1]
+
+    monkeypatch.setenv("ZENTREL_K4N_MODULE", "/no/such.so")
+    with pytest.raises(k4n.DriverNotInstalledError, match=r"/no/such.so \(by ZENTREL_K4N_MODULE\)"):
+        k4n.open("x")
+    monkeypatch.delenv("ZENTREL_K4N_MODULE")
+    monkeypatch.setenv("ZENTREL_REGISTRY", str(tmp_path / "registry"))
+    assert found() == []
+    with pytest.raises(k4n.DriverNotInstalledError, match="not installed: no module at /usr/lib/.*zk4n register"):
+        _module.find() if not os.path.exists("/usr/lib/x86_64-linux-gnu/zentrel-k4n") else pytest.skip("it is installed")
+    zk4n("register", "--user", "--module", DRIVER)
+    assert found() == [str(DRIVER)]
+    monkeypatch.delenv("ZENTREL_REGISTRY")
+    for name, root, module in (("machine", "HKEY_LOCAL_MACHINE", "/machine.so"), ("user", "HKEY_CURRENT_USER", r"/\"u\\.so")):
+        file = tmp_path / name / "zentrel/registry"
+        file.parent.mkdir(parents=True)
+        file.write_text(f'registry\n[{root}\\Software\\Classes\\clsid\\{k4n._surface.CLSID}\\InprocServer32]\n@="{module}"\n')
+        monkeypatch.setenv(*{"machine": ("ZENTREL_MACHINE_REGISTRY", str(file)), "user": ("XDG_DATA_HOME", str(tmp_path / name))}[name])
+        assert found() == [{"machine": "/machine.so", "user": '/"u\\.so'}[name]]
+
+
+@pytest.mark.parametrize("options, text", [
+    (dict(kind="nothing"), "--kind"), (dict(min_level="x"), "--min-level"), (dict(program="/no/zk4n"), "cannot be started"),
+    (dict(log=True), "in a terminal")])
+def test_simulators_that_do_not_start(options, text):
+    with pytest.raises((k4n.Error, ValueError), match=text):
+        k4n.simulate(**options)
+
+
+def test_sixteen_threads_and_a_close_in_the_middle(simulator):
+    failures = []
+    started = threading.Barrier(17)
+
+    def use(gen, number):
+        started.wait()
+        try:
+            while True:
+                gen.rf.level = -number
+                assert -16 <= gen.rf.level <= 0
+                gen.sweep.list.create_power("", [0.0, 1.0])
+                gen.acquisition.channels.item("ChannelA").frequency_offset = number
+                try:
+                    gen.identity.description
+                except k4n.DriverError as error:
+                    assert error.code == 0x80047012 and "Description" in error.description
+        except k4n.Error as error:
+            if not ("is closed" in str(error) or getattr(error, "code", 0) in (0x8004701D, 10057)):
+                failures.append(error)
+        except BaseException as error:
+            failures.append(error)
+
+    with warnings.catch_warnings():
+        warnings.simplefilter("ignore", k4n.DriverWarning)  # 10057 of calls that the close overtakes
+        gen = k4n.open(simulator)
+        threads = [threading.Thread(target=use, args=(gen, number)) for number in range(16)]
+        for thread in threads:
+            thread.start()
+        started.wait()
+        threading.Event().wait(0.5)
+        gen.close()
+        for thread in threads:
+            thread.join(20)
+    assert not failures and not any(thread.is_alive() for thread in threads)
+
+
+def resident_kib():
+    return int(next(line for line in pathlib.Path("/proc/self/status").read_text().splitlines() if "VmRSS" in line).split()[1])
+
+
+def test_a_thousand_sessions_leave_nothing():
+    side_by_side = 10
+    simulators = [k4n.simulate() for _ in range(side_by_side)]
+    work = queue.SimpleQueue()
+
+    def use(instrument):
+        while work.get():
+            with k4n.open(instrument) as gen:
+                gen.measure(start=1e9, stop=1.4e9, step=1e6)
+                gen.sweep.list.create_frequency("", [1e9] * 500)
+
+    def run(sessions):
+        threads = [threading.Thread(target=use, args=(instrument,)) for instrument in simulators]
+        for item in [True] * sessions + [False] * side_by_side:
+            work.put(item)
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+        gc.collect()
+        return resident_kib(), len(os.listdir("/proc/self/fd")), threading.active_count()
+
+    try:
+        before = run(200)
+        after = run(800)
+    finally:
+        for instrument in simulators:
+            instrument.close()
+    assert after[0] - before[0] < 4096 and after[1:] == before[1:]  # 5 KiB a session would show
+    assert _module.Module.load().can_unload()

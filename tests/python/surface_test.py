@@ -1,0 +1,172 @@
+"""Every member of the driver, called from Python and through the client's console, with the same outcome."""
+
+import enum
+import json
+import sys
+import warnings
+
+import pytest
+
+import zentrelk4n as k4n
+from conftest import TREE, zk4n
+
+sys.path.insert(0, str(TREE / "server/interface"))
+import surface  # noqa: E402
+
+LIBRARY = surface.published()
+INTERFACES = {interface.name: interface for interface in LIBRARY.interfaces + surface.inherent()}
+ENUMERATIONS = {e.name: e for e in LIBRARY.enumerations}
+# Not asked here: they take the object out of the session's hands.
+LEFT_OUT = {"Initialize", "Close"}
+
+SAMPLES = {"long": ["2"], "double": ["0.125"], "VARIANT_BOOL": ["true", "false"], "BSTR": ['"ChannelB"'],
+           "SAFEARRAY(double)": ["[1e9, -3, 40]"]}
+UNITS = {"Hz": "1.5e9", "dBm": "-7.5", "dB": "0.5", "s": "1e-3"}
+
+
+def samples(parameter):
+    """Arguments as the console takes them."""
+    if parameter.type in ENUMERATIONS:
+        return [str(number) for _, number in ENUMERATIONS[parameter.type].values] + ["77"]
+    if parameter.type == "double":
+        return [UNITS.get(parameter.unit, "1.5")]
+    return SAMPLES[parameter.type]
+
+
+def commands(interface, path):
+    """Each member of the interface, and of those below it, as commands of the console."""
+    for member in sorted(interface.members, key=lambda member: member.kind == "get"):
+        if member.name in LEFT_OUT:
+            continue
+        name = path + member.name
+        given = [p for p in member.parameters if p.direction in ("in", "unstated")]
+        child = member.parameters and INTERFACES.get(member.parameters[-1].type)
+        if member.kind == "put":
+            yield from (f"{name} = {sample}" for sample in samples(given[0]))
+        else:
+            rows = [()]
+            for parameter in given:
+                rows = [(*row, sample) for row in rows for sample in samples(parameter)]
+            calls = [f"{name}({', '.join(row)})" if row or member.kind == "method" else name for row in rows]
+            yield from calls
+            if child:
+                yield from commands(child, calls[0] + ".")
+
+
+def script():
+    lines = list(commands(INTERFACES["IZentrelK4N"], ""))
+    for interface, path in (("IIviDriverIdentity", "Identity."), ("IIviDriverOperation", "Operation.")):
+        lines += commands(INTERFACES[interface], path)
+    return lines
+
+
+def snake_path(line):
+    """The command with the members' Python names; texts, numbers and what stands in brackets stay."""
+    head, equals, tail = line.partition(" = ")
+    parts = head.split("(", 1)
+    names = ".".join(map(surface_snake, parts[0].split(".")))
+    rest = "".join(f"({part}" for part in parts[1:])
+    if ")." in rest:
+        arguments, dot, below = rest.partition(").")
+        rest = arguments + dot + snake_path(below)
+    return names + rest + equals + tail
+
+
+def surface_snake(name):
+    return "".join("_" + c if c.isupper() and i and (not name[i - 1].isupper() or name[i + 1:i + 2].islower()) else c
+                   for i, c in enumerate(name)).lower()
+
+
+def outcome_of(gen, line):
+    """(result, value, arrays, error text) as the console would tell them."""
+    found = {"true": True, "false": False, "gen": gen, "arrays": []}
+    target, equals, value = line.partition(" = ")
+    target = target.replace("[1e9, -3, 40]", "array()")
+
+    def array():
+        found["arrays"].append([1e9, -3, 40])
+        return found["arrays"][-1]
+
+    found["array"] = array
+    with warnings.catch_warnings(record=True) as caught:
+        warnings.simplefilter("always")
+        try:
+            result = exec(f"gen.{target} = {value}", found) if equals else eval(f"gen.{target}", found)
+            code, text = 0, None
+        except k4n.DriverError as error:
+            result, code, text = None, error.code, error.description or None
+    assert len(caught) <= 1 and all(w.category is k4n.DriverWarning for w in caught)
+    return caught[0].message.code if caught else code, result, found["arrays"], text
+
+
+def as_told(value):
+    """A value of the console's JSON as Python has it."""
+    return "" if value is None else value
+
+
+def same(python, told):
+    if isinstance(python, bool):
+        return python == bool(told)
+    if isinstance(python, (int, float, str, enum.Enum)):
+        return python == as_told(told)
+    if python is None:
+        return told is None
+    return told == "object" if hasattr(python, "_pointer") else [float(v) for v in python] == told
+
+
+@pytest.mark.parametrize("spelling", [str, snake_path], ids=["own names", "Python names"])
+def test_every_member_does_as_from_cpp(spelling):
+    lines = script()
+    with k4n.simulate() as instrument:
+        told = [json.loads(line) for line in zk4n(
+            "shell", "--json", script="\n".join([f'Initialize("{instrument.resource}", false, false)', *lines, ""]),
+        ).splitlines()][1:]
+    assert [answer["command"] for answer in told] == lines
+    with k4n.simulate() as instrument, k4n.open(instrument.resource) as gen:
+        for line, answer in zip(lines, told):
+            code, value, arrays, text = outcome_of(gen, spelling(line))
+            assert f"0x{code:08X}" == answer["hresult"], line
+            assert text == (answer["error"] and answer["error"]["description"]), line
+            if code < 0x80000000:
+                results = value if isinstance(value, tuple) else [value]
+                expected = list(answer["out"].values())[:len(results)] if isinstance(value, tuple) else [answer["value"]]
+                assert all(map(same, results, expected)), f"{line}: {results} {expected}"
+            if arrays:
+                assert arrays == list(answer["out"].values()), line
+    assert len(lines) > 180
+
+
+def test_each_member_tells_what_it_is():
+    for interface in INTERFACES.values():
+        python = getattr(k4n, interface.name[1:])
+        for member in interface.members:
+            described = python.__dict__[member.name]
+            assert described is python.__dict__[surface_snake(member.name)]
+            told = [member.help or member.name] + [f" in {p.unit}" for p in member.parameters if p.unit]
+            assert all(words in described.__doc__ for words in told), member
+
+
+def test_enumerations_have_the_library_s_values():
+    for enumeration in LIBRARY.enumerations:
+        python = getattr(k4n, enumeration.name.removeprefix("ZentrelK4N").removesuffix("Enum"))
+        assert [int(value) for value in python] == [number for _, number in enumeration.values]
+
+
+def test_settings_are_of_their_kind(gen):
+    gen.sweep.mode = k4n.SweepMode.POWER_STEP
+    assert gen.sweep.mode is k4n.SweepMode.POWER_STEP
+    gen.rf.frequency = "2.5 GHz"
+    gen.rf.output_enabled = True
+    assert gen.rf.frequency == 2.5e9 and gen.rf.output_enabled is True
+    assert gen.rf is gen.RF and gen.acquisition.channels.item("ChannelB") is gen.acquisition.channels.item("ChannelB")
+
+
+def test_settings_refuse_what_they_cannot_be(gen):
+    with pytest.raises(AttributeError):
+        gen.rf.frequenzy = 1e9  # not a new attribute
+    for group, name, value, error in [
+            (gen.rf, "frequency", "2.4 GHertz", ValueError), (gen.rf, "output_enabled", "off", TypeError),
+            (gen.acquisition, "averaging", 1 << 31, OverflowError), (gen.acquisition, "averaging", 1.5, TypeError),
+            (gen.system, "type", "x", AttributeError), (gen, "rf", None, AttributeError)]:
+        with pytest.raises(error, match="only be read" if error is AttributeError else None):
+            setattr(group, name, value)
