@@ -97,6 +97,32 @@ void InitializeToTrace(benchmark::State& state) {
 }
 BENCHMARK(InitializeToTrace)->Iterations(15)->UseRealTime();
 
+/// One member call, which bench/python does the same way: what a client's language adds.
+template <typename Call>
+void MemberCalls(benchmark::State& state, const Call& call) {
+  const bench::Park park(1);
+  const bench::Driver driver;
+  driver.Open(ResourceNameOf(park.port(0)));
+  Prepare(driver, 5461, 0.0);
+  Measure(driver);
+  for ([[maybe_unused]] auto _ : state) call(driver);
+}
+void ReadProperty(benchmark::State& state) {
+  MemberCalls(state, [](const bench::Driver& driver) {
+    double frequency = 0.0;
+    Require(driver.rf->get_Frequency(&frequency) == S_OK, "not read");
+  });
+}
+BENCHMARK(ReadProperty)->UseRealTime();
+void PutProperty(benchmark::State& state) {
+  MemberCalls(state, [](const bench::Driver& driver) {
+    Require(driver.rf->put_Level(-10.0) == S_OK, "refused");
+  });
+}
+BENCHMARK(PutProperty)->UseRealTime();
+void FetchTrace(benchmark::State& state) { MemberCalls(state, Fetch); }
+BENCHMARK(FetchTrace)->UseRealTime();
+
 std::size_t HeapInUse() { return mallinfo2().uordblks + mallinfo2().hblkhd; }
 
 /// Runs a part of the work for each session at once.

@@ -25,6 +25,7 @@ def test_the_trace_is_the_client_s(simulator, tmp_path, client, python):
          *(f"--detector={channel}={DETECTORS}" for channel in "ABR"))
     with k4n.open(simulator.resource) as gen:
         trace = gen.measure(detectors=DETECTORS, **python)
+        assert not gen.rf.output_enabled
     trace.to_csv(tmp_path / "python.csv")
     ours, theirs = (([line for line in (tmp_path / name).read_bytes().split(b"\n") if not line.startswith(b"# date: ")])
                     for name in ("python.csv", "client.csv"))
@@ -73,16 +74,21 @@ def test_plans_that_make_no_sense(gen, arguments, text):
 
 
 @pytest.mark.parametrize("options, arguments, kind, text", [
-    (dict(fault="block-status:status=-32761"), {}, k4n.DriverError, "instrument: PLL unlocked"),
-    (dict(fault="drop:command=6"), {}, k4n.DriverError, "measurement: 0xBFFF00A6"),
-    (dict(fault="refuse:status=-32766,command=3,parameter=5"), {}, k4n.DriverError, "request not supported"),
-    (dict(), dict(detectors="no such.det"), k4n.DriverError, "0x80047002 .cannot open file.*no such.det"),
-    (dict(kind="generator"), {}, k4n.Error, "the driver cannot tell|not supported"),
+    (dict(fault="block-status:status=-32761"), RANGE, k4n.DriverError, "instrument: PLL unlocked"),
+    (dict(fault="drop:command=6"), RANGE, k4n.DriverError, "measurement: 0xBFFF00A6"),
+    (dict(fault="refuse:status=-32766,command=3,parameter=5"), RANGE, k4n.DriverError, "request not supported"),
+    (dict(fault="refuse:status=-32766,command=3,parameter=2"), dict(frequencies=[1e9]), k4n.DriverError,
+     "Sweep.List.CreateFrequencyPower: 0xFFFF8002"),
+    (dict(fault="refuse:status=-32766,command=3,parameter=0,after=3,times=1"), RANGE, k4n.DriverError,
+     "Sweep.FrequencyStep.ConfigureStartStop: 0xFFFF8002"),
+    (dict(), dict(RANGE, step=1e-3, stop=1e9 + 1), k4n.Error, "the instrument cannot make steps of 1 mHz"),
+    (dict(), dict(RANGE, detectors="no such.det"), k4n.DriverError, "0x80047002 .cannot open file.*no such.det"),
+    (dict(kind="generator"), RANGE, k4n.Error, "the driver cannot tell|not supported"),
 ])
 def test_failures_on_the_way(options, arguments, kind, text):
     with k4n.simulate(**options) as instrument, k4n.open(instrument.resource) as gen:
         with pytest.raises(kind, match=text):
-            gen.measure(**RANGE, **arguments)
+            gen.measure(**arguments)
         assert not gen.closed
 
 

@@ -10,6 +10,7 @@ import sys
 import threading
 import warnings
 
+import numpy
 import pytest
 
 import zentrelk4n as k4n
@@ -40,8 +41,9 @@ def test_a_session_that_is_dropped_is_closed(simulator):
 
 
 def test_the_end_of_the_program_closes_what_is_open(simulator):
-    subprocess.run([sys.executable, "-W", "error", "-c", "import sys, zentrelk4n; gen = zentrelk4n.open(sys.argv[1])",
-                    simulator.resource], check=True)
+    done = subprocess.run([sys.executable, "-X", "dev", "-c", "import sys, zentrelk4n; gen = zentrelk4n.open(sys.argv[1])",
+                           simulator.resource], text=True, capture_output=True)
+    assert (done.returncode, done.stderr) == (0, "")
     k4n.open(simulator).close()
 
 
@@ -84,7 +86,8 @@ def test_failures_carry_what_the_driver_tells(gen):
         0x80047020, "unknown channel name", "Acquisition.Channels.Item", "IZentrelK4NChannels", "")
     assert str(error) == ("Acquisition.Channels.Item: 0x80047020 (unknown channel name): "
                           "ZentrelK4NLib: Unknown channel name.")
-    # A failure that brings no text has none of an earlier one.
+    # A failure that brings no text has none of an earlier one, whose information nobody took.
+    assert gen.utility._pointer.call(3) < 0
     with pytest.raises(k4n.DriverError) as caught:
         gen.acquisition.channels.item("ChannelA").frequency_divider = 0.5
     assert caught.value.code == 0x80047010 and caught.value.description == ""
@@ -192,6 +195,22 @@ def test_sixteen_threads_and_a_close_in_the_middle(simulator):
         for thread in threads:
             thread.join(20)
     assert not failures and not any(thread.is_alive() for thread in threads)
+
+
+def test_texts_and_arrays_are_freed(gen):
+    channels, power_list = gen.acquisition.channels, gen.sweep.list
+
+    def use():
+        for _ in range(40_000):
+            channels.name(1)
+        for _ in range(200):
+            power_list.create_power("x" * 20_000, [0.0])
+            power_list.create_power("", numpy.zeros(2000))
+
+    use()
+    before = resident_kib()
+    use()
+    assert resident_kib() - before < 1024
 
 
 def resident_kib():
