@@ -43,7 +43,7 @@ struct UuidOf;
   }
 
 #define __uuidof(type) \
-  (UuidOf<std::remove_cv_t<std::remove_pointer_t<std::remove_cvref_t<__typeof__(type)>>>>::value)
+  (UuidOf<std::remove_cv_t<std::remove_pointer_t<std::decay_t<__typeof__(type)>>>>::value)
 
 inline constexpr GUID GUID_NULL = {};
 
