@@ -25,6 +25,25 @@ else()
   set(ZK_SYSTEM posix)
 endif()
 
+# Where things lie when they are installed, relative to the prefix: on Windows the modules beside the programs, where the
+# help is looked for, too.
+include(GNUInstallDirs)
+if(WIN32)
+  set(ZK_MODULES_DIR ${CMAKE_INSTALL_BINDIR})
+  set(ZK_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR})
+  set(ZK_MODULES_FROM_PROGRAMS .)
+else()
+  set(ZK_MODULES_DIR ${CMAKE_INSTALL_LIBDIR}/zentrel-k4n)
+  set(ZK_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/zentrel-k4n)
+  # Modules find each other, programs the modules, wherever the prefix is.
+  file(RELATIVE_PATH ZK_MODULES_FROM_PROGRAMS /${CMAKE_INSTALL_BINDIR} /${ZK_MODULES_DIR})
+  set(CMAKE_INSTALL_RPATH $ORIGIN $ORIGIN/${ZK_MODULES_FROM_PROGRAMS})
+endif()
+
+# The version, for programs and resources.
+set(ZK_GENERATED_INCLUDE ${CMAKE_BINARY_DIR}/generated)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/Version.h.in ${ZK_GENERATED_INCLUDE}/zk_version.h @ONLY)
+
 find_program(ZK_CCACHE ccache)
 if(ZK_CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${ZK_CCACHE})

@@ -91,18 +91,19 @@ HRESULT CZentrelK4N::LoadDetectorDataFromFile(std::size_t channel, os::WideView 
 }
 
 HRESULT CZentrelK4N::LoadFromDetectorFolder(std::size_t channel, os::WideView file_name) {
-  const fs::path folder = GetDetectorFolder();
   const FileNames names(file_name);
-  // A name that a code page has no letters for leaves the folder alone, which is no file.
-  Status loaded = manager_.LoadDetectorData(channel, fs::path(folder) += names.ansi);
-  if (loaded == status::kCannotOpenFile) {
-    loaded = manager_.LoadDetectorData(channel, fs::path(folder) += names.cyrillic);
+  for (const fs::path& folder : GetDetectorFolders()) {
+    // A name that a code page has no letters for leaves the folder alone, which is no file.
+    Status loaded = manager_.LoadDetectorData(channel, fs::path(folder) += names.ansi);
+    if (loaded == status::kCannotOpenFile) {
+      loaded = manager_.LoadDetectorData(channel, fs::path(folder) += names.cyrillic);
+    }
+    if (loaded == status::kOk) {
+      return S_OK;
+    }
+    if (loaded != status::kCannotOpenFile) {
+      return BuiltError(kChannel, status::kCannotReadFile, os::WideOf(folder).append(file_name));
+    }
   }
-  if (loaded == status::kOk) {
-    return S_OK;
-  }
-  if (loaded == status::kCannotOpenFile) {
-    return BuiltError(kChannel, loaded, file_name);
-  }
-  return BuiltError(kChannel, status::kCannotReadFile, os::WideOf(folder).append(file_name));
+  return BuiltError(kChannel, status::kCannotOpenFile, file_name);
 }

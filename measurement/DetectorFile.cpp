@@ -29,10 +29,10 @@ std::optional<int> VersionOf(const std::string& header) {
 
 }  // namespace
 
-std::filesystem::path GetDetectorFolder() {
-  std::filesystem::path folder = os::CommonFilesFolder();
-  folder += "\\Zentrel Shared\\Detectors\\";
-  return folder;
+std::vector<std::filesystem::path> GetDetectorFolders() {
+  std::vector<std::filesystem::path> folders = os::CommonFilesFolders();
+  for (std::filesystem::path& folder : folders) folder += "\\Zentrel Shared\\Detectors\\";
+  return folders;
 }
 
 DetectorFile::Fault DetectorFile::Read(const std::filesystem::path& path) {

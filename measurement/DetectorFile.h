@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "measurement/DetectorTable.h"
 #include "measurement/ICustomMatrix.h"
@@ -13,10 +14,10 @@
 #include "measurement/SimpleMatrix.h"
 #include "measurement/Status.h"
 
-/// The folder that all programs of the instrument family share, with a trailing separator: the
-/// common files folder followed by "\Zentrel Shared\Detectors\". Kept: the suffix stands alone when
-/// the system tells no common files folder.
-std::filesystem::path GetDetectorFolder();
+/// The folders that all programs of the instrument family share, each with a trailing separator,
+/// the one that prevails first: each common files folder followed by "\Zentrel Shared\Detectors\".
+/// Kept: the suffix stands alone when the system tells no common files folder.
+std::vector<std::filesystem::path> GetDetectorFolders();
 
 /// Versions of detector files.
 inline constexpr int kVersionWithoutLevels = 0;  ///< no level column, no digest

@@ -1,5 +1,6 @@
 #include "zk4n/DriverClient.h"
 
+#include <system_error>
 #include <utility>
 
 #include "platform/os/Text.h"
@@ -30,7 +31,14 @@ std::string ResultText(HRESULT result, const std::string& description) {
 
 }  // namespace
 
-std::filesystem::path DefaultDriverModule() { return os::ThisModuleFolder() / ZK_DRIVER_FILE_NAME; }
+std::filesystem::path ShippedFile(const char* name) {
+  const std::filesystem::path here = os::ThisModuleFolder();
+  const std::filesystem::path installed = (here / ZK_MODULE_FOLDER / name).lexically_normal();
+  std::error_code error;
+  return std::filesystem::exists(installed, error) ? installed : here / name;
+}
+
+std::filesystem::path DefaultDriverModule() { return ShippedFile(ZK_DRIVER_FILE_NAME); }
 
 DriverClient::DriverClient(const std::filesystem::path& module_file) {
   using GetClassObject = HRESULT STDMETHODCALLTYPE(REFCLSID, REFIID, void**);

@@ -76,5 +76,7 @@ class DriverClient {
   ComPtr<IZentrelK4N> root_;
 };
 
-/// The driver module beside this program.
+/// A file that ships with this program: it lies beside it, or where installing puts the modules.
+std::filesystem::path ShippedFile(const char* name);
+/// The driver module that ships with this program.
 std::filesystem::path DefaultDriverModule();

@@ -194,7 +194,7 @@ void NoteOtherRange(const SweepPlan& plan, const Trace& trace) {
 
 /// The detector files of a simulated instrument are known: the ones that ship with the program.
 std::vector<DetectorChoice> WithShippedDetectors(std::vector<DetectorChoice> choices) {
-  const std::string shipped = Utf8Of(os::ThisModuleFolder() / "calibr20.det");
+  const std::string shipped = Utf8Of(ShippedFile("calibr20.det"));
   for (std::size_t channel = 0; channel < kTraceChannels; ++channel) {
     const auto chosen = [&](const DetectorChoice& choice) { return choice.channel == channel; };
     if (std::none_of(choices.begin(), choices.end(), chosen)) choices.push_back({channel, shipped});

@@ -9,6 +9,7 @@
 #include "zk4n/Commands.h"
 #include "zk4n/DriverClient.h"
 #include "zk4n/Sweep.h"
+#include "zk_version.h"
 
 namespace {
 
@@ -33,6 +34,7 @@ class ComThread {
 
 int Run(std::vector<std::string> arguments) {
   CLI::App app("Client of the Zentrel K4N / L5S driver", "zk4n");
+  app.set_version_flag("--version", "zk4n " ZK_VERSION_TEXT);
   app.require_subcommand(1);
   app.allow_windows_style_options(
       false);  // a path may begin with a slash; inherited by the commands
@@ -50,6 +52,8 @@ int Run(std::vector<std::string> arguments) {
     app.parse(arguments);
   } catch (const CLI::CallForHelp&) {
     std::fputs(app.help().c_str(), stdout);
+  } catch (const CLI::CallForVersion& version) {
+    std::puts(version.what());
   } catch (const CLI::RequiredError& error) {
     // A word that is no command is more to the point than that one is missing.
     const std::vector<std::string> unknown = app.remaining();

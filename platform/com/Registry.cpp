@@ -27,8 +27,8 @@ constexpr std::u16string_view kUserClasses = u"HKEY_CURRENT_USER\\Software\\Clas
 constexpr std::u16string_view kMachineClasses = u"HKEY_LOCAL_MACHINE\\Software\\Classes";
 
 HKEY__ classes_root{true, u""};
-HKEY__ current_user{false, u"HKEY_CURRENT_USER"};
-HKEY__ local_machine{false, u"HKEY_LOCAL_MACHINE"};
+HKEY__ current_user{false, std::u16string(kUserRoot)};
+HKEY__ local_machine{false, std::u16string(kMachineRoot)};
 
 bool IsPredefined(HKEY key) {
   return key == &classes_root || key == &current_user || key == &local_machine;
@@ -48,6 +48,11 @@ std::u16string Joined(std::u16string_view a, std::u16string_view b) {
 std::vector<std::u16string> PlacesOf(const HKEY__& key) {
   if (!key.merged) return {key.path};
   return {Joined(kUserClasses, key.path), Joined(kMachineClasses, key.path)};
+}
+
+/// Below which root a change of the key can only be; empty for the merged view.
+std::u16string_view RootOf(const HKEY__& key) {
+  return key.merged ? std::u16string_view() : key.path;
 }
 
 /// The keys that exist at those places.
@@ -103,7 +108,7 @@ template <typename Body>
 LSTATUS ChangeKey(HKEY key, Body&& body) {
   if (key == nullptr) return ERROR_INVALID_HANDLE;
   return Guarded([&] {
-    return ChangeRegistry([&](RegistryKey& root) {
+    return ChangeRegistry(RootOf(*key), [&](RegistryKey& root) {
       if (IsPredefined(key)) root.Create(PlacesOf(*key).back());
       const auto keys = ExistingKeys(root, *key);
       return keys.empty() ? ERROR_KEY_DELETED : body(*keys.front());
@@ -157,7 +162,7 @@ LSTATUS RegCreateKeyExW(HKEY parent, LPCWSTR name, DWORD, LPWSTR, DWORD, REGSAM,
   return Guarded([&]() -> LSTATUS {
     const HKEY__ place = Below(*parent, name);
     bool existed = false;
-    const LSTATUS result = ChangeRegistry([&](RegistryKey& root) {
+    const LSTATUS result = ChangeRegistry(RootOf(place), [&](RegistryKey& root) {
       existed = !ExistingKeys(root, place).empty();
       if (!existed) root.Create(PlaceOfNew(root, place));
       return ERROR_SUCCESS;
@@ -235,7 +240,7 @@ LSTATUS RegDeleteKeyW(HKEY parent, LPCWSTR name) {
   if (name == nullptr || name[0] == 0) return ERROR_INVALID_PARAMETER;
   return Guarded([&] {
     const HKEY__ place = Below(*parent, name);
-    return ChangeRegistry([&](RegistryKey& root) -> LSTATUS {
+    return ChangeRegistry(RootOf(place), [&](RegistryKey& root) -> LSTATUS {
       for (const std::u16string& path : PlacesOf(place)) {
         const RegistryKey* const key = root.Find(path);
         if (key == nullptr) continue;
@@ -258,7 +263,7 @@ LSTATUS RegDeleteTreeW(HKEY parent, LPCWSTR name) {
   if (parent == nullptr) return ERROR_INVALID_HANDLE;
   return Guarded([&] {
     const HKEY__ place = Below(*parent, name);
-    return ChangeRegistry([&](RegistryKey& root) -> LSTATUS {
+    return ChangeRegistry(RootOf(place), [&](RegistryKey& root) -> LSTATUS {
       for (const std::u16string& path : PlacesOf(place)) {
         if (root.Remove(path)) return ERROR_SUCCESS;
       }

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
@@ -14,6 +15,7 @@
 #include <sstream>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -24,9 +26,15 @@ std::string Environment(const char* name) {
   return value == nullptr ? "" : value;
 }
 
+/// One of the files that hold the registry: all of it, or what is below one of its roots.
+struct Part {
+  fs::path file;
+  std::u16string_view root;  // empty: all of them
+  mode_t mode;
+};
+
 /// Empty when the user has no home folder.
-fs::path RegistryPath() {
-  if (fs::path path = Environment("ZENTREL_REGISTRY"); !path.empty()) return path;
+fs::path UsersFile() {
   fs::path data = Environment("XDG_DATA_HOME");
   if (!data.is_absolute()) {
     const fs::path home = Environment("HOME");
@@ -36,11 +44,34 @@ fs::path RegistryPath() {
   return data / "zentrel" / "registry";
 }
 
+/// Who asks for the registry in one file has it to himself; else the machine's part is for all
+/// users.
+std::vector<Part> Parts() {
+  constexpr mode_t kForOwner = 0600;
+  constexpr mode_t kForAll = 0644;
+  if (const std::string file = Environment("ZENTREL_REGISTRY"); !file.empty()) {
+    return {{file, {}, kForOwner}};
+  }
+  const std::string machine = Environment("ZENTREL_MACHINE_REGISTRY");
+  return {{UsersFile(), kUserRoot, kForOwner},
+          {machine.empty() ? "/var/lib/zentrel/registry" : machine, kMachineRoot, kForAll}};
+}
+
+/// Whether a change at the path can be one of the part; the merged view has no root of its own.
+bool Concerns(std::u16string_view path, const Part& part) {
+  return part.root.empty() || path.empty() ||
+         EqualNames(path.substr(0, path.find(u'\\')), part.root);
+}
+
 fs::path Beside(const fs::path& path, const char* suffix) { return path.native() + suffix; }
 
 class FileDescriptor {
  public:
-  FileDescriptor(const fs::path& path, int flags) : descriptor_(open(path.c_str(), flags, 0600)) {}
+  FileDescriptor() : descriptor_(-1) {}
+  FileDescriptor(const fs::path& path, int flags)
+      : descriptor_(open(path.c_str(), flags | O_CLOEXEC, 0600)) {}
+  FileDescriptor(FileDescriptor&& other) noexcept
+      : descriptor_(std::exchange(other.descriptor_, -1)) {}
   ~FileDescriptor() {
     if (descriptor_ >= 0) close(descriptor_);
   }
@@ -94,68 +125,129 @@ bool WriteAll(int descriptor, std::string_view text) {
   return fsync(descriptor) == 0;
 }
 
-/// A reader meets the old text or the new one, also when the machine stops in between.
-LSTATUS Replace(const fs::path& path, std::string_view text) {
-  const fs::path fresh = Beside(path, ".new");
-  {
-    const FileDescriptor file(fresh, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC);
-    if (!WriteAll(file.Get(), text)) return ERROR_WRITE_FAULT;
-  }
-  std::error_code error;
-  fs::rename(fresh, path, error);
-  return error ? ERROR_WRITE_FAULT : ERROR_SUCCESS;
+/// What a system call that failed says of a file.
+LSTATUS StatusOf(int error) {
+  return error == EACCES || error == EPERM || error == EROFS ? ERROR_ACCESS_DENIED
+                                                             : ERROR_WRITE_FAULT;
 }
 
-LSTATUS Read(const fs::path& path, RegistryKey& root) {
+/// A reader meets the old text or the new one, also when the machine stops in between.
+LSTATUS Replace(const Part& part, std::string_view text) {
+  const fs::path fresh = Beside(part.file, ".new");
+  {
+    const FileDescriptor file(fresh, O_WRONLY | O_CREAT | O_TRUNC);
+    if (file.Get() < 0) return StatusOf(errno);
+    if (fchmod(file.Get(), part.mode) != 0 || !WriteAll(file.Get(), text)) return ERROR_WRITE_FAULT;
+  }
   std::error_code error;
-  if (path.empty() || (!fs::exists(path, error) && !error)) return ERROR_SUCCESS;
-  std::ifstream file(path, std::ios::binary);
+  fs::rename(fresh, part.file, error);
+  return error ? StatusOf(error.value()) : ERROR_SUCCESS;
+}
+
+/// Adds what a part holds to the registry.
+LSTATUS Read(const Part& part, RegistryKey& root) {
+  std::error_code error;
+  if (part.file.empty() || (!fs::exists(part.file, error) && !error)) return ERROR_SUCCESS;
+  std::ifstream file(part.file, std::ios::binary);
   std::ostringstream text;
   // An empty file puts nothing into the stream, which counts as a failure there.
   if (!file || (!(text << file.rdbuf()) && file.bad())) return ERROR_ACCESS_DENIED;
   auto parsed = ParseRegistry(text.view());
   if (!parsed) return ERROR_BADDB;
-  root = std::move(*parsed);
+  if (RegistryKey* const found = parsed->Find(part.root))
+    root.Create(part.root) = std::move(*found);
   return ERROR_SUCCESS;
 }
+
+LSTATUS Read(const std::vector<Part>& parts, RegistryKey& root) {
+  for (const Part& part : parts) {
+    if (const LSTATUS read = Read(part, root); read != ERROR_SUCCESS) return read;
+  }
+  return ERROR_SUCCESS;
+}
+
+/// What the part's file holds of the registry.
+std::string TextOf(const Part& part, const RegistryKey& root) {
+  if (part.root.empty()) return FormatRegistry(root);
+  RegistryKey own;
+  if (const RegistryKey* const found = root.Find(part.root)) own.Create(part.root) = *found;
+  return FormatRegistry(own);
+}
+
+/// The right to change a part, until it is destroyed.
+class PartLock {
+ public:
+  explicit PartLock(const Part& part) : result_(MakeFolder(part.file)), file_(Open(part.file)) {}
+
+  /// ERROR_SUCCESS when it is held.
+  [[nodiscard]] LSTATUS Result() const { return result_; }
+
+ private:
+  static LSTATUS MakeFolder(const fs::path& file) {
+    std::error_code error;
+    if (!file.empty()) fs::create_directories(file.parent_path(), error);
+    return file.empty() || error ? StatusOf(error.value()) : ERROR_SUCCESS;
+  }
+  /// The lock is a file of its own, since the registry's is a new one after every change.
+  FileDescriptor Open(const fs::path& file) {
+    if (result_ != ERROR_SUCCESS) return FileDescriptor();
+    FileDescriptor lock(Beside(file, ".lock"), O_RDWR | O_CREAT);
+    if (lock.Get() < 0 || !LockExclusively(lock.Get())) result_ = StatusOf(errno);
+    return lock;
+  }
+
+  LSTATUS result_;
+  FileDescriptor file_;
+};
 
 }  // namespace
 
 LSTATUS ReadRegistry(std::shared_ptr<const RegistryKey>& root) {
   static std::mutex mutex;
-  static FileState newest_state;
+  static std::vector<FileState> newest_states;
   static std::shared_ptr<const RegistryKey> newest;
-  const fs::path path = RegistryPath();
-  const FileState state(path);
+  const std::vector<Part> parts = Parts();
+  std::vector<FileState> states;
+  states.reserve(parts.size());
+  for (const Part& part : parts) states.emplace_back(part.file);
   {
     const std::lock_guard lock(mutex);
-    if (newest != nullptr && state == newest_state) {
+    if (newest != nullptr && states == newest_states) {
       root = newest;
       return ERROR_SUCCESS;
     }
   }
   auto fresh = std::make_shared<RegistryKey>();
-  if (const LSTATUS read = Read(path, *fresh); read != ERROR_SUCCESS) return read;
+  if (const LSTATUS read = Read(parts, *fresh); read != ERROR_SUCCESS) return read;
   root = fresh;
-  if (!state.IsSettled()) return ERROR_SUCCESS;
+  if (!std::all_of(states.begin(), states.end(),
+                   [](const FileState& state) { return state.IsSettled(); })) {
+    return ERROR_SUCCESS;
+  }
   const std::lock_guard lock(mutex);
   newest = std::move(fresh);
-  newest_state = state;
+  newest_states = std::move(states);
   return ERROR_SUCCESS;
 }
 
-LSTATUS ChangeRegistry(const std::function<LSTATUS(RegistryKey& root)>& change) {
-  const fs::path path = RegistryPath();
-  if (path.empty()) return ERROR_WRITE_FAULT;
-  std::error_code error;
-  fs::create_directories(path.parent_path(), error);
-  // The lock is a file of its own, since the registry's is a new one after every change.
-  const FileDescriptor lock(Beside(path, ".lock"), O_RDWR | O_CREAT | O_CLOEXEC);
-  if (lock.Get() < 0 || !LockExclusively(lock.Get())) return ERROR_WRITE_FAULT;
+LSTATUS ChangeRegistry(std::u16string_view path,
+                       const std::function<LSTATUS(RegistryKey& root)>& change) {
+  // Only the parts that may change are locked: others may be nobody's to write, or not to be made.
+  std::vector<Part> parts = Parts();
+  std::erase_if(parts, [path](const Part& part) { return !Concerns(path, part); });
+  std::vector<PartLock> locks(parts.begin(), parts.end());
   RegistryKey root;
-  if (const LSTATUS read = Read(path, root); read != ERROR_SUCCESS) return read;
-  const std::string before = FormatRegistry(root);
+  if (const LSTATUS read = Read(parts, root); read != ERROR_SUCCESS) return read;
+  std::vector<std::string> before;
+  before.reserve(parts.size());
+  for (const Part& part : parts) before.push_back(TextOf(part, root));
   if (const LSTATUS changed = change(root); changed != ERROR_SUCCESS) return changed;
-  const std::string after = FormatRegistry(root);
-  return after == before ? ERROR_SUCCESS : Replace(path, after);
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    const std::string after = TextOf(parts[i], root);
+    if (after == before[i]) continue;
+    if (locks[i].Result() != ERROR_SUCCESS) return locks[i].Result();
+    if (const LSTATUS replaced = Replace(parts[i], after); replaced != ERROR_SUCCESS)
+      return replaced;
+  }
+  return ERROR_SUCCESS;
 }

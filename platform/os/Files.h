@@ -8,6 +8,7 @@
 #include <fstream>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/os/Text.h"
 
@@ -33,10 +34,10 @@ std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, std:
 /// Creates or truncates a file for writing in binary mode; other processes may read it meanwhile.
 std::ofstream OpenForWriting(const std::filesystem::path& path);
 
-/// The system's common files folder without a trailing separator; empty when the system does not
-/// tell. Elsewhere than on Windows: ZENTREL_COMMON_FILES, or a folder below the user's XDG data
-/// home.
-std::filesystem::path CommonFilesFolder();
+/// Where common files lie, without a trailing separator, the folder that prevails first. Windows
+/// has one such folder, empty when it does not tell. Elsewhere: ZENTREL_COMMON_FILES alone, or the
+/// user's XDG data home and then the system's XDG data folders.
+std::vector<std::filesystem::path> CommonFilesFolders();
 
 /// The user's documents folder, likewise. Elsewhere than on Windows: ZENTREL_DOCUMENTS, or XDG's.
 std::filesystem::path DocumentsFolder();

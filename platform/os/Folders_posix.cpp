@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <sstream>
 
 #include "platform/os/Files.h"
 
@@ -10,6 +11,11 @@ std::string Environment(const char* name) {
   return value == nullptr ? std::string() : std::string(value);
 }
 
+std::filesystem::path WithoutSeparator(std::string folder) {
+  while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
+  return folder;
+}
+
 std::filesystem::path Folder(const char* variable, const char* xdg_variable,
                              const char* below_home) {
   std::string folder = Environment(variable);
@@ -18,14 +24,22 @@ std::filesystem::path Folder(const char* variable, const char* xdg_variable,
     const std::string home = Environment("HOME");
     if (!home.empty()) folder = home + below_home;
   }
-  while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
-  return folder;
+  return WithoutSeparator(folder);
 }
 
 }  // namespace
 
-std::filesystem::path CommonFilesFolder() {
-  return Folder("ZENTREL_COMMON_FILES", "XDG_DATA_HOME", "/.local/share");
+std::vector<std::filesystem::path> CommonFilesFolders() {
+  std::vector<std::filesystem::path> folders{
+      Folder("ZENTREL_COMMON_FILES", "XDG_DATA_HOME", "/.local/share")};
+  if (!Environment("ZENTREL_COMMON_FILES").empty()) return folders;
+  std::string list = Environment("XDG_DATA_DIRS");
+  if (list.empty()) list = "/usr/local/share:/usr/share";
+  std::istringstream names(list);
+  for (std::string name; std::getline(names, name, ':');) {
+    if (name.starts_with('/')) folders.push_back(WithoutSeparator(name));
+  }
+  return folders;
 }
 
 std::filesystem::path DocumentsFolder() {

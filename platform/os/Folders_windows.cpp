@@ -15,7 +15,9 @@ std::filesystem::path ShellFolder(int csidl) {
 
 }  // namespace
 
-std::filesystem::path CommonFilesFolder() { return ShellFolder(CSIDL_PROGRAM_FILES_COMMON); }
+std::vector<std::filesystem::path> CommonFilesFolders() {
+  return {ShellFolder(CSIDL_PROGRAM_FILES_COMMON)};
+}
 
 std::filesystem::path DocumentsFolder() { return ShellFolder(CSIDL_PERSONAL); }
 

@@ -217,7 +217,7 @@ constexpr FileCase kFileCases[] = {
 };
 
 TEST_F(DetectorFiles, AreLookedForInThreeWays) {
-  const fs::path shared = GetDetectorFolder();
+  const fs::path shared = GetDetectorFolders().front();
   for (const FileCase& row : kFileCases) {
     const std::string name = row.name + stamp_ + ".det";
     const std::u8string name_of_file(name.begin(), name.end());

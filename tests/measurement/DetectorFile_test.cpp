@@ -108,8 +108,10 @@ TEST(DetectorFile, FailedLoadKeepsTheTable) {
   EXPECT_EQ(table, previous);
 }
 
-TEST(DetectorFile, FolderIsBelowTheCommonFiles) {
-  EXPECT_EQ(GetDetectorFolder(), os::CommonFilesFolder().concat("\\Zentrel Shared\\Detectors\\"));
+TEST(DetectorFile, FoldersAreBelowTheCommonFiles) {
+  std::vector<std::filesystem::path> folders = os::CommonFilesFolders();
+  for (std::filesystem::path& folder : folders) folder += "\\Zentrel Shared\\Detectors\\";
+  EXPECT_EQ(GetDetectorFolders(), folders);
 }
 
 }  // namespace

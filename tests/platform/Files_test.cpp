@@ -108,14 +108,24 @@ TEST(FileNames, HaveAPathWhereTheCodePageHasTheirLetters) {
 }
 
 TEST(Folders, CommonFilesHaveNoSeparatorAtTheEnd) {
-#ifndef _WIN32
+#ifdef _WIN32
+  const std::vector<fs::path> folders = os::CommonFilesFolders();
+  ASSERT_EQ(folders.size(), 1U);
+  EXPECT_TRUE(folders.front().has_filename()) << folders.front();
+#else
+  const auto expect = [](const std::vector<fs::path>& folders) {
+    EXPECT_EQ(os::CommonFilesFolders(), folders);
+  };
+  setenv("XDG_DATA_HOME", "/home/u//", 1);
+  expect({"/home/u", "/usr/local/share", "/usr/share"});
+  setenv("XDG_DATA_DIRS", "/a/:none:/b", 1);
+  expect({"/home/u", "/a", "/b"});
   setenv("ZENTREL_COMMON_FILES", "/srv/\xE6\xB8\xAC/", 1);
-  EXPECT_EQ(os::CommonFilesFolder(), "/srv/\xE6\xB8\xAC") << "whatever its letters";
-  unsetenv("ZENTREL_COMMON_FILES");
+  expect({"/srv/\xE6\xB8\xAC"});
+  for (const char* name : {"ZENTREL_COMMON_FILES", "XDG_DATA_DIRS", "XDG_DATA_HOME"}) {
+    unsetenv(name);
+  }
 #endif
-  const fs::path folder = os::CommonFilesFolder();
-  ASSERT_FALSE(folder.empty());
-  EXPECT_TRUE(folder.has_filename()) << folder;
 }
 
 TEST(Notice, HookReceivesTheWarningAndMaySetAnother) {

@@ -72,6 +72,53 @@ TEST_F(MergedRegistry, FileThatCannotBeWrittenIsReported) {
   EXPECT_EQ(Key(HKEY_CURRENT_USER, u"Software").Result(), ERROR_WRITE_FAULT);
 }
 
+/// The registry in two files, as where the driver is installed for all users.
+class TwoFiles : public testing::Test {
+ protected:
+  TwoFiles() {
+    unsetenv("ZENTREL_REGISTRY");
+    setenv("XDG_DATA_HOME", folder_.path().c_str(), 1);
+    setenv("ZENTREL_MACHINE_REGISTRY", machine_.c_str(), 1);
+  }
+  ~TwoFiles() override {
+    unsetenv("XDG_DATA_HOME");
+    unsetenv("ZENTREL_MACHINE_REGISTRY");
+  }
+  static bool MayAllRead(const std::filesystem::path& file) {
+    using std::filesystem::perms;
+    return (status(file).permissions() & perms::others_read) != perms::none;
+  }
+
+ private:
+  TemporaryFolder folder_;
+
+ protected:
+  std::filesystem::path user_ = folder_.path() / "zentrel" / "registry";
+  std::filesystem::path machine_ = folder_.path() / "machine" / "registry";
+};
+
+TEST_F(TwoFiles, EachHoldsItsRoot) {
+  const Key machine(HKEY_LOCAL_MACHINE, kMachine + u"Lib.Class");
+  SetText(machine.Get(), nullptr, u"machine");
+  EXPECT_TRUE(MayAllRead(machine_));
+  EXPECT_FALSE(exists(user_.parent_path())) << "nothing of the user's is made";
+  EXPECT_EQ(TextOf(Key(HKEY_CLASSES_ROOT, u"Lib.Class").Get(), nullptr), u"machine");
+  const Key user(HKEY_CURRENT_USER, kUser + u"Lib.Class");
+  SetText(user.Get(), nullptr, u"user");
+  EXPECT_FALSE(MayAllRead(user_));
+  EXPECT_EQ(TextOf(Key(HKEY_CLASSES_ROOT, u"Lib.Class").Get(), nullptr), u"user");
+  remove(user_);
+  EXPECT_EQ(TextOf(Key(HKEY_CLASSES_ROOT, u"Lib.Class").Get(), nullptr), u"machine");
+}
+
+TEST_F(TwoFiles, TheMachinesIsForAdministrators) {
+  setenv("ZENTREL_MACHINE_REGISTRY", "/sys/zentrel/registry", 1);
+  EXPECT_EQ(Key(HKEY_LOCAL_MACHINE, kMachine + u"A").Result(), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Key(HKEY_CURRENT_USER, kUser + u"A").Result(), ERROR_SUCCESS);
+  EXPECT_EQ(Key(HKEY_CLASSES_ROOT, u"A\\B").Result(), ERROR_SUCCESS) << "below the user's key";
+  EXPECT_EQ(Key(HKEY_CLASSES_ROOT, u"C").Result(), ERROR_ACCESS_DENIED);
+}
+
 TEST_F(MergedRegistry, KeyNameWithALineBreakIsRefused) {
   EXPECT_EQ(Key(HKEY_CURRENT_USER, u"A\n[B]").Result(), ERROR_INVALID_PARAMETER);
 }
