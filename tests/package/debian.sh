@@ -1,13 +1,13 @@
 # debian.sh FOLDER - the Debian packages in FOLDER: installed, used and purged, in a view of the file system of this
 # test's own, so that the machine stays as it is. Needs root.
 if [ "${2:-}" != inside ]; then
-  [ "$(id -u)" -eq 0 ] || { echo "skipped: Debian packages: installing needs root"; exit 0; }
+  [ "$(id -u)" -eq 0 ] || { echo "   skipped: Debian packages: installing needs root"; exit 0; }
   exec unshare --mount --propagation private bash "$0" "$1" inside
 fi
 . "$(dirname "$0")/checks.sh"
 dist=$(realpath "$1")
 runtime=$(ls "$dist"/zentrel-k4n_*_amd64.deb) dev=$(ls "$dist"/zentrel-k4n-dev_*_amd64.deb)
-[ ! -e /usr/bin/zk4n ] || { echo "skipped: Debian packages: the driver is installed here"; exit 0; }
+[ ! -e /usr/bin/zk4n ] || { echo "   skipped: Debian packages: the driver is installed here"; exit 0; }
 
 mkdir "$folder/view"
 mount -t tmpfs tmpfs "$folder/view"
@@ -15,7 +15,7 @@ for top in usr etc var root; do
   mkdir -p "$folder/view/$top"/{changes,work}
   mount -t overlay overlay "/$top" \
     -o "lowerdir=/$top,upperdir=$folder/view/$top/changes,workdir=$folder/view/$top/work" ||
-    { echo "skipped: Debian packages: no overlay of /$top can be mounted here"; exit 0; }
+    { echo "   skipped: Debian packages: no overlay of /$top can be mounted here"; exit 0; }
 done
 
 # What this test's view has more than there was, or (a device) less; but for the package manager's own books and for
