@@ -1,0 +1,218 @@
+#!/usr/bin/env python3
+"""The manual against what it describes: manual_test.py TREE CLIENT [unittest's arguments].
+
+Each member, parameter and enumeration value of the surface, each result that has a name, each command of the client with
+its options has its entry, and there is no other; links lead somewhere; the examples answer as they stand; and members
+return without a session, with one, and from a generator what their entries say.
+"""
+
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True
+TREE, CLIENT = pathlib.Path(sys.argv[1]).resolve(), sys.argv[2]
+sys.path.insert(0, str(TREE / "tools" / "manual"))
+import book as source  # noqa: E402
+import calls  # noqa: E402
+import examples  # noqa: E402
+
+BOOK = source.Book()
+MEMBER_PAGES = [page for page in BOOK.pages if page.interface]
+# What the walk below brings about; other results are shown by examples.
+WALKED = {"0x8004701D", "0x00002749", "0x80047011", "0x80047012"}
+
+
+def fits(outcome, code, text):
+    """Whether the row of a table of results is this result."""
+    pattern = re.sub(r"\\\*[A-Z]+\\\*", ".+", re.escape(outcome.text))
+    return outcome.code == code and re.fullmatch(pattern, text) is not None
+
+
+def members_of(page):
+    """Each of its sections with the members of that name."""
+    return [(section, source.accessors(page.interface, section.title)) for section in page.sections]
+
+
+def answer(lines):
+    """Code and text of the console's answer."""
+    found = re.match(r"(0x[0-9A-F]{8}) \([^)]*\)(?:: (.*))?$", lines[0]) if lines else None
+    return (found[1], found[2] or "") if found else ("0x00000000", "")
+
+
+class Entries(unittest.TestCase):
+    def test_each_interface_has_its_page(self):
+        self.assertEqual(sorted(page.interface.name for page in MEMBER_PAGES),
+                         sorted(interface.name for interface in source.INTERFACES))
+
+    def test_each_member_has_its_section_and_parameters(self):
+        for page in MEMBER_PAGES:
+            with self.subTest(page.name):
+                self.assertEqual([section.title for section in page.sections],
+                                 list(dict.fromkeys(member.name for member in page.interface.members)))
+            for section, members in members_of(page):
+                with self.subTest(f"{page.name} {section.title}"):
+                    described, rest = source.definitions(section.lines)
+                    self.assertEqual([name for name, _ in described], source.expected_parameters(members))
+                    self.assertTrue(all(text for _, text in described))
+                    self.assertRegex("\n".join(rest), r"\A[A-Z]", "no sentence behind the parameters")
+                    self.assertEqual(len(source.blocks(section.lines, "results")), 1)
+                    self.assertEqual(len(source.blocks(section.lines, "console")), 1)
+
+    def test_each_enumeration_value_has_its_entry(self):
+        page = BOOK.page("reference/enumerations")
+        written = {s.title: [name for name, _ in source.definitions(s.lines)[0]] for s in page.sections}
+        self.assertEqual(written, {e.name: [name for name, _ in e.values] for e in source.LIBRARY.enumerations})
+
+    def test_each_named_result_has_its_row(self):
+        names = {}
+        for file in (TREE / "zk4n").glob("*Name*"):
+            names.update(re.findall(r'\{(0x[0-9A-F]{8}), "([^"]+)"\}', file.read_text()))
+        rows = re.findall(r"^\| `(0x[0-9A-F]{8})` \| ([^|]+?) \|", page_text("reference/results"), re.MULTILINE)
+        self.assertGreater(len(names), 30)
+        self.assertEqual(dict(rows), names)
+        self.assertEqual(len(rows), len(names))
+
+    def test_each_text_of_the_driver_stands_with_its_result(self):
+        written = page_text("reference/results")
+        templates = re.findall(r'MessageTemplate\{status::\w+,\s*"([^"]+)"\}',
+                               (TREE / "driver" / "ErrorMessage.cpp").read_text())
+        self.assertGreater(len(templates), 8)
+        for template in templates:
+            text = re.sub(r"%\d", "*", template.replace("\\x96", "–"))
+            with self.subTest(text):
+                self.assertIn(text, re.sub(r"\*[A-Z]+\*", "*", written))
+
+
+def page_text(name):
+    page = BOOK.page(name)
+    return "\n".join(page.intro + [section.text for section in page.sections])
+
+
+class Links(unittest.TestCase):
+    def test_each_page_is_in_the_contents(self):
+        files = {str(file.relative_to(BOOK.folder))[:-3] for file in BOOK.folder.rglob("*.md")}
+        self.assertEqual(files, {page.name for page in BOOK.pages})
+
+    def test_each_link_leads_somewhere(self):
+        anchors = {page.name: {s.anchor for s in page.sections} for page in BOOK.pages}
+        for code in re.findall(r"^\| `(0x[0-9A-F]{8})`", page_text("reference/results"), re.MULTILINE):
+            anchors["reference/results"].add(code)
+        count = 0
+        for page in BOOK.pages:
+            made = source.markdown(BOOK, page)
+            for target in re.findall(r"\]\(([^)\s]+)\)", made):
+                count += 1
+                with self.subTest(f"{page.name}: {target}"):
+                    way, _, anchor = target.partition("#")
+                    file = (BOOK.folder / page.name).parent / way if way else BOOK.folder / f"{page.name}.md"
+                    self.assertTrue(file.is_file())
+                    if anchor:
+                        name = str(file.resolve().relative_to(BOOK.folder))[:-3]
+                        self.assertIn(anchor, anchors[name])
+        self.assertGreater(count, 300)
+
+
+class Client(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.client = examples.Client(CLIENT, cls.folder.name)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.folder.cleanup()
+
+    def test_examples(self):
+        differences, count = examples.check(CLIENT)
+        self.assertEqual(differences, [])
+        self.assertGreater(count, 140)
+
+    def test_members_return_what_their_entries_say(self):
+        """Both ways: what comes back stands in the entry, and what stands there comes back or is shown."""
+        walk = [(page, section, members, member) for page in MEMBER_PAGES for section, members in members_of(page)
+                for member in members if section.title not in ("Initialize", "Close")]
+        commands = [command_of(page, member) for page, _, _, member in walk]
+        begin, modulate = "Acquisition.Initiate", "PulseModulation.Enabled = true"
+        session = "Initialize"
+        alone = session.replace("Initialize", f'Initialize("{examples.RESOURCE}", false, false, "GENERATOR")')
+        met = {}
+        for setup, before, options in (([], [], []), ([], [modulate, begin], []), ([session], [], []),
+                                       ([alone], [begin], ["--kind=generator", "--no-pulse-modulator",
+                                                           "--attenuator-mode=0"])):
+            fed = [line for command in commands for line in (*before, command)]
+            answers = self.client.answers(fed, *options, setup=setup)[len(before)::len(before) + 1]
+            self.assertEqual(len(answers), len(walk))
+            for (page, section, members, _), command, lines in zip(walk, commands, answers):
+                code, text = answer(lines)
+                met.setdefault((page.name, section.title), set()).add((code, text))
+                if code in WALKED:
+                    with self.subTest(f"{command} {setup}"):
+                        self.assertTrue(any(fits(outcome, code, text) for outcome in source.outcomes(section, members)),
+                                        f"{code} {text} is no result of the entry")
+        for page in MEMBER_PAGES:
+            for section, members in members_of(page):
+                seen = met.get((page.name, section.title), set()) | {
+                    answer([line]) for _, lines in source.blocks(section.lines, "console") for line in lines}
+                for outcome in source.outcomes(section, members):
+                    if outcome.shown and "x" not in outcome.code[2:]:
+                        with self.subTest(f"{page.name} {section.title} {outcome.code}"):
+                            self.assertTrue(any(fits(outcome, *result) for result in seen), f"never seen: {outcome}")
+
+
+def command_of(page, member):
+    """A command of the console for the member, with arguments that do nothing."""
+    plain = {"BSTR": '""', "SAFEARRAY(double)": "null", "VARIANT_BOOL": "false"}
+    path = ".".join(filter(None, [calls.console_path(source.PATHS[page.interface.name]), member.name]))
+    given = [plain.get(p.type, "0") for p in member.parameters if p.direction in ("in", "unstated")]
+    if member.kind == "put":
+        return f"{path} = {given[0]}"
+    return f"{path}({', '.join(given)})" if given else path
+
+
+class Commands(unittest.TestCase):
+    """The pages on the client's commands, and so the man pages, against its own help."""
+
+    def help(self, *command):
+        return subprocess.run([CLIENT, *command, "--help"], capture_output=True, text=True, check=True).stdout
+
+    def subcommands(self, *command):
+        _, found, rows = self.help(*command).partition("\nSubcommands:\n")
+        return re.findall(r"^  (\w+) ", rows, re.MULTILINE) if found else []
+
+    def test_each_command_has_its_page(self):
+        self.assertEqual([page.name.removeprefix("commands/") for page in BOOK.pages
+                          if page.name.startswith("commands/")],
+                         ["zk4n", *(f"zk4n-{name}" for name in self.subcommands())])
+
+    def test_each_option_has_its_entry(self):
+        for page in BOOK.pages:
+            if not page.name.startswith("commands/"):
+                continue
+            command = page.name.removeprefix("commands/").split("-")[1:]
+            whole = [([], [s for s in page.sections if s.level == 2])]
+            if command and self.subcommands(*command):
+                whole = [([name], [s for s in page.sections if s.title == f"zk4n {command[0]} {name}"])
+                         for name in self.subcommands(*command)]
+                self.assertTrue(all(sections for _, sections in whole))
+            for words, sections in whole:
+                with self.subTest(" ".join([page.name, *words])):
+                    told = {name: (value or "", default or "") for name, value, default in re.findall(
+                        r"^  (?:-\w,)?(--[\w-]+)(?: ([A-Z]+))?(?:[^=\n ]*)?(?:=(\S+(?: (?:dBm?|[MG]Hz|s)\b)?))?",
+                        self.help(*command, *words), re.MULTILINE)}
+                    entries = {}
+                    for section in sections:
+                        for name, text in re.findall(r"^`(--[\w-]+)[^`\n]*`\n:   ((?:.+\n?(?:    )?)*)", section.text + "\n",
+                                                     re.MULTILINE):
+                            entries[name] = text
+                    self.assertEqual(set(entries), set(told))
+                    for name, (_, default) in told.items():
+                        if default:
+                            self.assertIn(f"`{default}`", entries[name], f"default of {name}")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *sys.argv[3:]])
