@@ -94,7 +94,7 @@ def page_text(name):
 
 class Links(unittest.TestCase):
     def test_each_page_is_in_the_contents(self):
-        files = {str(file.relative_to(BOOK.folder))[:-3] for file in BOOK.folder.rglob("*.md")}
+        files = {str(file.relative_to(BOOK.folder))[:-3] for file in BOOK.folder.rglob("[!_]*.md")}
         self.assertEqual(files, {page.name for page in BOOK.pages})
 
     def test_each_link_leads_somewhere(self):
@@ -205,7 +205,7 @@ class Commands(unittest.TestCase):
                         self.help(*command, *words), re.MULTILINE)}
                     entries = {}
                     for section in sections:
-                        for name, text in re.findall(r"^`(--[\w-]+)[^`\n]*`\n:   ((?:.+\n?(?:    )?)*)", section.text + "\n",
+                        for name, text in re.findall(r"^`(--[\w-]+)`.*\n:   ((?:.+\n?(?:    )?)*)", section.text + "\n",
                                                      re.MULTILINE):
                             entries[name] = text
                     self.assertEqual(set(entries), set(told))

@@ -90,7 +90,11 @@ def anchor_of(title):
 
 
 def read_page(folder, name):
-    lines = (folder / f"{name}.md").read_text().split("\n")
+    """A line {{_NAME}} stands for the file of that name, which several pages share."""
+    file = folder / f"{name}.md"
+    text = re.sub(r"^\{\{(_\w+)\}\}$", lambda m: file.with_name(m[1] + ".md").read_text().rstrip(), file.read_text(),
+                  flags=re.MULTILINE)
+    lines = text.split("\n")
     assert lines[0] == "---", f"{name}.md has no head"
     end = lines.index("---", 1)
     head = dict(line.split(": ", 1) for line in lines[1:end])
