@@ -137,10 +137,9 @@ class Client(unittest.TestCase):
                 for member in members if section.title not in ("Initialize", "Close")]
         commands = [command_of(page, member) for page, _, _, member in walk]
         begin, modulate = "Acquisition.Initiate", "PulseModulation.Enabled = true"
-        session = "Initialize"
-        alone = session.replace("Initialize", f'Initialize("{examples.RESOURCE}", false, false, "GENERATOR")')
+        alone = examples.OPEN.replace(")", ', "GENERATOR")')
         met = {}
-        for setup, before, options in (([], [], []), ([], [modulate, begin], []), ([session], [], []),
+        for setup, before, options in (([], [], []), ([], [modulate, begin], []), ([examples.OPEN], [], []),
                                        ([alone], [begin], ["--kind=generator", "--no-pulse-modulator",
                                                            "--attenuator-mode=0"])):
             fed = [line for command in commands for line in (*before, command)]

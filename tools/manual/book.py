@@ -259,7 +259,7 @@ def overview(page):
             value = found[0].parameters[-1] if is_property(found) else None
             members.append((f"[{code(section.title)}](#{section.anchor})", access(found), value.unit if value else "",
                             first_sentence(definitions(section.lines)[1])))
-    return lines + table("members", ["Member", "", "Unit", ""], members)
+    return lines + table("members", ["Member", "Kind", "Unit", "What it does"], members)
 
 
 def member_tables(interface, section):
@@ -284,7 +284,7 @@ def member_tables(interface, section):
             direction = words[p.direction] + (", optional" if p.optional else "")
             parameters.append((code(p.name), f"{code(p.type)}, {direction}", p.unit, described.get(p.name, "")))
     if parameters:
-        lines += table("parameters", ["Parameter", "Type", "Unit", ""], parameters)
+        lines += table("parameters", ["Parameter", "Type", "Unit", "Meaning"], parameters)
     return lines + rest
 
 
@@ -308,6 +308,17 @@ def replace_results(section, members, lines):
     return result
 
 
+def example_head(words):
+    """What an example's session is, where it is not the usual one, and the fence of its block."""
+    lines = []
+    options = " ".join(word for word in words if word.startswith("--"))
+    if "closed" in words:
+        lines += ["Without a session:", ""]
+    elif options:
+        lines += [f"With `zk4n simulate {options}`:", ""]
+    return lines + ["```console"]
+
+
 def enumeration_table(section):
     enumeration = next((e for e in LIBRARY.enumerations if e.name == section.title), None)
     described, rest = definitions(section.lines)
@@ -318,7 +329,7 @@ def enumeration_table(section):
              code(calls.python_value(enumeration, name)), described.get(name, "")) for name, number in enumeration.values]
     lines = [f'<p class="help">{enumeration.help}</p>', ""] if enumeration.help else []
     lines += [f"In Python `{calls.python_enumeration(enumeration)}`.", ""] + rest
-    return lines + [""] + table("values", ["Value", "Number", "Python", ""], rows)
+    return lines + [""] + table("values", ["Value", "Number", "Python", "Meaning"], rows)
 
 
 def relative(target, page):
@@ -335,7 +346,7 @@ def link_code(line, book, page):
         if target is None or match[1] == "[":
             return match[0]
         name, anchor = target
-        if name == page.name and not anchor:
+        if name == page.name and not (anchor and page.interface):
             return match[0]
         way = "" if name == page.name else relative(name, page.name) + ".md"
         return f"{match[1]}[`{inner}`]({way}{'#' + anchor if anchor else ''})"
@@ -355,5 +366,8 @@ def markdown(book, page):
     result, fenced = [], False
     for line in lines:
         fenced ^= line.startswith("```")
+        if line.startswith("```console"):
+            result += example_head(line.split()[1:])
+            continue
         result.append(line if fenced or line.startswith(("#", "```")) else link_code(line, book, page))
     return "\n".join(result) + "\n"

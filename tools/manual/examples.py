@@ -2,9 +2,8 @@
 
 An example is a block `console`: lines after the prompt are commands, the others what the driver must answer. Each has an
 instrument and a session of its own, opened before. Words behind `console` change that: `closed`, no session is opened;
-`generator`, the option string is "GENERATOR"; `--NAME` or `--NAME=VALUE`, an option of `zk4n simulate`. The address
-192.0.2.7 stands for the simulated instrument. A line that ends in "..." has only its beginning compared. --write puts what the
-driver answers into the pages.
+`--NAME` or `--NAME=VALUE`, an option of `zk4n simulate`. The address 192.0.2.7 stands for the simulated instrument. --write
+puts what the driver answers into the pages.
 """
 
 import concurrent.futures
@@ -22,6 +21,7 @@ import book as source  # noqa: E402
 
 PROMPT = "zk4n> "
 RESOURCE = "TCPIP0::192.0.2.7::8888::SOCKET"
+OPEN = f'Initialize("{RESOURCE}", false, false)'
 END = "end_of_command"
 END_ANSWER = f"fault: IZentrelK4N has no member {END}"
 
@@ -48,13 +48,11 @@ class Client:
                               env=self.environment, capture_output=True, text=True, timeout=120)
         return done.stdout.splitlines()
 
-    def answers(self, commands, *simulator_options, setup=("Initialize",)):
+    def answers(self, commands, *simulator_options, setup):
         """What the driver answers to each of the commands, after the set-up, on an instrument of their own."""
         simulator, resource = self.simulate(*simulator_options)
         try:
-            fed = [line.replace("Initialize", f'Initialize("{RESOURCE}", false, false)', 1) if line == "Initialize" else line
-                   for line in setup]
-            fed += [line for command in commands for line in (END, command)] + [END]
+            fed = [*setup, *(line for command in commands for line in (END, command)), END]
             lines = self.shell([line.replace(RESOURCE, resource) for line in fed])
         finally:
             simulator.terminate()
@@ -72,18 +70,9 @@ class Client:
 def run(client, words, lines):
     """The block as the driver answers it."""
     commands = [line[len(PROMPT):] for line in lines if line.startswith(PROMPT)]
-    setup = []
-    if "generator" in words:
-        setup = [f'Initialize("{RESOURCE}", false, false, "GENERATOR")']
-    elif "closed" not in words:
-        setup = ["Initialize"]
-    answers = client.answers(commands, *(word for word in words if word.startswith("--")), setup=setup)
+    answers = client.answers(commands, *(word for word in words if word.startswith("--")),
+                             setup=[] if "closed" in words else [OPEN])
     return [line for command, answer in zip(commands, answers) for line in (PROMPT + command, *answer)]
-
-
-def is_same(written, answered):
-    return len(written) == len(answered) and all(
-        a.startswith(w[:-3]) if w.endswith("...") else w == a for w, a in zip(written, answered))
 
 
 def check(program, pages=None, write=False):
@@ -101,7 +90,7 @@ def check(program, pages=None, write=False):
                     tasks.append((page, section, words, lines, pool.submit(run, client, words, lines)))
         for page, section, words, lines, task in tasks:
             answered = task.result()
-            if is_same(lines, answered):
+            if answered == lines:
                 continue
             found.append("\n".join([f"{page.name}.md, {section.title}:", *("  manual: " + line for line in lines),
                                     *("  driver: " + line for line in answered)]))

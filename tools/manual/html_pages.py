@@ -28,37 +28,39 @@ def render(book):
         made = pandoc(source.markdown(book, page), "-t", "html5", "--no-highlight", "--wrap=none")
         made = re.sub(r'href="([^":#]*)\.md(#[^"]*)?"', r'href="\1.html\2"', made)
         made = re.sub(r"<p>Kept: ", '<p class="kept"><strong>Kept:</strong> ', made)
-        made = re.sub(r"<td>0x([0-9A-F]{8})", r'<td id="0x\1">0x\1', made)
-        return re.sub(r"<tr>\s*<td([^>]*)><code>(0x[0-9A-F]{8})</code>", r'<tr id="\2">\n<td\1><code>\2</code>', made) \
-            if page.name == "reference/results" else made
+        # Columns are as wide as their content wants; results can be linked to.
+        made = re.sub(r"<colgroup>.*?</colgroup>\n", "", made, flags=re.DOTALL)
+        if page.name == "reference/results":
+            made = re.sub(r"<tr[^>]*>\s*(<td[^>]*><code>(0x[0-9A-F]{8})</code>)", r'<tr id="\2">\n\1', made)
+        return made
     with concurrent.futures.ThreadPoolExecutor() as pool:
         return dict(zip([page.name for page in book.pages], pool.map(body, book.pages)))
 
 
 class TextOf(html.parser.HTMLParser):
-    """The sections of a page as (anchor, title, text), for the search."""
+    """The sections of a page as [anchor, title, text, calls], for the search."""
 
     def __init__(self, body):
         super().__init__()
-        self.sections, self.heading = [["", "", []]], False
+        self.sections, self.part = [["", "", "", ""]], 2
         self.feed(body)
 
     def handle_starttag(self, tag, attributes):
+        attributes = dict(attributes)
         if tag in ("h2", "h3"):
-            self.sections.append([dict(attributes).get("id", ""), "", []])
-            self.heading = True
+            self.sections.append([attributes.get("id", ""), "", "", ""])
+            self.part = 1
+        elif tag == "table" and attributes.get("class") == "calls":
+            self.part = 3
         elif tag in ("td", "th", "p", "li", "br", "dt", "dd", "pre"):
             self.handle_data(" ")
 
     def handle_endtag(self, tag):
-        if tag in ("h2", "h3"):
-            self.heading = False
+        if tag in ("h2", "h3", "table"):
+            self.part = 2
 
     def handle_data(self, text):
-        if self.heading:
-            self.sections[-1][1] += text
-        else:
-            self.sections[-1][2].append(text)
+        self.sections[-1][self.part] += text
 
 
 def full_title(page, title):
@@ -73,8 +75,8 @@ def search_index(book, bodies):
     for page in book.pages:
         if page.name == "index":
             continue
-        for anchor, title, text in TextOf(bodies[page.name]).sections:
-            words = re.sub(r"\s+", " ", "".join(text)).strip()
+        for anchor, title, text, its_calls in TextOf(bodies[page.name]).sections:
+            title, words = title.strip(), re.sub(r"\s+", " ", f"{text} {its_calls}").strip()
             rows.append([full_title(page, title) or page.title, page.title if title else "",
                          f"{page.name}.html{'#' + anchor if anchor else ''}", words])
     return "const searchIndex = " + json.dumps(rows, ensure_ascii=False, separators=(",", ":")).replace("],[", "],\n[") + ";\n"
@@ -138,7 +140,7 @@ def page_html(book, page, body):
 <nav id="contents">
 {contents(book, page)}
 </nav>
-<main>
+<main class="{page.name.rpartition('/')[2]}">
 <h1>{html.escape(page.title)}</h1>
 {body}
 {neighbours(book, page)}

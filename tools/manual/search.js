@@ -13,7 +13,7 @@
     let rating = 0;
     for (const word of words) {
       const inTitle = section.lowTitle.indexOf(word);
-      if (section.lowTitle === word) rating += 100;
+      if (section.lowTitle === word || section.lowTitle.endsWith("." + word)) rating += 100;
       else if (inTitle === 0 || section.lowTitle[inTitle - 1] === "." || section.lowTitle[inTitle - 1] === " ") rating += 40;
       else if (inTitle > 0) rating += 20;
       else if (section.low.includes(word)) rating += 1;
@@ -69,6 +69,12 @@
     show(found.slice(0, most).map((entry) => entry.section), words);
   }
 
+  // index.html?q=words shows what is found.
+  const asked = new URLSearchParams(location.search).get("q");
+  if (asked) {
+    field.value = asked;
+    search();
+  }
   field.addEventListener("input", search);
   field.addEventListener("focus", search);
   field.addEventListener("keydown", (event) => {

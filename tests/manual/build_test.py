@@ -1,0 +1,115 @@
+#!/usr/bin/env python3
+"""The built manual: build_test.py TREE CLIENT WORK_FOLDER. Two builds are the same, every link and every entry of the indexes leads
+somewhere, and the checked-in pictures are those that the client draws. 77, with the reason, where a program is missing.
+"""
+
+import filecmp
+import html
+import json
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import unittest
+
+sys.dont_write_bytecode = True
+TREE, CLIENT, WORK = pathlib.Path(sys.argv[1]).resolve(), sys.argv[2], pathlib.Path(sys.argv[3]).resolve()
+sys.path.insert(0, str(TREE / "tools" / "manual"))
+import pictures  # noqa: E402
+
+PROGRAMS = ["pandoc", "chmcmd", "rsvg-convert"]
+HELP = "IviZentrelK4N.chm"
+
+
+def files_of(folder):
+    return {str(file.relative_to(folder)) for file in folder.rglob("*") if file.is_file()}
+
+
+def build(name):
+    output = WORK / name
+    shutil.rmtree(output, ignore_errors=True)
+    output.mkdir(parents=True)
+    subprocess.run([sys.executable, "-B", str(TREE / "tools" / "manual" / "build"), str(output)], check=True,
+                   capture_output=True)
+    return output
+
+
+class Built(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.output = build("first")
+        cls.site = cls.output / "html"
+        cls.anchors = {name: set(re.findall(r'\bid="([^"]+)"', (cls.site / name).read_text()))
+                       for name in files_of(cls.site) if name.endswith(".html")}
+
+    def leads(self, page, target):
+        way, _, anchor = html.unescape(target).partition("#")
+        file = (self.site / page).parent / way if way else self.site / page
+        self.assertTrue(file.is_file(), f"{page}: {target}")
+        if anchor:
+            self.assertIn(anchor, self.anchors[str(file.resolve().relative_to(self.site))], f"{page}: {target}")
+
+    def test_two_builds_are_the_same(self):
+        again = build("second")
+        self.assertEqual(files_of(self.output), files_of(again))
+        _, differing, missing = filecmp.cmpfiles(self.output, again, files_of(again), shallow=False)
+        self.assertEqual((differing, missing), ([], []))
+
+    def test_every_link_leads_somewhere_on_this_disk(self):
+        for page in self.anchors:
+            for target in re.findall(r'\b(?:href|src)="([^"]+)"', (self.site / page).read_text()):
+                self.leads(page, target)
+
+    def test_what_the_search_finds_is_there(self):
+        text = (self.site / "search-index.js").read_text()
+        rows = json.loads(text.removeprefix("const searchIndex = ").rstrip(";\n"))
+        self.assertGreater(len(rows), 200)
+        self.assertIn("RF.Frequency", [title for title, _, _, _ in rows])
+        for _, _, place, _ in rows:
+            self.leads("index.html", place)
+
+    def test_the_help_file_has_every_page_and_its_index_leads_there(self):
+        listed = subprocess.run(["chmls", "list", str(self.output / HELP)], capture_output=True, text=True).stdout
+        inside = {line.split()[-1].lstrip("/") for line in listed.splitlines() if "/" in line}
+        self.assertTrue(set(self.anchors) <= inside, set(self.anchors) - inside)
+        for name in ("index.hhk", "contents.hhc"):
+            extracted = WORK / name
+            subprocess.run(["chmls", "extract", str(self.output / HELP), f"/{name}", str(extracted)],
+                           capture_output=True, check=True)
+            entries = re.findall(r'name="Name" value="([^"]+)">(?:<param name="Local" value="([^"]+)">)?',
+                                 extracted.read_text())
+            self.assertGreater(len(entries), 150)
+            for _, place in entries:
+                if place:
+                    self.leads("index.html", place)
+            if name == "index.hhk":
+                names = {title for title, _ in entries}
+                self.assertTrue({"RF.Frequency", "Frequency (RF)", "IZentrelK4NRF.Frequency", "Initialize",
+                                 "ZentrelK4NSweepModeList", "0x8004701D"} <= names)
+
+    def test_the_man_pages(self):
+        pages = files_of(self.output / "man" / "man1")
+        self.assertEqual(pages, {f"{file.stem}.1" for file in (TREE / "docs/manual/commands").glob("zk4n*.md")})
+        for page in pages:
+            text = (self.output / "man" / "man1" / page).read_text()
+            self.assertRegex(text, rf'\.TH "{page[:-2]}" "1"')
+            self.assertRegex(text, r"\.SH NAME\n\.PP\n\S+ \\?- ")
+
+    def test_the_pictures_are_current(self):
+        drawn = WORK / "pictures"
+        drawn.mkdir(parents=True, exist_ok=True)
+        pictures.draw(CLIENT, drawn)
+        kept = TREE / "docs" / "manual" / "pictures"
+        self.assertEqual(files_of(drawn), files_of(kept))
+        for name in files_of(kept):
+            self.assertTrue(filecmp.cmp(drawn / name, kept / name, shallow=False),
+                            f"{name}: run tools/manual/pictures.py ZK4N docs/manual/pictures")
+
+
+if __name__ == "__main__":
+    lacking = [program for program in PROGRAMS if shutil.which(program) is None]
+    if lacking:
+        print(f"Skipped: {', '.join(lacking)} not installed; see manual_packages in scripts/packages.")
+        sys.exit(77)
+    unittest.main(argv=sys.argv[:1])
