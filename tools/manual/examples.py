@@ -66,6 +66,13 @@ class Client:
                 current.append(line.replace(resource, RESOURCE))
         return found[:-1]
 
+    def log_of(self, commands, *simulator_options):
+        """The requests that a simulated instrument meets, a line each."""
+        simulator, resource = self.simulate("--log", *simulator_options)
+        self.shell([command.replace(RESOURCE, resource) for command in commands])
+        simulator.terminate()
+        return simulator.communicate()[0].splitlines()
+
 
 def run(client, words, lines):
     """The block as the driver answers it."""
