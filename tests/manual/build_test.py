@@ -18,7 +18,7 @@ TREE, CLIENT, WORK = pathlib.Path(sys.argv[1]).resolve(), sys.argv[2], pathlib.P
 sys.path.insert(0, str(TREE / "tools" / "manual"))
 import pictures  # noqa: E402
 
-PROGRAMS = ["pandoc", "chmcmd", "rsvg-convert"]
+PROGRAMS = ["pandoc", "chmcmd", "chmls", "rsvg-convert"]
 HELP = "IviZentrelK4N.chm"
 
 

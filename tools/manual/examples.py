@@ -1,3 +1,4 @@
+#!/usr/bin/env python3
 """Runs the console examples of the manual against simulated instruments: examples.py ZK4N [--write] [PAGE...].
 
 An example is a block `console`: lines after the prompt are commands, the others what the driver must answer. Each has an
