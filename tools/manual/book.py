@@ -249,7 +249,10 @@ def overview(page):
     elif path:
         rows += [("COM, C#", "`IZentrelK4N` " + " ".join(f"&rarr; {code(name + arguments)}" for name, arguments in path))]
     else:
-        rows += [("COM, C#", "the object that the class `ZentrelK4N` creates")]
+        root = next(coclass for coclass in LIBRARY.coclasses if coclass.creatable)
+        rows += [("COM, C#", "the object that its class creates"),
+                 ("Class", f"{code(f'{LIBRARY.name}.{root.name}')}, {code('{' + root.clsid + '}')}"),
+                 ("Library", f"{LIBRARY.name} {LIBRARY.version}, {code('{' + LIBRARY.libid + '}')}")]
     rows += [("Python", code(python)), ("Console", code(console) if console else "the bare names")]
     lines = table("reach", [], [(f"**{name}**", cell) for name, cell in rows])
     members = []
