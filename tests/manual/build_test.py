@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""The built manual: build_test.py TREE CLIENT WORK_FOLDER. Two builds are the same, every link and every entry of the indexes leads
-somewhere, and the checked-in pictures are those that the client draws. 77, with the reason, where a program is missing.
+"""The built manual: build_test.py TREE CLIENT WORK_FOLDER. Two builds are the same, every link and every entry of the
+indexes leads somewhere, and the checked-in pictures are those that the client draws. 77, with the reason, where a program
+is missing.
 """
 
 import filecmp

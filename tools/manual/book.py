@@ -7,6 +7,7 @@ returns beside S_OK, and a block `console` is an example, which the tests run.
 """
 
 import dataclasses
+import itertools
 import pathlib
 import re
 import sys
@@ -28,8 +29,8 @@ SHARED_RESULTS = {
     "no-model": [("0x00002749", "", "No session is open. A success code (10057).")],
     "exchange": [("0xFFFF8xxx", "", "The instrument refuses; the error trail has a record."),
                  ("0xBFFFxxxx", "", "The link fails; the error trail has a record.")],
-    "no-model-modulated": [("0x00002749", "", "No session is open while the modulator is switched on; the setting is kept. A "
-                            "success code (10057).")],
+    "no-model-modulated": [("0x00002749", "", "No session is open while the modulator is switched on; the setting is "
+                            "kept. A success code (10057).")],
     "negative-time": [("0x80047010", "", "The time is negative or no number; nothing is sent or kept.")],
 }
 
@@ -151,10 +152,15 @@ class Book:
                     for value, _ in definitions(section.lines)[0]:
                         targets[value] = (page.name, section.anchor)
             if page.name == "reference/results":
-                for code in re.findall(r"^\| `(0x[0-9A-F]{8})`", "\n".join(s.text for s in page.sections), re.MULTILINE):
-                    targets[code] = (page.name, code)
+                targets.update((result, (page.name, result)) for result in result_codes(page))
         targets.pop("", None)
         return targets
+
+
+def result_codes(page):
+    """Of the rows of its tables."""
+    return [result for section in page.sections
+            for result in re.findall(r"^\| `(0x[0-9A-F]{8})`", section.text, re.MULTILINE)]
 
 
 def definitions(lines):
@@ -209,11 +215,13 @@ def outcomes(section, members):
     return found
 
 
-def first_sentence(lines):
-    text = " ".join(lines).strip()
-    paragraph = " ".join(lines[:next((i for i, line in enumerate(lines) if not line.strip()), len(lines))])
-    found = re.match(r".*?[.:](?= [A-Z]|$)", paragraph)
-    return found[0] if found else text.split("\n")[0]
+def summary(section, members):
+    """A line for the table of the members: of a property what its value is, otherwise the first sentence."""
+    described, rest = definitions(section.lines)
+    sentence = re.split(r"(?<=[.;]) ", " ".join(itertools.takewhile(str.strip, rest)))[0]
+    if is_property(members) and access(members) != "group" and not sentence.startswith("Not supported"):
+        sentence = re.split(r"; |, a value of |\. ", described[0][1])[0]
+    return sentence[0].upper() + sentence[1:].rstrip(".:;")
 
 
 def table(kind, head, rows):
@@ -247,7 +255,7 @@ def overview(page):
     if interface.name in calls.QUERIED.values():
         rows += [("COM, C#", "by a query of the root object for the interface")]
     elif path:
-        rows += [("COM, C#", "`IZentrelK4N` " + " ".join(f"&rarr; {code(name + arguments)}" for name, arguments in path))]
+        rows += [("COM, C#", " &rarr; ".join(code(name) for name in [calls.ROOT, *map("".join, path)]))]
     else:
         root = next(coclass for coclass in LIBRARY.coclasses if coclass.creatable)
         rows += [("COM, C#", "the object that its class creates"),
@@ -261,7 +269,7 @@ def overview(page):
         if found:
             value = found[0].parameters[-1] if is_property(found) else None
             members.append((f"[{code(section.title)}](#{section.anchor})", access(found), value.unit if value else "",
-                            first_sentence(definitions(section.lines)[1])))
+                            summary(section, found)))
     return lines + table("members", ["Member", "Kind", "Unit", "What it does"], members)
 
 
@@ -328,8 +336,10 @@ def enumeration_table(section):
     if enumeration is None:
         return section.lines
     described = dict(described)
-    rows = [(code(name), str(number) if number >= -1 else f"{number}, {code(f'0x{number & 0xFFFFFFFF:08X}')}",
-             code(calls.python_value(enumeration, name)), described.get(name, "")) for name, number in enumeration.values]
+    rows = []
+    for name, number in enumeration.values:
+        bits = f", {code(f'0x{number & 0xFFFFFFFF:08X}')}" if number < -1 else ""
+        rows.append((code(name), f"{number}{bits}", code(calls.python_value(enumeration, name)), described.get(name, "")))
     lines = [f'<p class="help">{enumeration.help}</p>', ""] if enumeration.help else []
     lines += [f"In Python `{calls.python_enumeration(enumeration)}`.", ""] + rest
     return lines + [""] + table("values", ["Value", "Number", "Python", "Meaning"], rows)

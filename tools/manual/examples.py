@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Runs the console examples of the manual against simulated instruments: examples.py ZK4N [--write] [PAGE...].
 
-An example is a block `console`: lines after the prompt are commands, the others what the driver must answer. Each has an
-instrument and a session of its own, opened before. Words behind `console` change that: `closed`, no session is opened;
-`--NAME` or `--NAME=VALUE`, an option of `zk4n simulate`. The address 192.0.2.7 stands for the simulated instrument. --write
-puts what the driver answers into the pages.
+An example is a block `console`: lines after the prompt are commands, the others what the driver must answer. Each has
+an instrument and a session of its own, opened before. Words behind `console` change that: `closed`, no session is opened;
+`--NAME` or `--NAME=VALUE`, an option of `zk4n simulate`. The address 192.0.2.7 stands for the simulated instrument.
+--write puts what the driver answers into the pages.
 """
 
 import concurrent.futures
@@ -84,7 +84,7 @@ def run(client, words, lines):
 
 
 def run_until_same(client, words, lines):
-    """A machine that is busy with other things may be late for what waits: such an example has a second and a third try."""
+    """A machine that is busy with other things may be late for what waits: a second and a third try."""
     for _ in range(3):
         answered = run(client, words, lines)
         if answered == lines:

@@ -79,31 +79,26 @@ def search_index(book, bodies):
             title, words = title.strip(), re.sub(r"\s+", " ", f"{text} {its_calls}").strip()
             rows.append([full_title(page, title) or page.title, page.title if title else "",
                          f"{page.name}.html{'#' + anchor if anchor else ''}", words])
-    return "const searchIndex = " + json.dumps(rows, ensure_ascii=False, separators=(",", ":")).replace("],[", "],\n[") + ";\n"
+    lines = ",\n".join(json.dumps(row, ensure_ascii=False, separators=(",", ":")) for row in rows)
+    return f"const searchIndex = [{lines}];\n"
 
 
 def contents(book, page):
-    """The contents, with the sections of the page that is shown."""
+    """The contents as nested lists, with the sections of the page that is shown."""
     lines, depth = [], -1
     for entry in book.contents:
-        while depth >= entry.depth:
-            lines.append("</li></ul>" if depth > entry.depth else "</li>")
-            depth -= 1
-        if depth < entry.depth - 1 or not lines or lines[-1] not in ("</li>", "</li></ul>"):
-            lines.append("<ul>")
+        lines += ["<ul>" if entry.depth > depth else "</li></ul>" * (depth - entry.depth) + "</li>"]
         depth = entry.depth
+        title, way = html.escape(entry.title), f"{source.relative(entry.page, page.name)}.html"
         if not entry.page:
-            lines.append(f'<li class="chapter">{html.escape(entry.title)}')
+            lines.append(f'<li class="chapter">{title}')
         elif entry.page == page.name:
-            lines.append(f'<li class="here"><a href="{source.relative(entry.page, page.name)}.html">'
-                         f"{html.escape(entry.title)}</a>")
-            titles = [f'<li><a href="#{s.anchor}">{html.escape(s.title.replace("`", ""))}</a></li>' for s in page.sections
-                      if s.level == 2]
-            lines.append(f'<ul class="sections">{"".join(titles)}</ul>' if titles else "")
+            sections = "".join(f'<li><a href="#{s.anchor}">{html.escape(s.title)}</a></li>' for s in page.sections
+                               if s.level == 2)
+            lines.append(f'<li class="here"><a href="{way}">{title}</a><ul class="sections">{sections}</ul>')
         else:
-            lines.append(f'<li><a href="{source.relative(entry.page, page.name)}.html">{html.escape(entry.title)}</a>')
-    lines += ["</li></ul>"] * (depth + 1)
-    return "\n".join(lines)
+            lines.append(f'<li><a href="{way}">{title}</a>')
+    return "\n".join(lines) + "</li></ul>" * (depth + 1)
 
 
 def neighbours(book, page):

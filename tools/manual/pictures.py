@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Draws the manual's pictures: pictures.py ZK4N FOLDER. They are checked in; a test proves them current.
 
-A trace and a detector table come from the client itself, measured on a simulated instrument; layers and the life of a measurement are
-drawn here.
+A trace and a detector table come from the client itself, measured on a simulated instrument; layers and the life of a
+measurement are drawn here.
 """
 
 import html
@@ -62,17 +62,20 @@ def layers(file):
     drawing.parts.append(f'<rect x="40" y="116" width="780" height="238" rx="5" fill="{FILLS["driver"]}" '
                          f'stroke="{LINE}" stroke-width="1.2"/>')
     drawing.text(60, 140, "ZentrelK4NLib: the driver", "start", weight="bold")
-    drawing.box(60, 154, 740, 46, "#ffffff", "interfaces", "tests the session, checks arguments, gives results and texts")
+    drawing.box(60, 154, 740, 46, "#ffffff", "interfaces",
+                "tests the session, checks arguments, gives results and texts")
     drawing.box(60, 216, 350, 50, "#ffffff", "manager", "settings that are kept, error trail")
     drawing.box(450, 216, 350, 50, "#ffffff", "worker", "a thread a session: reads measured blocks")
-    drawing.box(60, 282, 740, 56, "#ffffff", "model and exchanger", "numbered parameters, framed messages, one exchange at a time")
+    drawing.box(60, 282, 740, 56, "#ffffff", "model and exchanger",
+                "numbered parameters, framed messages, one exchange at a time")
     drawing.arrow(235, 200, 235, 216)
     drawing.arrow(235, 266, 235, 282)
     drawing.arrow(625, 266, 625, 282)
     drawing.arrow(410, 241, 450, 241)
     drawing.arrow(430, 354, 430, 388)
     drawing.text(444, 376, "loaded at run time", "start", 12.5, fill=SOFT)
-    drawing.box(40, 388, 780, 50, FILLS["link"], "zevisa64: the VISA library", "raw TCP sockets, exclusive lock of the instrument")
+    drawing.box(40, 388, 780, 50, FILLS["link"], "zevisa64: the VISA library",
+                "raw TCP sockets, exclusive lock of the instrument")
     drawing.arrow(230, 438, 230, 484)
     drawing.arrow(630, 438, 630, 484)
     drawing.text(430, 466, "TCP, port 8888", size=12.5, fill=SOFT)
@@ -106,15 +109,16 @@ def measurement(file):
         (598, "client", "driver", "Channel.FetchData", False),
         (620, "driver", "client", "values, InitialX, XIncrement", True),
     ]
-    drawing.parts.append(f'<rect x="792" y="284" width="16" height="162" fill="{FILLS["instrument"]}" stroke="{LINE}"/>')
-    drawing.parts.append(f'<rect x="342" y="510" width="16" height="52" fill="{FILLS["driver"]}" stroke="{LINE}"/>')
+    for x, y, height, who in ((792, 284, 162, "instrument"), (342, 510, 52, "driver")):  # while they are busy
+        drawing.parts.append(f'<rect x="{x}" y="{y}" width="16" height="{height}" fill="{FILLS[who]}" stroke="{LINE}"/>')
     for y, begin, end, text, answer in steps:
         x1, x2 = places[begin], places[end]
         busy = {"instrument": 284 <= y <= 446, "driver": 510 <= y <= 562}
         x1, x2 = x1 - 8 * busy.get(begin, False), x2 - 8 * busy.get(end, False)
         drawing.arrow(x1, y, x2, y, answer)
-        middle = (x1 + x2) / 2 if {begin, end} != {"driver", "instrument"} else (places["driver"] + places["worker"]) / 2
-        drawing.text(middle, y - 6, text, size=12.5)
+        # What passes by the worker is written before its line.
+        left, right = min(x1, x2), min(max(x1, x2), places["worker"]) if "worker" not in (begin, end) else max(x1, x2)
+        drawing.text((left + right) / 2, y - 6, text, size=12.5)
     drawing.text(784, 372, "sweeps", "end", 12.5, fill=SOFT)
     drawing.text(366, 534, "converts the three channels", "start", 12.5, fill=SOFT)
     drawing.text(366, 550, "with their detector tables", "start", 12.5, fill=SOFT)
