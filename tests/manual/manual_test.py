@@ -103,6 +103,14 @@ class Links(unittest.TestCase):
         files = {str(file.relative_to(BOOK.folder))[:-3] for file in BOOK.folder.rglob("[!_]*.md")}
         self.assertEqual(files, {page.name for page in BOOK.pages})
 
+    def test_code_does_not_go_over_the_end_of_a_line(self):
+        """There it would not be seen that it names a member."""
+        for page in BOOK.pages:
+            for part in [page.intro, *(section.lines for section in page.sections)]:
+                text = re.sub(r"^```.*?^```$", "", "\n".join(part), flags=re.MULTILINE | re.DOTALL)
+                for line in text.split("\n"):
+                    self.assertEqual(line.count("`") % 2, 0, f"{page.name}: {line}")
+
     def test_each_link_leads_somewhere(self):
         anchors = {page.name: {s.anchor for s in page.sections} for page in BOOK.pages}
         anchors["reference/results"].update(source.result_codes(BOOK.page("reference/results")))
