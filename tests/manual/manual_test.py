@@ -245,6 +245,14 @@ class Commands(unittest.TestCase):
                         if default:
                             self.assertIn(f"`{default}`", entries[name], f"default of {name}")
 
+    def test_each_fault_of_the_simulator_has_its_entry(self):
+        told = re.findall(r"^  ([a-z-]+)(?: \(([^)]*)\))?  ", self.help("simulate").partition("\nFaults:")[2], re.MULTILINE)
+        text = next(s for s in BOOK.page("commands/zk4n-simulate").sections if s.title == "Faults").text
+        entries = re.findall(r"^`([a-z-]+)`\n:   .*?\.(?: Takes (.*)\.)?$", text, re.MULTILINE)
+        self.assertGreater(len(told), 5)
+        self.assertEqual([(name, re.findall(r"`(\w+)`", values)) for name, values in entries],
+                         [(name, re.findall(r"(\w+)=", values)) for name, values in told])
+
 
 if __name__ == "__main__":
     unittest.main(argv=[sys.argv[0], *sys.argv[3:]])
