@@ -17,7 +17,7 @@ Status D3THardWare::Initialize() {
   if (const Status result = ReadIdentity(); result < 0) return result;
   if (const Status result = ProbeFrequencyRange(); result != 0) return result;
 
-  TriggerElements probe{.code = 0, .edge = false, .value = 255, .flag = 0, .last = 0};
+  TriggerElements probe{.value = 255};
   Status result = SetTriggerOutput(0, probe);
   if (result == status::kInstrumentFormUnknown || result == status::kInstrumentFormNotUsable) {
     two_trigger_groups_ = false;

@@ -45,10 +45,8 @@ bool TakePoint(std::string_view& text) {
 DateNumbers ParsePointedDate(std::string_view text) {
   DateNumbers date;
   date.day = TakeNumber(text);
-  if (date.day == 0 || !TakePoint(text)) return date;
-  date.month = TakeNumber(text);
-  if (date.month == 0 || !TakePoint(text)) return date;
-  date.year = TakeNumber(text);
+  if (TakePoint(text)) date.month = TakeNumber(text);
+  if (TakePoint(text)) date.year = TakeNumber(text);
   return date;
 }
 

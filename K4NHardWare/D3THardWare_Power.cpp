@@ -35,9 +35,8 @@ bool HasStop(Parameter form) {
   return form == Parameter::kPowerSweep4 || form == Parameter::kPowerSweep5;
 }
 
-bool HasSweep(Parameter form) {
-  return HasStop(form) || form == Parameter::kPowerSweep2 || form == Parameter::kPowerSweep3;
-}
+/// Of the forms that are probed.
+bool HasSweep(Parameter form) { return HasStop(form) || form == Parameter::kPowerSweep2; }
 
 void FillLevel(HardWareParametr& parameter, Parameter form, const LevelSettings& settings,
                double level) {

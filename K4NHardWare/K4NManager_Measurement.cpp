@@ -75,7 +75,7 @@ Status CK4NManager::ReadSingleBlock() {
     Status result = model_->ReadDataBlock(buffer, length, format_mark);
     // A notice instead of a block.
     if (result != status::kOk && IsSuccess(result)) return status::kVisaTimeout;
-    if (result == status::kOk && (!IsWholeBlock(length) || length > buffer.size())) {
+    if (result == status::kOk && !IsWholeBlock(length)) {
       result = status::kVisaProtocolViolation;
     }
     if (Record(Site::kSingleRead, result) == status::kOk) {

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
+#include <utility>
 
 #include "K4NHardWare/K4NManagerOperation.h"
 #include "K4NHardWare/RealArray.h"
@@ -49,13 +50,10 @@ Status ConvertPacket(PulseSettings& pulse) {
   return status::kOk;
 }
 
-Status WriteBack(std::vector<double> nanoseconds, SAFEARRAY* array) {
-  if (array == nullptr) return status::kOk;
-  const RealArray elements(array);
-  if (FAILED(elements.locked())) return elements.locked();
+void WriteBack(std::vector<double> nanoseconds, SAFEARRAY* array) {
+  if (array == nullptr) return;
   for (double& time : nanoseconds) time /= kNanosecondsPerSecond;
-  elements.Write(nanoseconds);
-  return status::kOk;
+  RealArray(array).Write(nanoseconds);
 }
 
 }  // namespace
@@ -120,12 +118,8 @@ Status CK4NManager::ConfigurePacket(bool enabled, SAFEARRAY* widths, SAFEARRAY* 
 
   result = SetPacketEnabled(enabled);
   packet = pulse_.Copy();
-  if (const Status written = WriteBack(packet.packet_widths, widths); written != status::kOk) {
-    return written;
-  }
-  if (const Status written = WriteBack(packet.packet_gaps, delays); written != status::kOk) {
-    return written;
-  }
+  WriteBack(std::move(packet.packet_widths), widths);
+  WriteBack(std::move(packet.packet_gaps), delays);
   return result;
 }
 

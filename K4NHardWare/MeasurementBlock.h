@@ -18,7 +18,7 @@ inline constexpr std::size_t kLongestBlock = 65536;
 
 /// Whether a block of so many bytes is whole: its points, then a status word.
 constexpr bool IsWholeBlock(std::size_t length) {
-  return length >= 2 && (length - 2) % kBytesPerPoint == 0;
+  return length % kBytesPerPoint == sizeof(std::uint16_t);
 }
 
 /// A list of frequencies or levels; null when there is none.

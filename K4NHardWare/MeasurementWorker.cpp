@@ -134,7 +134,7 @@ Status MeasurementWorker::Poll(Site site) {
 void MeasurementWorker::KeepBlock() {
   const bool wanted =
       settings_.With([](const InstrumentSettings& live) { return live.averaging_enabled; });
-  if (!wanted || !IsWholeBlock(length_) || length_ > receive_buffer_.size()) return;
+  if (!wanted || !IsWholeBlock(length_)) return;
   const std::span<const std::uint8_t> bytes(receive_buffer_.data(), length_);
   block_.Store(bytes, format_mark_, settings_);
   const auto word = static_cast<std::uint16_t>(bytes[length_ - 2] | (bytes[length_ - 1] << 8));

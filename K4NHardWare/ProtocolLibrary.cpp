@@ -3,7 +3,6 @@
 ProtocolLibrary::~ProtocolLibrary() { Close(); }
 
 std::optional<Status> ProtocolLibrary::Open() {
-  Close();
   if (!module_.Load("ProtocolLib.dll")) return std::nullopt;
   auto* const open_session = module_.FunctionOf<OpenSessionFunction>("OpenSession");
   auto* const load = module_.FunctionOf<LoadFunction>("ProtLoadFromFile");

@@ -8,7 +8,7 @@
 #include "measurement/Status.h"
 #include "platform/os/Module.h"
 
-/// One session of the library. Used under the owner's lock.
+/// One session of the library at a time. Used under the owner's lock.
 class ProtocolLibrary {
  public:
   ProtocolLibrary() = default;
@@ -16,14 +16,12 @@ class ProtocolLibrary {
   ProtocolLibrary(const ProtocolLibrary&) = delete;
   ProtocolLibrary& operator=(const ProtocolLibrary&) = delete;
 
-  /// Loads "ProtocolLib" by the system's search, opens a session and has it read "Protocol.xml".
-  /// Returns what the library's OpenSession gave; nothing when there is no such module or one of
-  /// its four entry points is missing: errors are then told by number.
+  /// With no session open: loads "ProtocolLib" by the system's search, opens a session and has it
+  /// read "Protocol.xml". Returns what the library's OpenSession gave; nothing when there is no
+  /// such module or one of its four entry points is missing: errors are then told by number.
   std::optional<Status> Open();
   /// Ends the session and unloads the module; nothing to do when none is loaded.
   void Close();
-
-  [[nodiscard]] bool IsOpen() const { return module_.IsLoaded(); }
 
   /// The text of an error code, narrow; nothing without the library or when it has no text.
   [[nodiscard]] std::optional<std::string> Describe(Status code) const;

@@ -30,16 +30,12 @@ RealArray::RealArray(SAFEARRAY* array) : array_(array), right_type_(IsRealVector
   if (!right_type_) return;
   void* data = nullptr;
   locked_ = SafeArrayAccessData(array_, &data);
-  LONG lower = 0;
-  LONG upper = -1;
-  if (FAILED(locked_) || FAILED(SafeArrayGetLBound(array_, 1, &lower)) ||
-      FAILED(SafeArrayGetUBound(array_, 1, &upper))) {
-    return;
-  }
-  const auto size = static_cast<std::size_t>(std::int64_t{upper} - lower + 1);
+  if (FAILED(locked_)) return;
+  const auto [size, lower] = array_->rgsabound[0];
   elements_ = {static_cast<double*>(data), size};
-  if (upper >= 0 && size != 0) {
-    count_ = std::min(static_cast<std::size_t>(upper) + 1, size + kMostMissing);
+  const std::int64_t end = std::int64_t{lower} + size;
+  if (end > 0 && size != 0) {
+    count_ = std::min(static_cast<std::size_t>(end), size + kMostMissing);
   }
 }
 
