@@ -13,8 +13,7 @@ using testing::ElementsAreArray;
 constexpr const char* kLimitsAnswer =
     "00 00 | 80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00";
 
-struct FormCase {
-  const char* name;
+struct FormCase : Row {
   std::vector<std::uint16_t> probe_statuses;  // of the frequency probes, in their order
   const char* answer;                         // body of the last of them
   Status result;
@@ -22,8 +21,6 @@ struct FormCase {
   double maximum;
   std::uint32_t frequency_class;
 };
-
-void PrintTo(const FormCase& row, std::ostream* stream) { *stream << row.name; }
 
 class FormTest : public LinkTest, public testing::WithParamInterface<FormCase> {};
 
@@ -60,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
         {"OtherRefusalOfWideEnds", {0x8003, 0x8005}, "", -32763, {"3:0/60x4", "3:0/60x3"}, 0, 0},
         {"NoFormAtAllEnds", {0x8003, 0x8003, 0x8003}, "", -32765, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, 0, 0},
     }),
-    [](const auto& row) { return row.param.name; });
+    RowName());
 // clang-format on
 
 TEST_F(LinkTest, InstrumentWithOneTriggerGroup) {
@@ -251,6 +248,15 @@ TEST_F(LinkTest, FourElementSweeps) {
     EXPECT_THAT(Requests(), ElementsAre(WriteRequest(4, 0x60, "00 00" + row.elements))) << row.name;
     EXPECT_THAT(sweep, ElementsAre(100, 121, 10)) << row.name;
   }
+}
+
+TEST_F(LinkTest, NegativeFrequenciesBecomeZeroWhateverTheLimits) {
+  visa_.RuleBody(3, 0, 0, "00 00 | F6 FF FF FF FF FF | 02 00 00 00 00 00 | 14 00 00 00 00 00", 0x60,
+                 1);
+  ASSERT_EQ(model_.Initialize(), 0);
+  std::vector<double> sweep = {-5, -2, 1};
+  EXPECT_EQ(model_.SetFrequencySweep(sweep[0], sweep[1], sweep[2]), 0);
+  EXPECT_THAT(sweep, ElementsAre(0, 0, 0));
 }
 
 TEST_F(LinkTest, WideAndNarrowSweepsComputeTheirStop) {

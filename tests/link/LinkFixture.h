@@ -4,9 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <concepts>
+#include <exception>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "K4NHardWare/CommandExchanger.h"
@@ -16,6 +19,32 @@
 
 constexpr const char* kResource = "TCPIP0::hostA::5025::SOCKET";
 constexpr Status kViolation = status::FromBits(0xBFFF0037);
+
+/// A table's row, and its name as gtest wants it.
+struct Row {
+  const char* name;
+};
+template <std::derived_from<Row> Case>
+void PrintTo(const Case& row, std::ostream* stream) {
+  *stream << row.name;
+}
+struct RowName {
+  template <typename Case>
+  std::string operator()(const testing::TestParamInfo<Case>& info) const {
+    return info.param.name;
+  }
+};
+
+/// What a call throws, as text.
+template <typename Call>
+std::string Thrown(Call&& call) {
+  try {
+    std::forward<Call>(call)();
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+  return "nothing";
+}
 
 /// The top of the chain: keeps what it is given.
 class EventKeeper final : public uIEvent::IEventProcessor {
@@ -45,6 +74,14 @@ class LinkTest : public testing::Test {
                    0x60, 1);
     ASSERT_EQ(model_.Initialize(), 0);
     visa_.ClearRecord();
+  }
+
+  /// Answers requests in turn; the refused ones are followed by a recovery.
+  void Answer(const std::vector<std::uint16_t>& statuses, std::string_view body = {}) {
+    for (const std::uint16_t code : statuses) {
+      visa_.Answer(code, code >= 0x8000 ? "" : body);
+      if (code >= 0x8000) visa_.Answer(0);
+    }
   }
 
   /// The requests as "header without its number | body".

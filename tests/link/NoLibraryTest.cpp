@@ -23,10 +23,11 @@ TEST(NoLibraryTest, EveryCallAnswersLibraryNotFound) {
   EXPECT_EQ(text, "");
 }
 
-TEST(NoLibraryTest, BindingFails) {
+TEST(NoLibraryTest, BindingWithoutAPathFails) {
   uDevice::VisaLibrary library;
   EXPECT_EQ(library.Bind({}), -1);
   EXPECT_EQ(library.missing_count(), -1);
+  EXPECT_EQ(library.Bind(ZK_VISA_MODULE), 0) << "but of one that has every entry point";
 }
 
 }  // namespace

@@ -6,15 +6,12 @@ namespace {
 
 using scripted::Numbering;
 
-struct Instrument {
-  const char* name;
+struct Instrument : Row {
   Numbering numbering;
   std::uint32_t wrap;        ///< the number at which answers stop to match
   bool is_known_by_numbers;  ///< late answers are told from others
   Status after_first_abort;  ///< of the setting that aborts a sweep read
 };
-
-void PrintTo(const Instrument& row, std::ostream* stream) { *stream << row.name; }
 
 class NumberingTest : public LinkTest, public testing::WithParamInterface<Instrument> {
  protected:
@@ -144,6 +141,6 @@ INSTANTIATE_TEST_SUITE_P(
         {"EightBits", Numbering::kRequests8Bits, 256, true, 0},
         {"SixteenBits", Numbering::kRequests16Bits, 65536, true, 0},
     }),
-    [](const auto& row) { return row.param.name; });
+    RowName());
 
 }  // namespace

@@ -9,16 +9,13 @@ namespace {
 using testing::ElementsAreArray;
 using Values = std::vector<double>;
 
-struct Operation {
-  std::string name;
+struct Operation : Row {
   /// Runs it; the values afterwards go to the vector.
   std::function<Status(D3THardWare&, Values&)> run;
   std::vector<std::string> requests;
   std::vector<std::string> answers;  // bodies, status 0; none: the request's own
   Values values;
 };
-
-void PrintTo(const Operation& operation, std::ostream* stream) { *stream << operation.name; }
 
 constexpr const char* kZeros12 = " 00 00 00 00 00 00 00 00 00 00 00 00";
 
@@ -183,9 +180,9 @@ TEST_P(OperationTest, SendsExactlyThisAndTakesTheAnswer) {
 }
 
 TEST_P(OperationTest, ReturnsRefusalAfterRecovering) {
-  visa_.Answer(0x8005);
+  visa_.Answer(0x8000);
   Values values;
-  EXPECT_EQ(GetParam().run(model_, values), -32763);
+  EXPECT_EQ(GetParam().run(model_, values), -32768);
   EXPECT_THAT(Requests(), testing::ElementsAre(GetParam().requests.front(), RecoverRequest()));
 }
 
@@ -197,18 +194,18 @@ TEST_P(OperationTest, ReturnsLostLinkWithoutRecovering) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Settings, OperationTest, testing::ValuesIn(SettingOperations()),
-                         [](const auto& row) { return row.param.name; });
+                         RowName());
 
 TEST_F(LinkTest, NoticeOfAWriteIsZeroAndStaysInTheParameter) {
   HardWareParametr parameter({.identifier = 4, .element_count = 1, .element_size = 1});
   EXPECT_EQ(parameter.status(), 0x8000);
-  visa_.Answer(2, "04 00 07");
+  visa_.Answer(0x7FFF, "04 00 07");
   EXPECT_EQ(model_.WriteParameter(parameter), 0);
-  EXPECT_EQ(parameter.status(), 2);
+  EXPECT_EQ(parameter.status(), 0x7FFF);
   EXPECT_EQ(parameter.GetValue(0), 7.0);
   visa_.Answer(3, "04 00 08");
   EXPECT_EQ(model_.ReadParameter(parameter), 3);
-  EXPECT_EQ(parameter.status(), 2);
+  EXPECT_EQ(parameter.status(), 0x7FFF);
   EXPECT_EQ(parameter.GetValue(0), 8.0);
 }
 
@@ -290,15 +287,17 @@ TEST_F(LinkTest, FileRequestIsPaddedToWordsAndTextStripped) {
 
 TEST_F(LinkTest, FileEndsAtZeroOrEndOfPayload) {
   const std::pair<const char*, const char*> rows[] = {
-      {"0A 00 | 00 00 00 00 | 0C 00 00 00 | 5C 61 00 | 41 00 42", "A"},
-      {"0A 00 | 00 00 00 00 | 0C 00 00 00 | 5C 61 00 | 41 42", "AB"},
+      {"0A 00 | 00 00 00 00 | 0C 00 00 00 | 5C 61 62 00 | 41 00 42", "A"},
+      {"0A 00 | 00 00 00 00 | 0C 00 00 00 | 5C 61 62 00 | 41 42", "AB"},
       {"0A 00 00", ""}};
   for (const auto& [answer, expected] : rows) {
     std::string text = "old";
     visa_.Answer(0, answer);
-    EXPECT_EQ(model_.ReadInstrumentFile("\\a", text), 0);
+    EXPECT_EQ(model_.ReadInstrumentFile("\\ab", text), 0);
     EXPECT_EQ(text, expected);
   }
+  EXPECT_EQ(Requests().front(),
+            Request(4, 2, 0x40, 0, "0A 00 | 00 00 00 00 | 00 FA 00 00 | 5C 61 62 00"));
 }
 
 /// Makes the answer to a serial number query of the query sent back: words that its key turns back

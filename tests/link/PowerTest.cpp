@@ -6,28 +6,17 @@ namespace {
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 
-struct VariantCase {
-  const char* name;
+struct VariantCase : Row {
   /// Of the probe's writes in their order; a negative one is followed by a recovery.
   std::vector<std::uint16_t> statuses;
   std::vector<std::string> writes;  // probe, then the level itself
   std::uint32_t variant;
 };
 
-void PrintTo(const VariantCase& row, std::ostream* stream) { *stream << row.name; }
-
-class VariantTest : public LinkTest, public testing::WithParamInterface<VariantCase> {
- protected:
-  void QueueProbe() {
-    for (const std::uint16_t code : GetParam().statuses) {
-      visa_.Answer(code);
-      if (code >= 0x8000) visa_.Answer(0);
-    }
-  }
-};
+class VariantTest : public LinkTest, public testing::WithParamInterface<VariantCase> {};
 
 TEST_P(VariantTest, ProbesOnceAndThenSpeaksTheVariant) {
-  QueueProbe();
+  Answer(GetParam().statuses);
   LevelSettings settings{.level_control = 1, .atten_mode = 2, .further_1 = 3, .further_2 = 4};
   double level = -10.5;
   EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
@@ -60,8 +49,19 @@ INSTANTIATE_TEST_SUITE_P(
         {"ZeroOnlyAtTheSecondTry", {0x8003, 0x8003, 0x8003, 0}, {"3:79/62x5", "3:79/42x5", "3:12/21x2", "3:12/21x2", "3:12/21x2"}, 0},
         {"NothingAcceptedStaysThree", {0x8003, 0x8003, 0x8003, 0x8003}, {"3:79/62x5", "3:79/42x5", "3:12/21x2", "3:12/21x2", "3:79/62x5"}, 3},
     }),
-    [](const auto& row) { return row.param.name; });
+    RowName());
 // clang-format on
+
+TEST_F(LinkTest, LongFormIsProbedWithOnePoint) {
+  Answer({0x8003, 0, 0x8003, 0});
+  LevelSettings settings;
+  double level = -10.5;
+  EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
+  EXPECT_EQ(Requests()[5],
+            WriteRequest(7, 0x42,
+                         "4F 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 |"
+                         "00 80 F5 FF | 00 00 01 00 | 00 00 00 00"));
+}
 
 /// An answer that tells nothing of the form does not settle the variant.
 TEST_F(LinkTest, ProbeIsRepeatedUntilTheInstrumentHasTold) {
@@ -85,10 +85,7 @@ TEST_F(LinkTest, ProbeIsRepeatedUntilTheInstrumentHasTold) {
     D3THardWare model(exchanger_);
     LevelSettings settings;
     double level = 0;
-    for (const std::uint16_t code : row.statuses) {
-      visa_.Answer(code);
-      if (code >= 0x8000) visa_.Answer(0);
-    }
+    Answer(row.statuses);
     EXPECT_EQ(model.SetOutputLevel(settings, level), 0);
     EXPECT_EQ(model.power_variant(), row.variant);
     visa_.ClearRecord();
@@ -137,17 +134,12 @@ struct SweepCase {
   const char* state_request;
 };
 
-void PrintTo(const SweepCase& row, std::ostream* stream) { *stream << row.variant; }
-
 class PowerSweepTest : public LinkTest, public testing::WithParamInterface<SweepCase> {};
 
 TEST_P(PowerSweepTest, UsesItsForm) {
   LevelSettings settings{.level_control = 1, .atten_mode = 2, .further_1 = 0, .further_2 = 0};
   double start = -60;
-  for (const std::uint16_t code : GetParam().statuses) {
-    visa_.Answer(code);
-    if (code >= 0x8000) visa_.Answer(0);
-  }
+  Answer(GetParam().statuses);
   ASSERT_EQ(model_.SetOutputLevel(settings, start), 0);
   ASSERT_EQ(model_.power_variant(), GetParam().variant);
   visa_.ClearRecord();
@@ -244,10 +236,7 @@ TEST_F(LinkTest, OutputStateTriesOlderFormsUntilOneIsKnown) {
   };
   for (const Case& row : rows) {
     visa_.ClearRecord();
-    for (const std::uint16_t code : row.statuses) {
-      visa_.Answer(code, code >= 0x8000 ? "" : row.body);
-      if (code >= 0x8000) visa_.Answer(0);
-    }
+    Answer(row.statuses, row.body);
     LevelSettings settings;
     double level = 99;
     EXPECT_EQ(model_.ReadOutputState(settings, level), row.result);

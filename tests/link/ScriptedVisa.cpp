@@ -395,14 +395,16 @@ ViStatus viClose(ViObject object) {
     return VI_SUCCESS;
   });
 }
-ViStatus viSetAttribute(ViObject object, ViAttr, ViAttrState value) {
+ViStatus viSetAttribute(ViObject object, ViAttr attribute, ViAttrState value) {
   return TheScript().Run({Function::kSetAttribute, object, value}, [&](Call&) {
+    if (attribute != VI_ATTR_TMO_VALUE) return VI_ERROR_NSUP_ATTR;
     TheScript().timeout = static_cast<std::uint32_t>(value);
     return VI_SUCCESS;
   });
 }
-ViStatus viGetAttribute(ViObject object, ViAttr, void* value) {
+ViStatus viGetAttribute(ViObject object, ViAttr attribute, void* value) {
   return TheScript().Run({Function::kGetAttribute, object}, [&](Call&) {
+    if (attribute != VI_ATTR_TMO_VALUE) return VI_ERROR_NSUP_ATTR;
     *static_cast<ViUInt32*>(value) = TheScript().timeout;
     return VI_SUCCESS;
   });

@@ -5,14 +5,11 @@
 
 namespace {
 
-struct ListCase {
-  const char* name;
+struct ListCase : Row {
   ListAxis axis;
   std::size_t count;
   std::vector<std::size_t> chunks;
 };
-
-void PrintTo(const ListCase& row, std::ostream* stream) { *stream << row.name; }
 
 class ListTest : public LinkTest, public testing::WithParamInterface<ListCase> {};
 
@@ -60,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ListCase{"ThreeFrequencyMessages", ListAxis::kFrequency, 400, {165, 165, 70}},
                     ListCase{"FullPowerMessage", ListAxis::kPower, 245, {245}},
                     ListCase{"OnePowerMore", ListAxis::kPower, 246, {245, 1}}),
-    [](const auto& row) { return row.param.name; });
+    RowName());
 
 TEST_F(LinkTest, RefusedChunkEndsTheListAndKeepsWhatWasCorrected) {
   std::vector<double> values(400, 10.0);

@@ -10,6 +10,7 @@ using Values = std::vector<double>;
 // --- Lists
 
 constexpr std::uint8_t kFrequencyListId = 2;
+constexpr std::uint8_t kPowerListId = 76;
 
 struct ListCase : Row {
   LONG lower;  // bound of the array
@@ -46,6 +47,7 @@ const std::vector<ListCase> kListCases = {
     {"Empty", 0, {}, "", {}, {}},
     {"EmptyFromOne", 1, {}, "", {}, {}},
     {"AllBelowZero", -9, {1, 2}, "", {}, {1, 2}},
+    {"FarAboveZero", 0x20000, {1}, "", Values(0x10001, 1), {1}},
 };
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Lists, ListTest, testing::ValuesIn(kListCases), RowName());
@@ -85,19 +87,22 @@ TEST_F(ManagerTest, ArrayWithoutATypeMarkIsTakenByTheSizeOfItsElements) {
     EXPECT_EQ(manager_.SetFrequencyList(nullptr), 0);
     EXPECT_EQ(manager_.SetFrequencyList(&array), row.is_taken ? 0 : E_INVALIDARG);
     EXPECT_EQ(manager_.HasFrequencyList(), row.is_taken);
-    EXPECT_EQ(manager_.ConfigurePacket(true, &array, &array), row.is_taken ? 0 : E_INVALIDARG);
-    EXPECT_EQ(array.cLocks, 0U);
+    const auto widths = Doubles({1, 1});
+    for (SAFEARRAY* const given : {widths.Get(), &array}) {
+      EXPECT_EQ(manager_.ConfigurePacket(true, given, &array), row.is_taken ? 0 : E_INVALIDARG);
+      EXPECT_EQ(array.cLocks, 0U);
+    }
     EXPECT_THAT(values, ElementsAre(testing::DoubleEq(1e9), testing::DoubleEq(2e9)));
   }
 }
 
 TEST_F(ManagerTest, RefusedListIsKept) {
   Open();
-  visa_.Rule(kWrite, kFrequencyListId, kRefusal);
+  for (const std::uint8_t id : {kFrequencyListId, kPowerListId}) visa_.Rule(kWrite, id, kRefusal);
   EXPECT_EQ(manager_.SetFrequencyList(Doubles({1, 2}).Get()), kRefusalStatus);
-  EXPECT_TRUE(manager_.HasFrequencyList());
-  EXPECT_THAT(ErrorRecords(), ElementsAre(ErrorRecord{kRefusalStatus, Site::kFrequencyAxis},
-                                          ErrorRecord{kRefusalStatus, Site::kFrequencyList}));
+  EXPECT_EQ(manager_.SetPowerList(Doubles({1, 2}).Get()), kRefusalStatus);
+  EXPECT_TRUE(manager_.HasFrequencyList() && manager_.HasPowerList());
+  EXPECT_EQ(ErrorRecords(), Refusals({601, 641, 602, 642}));
   EXPECT_EQ(manager_.SetFrequencyList(nullptr), 0);
   EXPECT_FALSE(manager_.HasFrequencyList()) << "no array clears it";
 }

@@ -143,7 +143,7 @@ TEST_P(SingleReadTest, BeforeAnySweep) {
   const auto trail = ErrorRecords();
   const bool recorded = row.result != 0 && row.result != status::kVisaTimeout;
   ASSERT_EQ(trail.size(), recorded ? 2U : 1U);
-  EXPECT_TRUE(!recorded || trail.back() == (ErrorRecord{row.result, Site::kSingleRead}));
+  EXPECT_TRUE(!recorded || trail.back() == (ErrorRecord{row.result, Site{309}}));
 
   visa_.CompleteData('@', Block(9));
   EXPECT_EQ(manager_.FetchData(trace_), 0) << "each fetch reads anew";

@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <cmath>
-#include <concepts>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -62,11 +61,11 @@ constexpr std::uint16_t kRead = 4;
 constexpr std::uint16_t kRefusal = 0x8005;
 constexpr Status kRefusalStatus = -32763;
 
-/// A trail of refusals at these sites.
-inline std::vector<ErrorRecord> Refusals(const std::vector<Site>& sites) {
+/// A trail of refusals at these sites, which are told by their numbers in the field, too.
+inline std::vector<ErrorRecord> Refusals(const std::vector<int>& sites) {
   std::vector<ErrorRecord> trail;
   trail.reserve(sites.size());
-  for (const Site site : sites) trail.push_back({kRefusalStatus, site});
+  for (const int site : sites) trail.push_back({kRefusalStatus, Site{site}});
   return trail;
 }
 
@@ -83,21 +82,6 @@ inline std::vector<std::uint8_t> Block(int points, std::uint16_t status_word = 0
   put(status_word, 2);
   return bytes;
 }
-
-/// A table's row, and its name as gtest wants it.
-struct Row {
-  const char* name;
-};
-template <std::derived_from<Row> Case>
-void PrintTo(const Case& row, std::ostream* stream) {
-  *stream << row.name;
-}
-struct RowName {
-  template <typename Case>
-  std::string operator()(const testing::TestParamInfo<Case>& info) const {
-    return info.param.name;
-  }
-};
 
 inline Status SetFrequencyStep(CK4NManager& manager) {
   double start = 1e9;

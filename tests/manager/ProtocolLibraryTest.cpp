@@ -62,7 +62,7 @@ TEST_F(ProtocolLibraryTest, ItsResultReplacesThatOfThePulseModulator) {
   Load(ZK_PROTOCOL_FULL);
   visa_.Rule(kWrite, kPulseId, kRefusal);
   EXPECT_EQ(Initialize(), 0);
-  EXPECT_THAT(ErrorRecords(), testing::ElementsAre(ErrorRecord{kRefusalStatus, Site::kPulseOff}));
+  EXPECT_THAT(ErrorRecords(), testing::ElementsAre(ErrorRecord{kRefusalStatus, Site{652}}));
 }
 
 }  // namespace

@@ -87,6 +87,9 @@ TEST_F(ManagerTest, SecondInitializeEndsTheFirstSessionAndStartsFromDefaults) {
   ASSERT_EQ(Initialize(), 0);
   EXPECT_EQ(TriggerImmediately(manager_), 0);
   EXPECT_FALSE(IsMeasuring());
+  EXPECT_EQ(manager_.Close(), 0);
+  const std::string zeros = Repeat(" 00", 4 * 6);
+  EXPECT_EQ(Requests().back(), WriteRequest(5, 0x62, "4F 00" + zeros + "00 00 C4 FF FF FF"));
 }
 
 TEST_F(ManagerTest, SecondInitializeForgetsTheState) {
@@ -173,30 +176,30 @@ constexpr auto kOrdinary = [](scripted::Visa&) {};
 
 // clang-format off
 const std::vector<InitializeCase> kInitializeCases = {
-    {"ManagerOfVisaFails", [](auto& visa) { visa.SetResult(Function::kOpenDefaultRM, 0xBFFF0011); }, "", kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}},
-    {"OpenFails", [](auto& visa) { visa.SetResult(Function::kOpen, 0xBFFF0011); }, "", kRsrcNotFound, {{kRsrcNotFound, Site::kOpenSession}}, {}, {"1"}},
-    {"OpenWithAWarningIsNoSession", [](auto& visa) { visa.SetResult(Function::kOpen, 0x3FFF007D); }, "", 0x3FFF007D, {{0x3FFF007D, Site::kOpenSession}}, {}, {"1"}},
+    {"ManagerOfVisaFails", [](auto& visa) { visa.SetResult(Function::kOpenDefaultRM, 0xBFFF0011); }, "", kRsrcNotFound, {{kRsrcNotFound, Site{991}}}, {}, {"1"}},
+    {"OpenFails", [](auto& visa) { visa.SetResult(Function::kOpen, 0xBFFF0011); }, "", kRsrcNotFound, {{kRsrcNotFound, Site{991}}}, {}, {"1"}},
+    {"OpenWithAWarningIsNoSession", [](auto& visa) { visa.SetResult(Function::kOpen, 0x3FFF007D); }, "", 0x3FFF007D, {{0x3FFF007D, Site{991}}}, {}, {"1"}},
     {"OpenWithANoticeIsNoSessionAndNoFailure", [](auto& visa) { visa.SetResult(Function::kOpen, 3); }, "", 3, {}, {}, {"1"}},
-    {"TimeoutCannotBeSet", [](auto& visa) { visa.SetResult(Function::kSetAttribute, 0xBFFF001D); }, "", status::FromBits(0xBFFF001D), {{status::FromBits(0xBFFF001D), Site::kOpenSession}}, {}, {"1"}},
-    {"RecoveryNotSupported", [](auto& visa) { visa.Rule(1, 0, 0x8002); }, "", status::kUnknownResource, {{kNotSupported, Site::kInitializeModel}}, {"1"}, {"3:3/20x1", "3:79/62x5"}},
+    {"TimeoutCannotBeSet", [](auto& visa) { visa.SetResult(Function::kSetAttribute, 0xBFFF001D); }, "", status::FromBits(0xBFFF001D), {{status::FromBits(0xBFFF001D), Site{991}}}, {}, {"1"}},
+    {"RecoveryNotSupported", [](auto& visa) { visa.Rule(1, 0, 0x8002); }, "", status::kUnknownResource, {{kNotSupported, Site{1002}}}, {"1"}, {"3:3/20x1", "3:79/62x5"}},
     {"NoFrequencyFormSupported", [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8003); },
-     "", status::kUnknownResource, {{kFormUnknown, Site::kInitializeModel}}, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, {"3:3/20x1", "3:79/62x5"}},
-    {"OtherFailureOfTheModelGoesOn", [](auto& visa) { visa.Answer(kRefusal); }, "", 0, {{kRefusalStatus, Site::kInitializeModel}}, {"1", "3:3/20x1", "3:79/62x5", "3:31/40x2"}, {"4:15/10x100"}},
+     "", status::kUnknownResource, {{kFormUnknown, Site{1002}}}, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, {"3:3/20x1", "3:79/62x5"}},
+    {"OtherFailureOfTheModelGoesOn", [](auto& visa) { visa.Answer(kRefusal); }, "", 0, {{kRefusalStatus, Site{1002}}}, {"1", "3:3/20x1", "3:79/62x5", "3:31/40x2"}, {"4:15/10x100"}},
     {"OtherKindGoesOn", [](auto& visa) { visa.RuleBody(kWrite, kKindId, 0, "03 00 02 00"); },
-     "", 0, {{status::kWrongInstrumentKind, Site::kInstrumentKind}}, {"3:3/20x1", "3:31/40x3"}, {"4:79/62x5", "3:4/10x1", "3:79/62x5"}},
+     "", 0, {{status::kWrongInstrumentKind, Site{142}}}, {"3:3/20x1", "3:31/40x3"}, {"4:79/62x5", "3:4/10x1", "3:79/62x5"}},
     {"NoKindConfirmed", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); }, "", 0, {}, {"3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "4:79/62x5", "3:4/10x1", "3:79/62x5", "3:31/40x3"}},
     {"FailedRecoveryOfTheProbeIsNotTold", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); visa.Rule(1, 0, kRefusal); visa.Rule(1, 0, 0, 0, 1); }, "", 0, {}, {"3:3/20x1", "3:3/20x1", "3:3/20x1", "4:79/62x5"}},
     {"GeneratorIsAskedForThatKindAlone", kOrdinary, "GENERATOR", 0, {}, {"3:3/20x1", "4:79/62x5", "3:79/62x5"}, {"3:4/10x1"}},
     {"OptionIsCaseSensitive", kOrdinary, "generator", 0, {}, {"3:3/20x1", "3:4/10x1"}},
     {"OutputStateNotSupported", [](auto& visa) { visa.Rule(kRead, kPowerId, 0x8002); visa.Rule(kRead, 12, 0x8002); },
-     "", status::kIdentificationFailed, {{kNotSupported, Site::kOutputState}}, {"4:79/62x5"}, {"3:79/62x5", "3:31/40x3"}},
-    {"OtherFailureOfTheOutputStateGoesOn", [](auto& visa) { visa.Rule(kRead, kPowerId, kRefusal); }, "", 0, {{kRefusalStatus, Site::kOutputState}}, {"4:79/62x5", "3:31/40x3"}, {"3:4/10x1", "3:0/60x1"}},
-    {"RefusedAveragingGoesOn", [](auto& visa) { visa.Rule(kWrite, 4, kRefusal); }, "", 0, {{kRefusalStatus, Site::kAveraging}}, {"3:4/10x1", "3:79/62x5", "3:31/40x3"}},
+     "", status::kIdentificationFailed, {{kNotSupported, Site{168}}}, {"4:79/62x5"}, {"3:79/62x5", "3:31/40x3"}},
+    {"OtherFailureOfTheOutputStateGoesOn", [](auto& visa) { visa.Rule(kRead, kPowerId, kRefusal); }, "", 0, {{kRefusalStatus, Site{168}}}, {"4:79/62x5", "3:31/40x3"}, {"3:4/10x1", "3:0/60x1"}},
+    {"RefusedAveragingGoesOn", [](auto& visa) { visa.Rule(kWrite, 4, kRefusal); }, "", 0, {{kRefusalStatus, Site{701}}}, {"3:4/10x1", "3:79/62x5", "3:31/40x3"}},
     {"SweepModeNotSupported", [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8002, 0x60); visa.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1); },
-     "", status::kIdentificationFailed, {{kNotSupported, Site::kFrequencyAxis}}, {"3:0/60x1", "3:79/62x5"}, {"3:31/40x3"}},
+     "", status::kIdentificationFailed, {{kNotSupported, Site{601}}}, {"3:0/60x1", "3:79/62x5"}, {"3:31/40x3"}},
     {"NoPulseModulator", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8002); }, "", 0, {}, {"3:31/40x3"}},
     {"NoPulseModulatorOfThisForm", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8003); }, "", 0, {}, {"3:31/40x3"}},
-    {"PulseModulatorFails", [](auto& visa) { visa.Rule(kWrite, kPulseId, kRefusal); }, "", kRefusalStatus, {{kRefusalStatus, Site::kPulseOff}}, {"3:31/40x3"}},
+    {"PulseModulatorFails", [](auto& visa) { visa.Rule(kWrite, kPulseId, kRefusal); }, "", kRefusalStatus, {{kRefusalStatus, Site{652}}}, {"3:31/40x3"}},
 };
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Branches, InitializeTest, testing::ValuesIn(kInitializeCases), RowName());

@@ -130,12 +130,12 @@ TEST_P(ReadFailureTest, IsRecordedAndReadingGoesOn) {
 
 // clang-format off
 const std::vector<ReadFailureCase> kReadFailureCases = {
-    {"RefusedAtOnce", kRefusal, 0, true, {{kRefusalStatus, Site::kWorkerRead}}, true},
-    {"RefusedLater", kRefusal, 0, false, {{kRefusalStatus, Site::kWorkerRepeatedRead}}, true},
-    {"NegativeWordOfTheBlock", 0, kRefusal, false, {{kRefusalStatus, Site::kWorkerRepeatedRead}}, true},
+    {"RefusedAtOnce", kRefusal, 0, true, {{kRefusalStatus, Site{445}}}, true},
+    {"RefusedLater", kRefusal, 0, false, {{kRefusalStatus, Site{452}}}, true},
+    {"NegativeWordOfTheBlock", 0, kRefusal, false, {{kRefusalStatus, Site{452}}}, true},
     {"NoticeInsteadOfABlock", 6, 0, false, {}, true},
     {"NoticeWithABlock", 0, 6, false, {}, false},
-    {"BlockWithAnUnknownWord", 0, 7, false, {{7, Site::kBlockStatus}}, false},
+    {"BlockWithAnUnknownWord", 0, 7, false, {{7, Site{467}}}, false},
 };
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Reads, ReadFailureTest, testing::ValuesIn(kReadFailureCases), RowName());
@@ -200,10 +200,15 @@ TEST_F(ManagerTest, StateIsAskedForWhileNothingIsMeasured) {
   visa_.RuleBody(kRead, kButtonId, 0, "22 00 01 00", 0, 1);
   EXPECT_TRUE(State(&CK4NManager::GetRfButton));
   EXPECT_THAT(visa_.RequestOrder(), testing::IsSupersetOf({"4:0/40x3", "4:79/62x5", "4:34/20x1"}));
-  visa_.Rule(kRead, kButtonId, kRefusal, 0, 1);
-  bool pressed = false;
-  EXPECT_EQ(manager_.GetRfButton(pressed), kRefusalStatus);
-  EXPECT_EQ(ErrorRecords().back(), (ErrorRecord{kRefusalStatus, Site::kRfButton}));
+  for (const std::uint8_t id : {kButtonId, kFrequencyId, kPowerId}) {
+    visa_.Rule(kRead, id, kRefusal, 0, id == kFrequencyId ? 2 : 1);
+  }
+  for (const auto get : {&CK4NManager::GetRfButton, &CK4NManager::GetPllState,
+                         &CK4NManager::GetErgState, &CK4NManager::GetLevelState}) {
+    bool state = false;
+    EXPECT_EQ((manager_.*get)(state), kRefusalStatus);
+  }
+  EXPECT_EQ(ErrorRecords(), Refusals({681, 682, 683, 684}));
   StartMeasuring();
   EXPECT_TRUE(State(&CK4NManager::GetErgState)) << "told twice";
 }
@@ -232,7 +237,7 @@ TEST_F(ManagerTest, WorkerAsksForTheButtonNowAndThen) {
   for (int block = 0; block < 2; ++block) visa_.CompleteData('A', Block(1));
   EXPECT_TRUE(WaitUntilRequested("6", reads + 2)) << "the button is not asked for each time";
   EXPECT_GE(os::TickCount() - start, kPeriod * (Requested(kButtonRead) - 1));
-  EXPECT_THAT(ErrorRecords(), ElementsAre(ErrorRecord{kRefusalStatus, Site::kWorkerRfButton}));
+  EXPECT_THAT(ErrorRecords(), ElementsAre(ErrorRecord{kRefusalStatus, Site{492}}));
 }
 
 TEST_F(ManagerTest, SoftwareTriggerReadsOneSweep) {
