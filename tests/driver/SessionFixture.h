@@ -20,6 +20,15 @@ namespace driver_test {
 /// An answer that the failure tests look for: a code that no layer gives a meaning.
 inline constexpr std::int16_t kRefusal = -321;
 
+/// Commands: 1 recovery, 4 read, 6 data.
+inline simulator::Fault RefuseCommand(std::uint16_t command, std::int16_t status) {
+  simulator::Fault fault;
+  fault.kind = simulator::FaultKind::kRefuse;
+  fault.command = command;
+  fault.status = status;
+  return fault;
+}
+
 /// A text or array that a member must neither read nor free: either would trap.
 template <typename T>
 T* Untouchable() {

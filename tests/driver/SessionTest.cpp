@@ -10,7 +10,6 @@ namespace {
 using simulator::Fault;
 using simulator::FaultKind;
 
-constexpr std::uint16_t kRecoverCommand = 1;
 constexpr std::uint16_t kDataCommand = 6;
 
 class Session : public SessionTest {};
@@ -52,11 +51,7 @@ TEST_F(Session, IsOpenedOnNoInstrumentThatStartsOtherThanWithZero) {
     EXPECT_FALSE(IsOpen());
     EXPECT_TRUE(WaitUntil([&] { return instrument_.ConnectionCount() == 0; }));
   };
-  Fault refusal;
-  refusal.kind = FaultKind::kRefuse;
-  refusal.command = kRecoverCommand;
-  refusal.status = -32766;
-  instrument_.InjectFault(refusal);
+  instrument_.InjectFault(RefuseCommand(1, -32766));
   expect_unknown();
   instrument_.ClearFaults();
   os::Module protocol_library;  // whose session opens with a notice

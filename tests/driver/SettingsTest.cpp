@@ -216,11 +216,7 @@ TEST_F(Settings, EveryNumberButZeroIsTrue) {
 }
 
 TEST_F(Settings, AFailedReadIsToldButForThreeStates) {
-  Fault refusal;
-  refusal.kind = simulator::FaultKind::kRefuse;
-  refusal.command = 4;
-  refusal.status = kRefusal;
-  instrument_.InjectFault(refusal);
+  instrument_.InjectFault(RefuseCommand(4, kRefusal));
   for (const std::string_view name :
        {"SerialNum", "Type", "RFButton", "PLLState", "ERGState", "LevelState"}) {
     const Answer answer = Call(surface_, MemberOf("System.get " + std::string(name)));
