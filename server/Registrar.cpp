@@ -1,7 +1,6 @@
 #include "server/Registrar.h"
 
 #include <array>
-#include <new>
 
 #include "platform/com/RegKey.h"
 
@@ -88,7 +87,7 @@ LSTATUS RunRoot(const ScriptKey& root, RegistrationScope scope, Direction direct
 }
 
 HRESULT Run(std::string_view script, const Replacements& replacements, RegistrationScope scope,
-            Direction direction) noexcept {
+            Direction direction) {
   try {
     LSTATUS first = ERROR_SUCCESS;
     for (const ScriptKey& root : ParseRegistryScript(script, replacements)) {
@@ -98,10 +97,6 @@ HRESULT Run(std::string_view script, const Replacements& replacements, Registrat
     return HRESULT_FROM_WIN32(first);
   } catch (const ScriptError&) {
     return Registrar::kScriptUnreadable;
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (...) {
-    return E_UNEXPECTED;
   }
 }
 
@@ -118,10 +113,10 @@ os::WideString RegistryName(REFGUID guid) {
   return text.data();
 }
 
-HRESULT Registrar::Register(std::string_view script) const noexcept {
+HRESULT Registrar::Register(std::string_view script) const {
   return Run(script, replacements_, scope_, Direction::kRegister);
 }
 
-HRESULT Registrar::Remove(std::string_view script) const noexcept {
+HRESULT Registrar::Remove(std::string_view script) const {
   return Run(script, replacements_, scope_, Direction::kRemove);
 }

@@ -33,11 +33,11 @@ class Registrar {
   /// Makes the script's keys and values. Gives the first failing result: kScriptUnreadable, or the
   /// registry's code as an HRESULT (E_INVALIDARG for other values than texts where the registry
   /// holds texts alone, as it does elsewhere than on Windows).
-  HRESULT Register(std::string_view script) const noexcept;
+  HRESULT Register(std::string_view script) const;
 
   /// Takes away the script's values and its keys, as each key's removal says. What is not there is
   /// no failure; after one, the rest is taken away all the same, and the first one is given.
-  HRESULT Remove(std::string_view script) const noexcept;
+  HRESULT Remove(std::string_view script) const;
 
   /// ERROR_BAD_FORMAT of Windows.
   static constexpr HRESULT kScriptUnreadable = static_cast<HRESULT>(0x8007000B);

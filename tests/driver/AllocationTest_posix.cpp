@@ -6,6 +6,7 @@
 
 #include "driver/PulseGenerator.h"
 #include "driver/ZentrelK4N.h"
+#include "server/ClassFactory.h"
 #include "tests/driver/DriverModule.h"
 #include "zk4n/members/MemberTable.h"
 
@@ -41,6 +42,16 @@ TEST(Allocation, WithoutMemoryForAChannelsNameTheClientKeepsItsText) {
   EXPECT_EQ(name, before);
   EXPECT_EQ(root->get_Name(2, &name), S_OK);
   EXPECT_EQ(TakeText(name), "ChannelB");
+}
+
+TEST(Allocation, AClassFactoryWithoutMemoryForTheObjectSaysSo) {
+  ClassFactory<CZentrelK4N> factory;
+  void* object = &object;
+  out_of_memory = true;
+  const HRESULT result = factory.CreateInstance(nullptr, __uuidof(IZentrelK4N), &object);
+  out_of_memory = false;
+  EXPECT_EQ(result, E_OUTOFMEMORY);
+  EXPECT_EQ(object, nullptr);
 }
 
 // An object that has no interface at all.

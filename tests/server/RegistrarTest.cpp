@@ -1,6 +1,8 @@
 // The registrar: what scripts make of the registry, in both directions.
 #include "server/Registrar.h"
 
+#include <tuple>
+
 #include "tests/platform/RegistryFixture.h"
 #include "tests/server/ClassesDump.h"
 
@@ -103,12 +105,17 @@ TEST_F(RegistrarTest, MachinesKeysStayInTheMachinesPartBesideAUsersKey) {
 }
 
 TEST_F(RegistrarTest, OtherRootsAreTheSameInEveryScope) {
-  constexpr auto kScript = "HKCU { NoRemove Software { NoRemove Classes { Zk { R } } } }";
   const Registrar machine(RegistrationScope::kMachine, {});
-  EXPECT_EQ(machine.Register(kScript), S_OK);
-  EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk\\R"}));
-  EXPECT_EQ(machine.Remove(kScript), S_OK);
-  EXPECT_EQ(ZkLines(), Lines{});
+  for (const auto& [root, scope, registrar] :
+       {std::tuple("HKCU", RegistrationScope::kUser, machine),
+        std::tuple("HKLM", RegistrationScope::kMachine, registrar_)}) {
+    const std::string script =
+        std::string(root) + " { NoRemove Software { NoRemove Classes { Zk { R } } } }";
+    EXPECT_EQ(registrar.Register(script), S_OK);
+    EXPECT_EQ(ZkLines(scope), (Lines{"Zk", "Zk\\R"}));
+    EXPECT_EQ(registrar.Remove(script), S_OK);
+    EXPECT_EQ(ZkLines(scope), Lines{});
+  }
 }
 
 TEST_F(RegistrarTest, StopsAtTheFirstFailureOfTheRegistry) {

@@ -105,4 +105,15 @@ TEST(RegistryScript, IsReadOrRefused) {
   }
 }
 
+TEST(RegistryScript, IsNestedNoDeeperThanAnyRegistry) {
+  std::string head = "HKCR {";
+  std::string tail = " }";
+  for (int depth = 1; depth < 512; ++depth) {
+    head += " K {";
+    tail += " }";
+  }
+  EXPECT_NO_THROW(ParseRegistryScript(head + tail, {}));
+  EXPECT_THROW(ParseRegistryScript(head + " K { }" + tail, {}), ScriptError);
+}
+
 }  // namespace

@@ -76,20 +76,19 @@ constexpr ForeignValue kForeign[] = {
 };
 constexpr wchar_t kAccess[] = L"D:P(A;;KA;;;WD)(A;;KR;;;AN)";
 
-/// Lets the system's functions for one user write to that user's part, as they do on Windows;
-/// Wine's write to the machine's.
-class UsersClassesAsRoot {
+/// Another key in place of the one that the system's functions for type libraries write to.
+class ClassesRoot {
  public:
-  UsersClassesAsRoot() {
-    EXPECT_EQ(users_.Create(HKEY_CURRENT_USER, L"Software\\Classes"), ERROR_SUCCESS);
-    EXPECT_EQ(RegOverridePredefKey(HKEY_CLASSES_ROOT, users_.Get()), ERROR_SUCCESS);
+  explicit ClassesRoot(const wchar_t* path) {
+    EXPECT_EQ(key_.Create(HKEY_CURRENT_USER, path), ERROR_SUCCESS);
+    EXPECT_EQ(RegOverridePredefKey(HKEY_CLASSES_ROOT, key_.Get()), ERROR_SUCCESS);
   }
-  ~UsersClassesAsRoot() { RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr); }
-  UsersClassesAsRoot(const UsersClassesAsRoot&) = delete;
-  UsersClassesAsRoot& operator=(const UsersClassesAsRoot&) = delete;
+  ~ClassesRoot() { RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr); }
+  ClassesRoot(const ClassesRoot&) = delete;
+  ClassesRoot& operator=(const ClassesRoot&) = delete;
 
  private:
-  RegKey users_;
+  RegKey key_;
 };
 
 class LibraryRegistrationTest : public testing::Test {
@@ -115,7 +114,8 @@ class LibraryRegistrationTest : public testing::Test {
   HRESULT Call(RegistrationScope scope, bool install) const {
     auto* const entry = module_.FunctionOf<Install>("DllInstall");
     if (scope == RegistrationScope::kMachine) return entry(install ? TRUE : FALSE, L"");
-    const UsersClassesAsRoot root;
+    // The functions for one user write to that user's part on Windows; Wine's to the machine's.
+    const ClassesRoot root(L"Software\\Classes");
     return entry(install ? TRUE : FALSE, L"user");
   }
 
@@ -230,6 +230,18 @@ TEST_F(LibraryRegistrationTest, ObjectTellsItsClassInAnyLanguage) {
   }
   SetThreadLocale(users_language);
   CoUninitialize();
+}
+
+TEST_F(LibraryRegistrationTest, FailureOfTheSystemReachesTheCaller) {
+  const auto call_with_no_classes = [this](bool install) {
+    const ClassesRoot deleted(L"Software\\ZkDeleted");
+    EXPECT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\ZkDeleted"), ERROR_SUCCESS);
+    return Call(RegistrationScope::kMachine, install);
+  };
+  EXPECT_TRUE(FAILED(call_with_no_classes(true)));
+  EXPECT_EQ(call_with_no_classes(false), S_OK) << "nothing was registered";
+  ASSERT_EQ(Call(RegistrationScope::kMachine, true), S_OK);
+  EXPECT_TRUE(FAILED(call_with_no_classes(false)));
 }
 
 TEST_P(TypeLibraryRegistration, RemovingTakesWhatIsLeftOfALibrary) {
