@@ -143,11 +143,8 @@ class _Run:
         try:
             for segment in self._segments():
                 self._acquire(segment)
-                points = self._fetch(segment, x, channels)
-                self._done += points
+                self._done += self._fetch(segment, x, channels)
                 self._show(0.0)
-                if points == 0:
-                    break
         except BaseException:
             # The first failure is the one to tell; the link may be gone.
             _quietly(self._session.acquisition.abort)

@@ -9,6 +9,7 @@ import pytest
 
 import zentrelk4n as k4n
 from conftest import DETECTORS, zk4n
+from zentrelk4n.trace import _digits
 
 
 @pytest.mark.parametrize("client, python", [
@@ -39,6 +40,7 @@ def test_uncalibrated_values_are_written_as_the_client_does(simulator, tmp_path)
         gen.measure(start=1e9, stop=3e9, step=5e8).to_csv(tmp_path / "python.csv")
     rows = [(tmp_path / name).read_text().splitlines()[6:] for name in ("python.csv", "client.csv")]
     assert rows[0] == rows[1] and "nan" in rows[0][0]
+    assert [_digits(float(value)) for value in ("nan", "-nan", "-inf")] == ["nan", "-nan", "-inf"]
 
 
 def test_lists(gen):
@@ -81,6 +83,8 @@ def test_plans_that_make_no_sense(gen, arguments, text):
      "Sweep.List.CreateFrequencyPower: 0xFFFF8002"),
     (dict(fault="refuse:status=-32766,command=3,parameter=0,after=3,times=1"), RANGE, k4n.DriverError,
      "Sweep.FrequencyStep.ConfigureStartStop: 0xFFFF8002"),
+    (dict(fault="refuse:status=-32766,command=3,parameter=0,after=6,times=1"), RANGE, k4n.DriverError,
+     "Acquisition.Initiate: 0xFFFF8002"),
     (dict(), dict(RANGE, step=1e-3, stop=1e9 + 1), k4n.Error, "the instrument cannot make steps of 1 mHz"),
     (dict(), dict(RANGE, detectors="no such.det"), k4n.DriverError, "0x80047002 .cannot open file.*no such.det"),
     (dict(kind="generator"), RANGE, k4n.Error, "the driver cannot tell|not supported"),
@@ -95,6 +99,7 @@ def test_failures_on_the_way(options, arguments, kind, text):
 def test_progress(gen, monkeypatch):
     told = []
     gen.measure(**RANGE, dwell="20 ms", averaging=1, progress=told.append)
+    assert gen.acquisition.averaging == 1
     assert told == sorted(told) and told[-1] == 1.0 and len(told) > 5 and 0.0 <= told[0] < 0.2
     screen = io.StringIO()
     monkeypatch.setattr(sys, "stderr", screen)
@@ -102,6 +107,12 @@ def test_progress(gen, monkeypatch):
     assert screen.getvalue() == ""  # no terminal
     gen.measure(**RANGE, dwell="80 ms", averaging=1, progress=True)
     assert screen.getvalue().startswith("\rMeasuring [####") and screen.getvalue().endswith("100 %\n")
+
+
+def test_a_progress_that_fails_ends_the_measurement_alone(gen):
+    with pytest.raises(ZeroDivisionError):
+        gen.measure(**RANGE, dwell=2, progress=lambda share: 1 / 0)
+    assert gen.acquisition.status is k4n.AcquisitionStatus.UNKNOWN and not gen.rf.output_enabled
 
 
 def test_ctrl_c_ends_the_measurement_and_the_session(simulator):

@@ -41,9 +41,12 @@ def test_a_session_that_is_dropped_is_closed(simulator):
 
 
 def test_the_end_of_the_program_closes_what_is_open(simulator):
-    done = subprocess.run([sys.executable, "-X", "dev", "-c", "import sys, zentrelk4n; gen = zentrelk4n.open(sys.argv[1])",
-                           simulator.resource], text=True, capture_output=True)
+    script = ("import os, sys, zentrelk4n as k4n; gen = k4n.open(sys.argv[1]); process = k4n.simulate()._process\n"
+              "assert os.getpgid(process.pid) != os.getpgid(0)\nprint(process.pid)")
+    done = subprocess.run([sys.executable, "-X", "dev", "-c", script, simulator.resource], text=True, capture_output=True)
     assert (done.returncode, done.stderr) == (0, "")
+    with pytest.raises(ProcessLookupError):
+        os.kill(int(done.stdout), 0)
     k4n.open(simulator).close()
 
 
@@ -105,8 +108,10 @@ def test_the_error_trail_is_emptied():
 @pytest.mark.parametrize("resource, hint", [
     ("TCPIP0::127.0.0.1::1::SOCKET", "0xBFFF0011"), ("no resource", "0xBFFF0012"), (None, r"held by process \d+ \(python")])
 def test_a_session_that_does_not_open_says_why(gen, resource, hint):
+    before = len(os.listdir("/proc/self/fd"))
     with pytest.raises(k4n.DriverError, match=rf"^Initialize: 0x80047060 \(unknown resource\): .*\. \[.*{hint}.*\]$"):
         k4n.open(resource or gen.resource)
+    assert len(os.listdir("/proc/self/fd")) == before
 
 
 def elf(bits):
