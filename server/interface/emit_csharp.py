@@ -1,6 +1,5 @@
 """The driver's surface for C#: one source file, so that a program needs no type library importer."""
 
-import re
 from xml.sax.saxutils import escape
 
 HEAD = '''// The driver's interfaces for C#: compile it into your program; no type library importer is needed.
@@ -87,11 +86,8 @@ def coclass(c):
             f"    public class {c.name}\n    {{\n    }}\n")
 
 
-def results(rows):
-    cases = "".join(f'                case 0x{code}: return "{name}";\n'
-                    for code, name in re.findall(r'^\{0x([0-9A-F]{8}), "([^"]+)"\},$', rows, re.MULTILINE))
-    if cases.count("case") != rows.count("{"):
-        raise SyntaxError('a row of the result names is not {0x........, "..."},')
+def results(names):
+    cases = "".join(f'                case {code}: return "{name}";\n' for code, name in names)
     return f'''    [ComImport, Guid("1CF2B120-547D-101B-8E65-08002B2BD119"), InterfaceType(ComInterfaceType.InterfaceIsIUnknown)]
     interface IErrorInfo
     {{
@@ -137,7 +133,6 @@ def results(rows):
 
 
 def emit(library, inherent, result_names):
-    """`result_names` is the text of the client's table of them."""
     parts = [*map(enumeration, library.enumerations), *map(interface, library.interfaces + inherent),
              *(coclass(c) for c in library.coclasses if c.creatable), results(result_names)]
     return HEAD + "\n".join(parts) + "}\n"

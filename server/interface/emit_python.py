@@ -199,10 +199,7 @@ def emit(library, inherent):
     return Emitter(library, inherent).emit()
 
 
-def emit_names(rows):
-    """The names of results, from the client's table of them (zk4n/ResultNames.inc)."""
-    found = re.findall(r'^\{(0x[0-9A-F]{8}), "([^"]+)"\},$', rows, re.MULTILINE)
-    if len(found) != rows.count("{"):
-        raise SyntaxError("a row of the result names is not {0x........, \"...\"},")
+def emit_names(names):
+    """What results are called; `names` are those of surface.result_names()."""
     return ('"""What results are called, made from the client\'s table: see server/interface/emit_python.py."""\n\n'
-            "RESULT_NAMES = {\n" + "".join(f'    {code}: "{name}",\n' for code, name in found) + "}\n")
+            "RESULT_NAMES = {\n" + "".join(f'    {code}: "{name}",\n' for code, name in names) + "}\n")
