@@ -5,5 +5,4 @@ install(CODE "file(COPY_FILE \${CMAKE_INSTALL_PREFIX}/${ZK_MODULES_DIR}/zevisa64
 install(FILES ${CMAKE_SOURCE_DIR}/data/calibr20.det DESTINATION ${ZK_MODULES_DIR} COMPONENT runtime)
 install(FILES ${ZK_KIT}/manual/IviZentrelK4N.chm DESTINATION ${ZK_MODULES_DIR} COMPONENT runtime OPTIONAL)
 install(FILES ${ZK_TYPELIB} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
-file(GLOB csharp ${interfaces}/*.cs)
-install(FILES ${csharp} DESTINATION csharp COMPONENT dev)
+install(FILES ${CMAKE_SOURCE_DIR}/examples/csharp/ZentrelK4N.cs DESTINATION csharp COMPONENT dev)
