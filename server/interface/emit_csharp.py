@@ -46,11 +46,19 @@ def way_of(parameter):
     return ("out ", "") if parameter.direction == "retval" else ("", "")
 
 
+def seen(parameter):
+    """What a caller sees of it."""
+    return f"{way_of(parameter)[0]}{TYPES.get(parameter.type, (parameter.type,))[0]} {name_of(parameter)}"
+
+
 def declaration(parameter):
-    kind, marshalled = TYPES.get(parameter.type, (parameter.type, ""))
-    way, attribute = way_of(parameter)
-    attributes = ", ".join(text for text in (attribute, marshalled) if text)
-    return (f"[{attributes}] " if attributes else "") + f"{way}{kind} {name_of(parameter)}"
+    attributes = ", ".join(filter(None, (way_of(parameter)[1], TYPES.get(parameter.type, ("", ""))[1])))
+    return (f"[{attributes}] " if attributes else "") + seen(parameter)
+
+
+def signature(member):
+    """For a person: without what tells how the parameters travel."""
+    return f"int {member.function}({', '.join(map(seen, member.parameters))});"
 
 
 def about(parameter):

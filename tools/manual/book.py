@@ -16,6 +16,7 @@ TREE = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path.append(str(TREE / "server" / "interface"))
 
 import calls  # noqa: E402
+import emit_csharp  # noqa: E402
 import surface  # noqa: E402
 
 LIBRARY = surface.published()
@@ -282,7 +283,7 @@ def member_tables(interface, section):
     if members[0].help:
         lines += [f'<p class="help">{members[0].help}</p>', ""]
     ordered = sorted(members, key=lambda member: member.kind)  # get before put
-    rows = [("COM", [calls.com_call(m) for m in ordered]), ("C#", [calls.csharp_call(m) for m in ordered]),
+    rows = [("COM", [calls.com_call(m) for m in ordered]), ("C#", [emit_csharp.signature(m) for m in ordered]),
             ("Python", [calls.python_call(m, path) for m in ordered])]
     lines += table("calls", [], [(f"**{name}**", "<br>".join(map(code, texts))) for name, texts in rows])
     parameters = []

@@ -1,4 +1,4 @@
-"""How a member of the surface is called in COM, C# and Python, and by which path it is reached from the root."""
+"""How a member of the surface is called in COM and Python, and by which path it is reached from the root."""
 
 import re
 
@@ -6,9 +6,6 @@ ROOT = "IZentrelK4N"
 # What no property leads to: interfaces that a query of the root gives, under the names that the clients have for them.
 QUERIED = {"Identity": "IIviDriverIdentity", "Operation": "IIviDriverOperation"}
 CHANNEL = '"ChannelA"'  # stands for any in paths
-
-CSHARP_TYPES = {"long": "int", "double": "double", "VARIANT_BOOL": "bool", "BSTR": "string",
-                "SAFEARRAY(double)": "double[]"}
 
 
 def snake(name):
@@ -63,15 +60,6 @@ def com_call(member):
         direction = "[in, optional] " if p.optional else directions[p.direction]
         parameters.append(f"{direction}{p.type}{'*' * p.stars}{' ' if p.name else ''}{p.name}")
     return f"{attributes}HRESULT {member.name}({', '.join(parameters)});"
-
-
-def csharp_call(member):
-    passing = {"in": "", "unstated": "", "inout": "ref ", "retval": "out "}
-    parameters = []
-    for p in member.parameters:
-        how = "ref " if p.type.startswith("SAFEARRAY") else passing[p.direction]
-        parameters.append(f"{how}{CSHARP_TYPES.get(p.type, p.type)} {p.name or 'value'}")
-    return f"int {member.function}({', '.join(parameters)});"
 
 
 def python_call(member, path):
