@@ -6,6 +6,7 @@ with its options has its entry, and there is no other; links lead somewhere; the
 members return without a session, with one, from a generator and from an instrument that refuses what their entries say.
 """
 
+import inspect
 import pathlib
 import re
 import subprocess
@@ -96,6 +97,36 @@ class Entries(unittest.TestCase):
 def page_text(name):
     page = BOOK.page(name)
     return "\n".join(page.intro + [section.text for section in page.sections])
+
+
+class Python(unittest.TestCase):
+    """What the manual says of a call in Python is how the package has it."""
+
+    @classmethod
+    def setUpClass(cls):
+        sys.path.insert(0, str(TREE / "python"))
+        import zentrelk4n
+        cls.package = zentrelk4n
+
+    def test_members(self):
+        for interface in source.INTERFACES:
+            group = getattr(self.package, interface.name[1:])
+            for member in interface.members:
+                with self.subTest(f"{interface.name}.{member.name}"):
+                    attribute = getattr(group, calls.snake(member.name))
+                    if inspect.isfunction(attribute):
+                        given = [calls.snake(p.name) for p in member.parameters if p.direction in ("in", "unstated")]
+                        self.assertEqual(list(inspect.signature(attribute).parameters), ["self", *given])
+                    else:
+                        self.assertEqual(len(member.parameters), 1)
+        for name in calls.QUERIED:
+            self.assertTrue(hasattr(self.package.Session, calls.snake(name)))
+
+    def test_enumerations(self):
+        for enumeration in source.LIBRARY.enumerations:
+            values = getattr(self.package, calls.python_enumeration(enumeration))
+            for name, number in enumeration.values:
+                self.assertEqual(values[calls.python_value(enumeration, name)], number)
 
 
 class Links(unittest.TestCase):
