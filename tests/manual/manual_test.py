@@ -124,7 +124,7 @@ class Python(unittest.TestCase):
 
     def test_enumerations(self):
         for enumeration in source.LIBRARY.enumerations:
-            values = getattr(self.package, calls.python_enumeration(enumeration))
+            values = getattr(self.package, calls.enum_name(enumeration))
             for name, number in enumeration.values:
                 self.assertEqual(values[calls.python_value(enumeration, name)], number)
 

@@ -342,7 +342,7 @@ def enumeration_table(section):
         bits = f", {code(f'0x{number & 0xFFFFFFFF:08X}')}" if number < -1 else ""
         rows.append((code(name), f"{number}{bits}", code(calls.python_value(enumeration, name)), described.get(name, "")))
     lines = [f'<p class="help">{enumeration.help}</p>', ""] if enumeration.help else []
-    lines += [f"In Python `{calls.python_enumeration(enumeration)}`.", ""] + rest
+    lines += [f"In Python `{calls.enum_name(enumeration)}`.", ""] + rest
     return lines + [""] + table("values", ["Value", "Number", "Python", "Meaning"], rows)
 
 

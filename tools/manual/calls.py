@@ -2,23 +2,16 @@
 
 import re
 
+from emit_python import enum_name, snake
+
 ROOT = "IZentrelK4N"
 # What no property leads to: interfaces that a query of the root gives, under the names that the clients have for them.
 QUERIED = {"Identity": "IIviDriverIdentity", "Operation": "IIviDriverOperation"}
 CHANNEL = '"ChannelA"'  # stands for any in paths
 
 
-def snake(name):
-    """A name of the surface as Python has it."""
-    return re.sub(r"(?<=[a-z0-9])(?=[A-Z])|(?<=[A-Z])(?=[A-Z][a-z])", "_", name).lower()
-
-
-def python_enumeration(enumeration):
-    return enumeration.name.removeprefix("ZentrelK4N").removesuffix("Enum")
-
-
 def python_value(enumeration, value):
-    prefix = next(p for p in ("ZentrelK4N" + python_enumeration(enumeration), "E_ZENTRELK4N_") if value.startswith(p))
+    prefix = next(p for p in ("ZentrelK4N" + enum_name(enumeration), "E_ZENTRELK4N_") if value.startswith(p))
     return snake(value[len(prefix):]).upper()
 
 
