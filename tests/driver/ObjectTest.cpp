@@ -145,6 +145,7 @@ TEST(Objects, UnknownClassesAndInterfacesOfTheFactoryAreRefused) {
   EXPECT_EQ(get(root, __uuidof(IUnknown), nullptr), E_POINTER);
   const auto factory = SharedModule().Factory(root);
   EXPECT_EQ(factory->CreateInstance(nullptr, __uuidof(IUnknown), nullptr), E_POINTER);
+  EXPECT_EQ(factory->QueryInterface(__uuidof(IUnknown), nullptr), E_POINTER);
   Outer outer;
   out = &out;
   EXPECT_EQ(factory->CreateInstance(&outer, __uuidof(IZentrelK4N), &out), CLASS_E_NOAGGREGATION)

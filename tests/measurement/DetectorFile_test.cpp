@@ -8,6 +8,7 @@
 
 #include "measurement/Gost341194.h"
 #include "measurement/MatrixFile.h"
+#include "measurement/NewDetectorMatrixConvertor.h"
 #include "platform/os/Files.h"
 #include "tests/measurement/TempFile.h"
 
@@ -47,6 +48,8 @@ INSTANTIATE_TEST_SUITE_P(
                     VersionCase{"ZeroNeedsNoDigest", "#VERSION 0\n1 2\n3 4\n#CRC 12\n", 3},
                     VersionCase{"Three", Signed("#VERSION 3\n1 2\n3 4\n"), 2},
                     VersionCase{"TabsAreContent", Signed("#VERSION\t3\t\n\t1 2\t\n3 4\t\n"), 2},
+                    VersionCase{"PlusThree", Signed("#VERSION +3\n1 2\n3 4\n"), 2},
+                    VersionCase{"TwoSignsAreZero", "#VERSION +-3\n1 2\n3 4\n", 3},
                     VersionCase{"ThreePointOne", Signed("#VERSION 3.1\n1 2\n3 4\n"), 2},
                     VersionCase{"FirstCounts", Signed("#VERSION 3\n#VERSION 2\n1 2\n3 4\n"), 2},
                     VersionCase{"ThreeUnsigned", "#VERSION 3\n1 2\n3 4\n", 0},
@@ -79,6 +82,20 @@ TEST(DetectorFile, VersionZeroGetsALevelColumn) {
   EXPECT_EQ(matrix.GetItem(0, 0), 0.0) << "the corner is no level";
   EXPECT_DOUBLE_EQ(matrix.GetItem(0, 1), std::log10(5e6 / 16777216));
   EXPECT_EQ(matrix.GetItem(1, 1), 1.0) << "values are not converted";
+}
+
+TEST(DetectorFile, LevelColumnIsNotTheReaders) {
+  CSimpleMatrix matrix;
+  CNewDetectorMatrixConvertor rest(matrix);
+  EXPECT_EQ(rest.EndLoad(2, 3), status::kOk) << "no table, no levels";
+  EXPECT_EQ(rest.Resize(2, 3), status::kOk);
+  EXPECT_EQ(rest.SetItem(1, 2, 7.0), status::kOk);
+  EXPECT_EQ(matrix.GetCols(), 3U);
+  EXPECT_EQ(rest.GetCols(), 2U);
+  EXPECT_EQ(rest.GetRows(), 3U);
+  EXPECT_EQ(rest.Resize(2, 3), status::kOk) << "the same size keeps the values";
+  EXPECT_EQ(rest.GetItem(1, 2), 7.0);
+  EXPECT_EQ(matrix.GetItem(2, 2), 7.0);
 }
 
 /// Such a file's digest is worked out while its numbers are read.

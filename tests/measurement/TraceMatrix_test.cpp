@@ -7,6 +7,7 @@
 #include <initializer_list>
 #include <limits>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -35,7 +36,7 @@ TEST(TraceMatrix, CountBelowOneEmpties) {
     EXPECT_EQ(matrix.Resize(rows, columns), -1) << rows << " x " << columns;
     EXPECT_EQ(matrix.RowCount(), 0);
     EXPECT_EQ(matrix.ColumnCount(), 0);
-    EXPECT_TRUE(matrix.Row(0).empty());
+    EXPECT_TRUE(matrix.Row(0).empty() && std::as_const(matrix).Row(0).empty());
     EXPECT_EQ(matrix.Resize(0, 0), 0) << "the present size";
   }
 }
@@ -83,6 +84,7 @@ TEST(TraceMatrix, InterpolatesRowsByXAndColumnsByY) {
   EXPECT_EQ(matrix.Interpolate(1, 12.5), 125);
   EXPECT_EQ(matrix.Interpolate(-5, 99), 200);
   EXPECT_EQ(matrix.Interpolate(7, -1), 300);
+  EXPECT_EQ(Filled({{0, 10}, {1, 100}}).Interpolate(7, -1), 100);
   EXPECT_TRUE(std::isnan(Filled({{0, 10, 20}}).Interpolate(1, 1)));
 }
 

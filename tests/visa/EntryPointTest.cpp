@@ -75,6 +75,29 @@ TEST_F(VisaTest, ClosingClientsGetTheAnswersTheyNeed) {
                 VI_ERROR_RSRC_NFOUND);
 }
 
+TEST_F(VisaSession, BadArgumentsAreRefused) {
+  EXPECT_STATUS(visa.viOpenDefaultRM(nullptr), VI_ERROR_USER_BUF);
+  EXPECT_STATUS(visa.viOpen(manager, peer.Name().c_str(), 0, 0, nullptr), VI_ERROR_USER_BUF);
+  EXPECT_STATUS(visa.viParseRsrc(manager, nullptr, nullptr, nullptr), VI_ERROR_INV_RSRC_NAME);
+  EXPECT_STATUS(visa.viParseRsrc(session, peer.Name().c_str(), nullptr, nullptr),
+                VI_ERROR_INV_OBJECT);
+  EXPECT_STATUS(visa.viFindRsrc(session, "?*", nullptr, nullptr, nullptr), VI_ERROR_INV_OBJECT);
+  EXPECT_STATUS(visa.viStatusDesc(session, VI_SUCCESS, nullptr), VI_ERROR_USER_BUF);
+  for (const ViUInt32 size : {0, 1}) {
+    const ViStatus status = size == 0 ? VI_SUCCESS : VI_ERROR_USER_BUF;
+    EXPECT_STATUS(visa.viRead(session, nullptr, size, nullptr), status);
+    EXPECT_STATUS(visa.viWrite(session, nullptr, size, nullptr), status);
+    EXPECT_STATUS(visa.viBufWrite(session, nullptr, size, nullptr), status);
+  }
+  EXPECT_STATUS(visa.viReadToFile(session, nullptr, 1, nullptr), VI_ERROR_FILE_ACCESS);
+  EXPECT_STATUS(visa.viWriteFromFile(session, nullptr, 1, nullptr), VI_ERROR_FILE_ACCESS);
+  EXPECT_STATUS(visa.viReadSTB(session, nullptr), VI_ERROR_USER_BUF);
+  EXPECT_STATUS(visa.viAssertTrigger(session, 1), VI_ERROR_INV_PROT);
+  EXPECT_STATUS(visa.viSetAttribute(manager + 99, VI_ATTR_USER_DATA, 1), VI_ERROR_INV_OBJECT);
+  EXPECT_STATUS(visa.viEnableEvent(manager + 99, 0, 1, 0), VI_ERROR_INV_OBJECT);
+  EXPECT_STATUS(visa.viDiscardEvents(manager + 99, 0, 1), VI_ERROR_INV_OBJECT);
+}
+
 TEST(VisaUnload, LeavesNothingOpenAndLoadsAgain) {
   Peer peer;
   for (int round = 0; round < 3; ++round) {
