@@ -323,6 +323,7 @@ const BareAnswer kBareAnswers[] = {
     {"System.get Atten", kPropertyCode, ""},
     {"System.put Atten", kPropertyCode, ""},
     {"PulseModulation.get Enabled", kPropertyCode, ""},
+    {"PulseModulation.get ExternalPolarity", kPropertyCode, ""},
     {"System.get SerialNum", S_OK, "", {"1101190042"}},
     {"System.get Type", Code(0x8004705B), ""},
 };
