@@ -89,8 +89,6 @@ Status D3THardWare::TransferPulseTrain(std::uint32_t mode, std::uint32_t& source
     }
     result = WriteParameter(block);
     if (result < 0) return result;
-    // Kept: a write never answers 2, so that the polarity element stays.
-    if (result == status::kInstrumentFormNotUsable) pulse_polarity_ = false;
     for (std::size_t i = 0; i < entries; ++i) {
       widths[offset + i] = block.GetValue(first + 2 * i);
       gaps[offset + i] = block.GetValue(first + 2 * i + 1);
