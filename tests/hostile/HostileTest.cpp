@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <thread>
 
-#include "platform/com/Raii.h"
 #include "tests/hostile/Heap.h"
 #include "tests/manager/ManagerFixture.h"
+#include "tests/platform/Arrays.h"
 
 namespace {
 
@@ -117,15 +117,6 @@ struct Operation {
   std::vector<Site> sites;  ///< one of which tells a failure; none: it is only returned
 };
 
-SafeArrayOwner List(std::initializer_list<double> values) {
-  SafeArrayOwner array(SafeArrayCreateVector(VT_R8, 0, static_cast<ULONG>(values.size())));
-  void* data = nullptr;
-  EXPECT_EQ(SafeArrayAccessData(array.Get(), &data), S_OK);
-  std::ranges::copy(values, static_cast<double*>(data));
-  SafeArrayUnaccessData(array.Get());
-  return array;
-}
-
 template <typename Value>
 auto State(Status (CK4NManager::*get)(Value&)) {
   return [get](CK4NManager& manager) {
@@ -133,6 +124,11 @@ auto State(Status (CK4NManager::*get)(Value&)) {
     return (manager.*get)(value);
   };
 }
+
+Status SetFrequencyList(CK4NManager& manager) {
+  return manager.SetFrequencyList(Doubles({1e9, 2e9}).Get());
+}
+Status SetPowerList(CK4NManager& manager) { return manager.SetPowerList(Doubles({-1, -2}).Get()); }
 
 std::vector<Operation> Operations() {
   using enum Site;
@@ -145,22 +141,8 @@ std::vector<Operation> Operations() {
       {"level", [](auto& m) { return m.SetLevel(-30.0); }, {kPowerAxis}},
       {"output off", [](auto& m) { return m.SetOutputEnabled(false); }, {kOutputEnabled}},
       {"output on", [](auto& m) { return m.SetOutputEnabled(true); }, {kPowerAxis}},
-      {"frequency step",
-       [](auto& m) {
-         double start = 1e9;
-         double stop = 2e9;
-         double step = 5e8;
-         return m.SetFrequencyStep(start, stop, step);
-       },
-       {kFrequencyAxis}},
-      {"power step",
-       [](auto& m) {
-         double start = -10.0;
-         double stop = -8.0;
-         double step = 0.5;
-         return m.SetPowerStep(start, stop, step);
-       },
-       {kPowerAxis}},
+      {"frequency step", SetFrequencyStep, {kFrequencyAxis}},
+      {"power step", SetPowerStep, {kPowerAxis}},
       {"sweep trigger",
        [](auto& m) {
          SweepTriggerSettings trigger{.source = 1};
@@ -168,16 +150,8 @@ std::vector<Operation> Operations() {
        },
        {kSweepTrigger}},
       {"dwell", [](auto& m) { return m.SetDwell(1e6); }, {kDwell}},
-      {"frequency list",
-       [](auto& m) {
-         return m.SetFrequencyList(List({1e9, 2e9}).Get());
-       },
-       {kFrequencyAxis}},
-      {"power list",
-       [](auto& m) {
-         return m.SetPowerList(List({-1.0, -2.0}).Get());
-       },
-       {kPowerAxis}},
+      {"frequency list", SetFrequencyList, {kFrequencyAxis}},
+      {"power list", SetPowerList, {kPowerAxis}},
       {"pulse",
        [](auto& m) {
          const Status on = m.SetPulseModEnabled(true);
@@ -187,7 +161,8 @@ std::vector<Operation> Operations() {
       {"packet",
        [](auto& m) {
          const Status on = m.SetPulseModEnabled(true);
-         return on != 0 ? on : m.ConfigurePacket(true, List({1e-6}).Get(), List({2e-6}).Get());
+         return on != 0 ? on
+                        : m.ConfigurePacket(true, Doubles({1e-6}).Get(), Doubles({2e-6}).Get());
        },
        {kPulseTrain}},
       {"pulse modulation off", [](auto& m) { return m.SetPulseModEnabled(false); }, {kPulseOff}},
@@ -197,12 +172,7 @@ std::vector<Operation> Operations() {
          return m.SetTriggerOutput(output);
        },
        {kTriggerOutput, kSecondTriggerInput, kSecondTriggerOutput}},
-      {"sync generator",
-       [](auto& m) {
-         SyncGeneratorSettings sync{.width = 10.0, .period = 30.0, .delay = 5.0};
-         return m.SetSyncGenerator(sync);
-       },
-       {kSyncGenerator}},
+      {"sync generator", SetSyncGenerator, {kSyncGenerator}},
       {"serial number", State(&CK4NManager::GetSerialNumber), {}},
       {"instrument type", State(&CK4NManager::GetInstrumentType), {}},
       {"RF button", State(&CK4NManager::GetRfButton), {kRfButton}},

@@ -219,24 +219,18 @@ TEST_F(LinkTest, FourElementSweeps) {
     double start, stop, step;
     std::string elements;  // start, points, step, stop
   };
+  // clang-format off
   const Case rows[] = {
-      {"exact", 1e9, 2e9, 1e8,
-       "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
-      {"a step that does not fit is spread over the points", 1e9, 2e9, 3e8,
-       "00 CA 9A 3B 00 00 | 04 00 00 00 00 00 | 55 43 DE 13 00 00 | 00 94 35 77 00 00"},
-      {"step zero is one point", 1e9, 2e9, 0,
-       "00 CA 9A 3B 00 00 | 01 00 00 00 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"},
-      {"downward", 2e9, 1e9, -1e8,
-       "00 94 35 77 00 00 | 0B 00 00 00 00 00 | 00 1F 0A FA FF FF | 00 CA 9A 3B 00 00"},
-      {"downward with an upward step: no points", 2e9, 1e9, 1e8,
-       "00 94 35 77 00 00 | F8 FF FF FF FF FF | 00 00 00 00 00 00 | 00 CA 9A 3B 00 00"},
-      {"limits clamp", -5, 1e12, 1e12,
-       "80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00"},
-      {"fractions of hertz are cut", 1e9 + 0.7, 2e9, 1e8,
-       "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
-      {"a tiny step does not overflow the count", 1e9, 2e9, 1e-300,
-       "00 CA 9A 3B 00 00 | FF FF FF 7F 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"},
+      {"exact", 1e9, 2e9, 1e8, "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
+      {"a step that does not fit is spread over the points", 1e9, 2e9, 3e8, "00 CA 9A 3B 00 00 | 04 00 00 00 00 00 | 55 43 DE 13 00 00 | 00 94 35 77 00 00"},
+      {"step zero is one point", 1e9, 2e9, 0, "00 CA 9A 3B 00 00 | 01 00 00 00 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"},
+      {"downward", 2e9, 1e9, -1e8, "00 94 35 77 00 00 | 0B 00 00 00 00 00 | 00 1F 0A FA FF FF | 00 CA 9A 3B 00 00"},
+      {"downward with an upward step: no points", 2e9, 1e9, 1e8, "00 94 35 77 00 00 | F8 FF FF FF FF FF | 00 00 00 00 00 00 | 00 CA 9A 3B 00 00"},
+      {"limits clamp", -5, 1e12, 1e12, "80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00"},
+      {"fractions of hertz are cut", 1e9 + 0.7, 2e9, 1e8, "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
+      {"a tiny step does not overflow the count", 1e9, 2e9, 1e-300, "00 CA 9A 3B 00 00 | FF FF FF 7F 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"},
   };
+  // clang-format on
   InitializeModel();
   for (const Case& row : rows) {
     visa_.ClearRecord();
@@ -267,18 +261,16 @@ TEST_F(LinkTest, WideAndNarrowSweepsComputeTheirStop) {
     const char* answer;
     std::vector<double> sweep;
   };
+  // clang-format off
   const Case rows[] = {
-      {1,
-       WriteRequest(3, 0x60, "00 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 00 E8 76 48 17 00"),
+      {1, WriteRequest(3, 0x60, "00 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 00 E8 76 48 17 00"),
        WriteRequest(3, 0x60, "00 00 | 00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00"),
-       "00 00 | 64 00 00 00 00 00 | 03 00 00 00 00 00 | F6 FF FF FF FF FF",
-       {100, 80, -10}},
-      {2,
-       WriteRequest(3, 0x40, "00 00 | 00 00 00 00 | 02 00 00 00 | 40 6A 7A EE"),
+       "00 00 | 64 00 00 00 00 00 | 03 00 00 00 00 00 | F6 FF FF FF FF FF", {100, 80, -10}},
+      {2, WriteRequest(3, 0x40, "00 00 | 00 00 00 00 | 02 00 00 00 | 40 6A 7A EE"),
        WriteRequest(3, 0x40, "00 00 | 00 CA 9A 3B | 0B 00 00 00 | 00 E1 F5 05"),
-       "00 00 | 64 00 00 00 | 03 00 00 00 | 0A 00 00 00",
-       {100, 120, 10}},
+       "00 00 | 64 00 00 00 | 03 00 00 00 | 0A 00 00 00", {100, 120, 10}},
   };
+  // clang-format on
   for (const Case& row : rows) {
     visa_.Rule(3, 0, 0x8003, 0x60, row.refused_probes);
     ASSERT_EQ(model_.Initialize(), 0);

@@ -90,6 +90,18 @@ inline Status SetFrequencyStep(CK4NManager& manager) {
   return manager.SetFrequencyStep(start, stop, step);
 }
 
+inline Status SetPowerStep(CK4NManager& manager) {
+  double start = -10.0;
+  double stop = -8.0;
+  double step = 0.5;
+  return manager.SetPowerStep(start, stop, step);
+}
+
+inline Status SetSyncGenerator(CK4NManager& manager) {
+  SyncGeneratorSettings sync{.width = 10.0, .period = 30.0, .delay = 5.0};
+  return manager.SetSyncGenerator(sync);
+}
+
 inline Status TriggerImmediately(CK4NManager& manager) {
   SweepTriggerSettings trigger{.source = static_cast<std::uint32_t>(TriggerSource::kImmediate)};
   return manager.SetSweepTrigger(trigger, false);

@@ -56,17 +56,6 @@ TEST_P(SettingTest, DiscardsABlockOrNot) {
   }
 }
 
-Status PowerStep(M& manager) {
-  double start = -10.0;
-  double stop = -8.0;
-  double step = 0.5;
-  return manager.SetPowerStep(start, stop, step);
-}
-Status Sync(M& manager) {
-  SyncGeneratorSettings sync{.width = 10.0, .period = 30.0, .delay = 5.0};
-  return manager.SetSyncGenerator(sync);
-}
-
 // clang-format off
 const std::vector<SettingCase> kSettingCases = {
     {"Frequency", 0, [](M& m) { return m.SetFrequency(1e9); }, {601, 611}},
@@ -77,15 +66,15 @@ const std::vector<SettingCase> kSettingCases = {
     {"SweepMode", 79, [](M& m) { return m.SetSweepMode(SweepMode::kPowerStep); }, {602}, true},
     {"FrequencyStep", 0, SetFrequencyStep, {601, 601, 621}, true},
     {"FrequencyStepInPowerStep", 79, SetFrequencyStep, {602, 622}, true, SweepMode::kPowerStep},
-    {"PowerStep", 79, PowerStep, {602, 602, 623}, true},
-    {"PowerStepInFrequencyStep", 0, PowerStep, {601, 624}, true, SweepMode::kFrequencyStep},
+    {"PowerStep", 79, SetPowerStep, {602, 602, 623}, true},
+    {"PowerStepInFrequencyStep", 0, SetPowerStep, {601, 624}, true, SweepMode::kFrequencyStep},
     {"SweepTrigger", 7, TriggerImmediately, {631}, true},
     {"Dwell", 5, [](M& m) { return m.SetDwell(1e6); }, {632}},
     {"Averaging", 4, [](M& m) { return m.SetAveraging(9); }, {701}, true},
     {"ExternalReference", 17, [](M& m) { return m.SetExtRefGen(true, 5e6); }, {692}},
     {"PhaseDelay", 92, [](M& m) { return m.SetExtRefPhaseDelay(-7); }, {693}},
     {"Compensation", 11, [](M& m) { return m.SetCompensMode(9); }, {694}},
-    {"SyncGenerator", 37, Sync, {671}},
+    {"SyncGenerator", 37, SetSyncGenerator, {671}},
     {"Modulation", 31, [](M& m) { return m.SetPulseModEnabled(true); }, {651}, true},
     {"PolarityWhileOff", 31, [](M& m) { return m.SetPulseModPolarity(true); }, {652}, true},
 };
@@ -203,10 +192,10 @@ const std::vector<AxisCase> kAxisCases = {
     {"FrequencyStepInCw", kCw, Output::kOn, SetFrequencyStep, {"3:0/60x4", "3:0/60x1"}},
     {"FrequencyStepInItsMode", kStep, Output::kOn, SetFrequencyStep, {"3:0/60x4"}},
     {"FrequencyStepInPowerStep", kPower, Output::kOn, SetFrequencyStep, {"3:0/60x4", "3:0/60x1", "3:79/62x8 on"}},
-    {"PowerStepInCwOutputOff", kCw, Output::kOff, PowerStep, {"3:79/62x8 off"}},
-    {"PowerStepInCw", kCw, Output::kOn, PowerStep, {"3:79/62x8 off", "3:79/62x5 on"}},
-    {"PowerStepInItsModeOutputOff", kPower, Output::kOff, PowerStep, {"3:79/62x8 off"}},
-    {"PowerStepInFrequencyStep", kStep, Output::kOn, PowerStep, {"3:79/62x8 off", "3:79/62x5 on", "3:0/60x4"}},
+    {"PowerStepInCwOutputOff", kCw, Output::kOff, SetPowerStep, {"3:79/62x8 off"}},
+    {"PowerStepInCw", kCw, Output::kOn, SetPowerStep, {"3:79/62x8 off", "3:79/62x5 on"}},
+    {"PowerStepInItsModeOutputOff", kPower, Output::kOff, SetPowerStep, {"3:79/62x8 off"}},
+    {"PowerStepInFrequencyStep", kStep, Output::kOn, SetPowerStep, {"3:79/62x8 off", "3:79/62x5 on", "3:0/60x4"}},
     {"OutputOffInPowerStep", kPower, Output::kOn, [](M& m) { return m.SetOutputEnabled(false); }, {"3:79/62x5 off"}},
     {"OutputOnInPowerStep", kPower, Output::kOff, [](M& m) { return m.SetOutputEnabled(true); }, {"3:79/62x8 on"}},
     {"ModeList", kCw, Output::kOn, [](M& m) { return m.SetSweepMode(kList); }, {"3:76/42x4 on", "3:2/60x0", "4:7/10x10", "3:7/10x10"}},
