@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Member calls from Python, as bench/driver/Session_bench.cpp makes them from C++: members.py MODULES_FOLDER REPETITIONS
-prints the medians in microseconds as JSON.
+"""Member calls from Python, as bench/driver/Session_bench.cpp makes them from C++:
+members.py MODULES_FOLDER REPETITIONS prints the medians in microseconds as JSON.
 """
 
 import json

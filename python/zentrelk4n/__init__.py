@@ -17,9 +17,10 @@ from . import _surface
 from ._surface import *  # noqa: F403
 from .errors import (DriverError, DriverNotInstalledError, DriverWarning, Error, K4NError,
                      UnsupportedConfigurationError)
-from .session import Record, Session, open
+from .session import Record, Session
+from .session import open as open  # not for `import *`, which would hide Python's own
 from .simulator import Simulator, simulate
 from .trace import Origin, Trace
 
-__all__ = ["DriverError", "DriverNotInstalledError", "DriverWarning", "Error", "K4NError", "Origin", "Record", "Session",
-           "Simulator", "Trace", "UnsupportedConfigurationError", "open", "simulate", *_surface.__all__]
+__all__ = ["DriverError", "DriverNotInstalledError", "DriverWarning", "Error", "K4NError", "Origin", "Record",
+           "Session", "Simulator", "Trace", "UnsupportedConfigurationError", "simulate", *_surface.__all__]

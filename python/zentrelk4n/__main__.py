@@ -19,6 +19,10 @@ def _package() -> str:
         return "not installed, used from its folder"
 
 
+def _array_type() -> str:
+    return f"numpy {_arrays.numpy.__version__}" if _arrays.numpy else "array.array: numpy is not installed"
+
+
 def _lines() -> Iterator[Tuple[str, Callable[[], str]]]:
     place = _module.Place("", "", False)
 
@@ -29,10 +33,10 @@ def _lines() -> Iterator[Tuple[str, Callable[[], str]]]:
 
     yield "package", _package
     yield "Python", lambda: f"{platform.python_version()}, {_module.BITS} bits, {sys.executable}"
-    yield "arrays", lambda: f"numpy {_arrays.numpy.__version__}" if _arrays.numpy else "array.array: numpy is not installed"
+    yield "arrays", _array_type
     yield "surface", lambda: LIBRARY
     yield "driver", driver
-    yield "VISA", lambda: _visa.library_file(place.file) or "no zevisa64 is found: the driver opens no session without it"
+    yield "VISA", lambda: _visa.library_file(place.file) or "no zevisa64 is found: without it no session opens"
     yield "simulator", lambda: simulator.find_program(None)
 
 

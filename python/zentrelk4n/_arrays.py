@@ -82,8 +82,8 @@ class _Elements:
 
 
 class ArrayArgument:
-    """Values for the driver, which may correct them: at the end of the `with`, what it changed comes back in a list and in a
-    writable buffer of doubles. None is the null array.
+    """Values for the driver, which may correct them: at the end of the `with`, what it changed comes back in a list and
+    in a writable buffer of doubles. None is the null array.
     """
 
     def __init__(self, values: Any, unit: str, what: str) -> None:

@@ -115,7 +115,8 @@ number: Codec[float, Any] = Codec("number", ctypes.c_double, ctypes.byref, opera
                                   lambda value, unit, what: ctypes.c_double(quantity(value, unit, what)))
 integer: Codec[int, int] = Codec("integer", ctypes.c_int32, ctypes.byref, operator.attrgetter("value"), _integer)
 # Some members read true as 1, others as -1.
-switch: Codec[bool, bool] = Codec("true or false", ctypes.c_int16, ctypes.byref, lambda result: bool(result.value), _switch)
+switch: Codec[bool, bool] = Codec("true or false", ctypes.c_int16, ctypes.byref, lambda result: bool(result.value),
+                                  _switch)
 text: Codec[str, Optional[str]] = Codec("text", TextResult, lambda result: result, TextResult.text,
                                         lambda value, unit, what: TextArgument(value))
 

@@ -46,7 +46,7 @@ def places(module: Optional[str] = None) -> Iterator[Place]:
     if sys.platform == "win32":
         yield Place(str(Path(__file__).with_name(_FILE)), "beside the package", False)
         programs = os.environ.get("ProgramFiles", r"C:\Program Files")
-        yield Place(os.path.join(programs, "Zentrel", "K4N", _FILE), "where the package installs it", False)
+        yield Place(os.path.join(programs, "Zentrel", "K4N", "bin", _FILE), "where the package installs it", False)
     else:
         yield Place(f"/usr/lib/x86_64-linux-gnu/zentrel-k4n/{_FILE}", "where the package installs it", False)
 
@@ -61,8 +61,8 @@ def find(module: Optional[str] = None) -> Place:
             raise DriverNotInstalledError(f"there is no driver module {place.file} ({place.why})")
         tried.append(f"{place.file} ({place.why})")
     raise DriverNotInstalledError(
-        f"the Zentrel K4N driver is not installed: no module at {', '.join(tried)}; install the driver, register it with "
-        f"`zk4n register`, or name its module in {ENVIRONMENT}")
+        f"the Zentrel K4N driver is not installed: no module at {', '.join(tried)}; install the driver, register it "
+        f"with `zk4n register`, or name its module in {ENVIRONMENT}")
 
 
 def require_fitting(file: str) -> None:
@@ -86,7 +86,8 @@ def require_fitting(file: str) -> None:
         raise UnsupportedConfigurationError(f"{file} is a module for {system}, this is {here}")
     if bits != BITS:
         kind = f"a {bits}-bit module" if bits else "for another processor"
-        raise UnsupportedConfigurationError(f"this Python has {BITS} bits, and {file} is {kind}: they cannot work together")
+        raise UnsupportedConfigurationError(
+            f"this Python has {BITS} bits, and {file} is {kind}: they cannot work together")
 
 
 class Module:
@@ -129,8 +130,8 @@ class Module:
             ctypes.byref(guid(CLSID)), ctypes.byref(guid(class_factory)), ctypes.byref(address)))
         factory = Pointer(address.value, factory_slots)
         root = ctypes.c_void_p()
-        self._check("CreateInstance", factory.call(create_instance, ctypes.c_void_p(), ctypes.byref(guid(ZentrelK4N.IID)),
-                                                   ctypes.byref(root)))
+        self._check("CreateInstance", factory.call(
+            create_instance, ctypes.c_void_p(), ctypes.byref(guid(ZentrelK4N.IID)), ctypes.byref(root)))
         return Pointer(root.value, ZentrelK4N.SLOTS)
 
     def can_unload(self) -> bool:

@@ -7,11 +7,12 @@ import os
 import sys
 import time
 from contextlib import contextmanager
-from typing import TYPE_CHECKING, Any, Callable, Dict, Iterable, Iterator, List, Mapping, NamedTuple, Optional, Tuple, Union
+from typing import TYPE_CHECKING, Any, Callable, Dict, Iterable, Iterator, List, Mapping, NamedTuple, Optional, Tuple
+from typing import Union
 
 from ._arrays import Samples, joined, ramp, samples_of
 from ._quantity import formatted, quantity
-from ._surface import (AcquisitionStatus, FrequencyStepScaling, Quantity, SweepMode, SweepTriggerSource)
+from ._surface import AcquisitionStatus, FrequencyStepScaling, Quantity, SweepMode, SweepTriggerSource
 from .errors import DriverError, Error
 from .trace import CHANNELS, Origin, Trace
 
@@ -84,14 +85,15 @@ def plan(start: Optional[Quantity], stop: Optional[Quantity], step: Optional[Qua
     if fixed is None and axis == "level":
         raise ValueError("give the frequency at which the level is stepped")
     unit, fixed_unit, step_unit = ("Hz", "dBm", "Hz") if axis == "frequency" else ("dBm", "Hz", "dB")
-    result = Plan(axis, quantity(0.0 if start is None else start, unit, "start"),
-                  quantity(0.0 if stop is None else stop, unit, "stop"),
-                  quantity(0.0 if step is None else step, step_unit, "step"),
+    result = Plan(axis, _or_zero(start, unit, "start"), _or_zero(stop, unit, "stop"), _or_zero(step, step_unit, "step"),
                   [quantity(value, unit, "a value of the list") for value in listed or ()],
-                  quantity(0.0 if fixed is None else fixed, fixed_unit, fixed_name), quantity(dwell, "s", "dwell"),
-                  averaging, tuple(channels))
+                  _or_zero(fixed, fixed_unit, fixed_name), quantity(dwell, "s", "dwell"), averaging, tuple(channels))
     _require_sound(result, listed is not None)
     return result
+
+
+def _or_zero(value: Optional[Quantity], unit: str, what: str) -> float:
+    return 0.0 if value is None else quantity(value, unit, what)
 
 
 def _require_sound(plan: Plan, is_list: bool) -> None:

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import atexit
+import contextlib
 import os
 import threading
 import warnings
@@ -51,9 +52,10 @@ def open(resource: Union[str, Simulator], *, id_query: bool = False, reset: bool
          options: Optional[str] = None, module: Optional[str] = None) -> Session:
     """Opens a session; at the end of the `with`, or at `close()`, it ends.
 
-    `resource` is a VISA resource name, "TCPIP::192.0.2.7::8888::SOCKET", or a simulated instrument, whose detector files
-    are then loaded, too. `options` is the driver's option string: "GENERATOR" for an instrument without detectors.
-    `module` is the path of the driver's module; without it the driver is looked for, see `python -m zentrelk4n`.
+    `resource` is a VISA resource name, "TCPIP::192.0.2.7::8888::SOCKET", or a simulated instrument, whose detector
+    files are then loaded, too. `options` is the driver's option string: "GENERATOR" for an instrument without
+    detectors. `module` is the path of the driver's module; without it the driver is looked for, see
+    `python -m zentrelk4n`.
     """
     return Session(resource, id_query, reset, options, module)
 
@@ -96,6 +98,7 @@ class Session(ZentrelK4N):
         assert address
         with self._lock:
             if self._root is None:
+                del pointer  # a traceback that is kept must not keep the object
                 raise Error(f"{self} is closed")
             # The driver gives the same object each time: one group, one reference.
             group = self._groups.get((kind, address))
@@ -105,7 +108,8 @@ class Session(ZentrelK4N):
             return group
 
     identity = Identity = Aspect(IviDriverIdentity, "Identity", "The driver's identity as the IVI Foundation has it.")
-    operation = Operation = Aspect(IviDriverOperation, "Operation", "How the driver operates, as the IVI Foundation has it.")
+    operation = Operation = Aspect(
+        IviDriverOperation, "Operation", "How the driver operates, as the IVI Foundation has it.")
 
     @property
     def model(self) -> str:
@@ -123,8 +127,8 @@ class Session(ZentrelK4N):
         return self._root is None
 
     def errors(self) -> List[Record]:
-        """What the driver has met since the last time, the oldest first; the error trail is empty then. Equal records in a
-        row are one.
+        """What the driver has met since the last time, the oldest first; the error trail is empty then. Equal records
+        in a row are one.
         """
         records: List[Record] = []
         for _ in range(_MOST_RECORDS):
@@ -137,9 +141,10 @@ class Session(ZentrelK4N):
             records.append(record)
         return records
 
-    def measure(self, start: Optional[Quantity] = None, stop: Optional[Quantity] = None, step: Optional[Quantity] = None,
-                level: Optional[Quantity] = None, *, frequency: Optional[Quantity] = None,
-                frequencies: Optional[Iterable[Quantity]] = None, levels: Optional[Iterable[Quantity]] = None,
+    def measure(self, start: Optional[Quantity] = None, stop: Optional[Quantity] = None,
+                step: Optional[Quantity] = None, level: Optional[Quantity] = None, *,
+                frequency: Optional[Quantity] = None, frequencies: Optional[Iterable[Quantity]] = None,
+                levels: Optional[Iterable[Quantity]] = None,
                 dwell: Quantity = 0.0, averaging: int = 3, channels: Iterable[str] = CHANNELS,
                 detectors: Union[None, str, os.PathLike[str], Mapping[str, Union[str, os.PathLike[str]]]] = None,
                 progress: Union[None, bool, Callable[[float], None]] = None) -> Trace:
@@ -152,11 +157,12 @@ class Session(ZentrelK4N):
         dwell: s for each point, at most 4.29 s. averaging: 1 to 14.
         channels: those that are fetched, of "A", "B" and "R".
         detectors: a detector calibration file for all channels, or a file for each: {"A": "a.det"}. It stays loaded.
-        progress: called with the share that is done, 0 to 1; True is a bar, False nothing. Left out: a bar on a terminal.
+        progress: called with the share that is done, 0 to 1; True is a bar, False nothing. Left out: a bar on a
+            terminal.
 
-        DriverError, also for failures that only the error trail tells of; Error when the instrument cannot step so finely,
-        and when it delivers nothing in many times the time that the sweep takes. Ctrl-C ends the measurement and closes
-        the session.
+        DriverError, also for failures that only the error trail tells of; Error when the instrument cannot step so
+        finely, and when it delivers nothing in many times the time that the sweep takes. Ctrl-C ends the measurement
+        and closes the session.
         """
         plan = measure.plan(start, stop, step, level, frequency, frequencies, levels, dwell, averaging, channels)
         files = detectors if isinstance(detectors, Mapping) else dict.fromkeys(CHANNELS, detectors)
@@ -167,7 +173,7 @@ class Session(ZentrelK4N):
             raise
 
     def close(self) -> None:
-        """Ends the session for all its groups and threads. The instrument switches its output off. Once more does nothing."""
+        """Ends the session for all its groups and threads; the output is switched off. Once more does nothing."""
         with self._lock:
             if self._root is None:
                 return
@@ -201,8 +207,10 @@ class Session(ZentrelK4N):
 
     def __del__(self) -> None:
         if getattr(self, "_root", None) is not None:
-            warnings.warn(f"{self} was not closed", ResourceWarning, source=self)
-            self.close()
+            try:
+                warnings.warn(f"{self} was not closed", ResourceWarning, source=self)
+            finally:
+                self.close()
 
     def __str__(self) -> str:
         model, serial = self._instrument
@@ -225,4 +233,5 @@ def _text_of(read: Callable[[], str]) -> str:
 @atexit.register
 def _close_all() -> None:
     for session in list(_open_sessions):
-        session.close()
+        with contextlib.suppress(Error):
+            session.close()

@@ -55,7 +55,8 @@ def find_program(program: Optional[str]) -> str:
             return beside
     found = shutil.which(_PROGRAM)
     if found is None:
-        raise DriverNotInstalledError(f"{_PROGRAM}, which simulates the instrument, is neither beside the driver nor on PATH")
+        raise DriverNotInstalledError(
+            f"{_PROGRAM}, which simulates the instrument, is neither beside the driver nor on PATH")
     return found
 
 

@@ -78,7 +78,7 @@ class Trace:
 
     def _axis(self, name: str) -> Samples:
         if self.axis != name:
-            raise AttributeError(f"the {name} was not stepped; the origin's conditions tell it: {self.origin.conditions}")
+            raise AttributeError(f"the {name} was not stepped; the conditions tell it: {self.origin.conditions}")
         return self.x
 
     def to_csv(self, path: Union[str, os.PathLike[str]]) -> None:

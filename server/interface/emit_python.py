@@ -113,7 +113,8 @@ class Emitter:
             else:
                 body += self.setting({accessor.kind: accessor for accessor in accessors})
         self.emitted[interface.name] = (
-            f"{results}\nclass {class_name(interface)}(Group):\n" + document("    ", f"{interface.help} ({interface.name})".strip())
+            f"{results}\nclass {class_name(interface)}(Group):\n"
+            + document("    ", f"{interface.help} ({interface.name})".strip())
             + f'\n    __slots__ = ()\n    INTERFACE = "{interface.name}"\n    IID = "{{{interface.iid}}}"\n'
             f"    SLOTS = {3 + len(interface.members)}\n\n{body}")
 

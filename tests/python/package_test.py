@@ -7,7 +7,7 @@ import sys
 
 import pytest
 
-from conftest import DETECTORS, DRIVER, MODULES, TREE, WORK
+from conftest import DETECTORS, DRIVER, TREE, WORK, ZK4N, zk4n
 
 MYPY = shutil.which("mypy", path="/usr/bin:" + os.environ["PATH"])
 
@@ -46,13 +46,14 @@ reveal: str = gen.RF.Frequency  # E: assignment
 
 @pytest.fixture(scope="session")
 def environment(tmp_path_factory):
-    """(wheel, interpreter of an environment with nothing but the wheel)."""
+    """The interpreter of an environment with nothing but the wheel."""
     folder = tmp_path_factory.mktemp("wheel")
-    for name in ("first", "second"):
-        subprocess.run([TREE / "scripts/wheel", folder / name], check=True)
+    steps = [subprocess.Popen(command) for command in (
+        [TREE / "scripts/wheel", folder / "first"], [TREE / "scripts/wheel", folder / "second"],
+        [sys.executable, "-m", "venv", folder / "venv"])]
+    assert [step.wait() for step in steps] == [0, 0, 0]
     (wheel,), (again,) = ((folder / name).iterdir() for name in ("first", "second"))
     assert wheel.name == again.name and wheel.read_bytes() == again.read_bytes()
-    subprocess.run([sys.executable, "-m", "venv", folder / "venv"], check=True)
     python = folder / "venv/bin/python"
     subprocess.run([python, "-m", "pip", "install", "-q", "--no-index", "--no-deps", wheel], check=True)
     return python
@@ -70,8 +71,7 @@ def run(python, *arguments, **variables):
 def test_it_measures_in_a_fresh_environment(environment, tmp_path):
     (tmp_path / "client.py").write_text(CLIENT)
     assert run(environment, tmp_path / "client.py", DETECTORS, tmp_path / "python.csv") == (0, "1000000003.0 0 True\n")
-    subprocess.run([MODULES / "zk4n", "measure", "--simulate", "--level=-10", "--csv", tmp_path / "client.csv"], check=True,
-                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    zk4n("measure", "--simulate", "--level=-10", "--csv", tmp_path / "client.csv")
     rows = [[line for line in (tmp_path / name).read_text().splitlines() if not line.startswith("#")]
             for name in ("python.csv", "client.csv")]
     assert rows[0] == rows[1] and len(rows[0]) == 402
@@ -81,18 +81,20 @@ def test_it_tells_what_it_found(environment):
     version = next(line for line in (TREE / "CMakeLists.txt").read_text().splitlines() if line.startswith("project("))
     status, text = run(environment, "-m", "zentrelk4n")
     lines = dict(line.split(": ", 1) for line in text.splitlines())
-    assert status == 0 and lines["package"].strip() in version and lines["driver"].strip() == f"{DRIVER} (by ZENTREL_K4N_MODULE)"
-    assert "array.array: numpy is not installed" in lines["arrays"] and lines["simulator"].strip() == str(MODULES / "zk4n")
+    assert status == 0 and lines["package"].strip() in version
+    assert lines["driver"].strip() == f"{DRIVER} (by ZENTREL_K4N_MODULE)" and lines["simulator"].strip() == str(ZK4N)
+    assert lines["arrays"].strip() == "array.array: numpy is not installed"
     status, text = run(environment, "-m", "zentrelk4n", ZENTREL_K4N_MODULE="")
     if os.path.exists("/usr/lib/x86_64-linux-gnu/zentrel-k4n"):
         pytest.skip("the driver is installed on this machine")
-    assert status == 1 and text.splitlines()[-1].startswith("driver:    the Zentrel K4N driver is not installed: no module at")
+    assert status == 1
+    assert text.splitlines()[-1].startswith("driver:    the Zentrel K4N driver is not installed: no module at")
 
 
 def test_types(tmp_path):
     for name, content in (("client.py", CLIENT), ("mistakes.py", MISTAKES)):
         (tmp_path / name).write_text(content)
-    checks = [subprocess.Popen([MYPY, "--config-file", TREE / "python/pyproject.toml", "--cache-dir", WORK / f"mypy-{system}",
+    checks = [subprocess.Popen([MYPY, "--config-file", "python/pyproject.toml", "--cache-dir", WORK / f"mypy-{system}",
                                 "--platform", system, "--no-error-summary", "python/zentrelk4n",
                                 tmp_path / "client.py", tmp_path / "mistakes.py"], cwd=TREE, text=True,
                                stdout=subprocess.PIPE) for system in ("linux", "win32")]

@@ -5,6 +5,7 @@ import os
 import pathlib
 import pickle
 import queue
+import re
 import subprocess
 import sys
 import threading
@@ -17,6 +18,7 @@ import zentrelk4n as k4n
 from conftest import DRIVER, MODULES, zk4n
 from zentrelk4n import _module
 from zentrelk4n._members import report
+from zentrelk4n._surface import CLSID
 
 
 def test_a_session_tells_what_it_is(simulator):
@@ -43,7 +45,8 @@ def test_a_session_that_is_dropped_is_closed(simulator):
 def test_the_end_of_the_program_closes_what_is_open(simulator):
     script = ("import os, sys, zentrelk4n as k4n; gen = k4n.open(sys.argv[1]); process = k4n.simulate()._process\n"
               "assert os.getpgid(process.pid) != os.getpgid(0)\nprint(process.pid)")
-    done = subprocess.run([sys.executable, "-X", "dev", "-c", script, simulator.resource], text=True, capture_output=True)
+    done = subprocess.run([sys.executable, "-X", "dev", "-c", script, simulator.resource], text=True,
+                          capture_output=True)
     assert (done.returncode, done.stderr) == (0, "")
     with pytest.raises(ProcessLookupError):
         os.kill(int(done.stdout), 0)
@@ -51,7 +54,8 @@ def test_the_end_of_the_program_closes_what_is_open(simulator):
 
 
 @pytest.mark.parametrize("arguments, code, name", [
-    (dict(id_query=True), 0x47065, "identification query not supported"), (dict(reset=True), 0x47066, "reset not supported"),
+    (dict(id_query=True), 0x47065, "identification query not supported"),
+    (dict(reset=True), 0x47066, "reset not supported"),
     (dict(id_query=True, reset=True), 0x47065, "identification query not supported")])
 def test_successes_that_are_more_are_warnings(simulator, arguments, code, name):
     with pytest.warns(k4n.DriverWarning) as caught, k4n.open(simulator, **arguments):
@@ -59,14 +63,14 @@ def test_successes_that_are_more_are_warnings(simulator, arguments, code, name):
     assert [(w.message.code, w.message.name, w.filename) for w in caught] == [(code, name, __file__)]
 
 
-@pytest.mark.parametrize("filters", [(), ("error",), ("ignore",)])
-def test_every_notice_is_told_each_time_unless_the_program_says_otherwise(simulator, filters):
+@pytest.mark.parametrize("filters, told", [([], (3, 0)), (["-Werror"], (1, 1)), (["-Wignore"], (0, 0))])
+def test_every_notice_is_told_each_time_unless_the_program_says_otherwise(simulator, filters, told):
     script = ("import sys, warnings, zentrelk4n as k4n\ngen = k4n.open(sys.argv[1])\nk4n.ZentrelK4N.close(gen)\n"
               "for _ in range(3):\n    gen.rf.disable_all_modulation()\n")
-    done = subprocess.run([sys.executable, *(f"-W{name}:::" for name in filters), "-c", script, simulator.resource],
-                          text=True, capture_output=True)
+    done = subprocess.run([sys.executable, *filters, "-c", script, simulator.resource], text=True,
+                          capture_output=True)
     notice = "DriverWarning: RF.DisableAllModulation: 0x00002749 (no instrument session)"
-    assert (done.stderr.count(notice), done.returncode) == {(): (3, 0), ("error",): (1, 1), ("ignore",): (0, 0)}[filters]
+    assert (done.stderr.count(notice), done.returncode) == told
 
 
 def test_the_instrument_s_notices_have_a_name(recwarn):
@@ -97,7 +101,8 @@ def test_failures_carry_what_the_driver_tells(gen):
 
 
 def test_the_error_trail_is_emptied():
-    with k4n.simulate(fault="refuse:status=-32766,command=3,parameter=5") as instrument, k4n.open(instrument.resource) as gen:
+    refusal = "refuse:status=-32766,command=3,parameter=5"
+    with k4n.simulate(fault=refusal) as instrument, k4n.open(instrument.resource) as gen:
         assert gen.errors() == []
         for _ in range(3):
             with pytest.raises(k4n.DriverError, match="0xFFFF8002 .instrument: request not supported"):
@@ -106,7 +111,8 @@ def test_the_error_trail_is_emptied():
 
 
 @pytest.mark.parametrize("resource, hint", [
-    ("TCPIP0::127.0.0.1::1::SOCKET", "0xBFFF0011"), ("no resource", "0xBFFF0012"), (None, r"held by process \d+ \(python")])
+    ("TCPIP0::127.0.0.1::1::SOCKET", "0xBFFF0011"), ("no resource", "0xBFFF0012"),
+    (None, r"held by process \d+ \(python")], ids=["nobody", "no name", "busy"])
 def test_a_session_that_does_not_open_says_why(gen, resource, hint):
     before = len(os.listdir("/proc/self/fd"))
     with pytest.raises(k4n.DriverError, match=rf"^Initialize: 0x80047060 \(unknown resource\): .*\. \[.*{hint}.*\]$"):
@@ -124,7 +130,8 @@ def elf(bits):
     (elf(64), k4n.DriverNotInstalledError, "the driver module cannot be loaded: .*module.so"),
     (elf(32), k4n.UnsupportedConfigurationError, "this Python has 64 bits, and .*module.so is a 32-bit module"),
     (b"\x7fELF" + bytes(14) + b"\xb7\x00", k4n.UnsupportedConfigurationError, "for another processor"),
-    (b"MZ" + bytes(0x3A) + b"\x40\0\0\0PE\0\0\x64\x86", k4n.UnsupportedConfigurationError, "for Windows, this is Linux"),
+    (b"MZ" + bytes(0x3A) + b"\x40\0\0\0PE\0\0\x64\x86", k4n.UnsupportedConfigurationError,
+     "for Windows, this is Linux"),
     ((MODULES / "libzevisa64.so").read_bytes(), k4n.DriverNotInstalledError, "it has no class factory")],
     ids=["none", "text", "broken", "32 bits", "processor", "Windows", "another module"])
 def test_wrong_modules(tmp_path, content, kind, text):
@@ -146,21 +153,28 @@ def test_where_the_driver_is_looked_for(tmp_path, monkeypatch):
     monkeypatch.setenv("ZENTREL_REGISTRY", str(tmp_path / "registry"))
     assert found() == []
     with pytest.raises(k4n.DriverNotInstalledError, match="not installed: no module at /usr/lib/.*zk4n register"):
-        _module.find() if not os.path.exists("/usr/lib/x86_64-linux-gnu/zentrel-k4n") else pytest.skip("it is installed")
+        if os.path.exists("/usr/lib/x86_64-linux-gnu/zentrel-k4n"):
+            pytest.skip("the driver is installed on this machine")
+        _module.find()
     zk4n("register", "--user", "--module", DRIVER)
     assert found() == [str(DRIVER)]
     monkeypatch.delenv("ZENTREL_REGISTRY")
-    for name, root, module in (("machine", "HKEY_LOCAL_MACHINE", "/machine.so"), ("user", "HKEY_CURRENT_USER", r"/\"u\\.so")):
-        file = tmp_path / name / "zentrel/registry"
-        file.parent.mkdir(parents=True)
-        file.write_text(f'registry\n[{root}\\Software\\Classes\\clsid\\{k4n._surface.CLSID}\\InprocServer32]\n@="{module}"\n')
-        monkeypatch.setenv(*{"machine": ("ZENTREL_MACHINE_REGISTRY", str(file)), "user": ("XDG_DATA_HOME", str(tmp_path / name))}[name])
-        assert found() == [{"machine": "/machine.so", "user": '/"u\\.so'}[name]]
+    # Without one file for all, the machine's, and before it the user's.
+    file = tmp_path / "zentrel/registry"
+    file.parent.mkdir()
+    monkeypatch.setenv("XDG_DATA_HOME", str(tmp_path / "none"))
+    monkeypatch.setenv("ZENTREL_MACHINE_REGISTRY", str(file))
+    for root, written, read in (("HKEY_LOCAL_MACHINE", "/machine.so", "/machine.so"),
+                                ("HKEY_CURRENT_USER", r"/\"u\\.so", '/"u\\.so')):
+        with file.open("a") as registry:
+            registry.write(f'[{root}\\Software\\Classes\\clsid\\{CLSID}\\InprocServer32]\n@="{written}"\n')
+        assert found() == [read]
+        monkeypatch.setenv("XDG_DATA_HOME", str(tmp_path))
 
 
 @pytest.mark.parametrize("options, text", [
-    (dict(kind="nothing"), "--kind"), (dict(min_level="x"), "--min-level"), (dict(program="/no/zk4n"), "cannot be started"),
-    (dict(log=True), "in a terminal")])
+    (dict(kind="nothing"), "--kind"), (dict(min_level="x"), "--min-level"),
+    (dict(program="/no/zk4n"), "cannot be started"), (dict(log=True), "in a terminal")])
 def test_simulators_that_do_not_start(options, text):
     with pytest.raises((k4n.Error, ValueError), match=text):
         k4n.simulate(**options)
@@ -219,7 +233,7 @@ def test_texts_and_arrays_are_freed(gen):
 
 
 def resident_kib():
-    return int(next(line for line in pathlib.Path("/proc/self/status").read_text().splitlines() if "VmRSS" in line).split()[1])
+    return int(re.search(r"VmRSS:\s*(\d+)", pathlib.Path("/proc/self/status").read_text())[1])
 
 
 def test_a_thousand_sessions_leave_nothing():

@@ -18,6 +18,8 @@ INTERFACES = {interface.name: interface for interface in LIBRARY.interfaces + su
 ENUMERATIONS = {e.name: e for e in LIBRARY.enumerations}
 # Not asked here: they take the object out of the session's hands.
 LEFT_OUT = {"Initialize", "Close"}
+# What these read depends on the moment: below.
+OF_THE_MOMENT = ("PLLState", "ERGState", "LevelState", "RFButton")
 
 SAMPLES = {"long": ["2"], "double": ["0.125"], "VARIANT_BOOL": ["true", "false"], "BSTR": ['"ChannelB"'],
            "SAFEARRAY(double)": ["[1e9, -3, 40]"]}
@@ -127,13 +129,32 @@ def test_every_member_does_as_from_cpp(spelling):
             code, value, arrays, text = outcome_of(gen, spelling(line))
             assert f"0x{code:08X}" == answer["hresult"], line
             assert text == (answer["error"] and answer["error"]["description"]), line
-            if code < 0x80000000:
+            if code < 0x80000000 and not line.endswith(OF_THE_MOMENT):
                 results = value if isinstance(value, tuple) else [value]
-                expected = list(answer["out"].values())[:len(results)] if isinstance(value, tuple) else [answer["value"]]
+                expected = list(answer["out"].values()) if isinstance(value, tuple) else [answer["value"]]
                 assert all(map(same, results, expected)), f"{line}: {results} {expected}"
             if arrays:
                 assert arrays == list(answer["out"].values()), line
     assert len(lines) > 180
+
+
+@pytest.mark.parametrize("name, fault, value, told", [
+    ("pll_state", "parameter=0,status=-32761", False, []),
+    ("pll_state", "parameter=0,status=-32740", False, [0xFFFF801C]),
+    ("erg_state", "parameter=0,status=-32740", False, []),
+    ("erg_state", "parameter=0,status=-32761", False, [0xFFFF8007]),
+    ("level_state", "parameter=79,status=6,after=1", False, []),
+    ("level_state", "parameter=0,status=-32740", True, []),
+    ("rf_button", "parameter=0,status=-32761", False, []),
+    ("rf_button", "parameter=34,status=-32740", None, [0xFFFF801C])])
+def test_each_state_is_its_own(name, fault, value, told):
+    with k4n.simulate(fault=f"refuse:command=4,{fault}") as instrument, k4n.open(instrument.resource) as gen:
+        if value is None:
+            with pytest.raises(k4n.DriverError):
+                getattr(gen.system, name)
+        else:
+            assert getattr(gen.system, name) is value
+        assert [record.code for record in gen.errors()] == told
 
 
 def test_each_member_tells_what_it_is():
