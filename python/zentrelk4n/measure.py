@@ -141,8 +141,8 @@ class _Run:
         x: List[Samples] = []
         channels: Dict[str, List[Samples]] = {name: [] for name in self._plan.channels}
         rf = self._session.rf
-        rf.output_enabled = True
         try:
+            rf.output_enabled = True
             for segment in self._segments():
                 self._acquire(segment)
                 self._done += self._fetch(segment, x, channels)

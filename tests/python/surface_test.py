@@ -1,5 +1,6 @@
 """Every member of the driver, called from Python and through the client's console, with the same outcome."""
 
+import ctypes
 import enum
 import json
 import sys
@@ -9,6 +10,7 @@ import pytest
 
 import zentrelk4n as k4n
 from conftest import TREE, zk4n
+from zentrelk4n._members import Choice
 
 sys.path.insert(0, str(TREE / "server/interface"))
 import surface  # noqa: E402
@@ -176,6 +178,7 @@ def test_enumerations_have_the_library_s_values():
 def test_settings_are_of_their_kind(gen):
     gen.sweep.mode = k4n.SweepMode.POWER_STEP
     assert gen.sweep.mode is k4n.SweepMode.POWER_STEP
+    assert Choice(k4n.SweepMode).decode(ctypes.c_int32(77)) == 77  # a number that no enumeration has is told as it is
     gen.rf.frequency = "2.5 GHz"
     gen.rf.output_enabled = True
     assert gen.rf.frequency == 2.5e9 and gen.rf.output_enabled is True
