@@ -21,7 +21,8 @@ BSTR __wrap_SysAllocStringLen(const OLECHAR* text, UINT length) {
   return out_of_memory ? nullptr : __real_SysAllocStringLen(text, length);
 }
 extern "C" void* __real__Znwm(std::size_t size);
-extern "C" void* __wrap__Znwm(std::size_t size);
+// A sanitizer's run time asks for it, too.
+extern "C" __attribute__((visibility("default"))) void* __wrap__Znwm(std::size_t size);
 void* __wrap__Znwm(std::size_t size) {
   if (out_of_memory) throw std::bad_alloc();
   return __real__Znwm(size);
