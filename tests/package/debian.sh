@@ -47,12 +47,19 @@ echo "no table" >"$detectors/calibr20.det"
 expect 'DataArray = \[nan, nan' as_user /usr/bin/zk4n shell --registered "$folder/measure.zk"
 rm "$detectors/calibr20.det"
 
-cmake -S "$here/client" -B "$folder/client" >"$folder/log" 2>&1 && cmake --build "$folder/client" >>"$folder/log" 2>&1 ||
+# The C++ example, as a project of a customer's: the installed packages are all it knows of the driver. From the package
+# itself, since some systems install no documentation.
+dpkg-deb -x "$runtime" "$folder/extracted"
+example=$folder/extracted/usr/share/doc/zentrel-k4n/examples/cpp
+measured='^Note of Initialize: 0x00047065\nInstrument: [^\n]*, serial number 12345\*\n(.|\n)*\n +2.400 +-11.50 +-40.00 +-10.00\n'
+measured+='(.|\n)*\nNo errors\nClosed\n'
+cmake -S "$example" -B "$folder/client" >"$folder/log" 2>&1 && cmake --build "$folder/client" >>"$folder/log" 2>&1 ||
   fail "client: $(cat "$folder/log")"
-expect '^12345\*\n' as_user "$folder/client/client" "$resource"
+expect "$measured" as_user "$folder/client/measure" "$resource"
 read -ra flags <<<"$(pkg-config --cflags --libs zentrel-k4n)"
-c++ -std=c++17 -Wall -Wextra -Werror "$here/client/client.cpp" -o "$folder/by-pkg-config" "${flags[@]}"
-expect '^12345\*\n' as_user "$folder/by-pkg-config" "$resource"
+c++ -std=c++17 -Wall -Wextra -Werror -include IviInherent.h "$example/measure.cpp" -o "$folder/by-pkg-config" "${flags[@]}"
+expect "$measured" as_user "$folder/by-pkg-config" "$resource"
+[ -e "$(pkg-config --variable=module zentrel-k4n)" ] || fail "there is no module where pkg-config tells"
 
 . /usr/share/bash-completion/completions/zk4n
 # completes WORDS... - what follows them, the last one begun.
