@@ -12,6 +12,5 @@ Lines ReadExpectedSurface();
 /// The whole of a text file. Throws std::runtime_error when it cannot be read.
 std::string ReadTextFile(const std::string& file);
 
-/// Fails the current test with the lines that only one of the two has, each with its type, or with
-/// the first that stands in another place.
+/// Fails the current test with the first line that differs.
 void ExpectSameSurface(const Lines& actual, const Lines& expected);
