@@ -1,4 +1,6 @@
 // Arrays of clients: what of them goes on the wire, and what comes back into them.
+#include <utility>
+
 #include "tests/manager/ManagerFixture.h"
 #include "tests/platform/Arrays.h"
 
@@ -114,7 +116,7 @@ TEST_F(ManagerTest, ListThatCannotBeLockedLeavesTheWorkerPausedUntilTheNextOpera
   const auto array = Doubles({-20});
   array.Get()->cLocks = 0xFFFF;
   EXPECT_EQ(manager_.SetPowerList(array.Get()), E_UNEXPECTED);
-  array.Get()->cLocks = 0;
+  EXPECT_EQ(std::exchange(array.Get()->cLocks, 0), 0xFFFFU);
   EXPECT_TRUE(manager_.HasPowerList()) << "the one before";
   visa_.ClearRecord();
   bool pressed = false;

@@ -134,6 +134,7 @@ TEST_F(ManagerTest, TriggerOutputWidthIsCutToMicroseconds) {
     TriggerOutputSettings settings{.mode = 1, .width = width, .enabled = 1};
     EXPECT_EQ(manager_.SetTriggerOutput(settings), 0);
     EXPECT_EQ(settings.width, sent);
+    EXPECT_EQ(settings.polarity, 0U);
     EXPECT_THAT(
         Requests()[1],
         testing::HasSubstr("| 08 00 01 00 " + scripted::ToHex({{static_cast<std::uint8_t>(sent)}}) +
