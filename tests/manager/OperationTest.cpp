@@ -99,6 +99,8 @@ TEST_F(ManagerTest, ArgumentsComeBackAsTheInstrumentSetThem) {
   double level = 0.0;
   EXPECT_EQ(manager_.GetLevel(level), 0);
   EXPECT_EQ(level, -40.0);
+  EXPECT_EQ(SetSyncGenerator(manager_), 0);
+  EXPECT_EQ(manager_.GetSyncGenerator().period, 30.0);
 }
 
 // --- Serial number
