@@ -214,7 +214,6 @@ void Gost341194::Compress(const Block& message) {
 std::string ToHexText(const Gost341194::Digest& digest) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string text;
-  text.reserve(2 * digest.size());
   for (const std::uint8_t byte : digest) {
     text += kDigits[byte >> 4];
     text += kDigits[byte & 15];

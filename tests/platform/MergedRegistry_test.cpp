@@ -67,11 +67,6 @@ TEST_F(MergedRegistry, ChangesOfOthersAreSeenAtOnce) {
   EXPECT_EQ(TextOf(HKEY_CURRENT_USER, nullptr), u"error 2");
 }
 
-TEST_F(MergedRegistry, FileThatCannotBeWrittenIsReported) {
-  setenv("ZENTREL_REGISTRY", "/proc/no-such-folder/registry", 1);
-  EXPECT_EQ(Key(HKEY_CURRENT_USER, u"Software").Result(), ERROR_WRITE_FAULT);
-}
-
 /// The registry in two files, as where the driver is installed for all users.
 class TwoFiles : public testing::Test {
  protected:

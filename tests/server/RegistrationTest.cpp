@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <fstream>
 #include <iterator>
 
 #include "platform/com/Raii.h"
@@ -205,7 +206,12 @@ TEST_F(ModuleTest, UnknownArgumentsAreRefused) {
 }
 
 #ifndef _WIN32
-TEST_F(ModuleTest, RegistryThatCannotBeWrittenIsReported) {
+TEST_F(ModuleTest, RegistryThatCannotBeReadOrWrittenIsReported) {
+  std::filesystem::create_directories(File().parent_path());
+  std::ofstream(File()) << "no registry\n";
+  for (const bool install : {true, false}) {
+    EXPECT_EQ(Call(RegistrationScope::kMachine, install), HRESULT_FROM_WIN32(ERROR_BADDB));
+  }
   setenv("ZENTREL_REGISTRY", "/proc/no-such-folder/registry", 1);
   EXPECT_EQ(Call(RegistrationScope::kMachine, true), HRESULT_FROM_WIN32(ERROR_WRITE_FAULT));
 }

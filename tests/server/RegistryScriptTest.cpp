@@ -85,6 +85,8 @@ constexpr ScriptCase kScripts[] = {
     {"ValueOfARoot", "HKCR { val N = s '1' }", "line 1: no value can stand here"},
     {"ValueWithoutText", "HKCR { K { val N } }", "line 1: = should be where } is"},
     {"NameMissing", "HKCR {\n= s 'x' }", "line 2: a key's name should be where = is"},
+    {"ValueNameMissing", "HKCR { K { val = s 'x' } }",
+     "line 1: a value's name should be where = is"},
     {"EmptyName", "HKCR { ForceRemove '' }", "line 1: a key without a name"},
     {"UnknownReplacement", "HKCR {\n\n%OTHER% }", "line 3: nothing stands for %OTHER%"},
     {"LonePerCent", "HKCR { K = s '50%' }", "line 1: % without its second in 50%"},
