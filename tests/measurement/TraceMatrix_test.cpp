@@ -28,6 +28,7 @@ TEST(TraceMatrix, SameSizeKeepsTheValues) {
   TraceMatrix matrix = Filled({{1, 2}, {3, 4}});
   EXPECT_EQ(matrix.Resize(2, 2), 0);
   EXPECT_THAT(matrix.Row(1), ElementsAre(3, 4));
+  EXPECT_TRUE(matrix.Row(2).empty() && std::as_const(matrix).Row(2).empty());
 }
 
 TEST(TraceMatrix, CountBelowOneEmpties) {
