@@ -1,5 +1,5 @@
 # Sourced by the tests of the packages: what they have in common. $folder is their own, removed in the end.
-set -eu
+set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 folder=$(mktemp -d)
 trap 'kill $(jobs -p) 2>/dev/null || true; wait; umount -l "$folder/view" 2>/dev/null || true; rm -rf "$folder"' EXIT
@@ -29,6 +29,12 @@ simulate() {
   done
   resource=$(head -n 1 "$folder/resource" | tr -d '\r')
   sed "s/RESOURCE/$resource/" "$here/measure.zk" >"$folder/measure.zk"
+}
+
+# Ends the simulated instrument; only then can its program be replaced.
+end_simulation() {
+  kill %1
+  wait %1 2>/dev/null || true
 }
 
 # expect_measures COMMAND... - zk4n measures with the registered driver: every result is a success, each trace has its

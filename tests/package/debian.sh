@@ -74,7 +74,7 @@ expect '^--module --module|^--module\n' completes register --mo
 expect '^frequency power\n' completes measure --simulate --mode ''
 expect '^--user\n' completes register --u
 
-kill %1
+end_simulation
 apt purge zentrel-k4n zentrel-k4n-dev
 [ -z "$(changes)" ] || fail "purging leaves:" "$(changes)"
 echo "Debian packages: passed"

@@ -48,13 +48,21 @@ expect ';C:\\Program Files\\Zentrel\\K4N\\bin' wine reg query \
   'HKLM\System\CurrentControlSet\Control\Session Manager\Environment' /v PATH
 cmp -s "$detector" "$root/data/calibr20.det" || fail "no detector file in $detector"
 
+for file in bin/IviZentrelK4N.chm doc/html/index.html doc/examples/csharp/ZentrelK4N.cs lib/ZentrelK4NLib.tlb \
+  include/ZentrelK4NLib.h 'python/zentrelk4n-*.whl'; do
+  compgen -G "$drive/Program Files/Zentrel/K4N/$file" >/dev/null || fail "there is no $file"
+done
+for link in Console 'Detector files' Examples Help; do
+  [ -n "$(find "$drive" -path "*/Start Menu/*/$link.lnk")" ] || fail "the Start menu lacks $link"
+done
+
 # From another folder, found by the search path, with the registered driver.
 cd "$folder"
 expect "^zk4n $version\n" wine zk4n --version
 expect '\nok +registration [^\n]*C:\\Program Files\\Zentrel\\K4N\\bin\\ZentrelK4NLib.dll\nok +VISA library ' wine zk4n check
 simulate "$root/scripts/wine-run" "$installed"
 expect_measures wine zk4n
-kill %1
+end_simulation
 
 # Repairing brings back what is lost, and its registration, but leaves the detector file to its owner.
 echo "the owner's" >"$detector"
