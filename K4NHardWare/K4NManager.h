@@ -94,8 +94,6 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status SetPowerList(SAFEARRAY* levels);           ///< dBm
   Status ClearFrequencyList();                      ///< always 0
   Status ClearPowerList();                          ///< always 0
-  [[nodiscard]] bool HasFrequencyList() const;
-  [[nodiscard]] bool HasPowerList() const;
 
   // --- Pulse generator and pulse modulation: nanoseconds
   // The settings are stored without a session too, and sent while the modulator is on.

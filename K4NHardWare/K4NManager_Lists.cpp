@@ -49,7 +49,3 @@ Status CK4NManager::ClearPowerList() {
   power_list_.Set(nullptr);
   return status::kOk;
 }
-
-bool CK4NManager::HasFrequencyList() const { return frequency_list_.Copy() != nullptr; }
-
-bool CK4NManager::HasPowerList() const { return power_list_.Copy() != nullptr; }

@@ -11,9 +11,6 @@ using Values = std::vector<double>;
 
 // --- Lists
 
-constexpr std::uint8_t kFrequencyListId = 2;
-constexpr std::uint8_t kPowerListId = 76;
-
 struct ListCase : Row {
   LONG lower;  // bound of the array
   Values given;
@@ -32,13 +29,13 @@ TEST_P(ListTest, IsSentFromItsFirstElementAndComesBackCorrected) {
   EXPECT_EQ(manager_.SetFrequencyList(array.Get()), 0);
   EXPECT_EQ(ValuesOf(array.Get()), row.back);
   EXPECT_EQ(array.Get()->cLocks, 0U);
-  EXPECT_EQ(manager_.HasFrequencyList(), !row.sent.empty());
   Values sent;
   for (const auto& write : visa_.Calls(scripted::Function::kWrite)) {
     if (write.size < 14 || write.bytes[0] != kFrequencyListId) continue;
     for (std::size_t i = 14; i < write.size; i += 6) sent.push_back(write.bytes[i]);
   }
   EXPECT_EQ(sent, row.sent);
+  EXPECT_EQ(HasList(kFrequencyListId), !row.sent.empty());
 }
 
 // clang-format off
@@ -88,7 +85,7 @@ TEST_F(ManagerTest, ArrayWithoutATypeMarkIsTakenByTheSizeOfItsElements) {
                     .rgsabound = {{.cElements = 2, .lLbound = 0}}};
     EXPECT_EQ(manager_.SetFrequencyList(nullptr), 0);
     EXPECT_EQ(manager_.SetFrequencyList(&array), row.is_taken ? 0 : E_INVALIDARG);
-    EXPECT_EQ(manager_.HasFrequencyList(), row.is_taken);
+    EXPECT_EQ(HasList(kFrequencyListId), row.is_taken);
     const auto widths = Doubles({1, 1});
     for (SAFEARRAY* const given : {widths.Get(), &array}) {
       EXPECT_EQ(manager_.ConfigurePacket(true, given, &array), row.is_taken ? 0 : E_INVALIDARG);
@@ -100,13 +97,14 @@ TEST_F(ManagerTest, ArrayWithoutATypeMarkIsTakenByTheSizeOfItsElements) {
 
 TEST_F(ManagerTest, RefusedListIsKept) {
   Open();
-  for (const std::uint8_t id : {kFrequencyListId, kPowerListId}) visa_.Rule(kWrite, id, kRefusal);
+  for (const std::uint8_t id : {kFrequencyListId, kPowerListId})
+    visa_.Rule(kWrite, id, kRefusal, 0, 1);
   EXPECT_EQ(manager_.SetFrequencyList(Doubles({1, 2}).Get()), kRefusalStatus);
   EXPECT_EQ(manager_.SetPowerList(Doubles({1, 2}).Get()), kRefusalStatus);
-  EXPECT_TRUE(manager_.HasFrequencyList() && manager_.HasPowerList());
   EXPECT_EQ(ErrorRecords(), Refusals({601, 641, 602, 642}));
+  EXPECT_TRUE(HasList(kFrequencyListId) && HasList(kPowerListId));
   EXPECT_EQ(manager_.SetFrequencyList(nullptr), 0);
-  EXPECT_FALSE(manager_.HasFrequencyList()) << "no array clears it";
+  EXPECT_FALSE(HasList(kFrequencyListId)) << "no array clears it";
 }
 
 TEST_F(ManagerTest, ListThatCannotBeLockedLeavesTheWorkerPausedUntilTheNextOperation) {
@@ -117,12 +115,12 @@ TEST_F(ManagerTest, ListThatCannotBeLockedLeavesTheWorkerPausedUntilTheNextOpera
   array.Get()->cLocks = 0xFFFF;
   EXPECT_EQ(manager_.SetPowerList(array.Get()), E_UNEXPECTED);
   EXPECT_EQ(std::exchange(array.Get()->cLocks, 0), 0xFFFFU);
-  EXPECT_TRUE(manager_.HasPowerList()) << "the one before";
   visa_.ClearRecord();
   bool pressed = false;
   EXPECT_EQ(manager_.GetRfButton(pressed), 0);
   EXPECT_EQ(visa_.RequestOrder().front(), "4:34/20x1") << "nobody else was reading";
   EXPECT_TRUE(WaitUntilRequested("6", 1));
+  EXPECT_TRUE(HasList(kPowerListId)) << "the one before";
 }
 
 // --- Packets

@@ -47,12 +47,14 @@ enum class Output : unsigned { kOff, kOn, kNeither };
 
 // Identifiers of parameters, as rules take them.
 constexpr std::uint8_t kFrequencyId = 0;
+constexpr std::uint8_t kFrequencyListId = 2;
 constexpr std::uint8_t kKindId = 3;
 constexpr std::uint8_t kDwellId = 5;
 constexpr std::uint8_t kTriggerInputId = 7;
 constexpr std::uint8_t kTriggerOutputId = 8;
 constexpr std::uint8_t kPulseId = 31;
 constexpr std::uint8_t kButtonId = 34;
+constexpr std::uint8_t kPowerListId = 76;
 constexpr std::uint8_t kPowerId = 79;
 constexpr std::uint16_t kWrite = 3;
 constexpr std::uint16_t kRead = 4;
@@ -150,6 +152,20 @@ class ManagerTest : public testing::Test {
     visa_.ClearRecord();
     State(&CK4NManager::GetRfButton);
     return Requested("4:34/20x1") == 0;
+  }
+  /// Whether a list sweep, which this programs, runs on a list or on the value that stands in for
+  /// one, by the parameter of the lists. Forgets the record.
+  [[nodiscard]] bool HasList(std::uint8_t id) {
+    visa_.ClearRecord();
+    manager_.SetSweepMode(SweepMode::kList);
+    const std::string_view one_value =
+        id == kPowerListId ? "00 00 01 00 00 00 C4 FF" : "01 00 00 00 00 00 80 96 98 00 00 00";
+    std::string sent;
+    for (const std::string& request : visa_.Requests()) {
+      if (request.find("| " + scripted::ToHex({&id, 1})) != std::string::npos) sent = request;
+    }
+    EXPECT_FALSE(sent.empty());
+    return !sent.ends_with(one_value);
   }
   /// Has the worker store a block that nobody has fetched yet.
   void StoreBlock(SweepMode mode) {

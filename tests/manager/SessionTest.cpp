@@ -77,8 +77,8 @@ TEST_F(ManagerTest, SecondInitializeEndsTheFirstSessionAndStartsFromDefaults) {
   double offset = -1.0;
   manager_.GetChannelOffset(1, offset);
   EXPECT_EQ(offset, 0.0);
-  EXPECT_FALSE(manager_.HasFrequencyList());
-  EXPECT_FALSE(manager_.HasPowerList());
+  EXPECT_FALSE(HasList(kFrequencyListId));
+  EXPECT_FALSE(HasList(kPowerListId));
   EXPECT_EQ(manager_.GetPulseSettings().width, 1.0);
 
   // The mode that the worker reads in, too, where this session programs none.
