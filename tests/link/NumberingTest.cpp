@@ -78,6 +78,17 @@ TEST_P(NumberingTest, LateAnswerIsPassedOverOrTakenOnce) {
   EXPECT_EQ(Set(50), 50);
 }
 
+TEST_P(NumberingTest, LateAnswerMayBeOlderThanTheLastRequest) {
+  visa_.control().DelayAnswer();
+  EXPECT_EQ(Set(10), scripted::kTimeout);
+  visa_.SetResult(scripted::Function::kWrite, 0xBFFF0015, 2);  // header and body
+  EXPECT_EQ(Set(20), scripted::kTimeout) << "never sent";
+  const Status known = GetParam().after_first_abort;
+  EXPECT_EQ(Set(30), !GetParam().is_known_by_numbers ? 10 : known == 0 ? 30 : known);
+  EXPECT_EQ(Set(40), 40);
+  ExpectBlock(1);
+}
+
 /// The answer to a frequency step is as long as a block of two points.
 TEST_P(NumberingTest, LateAnswerIsNoBlock) {
   InitializeModel();
