@@ -141,6 +141,21 @@ TEST_P(NumberingTest, CopiesWithoutEndAreTakenForTheAnswer) {
   EXPECT_EQ(Set(30), GetParam().is_known_by_numbers ? 30 : 10);
 }
 
+/// No more answers are passed over than are missing.
+TEST_P(NumberingTest, OldAnswersWithoutEndAreTakenForTheAnswer) {
+  visa_.SetResult(scripted::Function::kWrite, 0xBFFF0015, 2);  // header and body
+  EXPECT_EQ(Set(10), scripted::kTimeout) << "never sent";
+  visa_.control().SpoilAnswer({.change = [](std::uint8_t* answer, std::size_t size, std::size_t) {
+    std::copy_n(answer, size, answer + 2 * size);
+    answer[12] = static_cast<std::uint8_t>(answer[12] - 5);  // its number
+    answer[size - 4] = 99;
+    std::copy_n(answer, size, answer + size);
+    return 3 * size;
+  }});
+  EXPECT_EQ(Set(20), 99);
+  EXPECT_EQ(Set(30), 30);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Instruments, NumberingTest,
     testing::ValuesIn(std::vector<Instrument>{
