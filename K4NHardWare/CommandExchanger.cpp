@@ -19,31 +19,31 @@ CommandExchanger::CommandExchanger(std::unique_ptr<uDevice::Interface> device)
 CommandExchanger::~CommandExchanger() = default;
 
 Status CommandExchanger::SendMessages(std::span<ProtocolMessage* const> messages) {
-  if (const Status failed = GetInStep(); failed != 0) return failed;
+  if (const Status failed = GetInStep(); failed != Status::kOk) return failed;
   for (ProtocolMessage* message : messages) Send(*message);
   std::uint32_t number = sequence_ - outstanding_;
   for (std::size_t i = 0; outstanding_ != 0 && i < messages.size(); ++i) {
-    if (const Status received = ReceiveMessage(*messages[i], ++number); received != 0) {
+    if (const Status received = ReceiveMessage(*messages[i], ++number); received != Status::kOk) {
       return received;
     }
   }
-  return status::kOk;
+  return Status::kOk;
 }
 
 Status CommandExchanger::StartRead(ProtocolMessage& message) {
   Status polled;
   try {
     if (!read_pending_) {
-      if (const Status failed = GetInStep(); failed != 0) return failed;
+      if (const Status failed = GetInStep(); failed != Status::kOk) return failed;
       read_pending_ = true;
       Send(message);
     }
     polled = PollMessage(message);
   } catch (...) {
     // Whatever a VISA library throws ends here.
-    polled = status::kVisaIo;
+    polled = Status::kVisaIo;
   }
-  read_pending_ = polled == status::kVisaTimeout;
+  read_pending_ = polled == Status::kVisaTimeout;
   return polled;
 }
 
@@ -54,12 +54,12 @@ Status CommandExchanger::StartRead(ProtocolMessage& message) {
 Status CommandExchanger::GetInStep() {
   const bool aborts_read = std::exchange(read_pending_, false);
   progress_ = {};
-  if (outstanding_ == 0 && !clear_first_) return status::kOk;
+  if (outstanding_ == 0 && !clear_first_) return Status::kOk;
   unanswered_ = std::min(unanswered_ + std::exchange(outstanding_, 0), kMostUnanswered);
   clear_first_ = true;
   const Status cleared = device_->Clear();
-  clear_first_ = cleared != status::kOk;
-  return aborts_read ? cleared : status::kOk;
+  clear_first_ = cleared != Status::kOk;
+  return aborts_read ? cleared : Status::kOk;
 }
 
 void CommandExchanger::Send(ProtocolMessage& message) {
@@ -67,8 +67,8 @@ void CommandExchanger::Send(ProtocolMessage& message) {
   ++outstanding_;
   // A broken connection shows up in the read that follows.
   std::uint32_t written = 0;
-  device_->Write(message.header(), written);
-  device_->Write(message.payload(), written);
+  Discard(device_->Write(message.header(), written));
+  Discard(device_->Write(message.payload(), written));
 }
 
 /// The answer to the request of this number.
@@ -76,18 +76,18 @@ Status CommandExchanger::ReceiveMessage(ProtocolMessage& message, std::uint32_t 
   for (bool passed_over = false;; passed_over = true) {
     progress_ = {};
     Status received = ReceiveHeader(message);
-    while (received == 0 && progress_.body_bytes != message.length()) {
+    while (received == Status::kOk && progress_.body_bytes != message.length()) {
       // The rest of a body is waited for however long the instrument takes.
       received = ReceiveBodyPart(message);
-      if (received == status::kVisaTimeout && !abandoned_) received = status::kOk;
+      if (received == Status::kVisaTimeout && !abandoned_) received = Status::kOk;
     }
     // No further answer: the one that was passed over was the awaited one.
-    if (passed_over && received == status::kVisaTimeout) numbers_disproved_ = true;
-    if (received != 0) return received;
+    if (passed_over && received == Status::kVisaTimeout) numbers_disproved_ = true;
+    if (received != Status::kOk) return received;
     if (!IsLeftOver(message, number)) break;
   }
   --outstanding_;
-  return status::kOk;
+  return Status::kOk;
 }
 
 /// Whether this answers an earlier request: it comes too late, or for the second time. Not every
@@ -123,15 +123,15 @@ Status CommandExchanger::PollMessage(ProtocolMessage& message) {
   if (!progress_.header_received) {
     const Status received = ReceiveHeader(message);
     progress_.header = message.header();
-    if (received != 0) return received;
+    if (received != Status::kOk) return received;
     progress_.header_received = true;
   }
-  if (const Status received = ReceiveBodyPart(message); received != 0) return received;
-  if (progress_.body_bytes != message.length()) return status::kVisaTimeout;
+  if (const Status received = ReceiveBodyPart(message); received != Status::kOk) return received;
+  if (progress_.body_bytes != message.length()) return Status::kVisaTimeout;
   progress_ = {};
-  if (IsLeftOver(message, sequence_)) return status::kVisaTimeout;
+  if (IsLeftOver(message, sequence_)) return Status::kVisaTimeout;
   --outstanding_;
-  return status::kOk;
+  return Status::kOk;
 }
 
 /// The bytes of the header that are missing; earlier ones may have come with an earlier poll.
@@ -141,21 +141,21 @@ Status CommandExchanger::ReceiveHeader(ProtocolMessage& message) {
   std::uint32_t count = 0;
   const Status received = device_->Read(missing, count);
   progress_.header_bytes += std::min(count, static_cast<std::uint32_t>(missing.size()));
-  if (received != 0) return received;
+  if (received != Status::kOk) return received;
   const bool is_whole = progress_.header_bytes == ProtocolMessage::kHeaderSize;
-  if (!is_whole || !message.HasMagic()) return status::kVisaProtocolViolation;
-  return message.length() > message.buffer().size() ? status::kVisaProtocolViolation : status::kOk;
+  if (!is_whole || !message.HasMagic()) return Status::kVisaProtocolViolation;
+  return message.length() > message.buffer().size() ? Status::kVisaProtocolViolation : Status::kOk;
 }
 
 Status CommandExchanger::ReceiveBodyPart(ProtocolMessage& message) {
   // A poll may come with another buffer than the one that the header was measured by.
-  if (message.length() > message.buffer().size()) return status::kVisaProtocolViolation;
+  if (message.length() > message.buffer().size()) return Status::kVisaProtocolViolation;
   const std::size_t remaining = message.length() - progress_.body_bytes;
   std::uint32_t count = 0;
   const Status received =
       device_->ReadWithTimeout(message.buffer().subspan(progress_.body_bytes, remaining), count);
   progress_.body_bytes += std::min(count, static_cast<std::uint32_t>(remaining));
   // A library that reports success without a byte would be asked for ever.
-  if (received == 0 && count == 0 && remaining != 0) return status::kVisaIo;
+  if (received == Status::kOk && count == 0 && remaining != 0) return Status::kVisaIo;
   return received;
 }

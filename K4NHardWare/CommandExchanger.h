@@ -9,7 +9,7 @@
 #include "K4NHardWare/DeviceInterface.h"
 #include "K4NHardWare/EventProcessor.h"
 #include "K4NHardWare/ProtocolMessage.h"
-#include "measurement/Status.h"
+#include "status/Status.h"
 
 /// One per session; owns the VISA session. Used by one thread at a time, without a lock of its own.
 class CommandExchanger final : public uIEvent::EventProcessor {

@@ -32,7 +32,7 @@ Status D3THardWare::WriteParameter(HardWareParametr& parameter) {
   const Status result = Transact(parameter);
   if (!IsInstrumentCode(result)) return result;
   parameter.set_status(static_cast<std::uint16_t>(result));
-  return std::min(result, status::kOk);
+  return std::min(result, Status::kOk);
 }
 
 Status D3THardWare::ReadParameter(HardWareParametr& parameter) {
@@ -51,8 +51,8 @@ Status D3THardWare::Transact(HardWareParametr& parameter) {
   message_.Append(parameter.Serialise());
   const Status result = Exchange();
   if (!IsInstrumentCode(result)) return result;
-  if (result < 0) {
-    Recover();
+  if (IsNegative(result)) {
+    Discard(Recover());  // what was refused is the result
     return result;
   }
   // What another parameter holds must not become this one's values. The identifier's high byte
@@ -60,7 +60,7 @@ Status D3THardWare::Transact(HardWareParametr& parameter) {
   const std::span<const std::uint8_t> image = message_.payload();
   if (!image.empty() && image.front() != parameter.Serialise().front()) {
     exchanger_.RejectAnswer();
-    return status::kVisaProtocolViolation;
+    return Status::kVisaProtocolViolation;
   }
   parameter.Deserialise(image);
   return result;
@@ -73,7 +73,7 @@ Status D3THardWare::ClearAndRecover() {
 
 Status D3THardWare::Exchange() {
   const std::array<ProtocolMessage*, 1> messages = {&message_};
-  if (const Status failed = exchanger_.SendMessages(messages); failed != 0) return failed;
+  if (const Status failed = exchanger_.SendMessages(messages); failed != Status::kOk) return failed;
   return message_.status();
 }
 
@@ -81,7 +81,7 @@ Status D3THardWare::WriteElements(HardWareParametr& parameter,
                                   std::initializer_list<ElementValue> values) {
   for (const auto& [element, value] : values) parameter.SetValue(*value, element);
   const Status result = WriteParameter(parameter);
-  if (result != 0) return result;
+  if (result != Status::kOk) return result;
   for (const auto& [element, value] : values) *value = parameter.GetValue(element);
   return result;
 }
@@ -91,7 +91,7 @@ Status D3THardWare::ReadDataBlock(std::span<std::uint8_t> buffer, std::uint32_t&
   ProtocolMessage message(buffer);
   message.Begin(Command::kReadData, 0, RequestedFormat(format));
   const std::array<ProtocolMessage*, 1> messages = {&message};
-  if (const Status failed = exchanger_.SendMessages(messages); failed != 0) return failed;
+  if (const Status failed = exchanger_.SendMessages(messages); failed != Status::kOk) return failed;
   return FinishDataRead(message, length, format);
 }
 
@@ -99,26 +99,26 @@ Status D3THardWare::PollDataBlock(std::span<std::uint8_t> buffer, std::uint32_t&
                                   char& format) {
   ProtocolMessage message(buffer);
   message.Begin(Command::kReadData, 0, RequestedFormat(format));
-  if (const Status failed = exchanger_.StartRead(message); failed != 0) return failed;
+  if (const Status failed = exchanger_.StartRead(message); failed != Status::kOk) return failed;
   return FinishDataRead(message, length, format);
 }
 
 Status D3THardWare::FinishDataRead(const ProtocolMessage& message, std::uint32_t& length,
                                    char& format) {
-  if (message.status() != 0) return message.status();
+  if (message.status() != Status::kOk) return message.status();
   const auto mark = static_cast<char>(message.type());
   if (mark != kFractionalFormat && mark != kIntegerFormat) {
     // A late answer to a setting may be as long as a block.
     exchanger_.RejectAnswer();
-    return status::kVisaProtocolViolation;
+    return Status::kVisaProtocolViolation;
   }
   const std::span<const std::uint8_t> block = message.payload();
   length = static_cast<std::uint32_t>(block.size());
   format = mark;
-  if (block.size() < sizeof(std::int16_t)) return status::kOk;
-  const auto block_status =
-      static_cast<std::int16_t>(block[block.size() - 2] | block[block.size() - 1] << 8);
-  if (block_status >= 0) return status::kOk;
+  if (block.size() < sizeof(std::int16_t)) return Status::kOk;
+  const Status block_status{
+      static_cast<std::int16_t>(block[block.size() - 2] | block[block.size() - 1] << 8)};
+  if (!IsNegative(block_status)) return Status::kOk;
   std::unique_ptr<uIEvent::Event> event(
       uIEvent::MakeErrorEvent(this, "Data processing error", nullptr));
   ProcessEvent(event.get());
@@ -126,6 +126,6 @@ Status D3THardWare::FinishDataRead(const ProtocolMessage& message, std::uint32_t
   return block_status;
 }
 
-Status D3THardWare::DescribeStatus(Status code, std::string& text) {
-  return exchanger_.device().StatusDescription(code, text);
+std::string D3THardWare::DescribeStatus(Status code) {
+  return exchanger_.device().StatusDescription(code);
 }

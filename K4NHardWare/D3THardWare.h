@@ -16,7 +16,7 @@
 #include "K4NHardWare/InstrumentSettings.h"
 #include "K4NHardWare/ParameterTable.h"
 #include "K4NHardWare/ProtocolMessage.h"
-#include "measurement/Status.h"
+#include "status/Status.h"
 
 class CommandExchanger;
 
@@ -61,10 +61,8 @@ struct AveragingFeatures {
   bool bit_5 = true;
 };
 
-/// Whether a result is the instrument's own code (16 bits) and not a failure of the link.
-constexpr bool IsInstrumentCode(Status result) { return result >= -32768 && result <= 32767; }
 /// Whether a probe found a form that the instrument takes; it may add a notice of its own.
-constexpr bool IsAccepted(Status result) { return result >= 0 && result <= 10000; }
+constexpr bool IsAccepted(Status result) { return ToCode(result) >= 0 && ToCode(result) <= 10000; }
 
 enum class ListAxis { kFrequency, kPower };
 
@@ -96,12 +94,12 @@ class D3THardWare final : public uIEvent::EventProcessor {
   /// Hz; clamped to the instrument's limits before it is written.
   Status SetCwFrequency(double& frequency);
   /// Hz.
-  Status SetFrequencySweep(double& start, double& stop, double& step);
+  Status SetFrequencySweep(StepSettings& sweep);
   /// dBm. The first call in a session finds out which power commands the instrument knows; so do
   /// further ones until its answers have told.
   Status SetOutputLevel(LevelSettings& settings, double& level);
-  /// dBm, dBm, dB. -1 when the instrument's power commands have no sweep.
-  Status SetPowerSweep(LevelSettings& settings, double& start, double& stop, double& step);
+  /// dBm, dB. -1 when the instrument's power commands have no sweep.
+  Status SetPowerSweep(LevelSettings& settings, StepSettings& sweep);
   /// Values in place: Hz, or dBm with the level settings' first two elements. 0 for no values.
   Status TransferList(ListAxis axis, std::span<double> values, const LevelSettings& settings);
   /// Nanoseconds, as the parameter carries them.
@@ -114,9 +112,8 @@ class D3THardWare final : public uIEvent::EventProcessor {
   /// returned.
   Status SetTriggerInput(unsigned group, TriggerElements& elements);
   Status SetTriggerOutput(unsigned group, TriggerElements& elements);
-  /// Mode 2 starts the train, 0 stops it; source 0 internal, 1 external; nanoseconds. The two
-  /// arrays have one length.
-  Status TransferPulseTrain(std::uint32_t mode, std::uint32_t& source, std::span<double> widths,
+  /// Mode 2 starts the train, 0 stops it; nanoseconds. The two arrays have one length.
+  Status TransferPulseTrain(std::uint32_t mode, PulseSource& source, std::span<double> widths,
                             std::span<double> gaps, bool inverse);
   /// Nanoseconds; the second element carries the time from the end of a pulse to the next one.
   Status SetSyncGenerator(double& width, double& off_time, double& delay);
@@ -146,7 +143,7 @@ class D3THardWare final : public uIEvent::EventProcessor {
   Status PollDataBlock(std::span<std::uint8_t> buffer, std::uint32_t& length, char& format);
 
   /// The VISA library's text for one of its statuses.
-  Status DescribeStatus(Status code, std::string& text);
+  [[nodiscard]] std::string DescribeStatus(Status code);
 
   [[nodiscard]] const IdentityRecord& identity() const { return identity_; }
   [[nodiscard]] double minimum_frequency() const { return minimum_frequency_; }

@@ -12,16 +12,16 @@ constexpr std::uint16_t kFeaturesAtConnection = 0xFFFB;  // all but bit 2
 
 Status D3THardWare::Initialize() {
   frequency_class_ = 0;
-  if (const Status result = Recover(); result < 0) return result;
-  WriteFeatureMask(kFeaturesAtConnection);
-  if (const Status result = ReadIdentity(); result < 0) return result;
-  if (const Status result = ProbeFrequencyRange(); result != 0) return result;
+  if (const Status result = Recover(); IsNegative(result)) return result;
+  Discard(WriteFeatureMask(kFeaturesAtConnection));  // older instruments have no such mask
+  if (const Status result = ReadIdentity(); IsNegative(result)) return result;
+  if (const Status result = ProbeFrequencyRange(); result != Status::kOk) return result;
 
   TriggerElements probe{.value = 255};
   Status result = SetTriggerOutput(0, probe);
-  if (result == status::kInstrumentFormUnknown || result == status::kInstrumentFormNotUsable) {
+  if (result == Status::kInstrumentFormUnknown || result == Status::kInstrumentFormNotUsable) {
     two_trigger_groups_ = false;
-    result = status::kOk;
+    result = Status::kOk;
   }
   pulse_polarity_ = true;
   return result;
@@ -34,14 +34,14 @@ Status D3THardWare::ProbeFrequencyRange() {
   four_element_frequency_ = true;
   wide_frequency_ = false;
   Status result = ProbeFrequencyForm(form, kWideSpan);
-  if (result == status::kInstrumentRepeat) result = ProbeFrequencyForm(form, kWideSpan);
-  if (result < 0 && result != status::kInstrumentFormUnknown) return result;
-  if (result == status::kInstrumentFormUnknown || result == status::kInstrumentFormNotUsable) {
+  if (result == Status::kInstrumentRepeat) result = ProbeFrequencyForm(form, kWideSpan);
+  if (IsNegative(result) && result != Status::kInstrumentFormUnknown) return result;
+  if (result == Status::kInstrumentFormUnknown || result == Status::kInstrumentFormNotUsable) {
     four_element_frequency_ = false;
     wide_frequency_ = true;
     form = Parameter::kFrequencyWide;
     result = ProbeFrequencyForm(form, kWideSpan);
-    if (result == status::kInstrumentFormUnknown) {
+    if (result == Status::kInstrumentFormUnknown) {
       wide_frequency_ = false;
       form = Parameter::kFrequencyNarrow;
       result = ProbeFrequencyForm(form, kNarrowSpan);
@@ -51,7 +51,7 @@ Status D3THardWare::ProbeFrequencyRange() {
   minimum_frequency_ = At(form).GetValue(FrequencyElement::kStart);
   maximum_frequency_ = minimum_frequency_ + At(form).GetValue(FrequencyElement::kStep);
   frequency_class_ = maximum_frequency_ <= kFirstClassLimit ? 1 : 2;
-  return status::kOk;
+  return Status::kOk;
 }
 
 Status D3THardWare::ProbeFrequencyForm(Parameter form, double span) {
@@ -69,6 +69,6 @@ Status D3THardWare::QueryInstrumentKind(std::uint32_t& kind) {
   HardWareParametr& parameter = At(Parameter::kInstrumentKind);
   parameter.SetValue(kind, OnlyElement::kValue);
   const Status result = WriteParameter(parameter);
-  if (result == 0) kind = parameter.GetCode(OnlyElement::kValue);
+  if (result == Status::kOk) kind = parameter.GetCode(OnlyElement::kValue);
   return result;
 }

@@ -26,16 +26,16 @@ Status D3THardWare::SetCwFrequency(double& frequency) {
   HardWareParametr parameter({.identifier = 0, .element_count = 1, .element_size = 6});
   double whole = std::trunc(std::fabs(ClampFrequency(frequency)));
   const Status result = WriteElements(parameter, {{OnlyElement::kValue, &whole}});
-  if (result == 0) frequency = whole;
+  if (result == Status::kOk) frequency = whole;
   return result;
 }
 
-Status D3THardWare::SetFrequencySweep(double& start, double& stop, double& step) {
-  if (four_element_frequency_ && wide_frequency_) return status::kRefused;
-  const double first = std::max(0.0, ClampFrequency(start));
-  const double last = std::max(0.0, ClampFrequency(stop));
+Status D3THardWare::SetFrequencySweep(StepSettings& sweep) {
+  if (four_element_frequency_ && wide_frequency_) return Status::kRefused;
+  const double first = std::max(0.0, ClampFrequency(sweep.start));
+  const double last = std::max(0.0, ClampFrequency(sweep.stop));
   const double span = maximum_frequency_ - minimum_frequency_;
-  const double spacing = std::copysign(std::min(span, std::fabs(step)), step);
+  const double spacing = std::copysign(std::min(span, std::fabs(sweep.step)), sweep.step);
 
   double points = PointCount(first, last, spacing);
   double whole_start = std::trunc(first);
@@ -44,7 +44,7 @@ Status D3THardWare::SetFrequencySweep(double& start, double& stop, double& step)
   if (first > last) whole_step = -whole_step;
   double end = last;
 
-  Status result = status::kOk;
+  Status result = Status::kOk;
   if (four_element_frequency_) {
     result = WriteElements(At(Parameter::kFrequencyFourElement),
                            {{FrequencyElement::kStart, &whole_start},
@@ -59,9 +59,7 @@ Status D3THardWare::SetFrequencySweep(double& start, double& stop, double& step)
                                       {FrequencyElement::kStep, &whole_step}});
     end = whole_start + (points - 1.0) * whole_step;
   }
-  if (result != 0) return result;
-  start = whole_start;
-  stop = end;
-  step = whole_step;
+  if (result != Status::kOk) return result;
+  sweep = {.start = whole_start, .stop = end, .step = whole_step};
   return result;
 }

@@ -117,16 +117,16 @@ Status D3THardWare::ReadIdentity() {
   uIEvent::IEventProcessor* const manager = std::exchange(manager_, nullptr);
   const Status result = ReadParameter(parameter);
   manager_ = manager;
-  if (result == status::kInstrumentNotSupported || result == status::kInstrumentNoIdentity) {
+  if (result == Status::kInstrumentNotSupported || result == Status::kInstrumentNoIdentity) {
     identity_ = {};
     return Recover();
   }
   // A record that makes no sense costs the dates alone; the frequency limits come after it.
-  if (result == status::kVisaProtocolViolation) {
+  if (result == Status::kVisaProtocolViolation) {
     identity_ = {};
-    return status::kOk;
+    return Status::kOk;
   }
-  if (result < 0) return result;
+  if (IsNegative(result)) return result;
 
   const std::span<const std::uint8_t> bytes = parameter.Serialise().subspan(2);
   const std::string_view record(reinterpret_cast<const char*>(bytes.data()), bytes.size());
@@ -149,7 +149,8 @@ Status D3THardWare::ReadInstrumentFile(std::string_view path, std::string& text)
   message_.Begin(Command::kReadParameter, 2, 0x40);
   message_.Append(kRequest);
   message_.Append(path_words);
-  if (const Status result = Exchange(); result < 0 || !IsInstrumentCode(result)) return result;
+  if (const Status result = Exchange(); IsNegative(result) || !IsInstrumentCode(result))
+    return result;
 
   const std::span<const std::uint8_t> payload = message_.payload();
   text.clear();
@@ -158,7 +159,7 @@ Status D3THardWare::ReadInstrumentFile(std::string_view path, std::string& text)
     if (c == '\r' || c == '\0') break;
     if (c != ' ' && c != '\t') text += c;
   }
-  return status::kOk;
+  return Status::kOk;
 }
 
 Status D3THardWare::QuerySerialNumber(std::string& serial_number) {
@@ -168,16 +169,17 @@ Status D3THardWare::QuerySerialNumber(std::string& serial_number) {
                                                static_cast<std::uint8_t>(key >> 8U)};
   message_.Begin(Command::kReadParameter, 1, 0x20);
   message_.Append(request);
-  if (const Status result = Exchange(); result < 0 || !IsInstrumentCode(result)) return result;
+  if (const Status result = Exchange(); IsNegative(result) || !IsInstrumentCode(result))
+    return result;
 
   const std::span<const std::uint8_t> payload = message_.payload();
-  if (payload.size() < 4) return status::kRefused;
+  if (payload.size() < 4) return Status::kRefused;
   std::string text((payload.size() - 4) / 2, '\0');
   for (std::size_t i = 0; i < text.size(); ++i) {
     const std::uint32_t word = WordAt(payload, 2 + 2 * i);
     text[i] = static_cast<char>(static_cast<std::uint8_t>(word * key % 65537U));
   }
-  if (Crc16(text) != WordAt(payload, 2 + 2 * text.size())) return status::kRefused;
+  if (Crc16(text) != WordAt(payload, 2 + 2 * text.size())) return Status::kRefused;
   serial_number = std::move(text);
-  return status::kOk;
+  return Status::kOk;
 }

@@ -22,7 +22,7 @@ constexpr std::array<Parameter, 6> kSweepForms = {Parameter::kCount,       Param
 /// The instrument does not know the form. Any other refusal, such as an unlocked PLL, tells nothing
 /// of it.
 bool IsUnknown(Status result) {
-  return result == status::kInstrumentFormUnknown || result == status::kInstrumentNotSupported;
+  return result == Status::kInstrumentFormUnknown || result == Status::kInstrumentNotSupported;
 }
 
 /// The forms with the switch and the level alone.
@@ -46,7 +46,7 @@ void FillLevel(HardWareParametr& parameter, Parameter form, const LevelSettings&
     return;
   }
   parameter.SetValue(settings.level_control, PowerElement::kLevelControl);
-  parameter.SetValue(settings.atten_mode, PowerElement::kAttenMode);
+  parameter.SetValue(static_cast<double>(settings.atten_mode), PowerElement::kAttenMode);
   parameter.SetValue(settings.further_1, PowerElement::kFurther1);
   parameter.SetValue(settings.further_2, PowerElement::kFurther2);
   parameter.SetValue(level, PowerElement::kLevel);
@@ -60,17 +60,18 @@ void TakeLevel(const HardWareParametr& parameter, Parameter form, LevelSettings&
     return;
   }
   settings.level_control = parameter.GetCode(PowerElement::kLevelControl);
-  settings.atten_mode = parameter.GetCode(PowerElement::kAttenMode);
+  settings.atten_mode = AttenMode{parameter.GetCode(PowerElement::kAttenMode)};
   settings.further_1 = parameter.GetCode(PowerElement::kFurther1);
   settings.further_2 = parameter.GetCode(PowerElement::kFurther2);
   level = parameter.GetValue(PowerElement::kLevel);
 }
 
-/// Number of levels from `start` to `stop`, at most what an element of 16 integer bits holds.
-double LevelCount(double start, double stop, double step) {
+/// Number of levels of a sweep, at most what an element of 16 integer bits holds.
+double LevelCount(const StepSettings& sweep) {
   constexpr double kMostLevels = 32767.0;
-  const double steps = std::trunc(std::fabs(stop - start) / std::fabs(step) + 0.5);
-  return step != 0.0 && steps >= 0.0 ? std::min(steps + 1.0, kMostLevels) : 1.0;
+  const double steps =
+      std::trunc(std::fabs(sweep.stop - sweep.start) / std::fabs(sweep.step) + 0.5);
+  return sweep.step != 0.0 && steps >= 0.0 ? std::min(steps + 1.0, kMostLevels) : 1.0;
 }
 
 }  // namespace
@@ -86,31 +87,32 @@ Status D3THardWare::SetOutputLevel(LevelSettings& settings, double& level) {
   HardWareParametr& parameter = At(form);
   FillLevel(parameter, form, settings, level);
   const Status result = WriteParameter(parameter);
-  if (result == 0) TakeLevel(parameter, form, settings, level);
+  if (result == Status::kOk) TakeLevel(parameter, form, settings, level);
   return result;
 }
 
-Status D3THardWare::SetPowerSweep(LevelSettings& settings, double& start, double& stop,
-                                  double& step) {
+Status D3THardWare::SetPowerSweep(LevelSettings& settings, StepSettings& sweep) {
   const Parameter form = kSweepForms[power_variant_];
-  if (form == Parameter::kCount) return status::kRefused;
+  if (form == Parameter::kCount) return Status::kRefused;
   const bool simple = IsSimple(form);
   const std::size_t points_element =
       simple ? std::size_t{SimplePowerElement::kPoints} : std::size_t{PowerElement::kPoints};
   const std::size_t step_element =
       simple ? std::size_t{SimplePowerElement::kStep} : std::size_t{PowerElement::kStep};
   HardWareParametr& parameter = At(form);
-  FillLevel(parameter, form, settings, start);
-  parameter.SetValue(LevelCount(start, stop, step), points_element);
-  parameter.SetValue(start > stop ? -std::fabs(step) : std::fabs(step), step_element);
-  if (HasStop(form)) parameter.SetValue(stop, PowerElement::kStop);
+  FillLevel(parameter, form, settings, sweep.start);
+  parameter.SetValue(LevelCount(sweep), points_element);
+  const double size = std::fabs(sweep.step);
+  parameter.SetValue(sweep.start > sweep.stop ? -size : size, step_element);
+  if (HasStop(form)) parameter.SetValue(sweep.stop, PowerElement::kStop);
 
   const Status result = WriteParameter(parameter);
-  if (result != 0) return result;
-  TakeLevel(parameter, form, settings, start);
-  step = parameter.GetValue(step_element);
-  stop = HasStop(form) ? parameter.GetValue(PowerElement::kStop)
-                       : start + (parameter.GetValue(points_element) - 1.0) * step;
+  if (result != Status::kOk) return result;
+  TakeLevel(parameter, form, settings, sweep.start);
+  sweep.step = parameter.GetValue(step_element);
+  sweep.stop = HasStop(form)
+                   ? parameter.GetValue(PowerElement::kStop)
+                   : sweep.start + (parameter.GetValue(points_element) - 1.0) * sweep.step;
   return result;
 }
 
@@ -126,19 +128,19 @@ Status D3THardWare::ReadOutputState(LevelSettings& settings, double& level) {
       result = ReadParameter(At(form));
     }
   }
-  if (result >= 0) TakeLevel(At(form), form, settings, level);
+  if (!IsNegative(result)) TakeLevel(At(form), form, settings, level);
   return result;
 }
 
 Status D3THardWare::ReadLevelState(bool& settled) {
-  return ReadStateCode(kStateForms[power_variant_], status::kInstrumentLevelNotSettled, settled);
+  return ReadStateCode(kStateForms[power_variant_], Status::kInstrumentLevelNotSettled, settled);
 }
 
 /// From the newest level form to the oldest, until one is accepted or the link fails. Settles the
 /// variant for the session unless a form was refused for another reason than that it is not known:
 /// then the next level is probed with again.
 Status D3THardWare::ProbePowerVariant(const LevelSettings& settings, double level) {
-  Status result = status::kOk;
+  Status result = Status::kOk;
   bool settles = true;
   const auto ends = [&](Parameter form) {
     result = WritePowerProbe(form, settings, level);
@@ -173,7 +175,7 @@ Status D3THardWare::ProbeNarrowSweep(const LevelSettings& settings, double level
     power_variant_ = 4;
     return result;
   }
-  if (result == status::kInstrumentFormUnknown) {
+  if (result == Status::kInstrumentFormUnknown) {
     result = WritePowerProbe(Parameter::kPowerSweep2, settings, level);
     if (!IsAccepted(result) || !IsUsable(Parameter::kPowerSweep2)) return result;
   }
@@ -193,5 +195,5 @@ Status D3THardWare::WritePowerProbe(Parameter form, const LevelSettings& setting
 }
 
 bool D3THardWare::IsUsable(Parameter form) {
-  return At(form).status() != status::kInstrumentFormNotUsable;
+  return At(form).status() != ToCode(Status::kInstrumentFormNotUsable);
 }

@@ -21,7 +21,7 @@ Status D3THardWare::SetDwell(double& nanoseconds) {
 Status D3THardWare::SetDwellThousands(double& thousands) {
   double time = thousands * kDwellScale;
   const Status result = SetDwell(time);
-  if (result == 0) thousands = time / kDwellScale;
+  if (result == Status::kOk) thousands = time / kDwellScale;
   return result;
 }
 
@@ -37,12 +37,13 @@ Status D3THardWare::SetAveraging(std::int32_t& factor, const AveragingFeatures& 
   if (!features.bit_3) mask &= ~(1U << 3);
   if (!features.bit_4) mask &= ~(1U << 4);
   if (!features.bit_5) mask &= ~(1U << 5);
-  if (const Status failed = WriteFeatureMask(static_cast<std::uint16_t>(mask)); failed != 0) {
+  if (const Status failed = WriteFeatureMask(static_cast<std::uint16_t>(mask));
+      failed != Status::kOk) {
     return failed;
   }
   double value = std::clamp(factor, kSmallestAveraging, kLargestAveraging);
   const Status result = WriteElements(At(Parameter::kAveraging), {{OnlyElement::kValue, &value}});
-  if (result == 0) factor = static_cast<std::int32_t>(value);
+  if (result == Status::kOk) factor = static_cast<std::int32_t>(value);
   return result;
 }
 
@@ -58,11 +59,11 @@ Status D3THardWare::SetTriggerOutput(unsigned group, TriggerElements& elements) 
 
 Status D3THardWare::WriteTriggerGroup(Parameter one_group, Parameter two_groups, unsigned group,
                                       TriggerElements& elements) {
-  if (!two_trigger_groups_ && group != 0) return status::kOk;
+  if (!two_trigger_groups_ && group != 0) return Status::kOk;
   HardWareParametr& parameter = At(two_trigger_groups_ ? two_groups : one_group);
   if (two_trigger_groups_) {
     // The other line keeps what the instrument has for it.
-    if (const Status failed = ReadParameter(parameter); failed < 0) return failed;
+    if (const Status failed = ReadParameter(parameter); IsNegative(failed)) return failed;
   }
   const std::size_t first = std::size_t{group} * TriggerElement::kGroupSize;
   parameter.SetValue(elements.code, first + TriggerElement::kCode);
@@ -71,7 +72,7 @@ Status D3THardWare::WriteTriggerGroup(Parameter one_group, Parameter two_groups,
   parameter.SetValue(elements.flag, first + TriggerElement::kFlag);
   parameter.SetValue(elements.last, first + TriggerElement::kLast);
   const Status result = WriteParameter(parameter);
-  if (result != 0) return result;
+  if (result != Status::kOk) return result;
   elements.code = parameter.GetCode(first + TriggerElement::kCode);
   elements.edge = parameter.GetCode(first + TriggerElement::kEdge) != 0;
   elements.value = static_cast<std::uint8_t>(parameter.GetCode(first + TriggerElement::kValue));
@@ -91,11 +92,11 @@ Status D3THardWare::SetExternalReference(bool& enabled, double& frequency) {
   Status result = WriteElements(
       At(Parameter::kExternalReference),
       {{ReferenceElement::kEnabled, &on}, {ReferenceElement::kFrequency, &frequency}});
-  if (result == status::kInstrumentFormUnknown) {
+  if (result == Status::kInstrumentFormUnknown) {
     result =
         WriteElements(At(Parameter::kExternalReferenceShort), {{ReferenceElement::kEnabled, &on}});
   }
-  if (result == 0) enabled = on != 0.0;
+  if (result == Status::kOk) enabled = on != 0.0;
   return result;
 }
 
@@ -107,36 +108,36 @@ Status D3THardWare::SetCompensationMode(std::uint32_t& mode) {
   HardWareParametr& parameter = At(Parameter::kCompensationMode);
   parameter.SetValue(mode, OnlyElement::kValue);
   const Status result = WriteParameter(parameter);
-  if (result == 0) mode = parameter.GetCode(OnlyElement::kValue);
+  if (result == Status::kOk) mode = parameter.GetCode(OnlyElement::kValue);
   return result;
 }
 
 Status D3THardWare::ReadRfButton(bool& pressed) {
   HardWareParametr& parameter = At(Parameter::kRfButton);
   const Status result = ReadParameter(parameter);
-  if (result >= 0) pressed = parameter.GetCode(OnlyElement::kValue) != 0;
+  if (!IsNegative(result)) pressed = parameter.GetCode(OnlyElement::kValue) != 0;
   return result;
 }
 
 Status D3THardWare::ReadPllState(bool& locked) {
-  return ReadStateCode(Parameter::kFrequencyNarrow, status::kInstrumentPllUnlocked, locked);
+  return ReadStateCode(Parameter::kFrequencyNarrow, Status::kInstrumentPllUnlocked, locked);
 }
 
 Status D3THardWare::ReadErgState(bool& good) {
-  return ReadStateCode(Parameter::kFrequencyNarrow, status::kInstrumentErgFault, good);
+  return ReadStateCode(Parameter::kFrequencyNarrow, Status::kInstrumentErgFault, good);
 }
 
 Status D3THardWare::ReadStateCode(Parameter parameter, Status bad_code, bool& good) {
   const Status result = ReadParameter(At(parameter));
   good = result != bad_code;
-  return good ? result : status::kOk;
+  return good ? result : Status::kOk;
 }
 
 Status D3THardWare::WritePulseTrainFixed(std::array<std::uint32_t, 3>& elements) {
   HardWareParametr& parameter = At(Parameter::kPulseTrainFixed);
   for (std::size_t i = 0; i < elements.size(); ++i) parameter.SetValue(elements[i], i);
   const Status result = WriteParameter(parameter);
-  if (result != 0) return result;
+  if (result != Status::kOk) return result;
   for (std::size_t i = 0; i < elements.size(); ++i) elements[i] = parameter.GetCode(i);
   return result;
 }
@@ -147,7 +148,7 @@ Status D3THardWare::WriteSwitchSetting(bool& enabled, std::uint32_t& value) {
   parameter.SetValue(0.0, SwitchElement::kZero);
   parameter.SetValue(value, SwitchElement::kValue);
   const Status result = WriteParameter(parameter);
-  if (result != 0) return result;
+  if (result != Status::kOk) return result;
   enabled = parameter.GetCode(SwitchElement::kEnabled) != 0;
   value = parameter.GetCode(SwitchElement::kValue);
   return result;
@@ -164,7 +165,7 @@ Status D3THardWare::WriteScaledSetting(double& megahertz, std::uint32_t& number,
   const double steps = std::fmod(std::trunc(value * kValueSteps), kSixteenBits);
   parameter.SetValue(steps < 0.0 ? steps + kSixteenBits : steps, ScaledElement::kValue);
   const Status result = WriteParameter(parameter);
-  if (result != 0) return result;
+  if (result != Status::kOk) return result;
   megahertz = parameter.GetValue(ScaledElement::kFrequency) / kMega;
   number = parameter.GetCode(ScaledElement::kNumber);
   value = static_cast<std::int16_t>(parameter.GetCode(ScaledElement::kValue)) / kValueSteps;

@@ -53,29 +53,29 @@ Status D3THardWare::TransferList(ListAxis axis, std::span<double> values,
   const std::size_t first = fixed.size() + kBlockElements;
   const std::size_t per_message = kBlockBytes / format.element_size - first;
 
-  Status result = status::kOk;
+  Status result = Status::kOk;
   for (std::size_t offset = 0; offset < values.size(); offset += per_message) {
     const std::span<double> chunk =
         values.subspan(offset, std::min(per_message, values.size() - offset));
     HardWareParametr block = MakeBlock(format, fixed, offset, chunk.size());
     for (std::size_t i = 0; i < chunk.size(); ++i) block.SetValue(chunk[i], first + i);
     result = WriteParameter(block);
-    if (result != 0) return result;
+    if (result != Status::kOk) return result;
     for (std::size_t i = 0; i < chunk.size(); ++i) chunk[i] = block.GetValue(first + i);
   }
   return result;
 }
 
-Status D3THardWare::TransferPulseTrain(std::uint32_t mode, std::uint32_t& source,
+Status D3THardWare::TransferPulseTrain(std::uint32_t mode, PulseSource& source,
                                        std::span<double> widths, std::span<double> gaps,
                                        bool inverse) {
   constexpr std::size_t kSourceElement = 1;
-  constexpr std::array<std::uint32_t, 2> kSourceCodes = {kInternalSource, kExternalSource};
-  const std::uint32_t source_code = source < kSourceCodes.size() ? kSourceCodes[source] : 0;
+  const std::uint32_t source_code =
+      source == PulseSource::kExternal ? kExternalSource : kInternalSource;
   std::uint32_t answered_source = 0;
   const std::size_t count = std::min(widths.size(), gaps.size());
 
-  Status result = status::kOk;
+  Status result = Status::kOk;
   for (std::size_t offset = 0; offset < count; offset += kPulsesPerBlock) {
     const std::array<double, 3> elements = {static_cast<double>(mode),
                                             static_cast<double>(source_code), inverse ? 1.0 : 0.0};
@@ -88,15 +88,15 @@ Status D3THardWare::TransferPulseTrain(std::uint32_t mode, std::uint32_t& source
       block.SetValue(gaps[offset + i], first + 2 * i + 1);
     }
     result = WriteParameter(block);
-    if (result < 0) return result;
+    if (IsNegative(result)) return result;
     for (std::size_t i = 0; i < entries; ++i) {
       widths[offset + i] = block.GetValue(first + 2 * i);
       gaps[offset + i] = block.GetValue(first + 2 * i + 1);
     }
     answered_source = block.GetCode(kSourceElement);
   }
-  if (answered_source == kExternalSource) source = 1;
-  if (answered_source == kInternalSource) source = 0;
+  if (answered_source == kExternalSource) source = PulseSource::kExternal;
+  if (answered_source == kInternalSource) source = PulseSource::kInternal;
   return result;
 }
 
@@ -104,13 +104,13 @@ Status D3THardWare::TransferFrequencyTable(std::span<double> values) {
   constexpr ParameterLayout kLayout = {
       .identifier = 26, .element_count = 0, .element_size = 2, .fractional_bytes = 1};
   constexpr std::size_t kMostValues = (ProtocolMessage::kBodyCapacity - 2) / kLayout.element_size;
-  if (values.size() > kMostValues) return status::kRefused;
+  if (values.size() > kMostValues) return Status::kRefused;
   ParameterLayout layout = kLayout;
   layout.element_count = static_cast<std::uint32_t>(values.size());
   HardWareParametr table(layout);
   for (std::size_t i = 0; i < values.size(); ++i) table.SetValue(values[i], i);
   const Status result = WriteParameter(table);
-  if (result != 0) return result;
+  if (result != Status::kOk) return result;
   for (std::size_t i = 0; i < values.size(); ++i) values[i] = table.GetValue(i);
   return result;
 }

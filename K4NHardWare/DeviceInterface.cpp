@@ -20,7 +20,7 @@ Interface::Interface(std::string resource_name)
     : library_(std::make_unique<VisaLibrary>()), resource_name_(std::move(resource_name)) {
   if (library_->Bind({}) == VisaLibrary::kNotLoaded &&
       library_->Bind(os::ThisModuleFolder() / "ZeVISA.dll") == VisaLibrary::kNotLoaded) {
-    last_status_ = status::kVisaLibraryNotFound;
+    last_status_.store(Status::kVisaLibraryNotFound);
     return;
   }
   OpenSession();
@@ -29,24 +29,24 @@ Interface::Interface(std::string resource_name)
 Interface::~Interface() { library_->viClose(session_); }
 
 void Interface::OpenSession() {
-  if (Note(library_->viOpenDefaultRM(&resource_manager_)) != 0) return;
+  if (Note(library_->viOpenDefaultRM(&resource_manager_)) != Status::kOk) return;
   if (Note(library_->viOpen(resource_manager_, resource_name_.c_str(), kAccessMode, kOpenTimeout,
-                            &session_)) != 0) {
+                            &session_)) != Status::kOk) {
     return;
   }
-  Note(library_->viSetAttribute(session_, VI_ATTR_TMO_VALUE, ViAttrState{kIoTimeout}));
+  Discard(Note(library_->viSetAttribute(session_, VI_ATTR_TMO_VALUE, ViAttrState{kIoTimeout})));
 }
 
-Status Interface::Note(Status status) {
-  last_status_ = status;
-  return status;
+Status Interface::Note(ViStatus status) {
+  last_status_.store(Status{status});
+  return Status{status};
 }
 
 Status Interface::Read(std::span<std::uint8_t> buffer, std::uint32_t& count) {
   count = 0;
   const Status read = Note(
       library_->viRead(session_, buffer.data(), static_cast<std::uint32_t>(buffer.size()), &count));
-  return read >= 0 ? Note(status::kOk) : read;
+  return !IsNegative(read) ? Note(VI_SUCCESS) : read;
 }
 
 Status Interface::Write(std::span<const std::uint8_t> bytes, std::uint32_t& count) {
@@ -59,23 +59,23 @@ Status Interface::ReadWithTimeout(std::span<std::uint8_t> buffer, std::uint32_t&
   count = 0;
   ViUInt32 saved_timeout = 0;
   Status result = Note(library_->viGetAttribute(session_, VI_ATTR_TMO_VALUE, &saved_timeout));
-  if (result < 0) return result;
+  if (IsNegative(result)) return result;
   result = Note(library_->viSetAttribute(session_, VI_ATTR_TMO_VALUE, ViAttrState{kBodyTimeout}));
-  if (result < 0) return result;
+  if (IsNegative(result)) return result;
   result = Note(
       library_->viRead(session_, buffer.data(), static_cast<std::uint32_t>(buffer.size()), &count));
-  if (result < 0) return result;
+  if (IsNegative(result)) return result;
   return Note(library_->viSetAttribute(session_, VI_ATTR_TMO_VALUE, ViAttrState{saved_timeout}));
 }
 
 Status Interface::Clear() { return Note(library_->viClear(session_)); }
 
-Status Interface::StatusDescription(Status code, std::string& text) {
+std::string Interface::StatusDescription(Status code) {
   std::array<char, 257> buffer{};  // VISA promises at most 256 characters
-  const Status result = Note(library_->viStatusDesc(session_, code, buffer.data()));
+  // A library gives a text for a status that it does not know, too.
+  Discard(Note(library_->viStatusDesc(session_, ToCode(code), buffer.data())));
   buffer.back() = '\0';
-  text = buffer.data();
-  return result;
+  return buffer.data();
 }
 
 }  // namespace uDevice

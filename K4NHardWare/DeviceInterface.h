@@ -8,7 +8,8 @@
 #include <span>
 #include <string>
 
-#include "measurement/Status.h"
+#include "status/Status.h"
+#include "visa/Visa.h"
 
 namespace uDevice {
 
@@ -42,18 +43,18 @@ class Interface {
   /// Drops what has arrived and not been read.
   Status Clear();
   /// The library's text for one of its statuses.
-  Status StatusDescription(Status code, std::string& text);
+  [[nodiscard]] std::string StatusDescription(Status code);
 
  private:
   void OpenSession();
   /// Notes the status of a VISA call and returns it.
-  Status Note(Status status);
+  Status Note(ViStatus status);
 
   std::unique_ptr<VisaLibrary> library_;
   std::string resource_name_;
   std::uint32_t resource_manager_ = 0;  // never closed: unloading the library ends it
   std::uint32_t session_ = 0;
-  std::atomic<Status> last_status_ = status::kOk;
+  std::atomic<Status> last_status_ = Status::kOk;
 };
 
 }  // namespace uDevice

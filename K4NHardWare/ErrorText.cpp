@@ -7,7 +7,7 @@
 namespace {
 
 struct CodeText {
-  Status code;
+  std::int32_t code;
   const char* text;
 };
 
@@ -20,13 +20,13 @@ constexpr std::array<CodeText, 7> kTexts = {{
     {10038, "Invalid socket handle"},
     {10057, "Instrument not connected"},
     {10065, "Host unreachable"},
-    {status::kVisaProtocolViolation, "Protocol violation error"},
+    {ToCode(Status::kVisaProtocolViolation), "Protocol violation error"},
 }};
 
 }  // namespace
 
 std::string ErrorText(Status code) {
-  const Status reduced = code & 0xFFFF;
+  const std::int32_t reduced = ToCode(code) & 0xFFFF;
   const auto* row = std::find_if(kTexts.begin(), kTexts.end(),
                                  [reduced](const CodeText& item) { return item.code == reduced; });
   if (row != kTexts.end()) return row->text;

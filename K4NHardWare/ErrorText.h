@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "measurement/Status.h"
+#include "status/Status.h"
 
 /// The text of a status, looked up by its low 16 bits; "Unknown error: %d(%X)" with those bits when
 /// there is none.

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "measurement/Status.h"
+#include "status/Status.h"
 
 /// Where a failure was noticed. The numbers are fixed: a trail read in the field is told by them.
 enum class Site : int {
@@ -53,7 +53,7 @@ enum class Site : int {
 };
 
 struct ErrorRecord {
-  Status status = status::kOk;
+  Status status = Status::kOk;
   Site site{};
 
   /// The place in words: the manager's source and the site's number.

@@ -6,7 +6,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "measurement/TraceConversion.h"
@@ -25,25 +24,36 @@ enum class SweepMode : std::uint32_t {
 /// whose readings are scaled.
 enum class InstrumentKind : std::uint32_t { kGenerator = 1, kScaledReadings = 2, kAnalyser = 18 };
 
-/// The source of a sweep trigger; same values as the COM enumeration.
-enum class TriggerSource : std::uint32_t { kImmediate = 0, kExternal = 1, kSoftware = 2 };
+/// The source of a sweep trigger. A client may ask for one that does not exist, which is refused.
+enum class TriggerSource { kImmediate, kExternal, kSoftware, kUnknown };
 
-/// The trigger of the sweep, copied whole between the COM layer and the manager.
+/// What an external trigger does at each point.
+enum class TriggerAction { kSwitch, kMeasure };
+
+/// The trigger of the sweep, one for all kinds of sweep.
 struct SweepTriggerSettings {
-  std::uint32_t source = static_cast<std::uint32_t>(TriggerSource::kSoftware);
-  std::uint8_t action = 0;          ///< 0 switch, 1 measure
-  std::uint8_t sync_detection = 0;  ///< 0 rise, 1 fall
+  TriggerSource source = TriggerSource::kSoftware;
+  TriggerAction action = TriggerAction::kSwitch;
+  bool falling_edge = false;  ///< of the sync source
+  bool single_step = false;   ///< a trigger for each point
 };
 
-/// The mode in which the trigger output gives nothing.
-inline constexpr std::uint32_t kNoTriggerOutput = 0;
+/// What the trigger output emits, by the instrument's codes; an instrument may answer others.
+enum class TriggerOutputMode : std::uint32_t {
+  kNone = 0,
+  kSweep = 1,
+  kNextStep = 2,
+  kSingleStep = 3,
+  kInput = 4,
+  kSyncGenerator = 5,
+  kSoftware = 6,
+};
 
-/// The trigger output, copied whole between the COM layer and the manager.
 struct TriggerOutputSettings {
-  std::uint32_t mode = 1;      ///< instrument code 0..6
-  double width = 1.0;          ///< microseconds
-  std::uint32_t polarity = 0;  ///< 0 normal, 1 inverse
-  std::uint8_t enabled = 0;
+  TriggerOutputMode mode = TriggerOutputMode::kSweep;
+  double width = 1.0;  ///< microseconds
+  bool inverse = false;
+  bool enabled = false;
 };
 
 /// The synchronisation pulse generator; nanoseconds.
@@ -53,12 +63,22 @@ struct SyncGeneratorSettings {
   double delay = 0.0;
 };
 
+/// The modes of the attenuator, by the instrument's codes; an instrument may answer others. One
+/// that answers kNone has no selectable modes.
+enum class AttenMode : std::uint32_t {
+  kNone = 0,
+  kMinHarmonics = 2,
+  kOptimumSwr = 3,
+  kOptimum = 4,
+  kCare = 5,
+};
+
 /// The settings that go with every programming of the power axis. `level_control` is the RF output
 /// switch: the output is on exactly when it is 1. The two further settings are passed through as
 /// the instrument reported them.
 struct LevelSettings {
   std::uint32_t level_control = 0;
-  std::uint32_t atten_mode = 0;  ///< 0: no selectable modes; 2..5
+  AttenMode atten_mode = AttenMode::kNone;
   std::uint32_t further_1 = 0;
   std::uint32_t further_2 = 0;
 };
@@ -68,6 +88,12 @@ struct StepSettings {
   double start = 0.0;
   double stop = 0.0;
   double step = 0.0;
+};
+
+/// The reference that the instrument locks its frequency to.
+struct ReferenceSettings {
+  bool external = false;
+  double frequency = 1e7;  ///< Hz
 };
 
 /// Everything that the getters answer from and that a block's snapshot copies. The initial values
@@ -81,21 +107,20 @@ struct InstrumentSettings {
   StepSettings power_step{-60.0, -50.0, 1.0};
   double dwell = 0.0;  ///< nanoseconds
   SweepTriggerSettings sweep_trigger;
-  bool single_step = false;
   bool ext_pwr_ctrl = false;  ///< set only while external power control is being switched
   LevelSettings level;
   bool averaging_enabled = true;
   std::int32_t averaging = 3;
-  bool ext_ref_enabled = false;
-  double ext_ref_frequency = 1e7;  ///< Hz
+  ReferenceSettings reference;
   std::int32_t ext_ref_phase_delay = 0;
-  std::uint32_t compensation_mode = 0;
+  std::uint32_t compensation_mode = 0;  ///< any number: the instrument judges it
   TriggerOutputSettings trigger_output;
   SyncGeneratorSettings sync_generator;
   std::array<ChannelTransform, kChannelCount> channels;  ///< offset 0, multiplier 1, divider 1
-  std::string serial_number;
-  std::string instrument_type;
 };
+
+/// Where the pulse modulator takes its pulses from.
+enum class PulseSource { kInternal, kExternal };
 
 /// The pulse generator and the pulse modulator; nanoseconds.
 struct PulseSettings {
@@ -107,7 +132,7 @@ struct PulseSettings {
   std::vector<double> packet_widths;
   std::vector<double> packet_gaps;
   bool modulation_enabled = false;
-  std::uint32_t modulation_source = 0;  ///< 0 internal, 1 external
+  PulseSource modulation_source = PulseSource::kInternal;
   bool modulation_inverse = false;
   bool modulation_available = true;
 };

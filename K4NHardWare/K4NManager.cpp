@@ -5,31 +5,25 @@
 
 CK4NManager::CK4NManager() = default;
 
-CK4NManager::~CK4NManager() { Close(); }
+CK4NManager::~CK4NManager() { Discard(Close()); }
 
 bool CK4NManager::IsConnected() const { return connected_; }
 
-Status CK4NManager::ErrorQuery(std::int32_t& code, std::optional<std::string>& message) {
-  message.reset();
-  code = 0;
+ErrorReport CK4NManager::ErrorQuery() {
   const std::optional<ErrorRecord> oldest = trail_.Take();
-  if (!oldest) return status::kOk;
+  if (!oldest) return {};
 
-  code = oldest->status;
+  const Status status = oldest->status;
   const std::lock_guard lock(session_mutex_);
-  if (code >= status::kVisaFirst && code <= status::kVisaLast && model_ != nullptr) {
-    std::string text;
-    model_->DescribeStatus(code, text);
-    message = std::move(text);
-  } else {
-    message = protocol_.Describe(code);
-  }
-  if (!message) message = std::to_string(code);
-  return status::kOk;
+  std::optional<std::string> message = IsLinkFailure(status) && model_ != nullptr
+                                           ? model_->DescribeStatus(status)
+                                           : protocol_.Describe(status);
+  if (!message) message = std::to_string(ToCode(status));
+  return {status, std::move(message)};
 }
 
 Status CK4NManager::Record(Site site, Status result) {
-  if (!IsSuccess(result)) trail_.Append(result, site);
+  if (!Succeeded(result)) trail_.Append(result, site);
   return result;
 }
 
@@ -40,8 +34,7 @@ bool CK4NManager::MayMeasure() const {
     if (live.sweep_mode == SweepMode::kFrequencyStep && !live.frequency_step_configured) {
       return false;
     }
-    if (live.sweep_trigger.source == static_cast<std::uint32_t>(TriggerSource::kSoftware) &&
-        !worker_.IsTriggerPending()) {
+    if (live.sweep_trigger.source == TriggerSource::kSoftware && !worker_.IsTriggerPending()) {
       return false;
     }
     if (measurement_mode_ == SweepMode::kContinuousWave) return false;

@@ -21,20 +21,26 @@
 #include "K4NHardWare/ProtocolLibrary.h"
 #include "K4NHardWare/Synchronized.h"
 #include "measurement/DetectorTable.h"
-#include "measurement/Status.h"
 #include "measurement/TraceMatrix.h"
 #include "platform/com/Com.h"
+#include "status/Status.h"
 
 class CommandExchanger;
 class D3THardWare;
 enum class ListAxis;
 
+/// One record of the error trail in a client's terms.
+struct ErrorReport {
+  Status status = Status::kOk;
+  std::optional<std::string> message;
+};
+
 /// One per root object. Operations may be called from any thread; those that talk to the instrument
 /// run one at a time, each pausing the measurement worker first and resuming it at the end. All of
 /// them return 10057 without a session (unless said otherwise), 0 to 6 on success and any other
-/// status on failure; a failure of the instrument also goes into the error trail. Arguments passed
-/// by reference come back as the instrument set them. Getters of cached settings never wait for the
-/// instrument.
+/// status on failure; a failure of the instrument also goes into the error trail. Getters of cached
+/// settings never wait for the instrument; they give what it made of the values that it was sent,
+/// and without a session what the last one left, or the defaults.
 class CK4NManager final : public uIEvent::IEventProcessor {
  public:
   CK4NManager();
@@ -51,9 +57,8 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   /// True while the model, the VISA session and the exchanger are all present. Never waits.
   [[nodiscard]] bool IsConnected() const;
   /// Takes the oldest record from the error trail: its status, and its text (VISA library, protocol
-  /// library or decimal number). Code 0 and no text when the trail is empty. Returns 0, also
-  /// without a session.
-  Status ErrorQuery(std::int32_t& code, std::optional<std::string>& message);
+  /// library or decimal number). 0 and no text when the trail is empty. Needs no session.
+  [[nodiscard]] ErrorReport ErrorQuery();
   /// What the error trail holds; nothing is removed.
   [[nodiscard]] const ErrorTrail& error_trail() const { return trail_; }
   /// Whether the instrument's DSP program is dated at all. Kept: the reference date that it is
@@ -62,28 +67,26 @@ class CK4NManager final : public uIEvent::IEventProcessor {
 
   // --- RF output
   Status SetFrequency(double frequency);  ///< Hz
-  Status GetFrequency(double& frequency) const;
+  [[nodiscard]] double GetFrequency() const;
   Status SetLevel(double level);  ///< dBm
-  Status GetLevel(double& level) const;
+  [[nodiscard]] double GetLevel() const;
   Status SetOutputEnabled(bool enabled);
   /// Also discards a block that has not been fetched (kept: a client polling the output loses it).
-  Status GetOutputEnabled(bool& enabled);
+  [[nodiscard]] bool GetOutputEnabled();
 
   // --- Sweep
   Status SetSweepMode(SweepMode mode);
-  /// Always 0; the stored code as it stands.
-  Status GetSweepMode(SweepMode& mode) const;
-  Status SetFrequencyStep(double& start, double& stop, double& step);  ///< Hz
-  Status GetFrequencyStep(double& start, double& stop, double& step) const;
-  Status SetPowerStep(double& start, double& stop, double& step);  ///< dBm, dBm, dB
-  Status GetPowerStep(double& start, double& stop, double& step) const;
-  Status SetSweepTrigger(SweepTriggerSettings& trigger, bool single_step);
-  Status GetSweepTrigger(SweepTriggerSettings& trigger, bool& single_step) const;
+  [[nodiscard]] SweepMode GetSweepMode() const;
+  Status SetFrequencyStep(const StepSettings& step);  ///< Hz
+  [[nodiscard]] StepSettings GetFrequencyStep() const;
+  Status SetPowerStep(const StepSettings& step);  ///< dBm, dB
+  [[nodiscard]] StepSettings GetPowerStep() const;
+  Status SetSweepTrigger(const SweepTriggerSettings& trigger);
+  [[nodiscard]] SweepTriggerSettings GetSweepTrigger() const;
   /// Kept: the instrument's parameter has 32 bits, and what a longer time has beyond them is lost:
   /// 10 s read back as 1.410065408 s.
   Status SetDwell(double nanoseconds);
-  /// Always 0.
-  Status GetDwell(double& nanoseconds) const;
+  [[nodiscard]] double GetDwell() const;  ///< nanoseconds
   /// Marks a software trigger as pending and resumes the worker, which then reads one sweep.
   void RequestSoftwareTrigger();
 
@@ -92,8 +95,8 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   /// array. A null array clears the list. SAFEARRAY failures are returned as they are.
   Status SetFrequencyList(SAFEARRAY* frequencies);  ///< Hz
   Status SetPowerList(SAFEARRAY* levels);           ///< dBm
-  Status ClearFrequencyList();                      ///< always 0
-  Status ClearPowerList();                          ///< always 0
+  void ClearFrequencyList();
+  void ClearPowerList();
 
   // --- Pulse generator and pulse modulation: nanoseconds
   // The settings are stored without a session too, and sent while the modulator is on.
@@ -105,52 +108,50 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   /// Widths and delays in seconds; written back as the instrument set them.
   Status ConfigurePacket(bool enabled, SAFEARRAY* widths, SAFEARRAY* delays);
   Status SetPulseModEnabled(bool enabled);
-  Status SetPulseModSource(std::uint32_t source);
+  Status SetPulseModSource(PulseSource source);
   Status SetPulseModPolarity(bool inverse);
   [[nodiscard]] PulseSettings GetPulseSettings() const;
 
   // --- Trigger output, sync generator
-  // Without a session the getters give what the last one left, or the defaults.
-  Status SetTriggerOutput(TriggerOutputSettings& settings);
+  Status SetTriggerOutput(const TriggerOutputSettings& settings);
   [[nodiscard]] TriggerOutputSettings GetTriggerOutput() const;
-  Status SetSyncGenerator(SyncGeneratorSettings& settings);
+  Status SetSyncGenerator(const SyncGeneratorSettings& settings);
   [[nodiscard]] SyncGeneratorSettings GetSyncGenerator() const;
 
   // --- System
-  Status GetSerialNumber(std::string& serial_number);
-  Status GetInstrumentType(std::string& type);
-  Status GetRfButton(bool& pressed);
-  Status GetPllState(bool& locked);
-  Status GetErgState(bool& good);
-  Status GetLevelState(bool& settled);
-  Status SetAttenMode(std::uint32_t mode);
-  Status GetAttenMode(std::uint32_t& mode) const;
-  Status SetExtRefGen(bool enabled, double frequency);  ///< Hz
-  Status GetExtRefGen(bool& enabled, double& frequency) const;
+  [[nodiscard]] Answer<std::string> GetSerialNumber();
+  [[nodiscard]] Answer<std::string> GetInstrumentType();
+  [[nodiscard]] Answer<bool> GetRfButton();    ///< pressed
+  [[nodiscard]] Answer<bool> GetPllState();    ///< locked
+  [[nodiscard]] Answer<bool> GetErgState();    ///< good
+  [[nodiscard]] Answer<bool> GetLevelState();  ///< settled
+  Status SetAttenMode(AttenMode mode);
+  [[nodiscard]] AttenMode GetAttenMode() const;
+  Status SetExtRefGen(const ReferenceSettings& reference);
+  [[nodiscard]] ReferenceSettings GetExtRefGen() const;
   Status SetExtRefPhaseDelay(std::int32_t delay);
-  Status GetExtRefPhaseDelay(std::int32_t& delay) const;
+  [[nodiscard]] std::int32_t GetExtRefPhaseDelay() const;
   Status SetExtPwrCtrl(bool enabled);
-  Status GetExtPwrCtrl(bool& enabled) const;
+  [[nodiscard]] bool GetExtPwrCtrl() const;
   Status SetCompensMode(std::uint32_t mode);
-  Status GetCompensMode(std::uint32_t& mode) const;
+  [[nodiscard]] std::uint32_t GetCompensMode() const;
 
   // --- Measurement
   /// 0x80047012 for a generator without detectors.
   Status SetAveraging(std::int32_t count);
-  Status GetAveraging(std::int32_t& count) const;
+  /// Nothing for a generator without detectors.
+  [[nodiscard]] std::optional<std::int32_t> GetAveraging() const;
   /// Loads a detector file into the table of one channel, 0 to 2. A failed load keeps the table
   /// that the channel had.
   Status LoadDetectorData(std::size_t channel, const std::filesystem::path& file);
   /// Converts the newest block, each block once; VI_ERROR_TMO when there is none.
   Status FetchData(TraceMatrix& trace);
   // Channel index 3 or more: ignored, 0, whatever the value. They work without a session.
-  Status SetChannelOffset(std::size_t channel,
-                          double offset);  ///< Hz; magnitude over 1e11: 0x80047010
-  Status GetChannelOffset(std::size_t channel, double& offset) const;
+  /// Hz; magnitude over 1e11: 0x80047010.
+  Status SetChannelOffset(std::size_t channel, double offset);
   Status SetChannelMultiplier(std::size_t channel, double multiplier);
-  Status GetChannelMultiplier(std::size_t channel, double& multiplier) const;
   Status SetChannelDivider(std::size_t channel, double divider);  ///< below 1.0: 0x80047010
-  Status GetChannelDivider(std::size_t channel, double& divider) const;
+  [[nodiscard]] ChannelTransform GetChannel(std::size_t channel) const;
 
   // --- IEventProcessor: the top of the chain, events are only remembered
   void ProcessEvent(uIEvent::Event* event) override;
@@ -167,9 +168,9 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status Guarded(Body&& body);
   /// Puts the result of an exchange into the trail when it is a failure; returns it.
   Status Record(Site site, Status result);
-  /// Reads cached settings; 10057 without a session.
-  template <typename Read>
-  Status Cached(Read&& read) const;
+  /// One of the cached settings.
+  template <typename T>
+  [[nodiscard]] T Cached(T InstrumentSettings::*setting) const;
 
   void AbandonExchange();
   // The rest is called within an operation.
@@ -189,7 +190,7 @@ class CK4NManager final : public uIEvent::IEventProcessor {
                      const LevelSettings& level);
   Status SwitchOutputOff();
   Status ProgramSweepMode(SweepMode mode);
-  Status ProgramSweepTrigger(SweepTriggerSettings& trigger, bool single_step);
+  Status ProgramSweepTrigger(SweepTriggerSettings trigger);
   template <typename Apply>
   Status ReplaceList(SAFEARRAY* array, Synchronized<SweepList>& list, Apply&& apply);
 
@@ -201,18 +202,17 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status ProgramPacket(PulseSettings& pulse);
   Status SwitchPulseModulationOff();
 
-  Status ProgramTriggerOutput(TriggerOutputSettings& settings);
+  Status ProgramTriggerOutput(TriggerOutputSettings settings);
   Status RouteSyncGenerator(bool routed);
   Status ProgramAveraging(std::int32_t count);
   /// 0x80047010 for a value that is not valid.
   Status SetChannel(std::size_t channel, double ChannelTransform::*element, double value,
                     bool is_valid);
-  Status GetChannel(std::size_t channel, double ChannelTransform::*element, double& value) const;
   /// Whether a state counts as good again once it has been told.
   enum class Told { kAlways, kOnce };
   template <typename Read>
-  Status ReadState(std::atomic<bool>& state, Site site, bool& value, Read&& read,
-                   Told told = Told::kAlways);
+  Answer<bool> ReadState(std::atomic<bool>& state, Site site, Read&& read,
+                         Told told = Told::kAlways);
   Status ReadSingleBlock();
 
   // Lock order: operation lock, data lock (in the measurement block), session lock; the locks

@@ -28,12 +28,10 @@ class CK4NManager::Operation {
 template <typename Body>
 Status CK4NManager::Guarded(Body&& body) {
   const Operation operation(*this);
-  return model_ == nullptr ? status::kNoSession : std::forward<Body>(body)();
+  return model_ == nullptr ? Status::kNoSession : std::forward<Body>(body)();
 }
 
-template <typename Read>
-Status CK4NManager::Cached(Read&& read) const {
-  if (!connected_) return status::kNoSession;
-  settings_.With(std::forward<Read>(read));
-  return status::kOk;
+template <typename T>
+T CK4NManager::Cached(T InstrumentSettings::*setting) const {
+  return settings_.With([setting](const InstrumentSettings& live) { return live.*setting; });
 }

@@ -9,17 +9,17 @@ Status CK4NManager::ReplaceList(SAFEARRAY* array, Synchronized<SweepList>& list,
     block_.Discard();
     if (array == nullptr) {
       list.Set(nullptr);
-      return status::kOk;
+      return Status::kOk;
     }
     const RealArray elements(array);
-    if (!elements.HasRightType()) return E_INVALIDARG;
+    if (!elements.HasRightType()) return Status{E_INVALIDARG};
     if (FAILED(elements.locked())) {
       leave_worker_paused_ = true;
-      return elements.locked();
+      return Status{elements.locked()};
     }
     list.Set(nullptr);
     std::vector<double> values = elements.Read();
-    if (values.empty()) return status::kOk;
+    if (values.empty()) return Status::kOk;
     list.Set(std::make_shared<std::vector<double>>(std::move(values)));
     const Status result = std::forward<Apply>(apply)();
     elements.Write(*list.Copy());
@@ -38,14 +38,12 @@ Status CK4NManager::SetPowerList(SAFEARRAY* levels) {
                      [this] { return Record(Site::kPowerList, ApplyPowerAxis(SweepMode::kList)); });
 }
 
-Status CK4NManager::ClearFrequencyList() {
+void CK4NManager::ClearFrequencyList() {
   const std::lock_guard lock(operation_mutex_);  // not while the list is being sent
   frequency_list_.Set(nullptr);
-  return status::kOk;
 }
 
-Status CK4NManager::ClearPowerList() {
+void CK4NManager::ClearPowerList() {
   const std::lock_guard lock(operation_mutex_);
   power_list_.Set(nullptr);
-  return status::kOk;
 }

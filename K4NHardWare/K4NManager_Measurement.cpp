@@ -13,7 +13,7 @@ constexpr char kIntegerReadings = '@';
 }  // namespace
 
 Status CK4NManager::SetAveraging(std::int32_t count) {
-  if (instrument_kind_ == InstrumentKind::kGenerator) return status::kPropertyNotSupported;
+  if (instrument_kind_ == InstrumentKind::kGenerator) return Status::kPropertyNotSupported;
   return Guarded([&] { return ProgramAveraging(count); });
 }
 
@@ -23,27 +23,27 @@ Status CK4NManager::ProgramAveraging(std::int32_t count) {
     live.averaging = count;
     return live.averaging_enabled;
   });
-  if (!is_sent) return status::kOk;
+  if (!is_sent) return Status::kOk;
   block_.Discard();
   const Status result = Record(Site::kAveraging, model_->SetAveraging(count));
-  if (IsSuccess(result)) {
+  if (Succeeded(result)) {
     settings_.With([&](InstrumentSettings& live) { live.averaging = count; });
   }
   return result;
 }
 
-Status CK4NManager::GetAveraging(std::int32_t& count) const {
-  if (instrument_kind_ == InstrumentKind::kGenerator) return status::kPropertyNotSupported;
-  return Cached([&](const InstrumentSettings& live) { count = live.averaging; });
+std::optional<std::int32_t> CK4NManager::GetAveraging() const {
+  if (instrument_kind_ == InstrumentKind::kGenerator) return std::nullopt;
+  return Cached(&InstrumentSettings::averaging);
 }
 
 Status CK4NManager::LoadDetectorData(std::size_t channel, const std::filesystem::path& file) {
-  if (instrument_kind_ == InstrumentKind::kGenerator) return status::kMethodNotSupported;
-  if (channel >= kChannelCount) return status::kOk;
+  if (instrument_kind_ == InstrumentKind::kGenerator) return Status::kMethodNotSupported;
+  if (channel >= kChannelCount) return Status::kOk;
   return Guarded([&] {
     std::shared_ptr<const DetectorTable> table;
     const Status result = LoadDetectorTable(file, table);
-    if (result == status::kOk) {
+    if (result == Status::kOk) {
       detector_tables_.With([&](auto& tables) { tables[channel] = std::move(table); });
     }
     return result;
@@ -52,18 +52,18 @@ Status CK4NManager::LoadDetectorData(std::size_t channel, const std::filesystem:
 
 Status CK4NManager::FetchData(TraceMatrix& trace) {
   const InstrumentKind kind = instrument_kind_;
-  if (kind == InstrumentKind::kGenerator) return status::kMethodNotSupported;
-  if (!connected_) return status::kNoSession;
+  if (kind == InstrumentKind::kGenerator) return Status::kMethodNotSupported;
+  if (!connected_) return Status::kNoSession;
   if (!sweep_armed_) {
-    if (const Status read = ReadSingleBlock(); read != status::kOk) return read;
+    if (const Status read = ReadSingleBlock(); read != Status::kOk) return read;
   }
   const auto transforms =
       settings_.With([](const InstrumentSettings& live) { return live.channels; });
   const auto tables = detector_tables_.Copy();
   std::array<ChannelCalibration, kTraceChannels> channels;
   for (std::size_t c = 0; c < kTraceChannels; ++c) channels[c] = {transforms[c], tables[c]};
-  return block_.Convert(kind, frequency_list_.Copy(), channels, trace) ? status::kOk
-                                                                       : status::kVisaTimeout;
+  return block_.Convert(kind, frequency_list_.Copy(), channels, trace) ? Status::kOk
+                                                                       : Status::kVisaTimeout;
 }
 
 /// Before any sweep was programmed a fetch measures by itself.
@@ -74,11 +74,11 @@ Status CK4NManager::ReadSingleBlock() {
     char format_mark = kIntegerReadings;
     Status result = model_->ReadDataBlock(buffer, length, format_mark);
     // A notice instead of a block.
-    if (result != status::kOk && IsSuccess(result)) return status::kVisaTimeout;
-    if (result == status::kOk && !IsWholeBlock(length)) {
-      result = status::kVisaProtocolViolation;
+    if (result != Status::kOk && Succeeded(result)) return Status::kVisaTimeout;
+    if (result == Status::kOk && !IsWholeBlock(length)) {
+      result = Status::kVisaProtocolViolation;
     }
-    if (Record(Site::kSingleRead, result) == status::kOk) {
+    if (Record(Site::kSingleRead, result) == Status::kOk) {
       block_.Store(buffer.first(length), format_mark, settings_);
     }
     return result;
@@ -87,41 +87,25 @@ Status CK4NManager::ReadSingleBlock() {
 
 Status CK4NManager::SetChannel(std::size_t channel, double ChannelTransform::*element, double value,
                                bool is_valid) {
-  if (channel >= kChannelCount) return status::kOk;
-  if (!is_valid) return status::kInvalidValue;
+  if (channel >= kChannelCount) return Status::kOk;
+  if (!is_valid) return Status::kInvalidValue;
   settings_.With([&](InstrumentSettings& live) { live.channels[channel].*element = value; });
-  return status::kOk;
+  return Status::kOk;
 }
 
-Status CK4NManager::GetChannel(std::size_t channel, double ChannelTransform::*element,
-                               double& value) const {
-  if (channel < kChannelCount) {
-    settings_.With(
-        [&](const InstrumentSettings& live) { value = live.channels[channel].*element; });
-  }
-  return status::kOk;
+ChannelTransform CK4NManager::GetChannel(std::size_t channel) const {
+  return channel < kChannelCount ? Cached(&InstrumentSettings::channels)[channel]
+                                 : ChannelTransform{};
 }
 
 Status CK4NManager::SetChannelOffset(std::size_t channel, double offset) {
   return SetChannel(channel, &ChannelTransform::offset, offset, std::abs(offset) <= kLargestOffset);
 }
 
-Status CK4NManager::GetChannelOffset(std::size_t channel, double& offset) const {
-  return GetChannel(channel, &ChannelTransform::offset, offset);
-}
-
 Status CK4NManager::SetChannelMultiplier(std::size_t channel, double multiplier) {
   return SetChannel(channel, &ChannelTransform::multiplier, multiplier, true);
 }
 
-Status CK4NManager::GetChannelMultiplier(std::size_t channel, double& multiplier) const {
-  return GetChannel(channel, &ChannelTransform::multiplier, multiplier);
-}
-
 Status CK4NManager::SetChannelDivider(std::size_t channel, double divider) {
   return SetChannel(channel, &ChannelTransform::divider, divider, divider >= kSmallestDivider);
-}
-
-Status CK4NManager::GetChannelDivider(std::size_t channel, double& divider) const {
-  return GetChannel(channel, &ChannelTransform::divider, divider);
 }

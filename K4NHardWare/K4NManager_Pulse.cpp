@@ -22,20 +22,20 @@ bool IsTime(double nanoseconds) { return nanoseconds >= 0.0; }
 Status ReadPacket(SAFEARRAY* widths, SAFEARRAY* delays, PulseSettings& pulse) {
   if (widths != nullptr) {
     RealArray elements(widths);
-    if (FAILED(elements.locked())) return elements.locked();
+    if (FAILED(elements.locked())) return Status{elements.locked()};
     pulse.packet_widths = elements.Read();
     if (pulse.packet_widths.empty()) {
       elements.KeepLocked();
-      return status::kInvalidValue;
+      return Status::kInvalidValue;
     }
   }
   if (delays != nullptr) {
     const RealArray elements(delays);
-    if (FAILED(elements.locked())) return elements.locked();
+    if (FAILED(elements.locked())) return Status{elements.locked()};
     pulse.packet_gaps = elements.Read();
   }
-  return pulse.packet_gaps.size() == pulse.packet_widths.size() ? status::kOk
-                                                                : status::kInvalidValue;
+  return pulse.packet_gaps.size() == pulse.packet_widths.size() ? Status::kOk
+                                                                : Status::kInvalidValue;
 }
 
 /// Stops at the first time that is none; what was converted before stays so (kept).
@@ -45,9 +45,9 @@ Status ConvertPacket(PulseSettings& pulse) {
     double& gap = pulse.packet_gaps[i];
     width *= kNanosecondsPerSecond;
     gap *= kNanosecondsPerSecond;
-    if (!IsTime(width) || !IsTime(gap)) return status::kInvalidValue;
+    if (!IsTime(width) || !IsTime(gap)) return Status::kInvalidValue;
   }
-  return status::kOk;
+  return Status::kOk;
 }
 
 void WriteBack(std::vector<double> nanoseconds, SAFEARRAY* array) {
@@ -67,16 +67,16 @@ Status CK4NManager::ChangePulse(Change&& change) {
     std::forward<Change>(change)(pulse);
     return pulse.modulation_enabled;
   });
-  return modulated ? Guarded([this] { return ProgramPulseModulation(); }) : status::kOk;
+  return modulated ? Guarded([this] { return ProgramPulseModulation(); }) : Status::kOk;
 }
 
 Status CK4NManager::SetPulseWidth(double width) {
-  if (!IsTime(width)) return status::kInvalidValue;
+  if (!IsTime(width)) return Status::kInvalidValue;
   return ChangePulse([&](PulseSettings& pulse) { pulse.width = width; });
 }
 
 Status CK4NManager::SetPulsePeriod(double period) {
-  if (!IsTime(period)) return status::kInvalidValue;
+  if (!IsTime(period)) return Status::kInvalidValue;
   return ChangePulse([&](PulseSettings& pulse) { pulse.period = period; });
 }
 
@@ -88,10 +88,10 @@ Status CK4NManager::SetDoublePulseEnabled(bool enabled) {
 }
 
 Status CK4NManager::SetDoublePulseDelay(double delay) {
-  if (!IsTime(delay)) return status::kInvalidValue;
+  if (!IsTime(delay)) return Status::kInvalidValue;
   const std::lock_guard lock(operation_mutex_);
   pulse_.With([&](PulseSettings& pulse) { pulse.double_delay = delay; });
-  return status::kOk;
+  return Status::kOk;
 }
 
 Status CK4NManager::SetPacketEnabled(bool enabled) {
@@ -105,7 +105,7 @@ Status CK4NManager::ConfigurePacket(bool enabled, SAFEARRAY* widths, SAFEARRAY* 
   const std::lock_guard lock(operation_mutex_);
   PulseSettings packet;
   Status result = ReadPacket(widths, delays, packet);
-  if (result == status::kOk) {
+  if (result == Status::kOk) {
     result = ConvertPacket(packet);
   } else {
     packet = {};
@@ -114,7 +114,7 @@ Status CK4NManager::ConfigurePacket(bool enabled, SAFEARRAY* widths, SAFEARRAY* 
     pulse.packet_widths = packet.packet_widths;
     pulse.packet_gaps = packet.packet_gaps;
   });
-  if (result != status::kOk) return result;
+  if (result != Status::kOk) return result;
 
   result = SetPacketEnabled(enabled);
   packet = pulse_.Copy();
@@ -131,7 +131,7 @@ Status CK4NManager::SetPulseModEnabled(bool enabled) {
   });
 }
 
-Status CK4NManager::SetPulseModSource(std::uint32_t source) {
+Status CK4NManager::SetPulseModSource(PulseSource source) {
   return ChangePulse([&](PulseSettings& pulse) { pulse.modulation_source = source; });
 }
 
@@ -186,7 +186,7 @@ Status CK4NManager::ProgramDoublePulse(PulseSettings& pulse) {
 Status CK4NManager::ProgramPacket(PulseSettings& pulse) {
   std::vector<double>& widths = pulse.packet_widths;
   std::vector<double>& gaps = pulse.packet_gaps;
-  if (widths.empty() || widths.size() != gaps.size()) return status::kInvalidValue;
+  if (widths.empty() || widths.size() != gaps.size()) return Status::kInvalidValue;
   const double busy = std::accumulate(widths.begin(), widths.end(), 0.0) +
                       std::accumulate(gaps.begin(), gaps.end() - 1, 0.0);
   gaps.back() = std::max(pulse.period - busy, 0.0);

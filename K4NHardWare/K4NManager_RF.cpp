@@ -8,9 +8,7 @@ Status CK4NManager::SetFrequency(double frequency) {
   });
 }
 
-Status CK4NManager::GetFrequency(double& frequency) const {
-  return Cached([&](const InstrumentSettings& live) { frequency = live.cw_frequency; });
-}
+double CK4NManager::GetFrequency() const { return Cached(&InstrumentSettings::cw_frequency); }
 
 Status CK4NManager::SetLevel(double level) {
   return Guarded([&] {
@@ -19,9 +17,7 @@ Status CK4NManager::SetLevel(double level) {
   });
 }
 
-Status CK4NManager::GetLevel(double& level) const {
-  return Cached([&](const InstrumentSettings& live) { level = live.cw_level; });
-}
+double CK4NManager::GetLevel() const { return Cached(&InstrumentSettings::cw_level); }
 
 Status CK4NManager::SetOutputEnabled(bool enabled) {
   return Guarded([&] {
@@ -38,7 +34,7 @@ Status CK4NManager::SwitchOutputOff() {
     return live;
   });
   const Status result = model_->SetOutputLevel(settings.level, settings.cw_level);
-  if (IsSuccess(result)) {
+  if (Succeeded(result)) {
     settings_.With([&](InstrumentSettings& live) {
       live.level = settings.level;
       live.cw_level = settings.cw_level;
@@ -47,9 +43,7 @@ Status CK4NManager::SwitchOutputOff() {
   return Record(Site::kOutputEnabled, result);
 }
 
-Status CK4NManager::GetOutputEnabled(bool& enabled) {
-  const Status result =
-      Cached([&](const InstrumentSettings& live) { enabled = live.level.level_control == 1; });
-  if (result == status::kOk) block_.Discard();
-  return result;
+bool CK4NManager::GetOutputEnabled() {
+  block_.Discard();
+  return Cached(&InstrumentSettings::level).level_control == 1;
 }

@@ -16,7 +16,7 @@ constexpr std::array kKindCandidates = {InstrumentKind::kAnalyser, InstrumentKin
                                         InstrumentKind::kGenerator};
 
 bool IsNotSupported(Status result) {
-  return result == status::kInstrumentNotSupported || result == status::kInstrumentFormUnknown;
+  return result == Status::kInstrumentNotSupported || result == Status::kInstrumentFormUnknown;
 }
 
 }  // namespace
@@ -25,14 +25,14 @@ Status CK4NManager::Initialize(const std::string& resource_name, const std::stri
   os::Sleep(kSettleTime);
   AbandonExchange();
   const Operation operation(*this);
-  EndSession(Output::kSwitchOff);
-  if (const Status opened = OpenSession(resource_name); opened != status::kOk) return opened;
+  Discard(EndSession(Output::kSwitchOff));  // there may be none
+  if (const Status opened = OpenSession(resource_name); opened != Status::kOk) return opened;
   const Status started = StartSession(option_string == kGeneratorOption);
-  if (started == status::kOk) {
+  if (started == Status::kOk) {
     connected_ = true;
   } else {
     // The output is the instrument's own affair still.
-    EndSession(Output::kLeave);
+    Discard(EndSession(Output::kLeave));
   }
   return started;
 }
@@ -51,8 +51,8 @@ void CK4NManager::AbandonExchange() {
 
 Status CK4NManager::OpenSession(const std::string& resource_name) {
   auto device = std::make_unique<uDevice::Interface>(resource_name);
-  if (const Status opened = device->last_status(); opened != status::kOk) {
-    if (!IsSuccess(opened)) trail_.Append(opened, Site::kOpenSession);
+  if (const Status opened = device->last_status(); opened != Status::kOk) {
+    if (!Succeeded(opened)) trail_.Append(opened, Site::kOpenSession);
     return opened;
   }
   auto exchanger = std::make_unique<CommandExchanger>(std::move(device));
@@ -63,15 +63,15 @@ Status CK4NManager::OpenSession(const std::string& resource_name) {
   const std::lock_guard lock(session_mutex_);
   exchanger_ = std::move(exchanger);
   model_ = std::move(model);
-  return status::kOk;
+  return Status::kOk;
 }
 
 Status CK4NManager::StartSession(bool generator_only) {
   const Status initialized = Record(Site::kInitializeModel, model_->Initialize());
-  if (IsNotSupported(initialized)) return status::kUnknownResource;
+  if (IsNotSupported(initialized)) return Status::kUnknownResource;
   instrument_kind_ = generator_only ? InstrumentKind::kGenerator : InstrumentKind::kAnalyser;
   // Other failures than this one are left in the trail: the steps below decide.
-  if (IsNotSupported(ResetAndIdentify())) return status::kIdentificationFailed;
+  if (IsNotSupported(ResetAndIdentify())) return Status::kIdentificationFailed;
 
   firmware_newer_ =
       model_->identity().dsp_program.Ordinal() > ParseIdentityDate(kReferenceDate).Ordinal();
@@ -83,17 +83,18 @@ Status CK4NManager::StartSession(bool generator_only) {
   if (IsNotSupported(modulation_off)) {
     // An instrument without a modulator has not failed.
     pulse_.With([](PulseSettings& pulse) { pulse.modulation_available = false; });
-    modulation_off = status::kOk;
+    modulation_off = Status::kOk;
   }
-  Record(Site::kPulseOff, modulation_off);
+  Discard(Record(Site::kPulseOff, modulation_off));
   const std::lock_guard lock(session_mutex_);
   return protocol_.Open().value_or(modulation_off);
 }
 
 Status CK4NManager::EndSession(Output output) {
   block_.Discard();
-  if (model_ == nullptr) return status::kNoSession;
-  if (output == Output::kSwitchOff) SwitchOutputOff();
+  if (model_ == nullptr) return Status::kNoSession;
+  // The session ends whether or not the instrument hears of it.
+  if (output == Output::kSwitchOff) Discard(SwitchOutputOff());
   worker_.Stop();
 
   const std::lock_guard lock(session_mutex_);
@@ -101,24 +102,26 @@ Status CK4NManager::EndSession(Output output) {
   model_.reset();
   exchanger_.reset();
   protocol_.Close();
-  return status::kOk;
+  return Status::kOk;
 }
 
 Status CK4NManager::ResetAndIdentify() {
   LoadDefaults();
-  if (const Status identified = Identify(); !IsSuccess(identified)) return identified;
+  if (const Status identified = Identify(); !Succeeded(identified)) return identified;
 
   InstrumentSettings settings = settings_.Copy();
   const Status read =
       Record(Site::kOutputState, model_->ReadOutputState(settings.level, settings.cw_level));
-  if (!IsSuccess(read)) return read;
+  if (!Succeeded(read)) return read;
   // These alone: a caller may be setting up its channels meanwhile.
   settings_.With([&](InstrumentSettings& live) {
     live.level = settings.level;
     live.cw_level = settings.cw_level;
   });
 
-  if (instrument_kind_ != InstrumentKind::kGenerator) ProgramAveraging(settings.averaging);
+  if (instrument_kind_ != InstrumentKind::kGenerator) {
+    Discard(ProgramAveraging(settings.averaging));  // kept: a refusal is told by the trail alone
+  }
   return ProgramSweepMode(SweepMode::kContinuousWave);
 }
 
@@ -126,8 +129,8 @@ void CK4NManager::LoadDefaults() {
   block_.Discard();
   settings_.Set({});
   pulse_.Set({});
-  ClearFrequencyList();
-  ClearPowerList();
+  frequency_list_.Set(nullptr);
+  power_list_.Set(nullptr);
   measurement_mode_ = SweepMode::kContinuousWave;
   InstrumentState& state = worker_.state();
   state.rf_button = false;
@@ -139,7 +142,7 @@ void CK4NManager::LoadDefaults() {
 /// Asks for one kind after the other, from the chosen one on, until the instrument confirms one.
 /// Without an answer the chosen one stands.
 Status CK4NManager::Identify() {
-  Status result = status::kOk;
+  Status result = Status::kOk;
   const InstrumentKind chosen = instrument_kind_;
   bool reached = false;
   for (const InstrumentKind candidate : kKindCandidates) {
@@ -147,16 +150,18 @@ Status CK4NManager::Identify() {
     if (!reached) continue;
     auto kind = static_cast<std::uint32_t>(candidate);
     result = model_->QueryInstrumentKind(kind);
-    if (result == status::kOk) {
+    if (result == Status::kOk) {
       if (kind != static_cast<std::uint32_t>(candidate)) {
-        trail_.Append(status::kWrongInstrumentKind, Site::kInstrumentKind);
-        return status::kWrongInstrumentKind;
+        trail_.Append(Status::kWrongInstrumentKind, Site::kInstrumentKind);
+        return Status::kWrongInstrumentKind;
       }
       instrument_kind_ = candidate;
-      return status::kOk;
+      return Status::kOk;
     }
-    if (result < 0) result = IsSuccess(model_->Recover()) ? 0 : 1;
+    if (IsNegative(result)) {
+      result = Succeeded(model_->Recover()) ? Status::kOk : Status::kInstrumentRepeat;
+    }
   }
-  if (!IsSuccess(result)) trail_.Append(result, Site::kKindProbe);
+  if (!Succeeded(result)) trail_.Append(result, Site::kKindProbe);
   return result;
 }

@@ -9,10 +9,6 @@ namespace {
 constexpr double kStandInFrequency = 1e7;  // Hz
 constexpr double kStandInLevel = -60.0;    // dBm
 
-constexpr auto kImmediate = static_cast<std::uint32_t>(TriggerSource::kImmediate);
-constexpr auto kExternal = static_cast<std::uint32_t>(TriggerSource::kExternal);
-constexpr auto kSoftware = static_cast<std::uint32_t>(TriggerSource::kSoftware);
-
 /// The instrument's codes of the sweep trigger.
 enum TriggerCode : std::uint32_t {
   kFreeRun = 0,
@@ -24,15 +20,14 @@ enum TriggerCode : std::uint32_t {
 
 /// Nothing for a source that does not exist. A software source lets the instrument run freely: the
 /// worker then reads one sweep at each trigger.
-std::optional<std::uint32_t> CodeOf(const SweepTriggerSettings& trigger, bool single_step,
-                                    bool ext_pwr_ctrl) {
+std::optional<std::uint32_t> TriggerCodeOf(const SweepTriggerSettings& trigger, bool ext_pwr_ctrl) {
   switch (trigger.source) {
-    case kImmediate:
+    case TriggerSource::kImmediate:
       return kFreeRun;
-    case kExternal:
-      if (!single_step) return kExternalSweep;
-      return trigger.action != 0 ? kExternalMeasure : kExternalStep;
-    case kSoftware:
+    case TriggerSource::kExternal:
+      if (!trigger.single_step) return kExternalSweep;
+      return trigger.action == TriggerAction::kMeasure ? kExternalMeasure : kExternalStep;
+    case TriggerSource::kSoftware:
       return ext_pwr_ctrl ? kTriggerLine : kFreeRun;
     default:
       return std::nullopt;
@@ -40,23 +35,23 @@ std::optional<std::uint32_t> CodeOf(const SweepTriggerSettings& trigger, bool si
 }
 
 /// What the instrument's code means for the settings; false for a code that it does not have.
-bool TakeCode(std::uint32_t code, SweepTriggerSettings& trigger, bool& single_step) {
+bool TakeTriggerCode(std::uint32_t code, SweepTriggerSettings& trigger) {
   switch (code) {
     case kFreeRun:
-      if (trigger.source != kSoftware) trigger.source = kImmediate;
+      if (trigger.source != TriggerSource::kSoftware) trigger.source = TriggerSource::kImmediate;
       return true;
     case kExternalSweep:
-      trigger.source = kExternal;
-      single_step = false;
+      trigger.source = TriggerSource::kExternal;
+      trigger.single_step = false;
       return true;
     case kExternalStep:
     case kExternalMeasure:
-      trigger.source = kExternal;
-      single_step = true;
-      trigger.action = code == kExternalMeasure ? 1 : 0;
+      trigger.source = TriggerSource::kExternal;
+      trigger.single_step = true;
+      trigger.action = code == kExternalMeasure ? TriggerAction::kMeasure : TriggerAction::kSwitch;
       return true;
     case kTriggerLine:
-      trigger.source = kSoftware;
+      trigger.source = TriggerSource::kSoftware;
       return true;
     default:
       return false;
@@ -76,154 +71,117 @@ Status CK4NManager::ProgramSweepMode(SweepMode mode) {
         [wanted](InstrumentSettings& live) { return std::exchange(live.sweep_mode, wanted); });
   };
   const SweepMode previous = exchange_mode(mode);
-  if (const Status power = ApplyPowerAxis(std::nullopt); power != status::kOk) {
+  if (const Status power = ApplyPowerAxis(std::nullopt); power != Status::kOk) {
     exchange_mode(previous);
     return power;
   }
-  if (const Status frequency = ApplyFrequencyAxis(std::nullopt); frequency != status::kOk) {
+  if (const Status frequency = ApplyFrequencyAxis(std::nullopt); frequency != Status::kOk) {
     exchange_mode(previous);
-    ApplyPowerAxis(std::nullopt);
+    Discard(ApplyPowerAxis(std::nullopt));  // back to the former mode
     return frequency;
   }
   measurement_mode_ = mode;
   sweep_armed_ = true;
 
-  InstrumentSettings settings = settings_.Copy();
-  ProgramSweepTrigger(settings.sweep_trigger, settings.single_step);
-  return status::kOk;
+  // Kept: the mode stands without its trigger, whose failure the trail tells.
+  Discard(ProgramSweepTrigger(GetSweepTrigger()));
+  return Status::kOk;
 }
 
-Status CK4NManager::GetSweepMode(SweepMode& mode) const {
-  mode = settings_.With([](const InstrumentSettings& live) { return live.sweep_mode; });
-  return status::kOk;
-}
+SweepMode CK4NManager::GetSweepMode() const { return Cached(&InstrumentSettings::sweep_mode); }
 
-Status CK4NManager::SetFrequencyStep(double& start, double& stop, double& step) {
+Status CK4NManager::SetFrequencyStep(const StepSettings& step) {
   return Guarded([&] {
     block_.Discard();
-    settings_.With([&](InstrumentSettings& live) { live.frequency_step = {start, stop, step}; });
+    settings_.With([&](InstrumentSettings& live) { live.frequency_step = step; });
     const Status result =
         Record(Site::kFrequencyStep, ApplyFrequencyAxis(SweepMode::kFrequencyStep));
-    if (!IsSuccess(result)) return result;
-    const SweepMode mode = settings_.With([&](InstrumentSettings& live) {
-      start = live.frequency_step.start;
-      stop = live.frequency_step.stop;
-      step = live.frequency_step.step;
-      live.frequency_step_configured = true;
-      return live.sweep_mode;
-    });
-    if (mode != SweepMode::kPowerStep) return result;
+    if (!Succeeded(result)) return result;
+    settings_.With([](InstrumentSettings& live) { live.frequency_step_configured = true; });
+    if (GetSweepMode() != SweepMode::kPowerStep) return result;
     return Record(Site::kFrequencyStepPower, ApplyPowerAxis(std::nullopt));
   });
 }
 
-Status CK4NManager::GetFrequencyStep(double& start, double& stop, double& step) const {
-  return Cached([&](const InstrumentSettings& live) {
-    start = live.frequency_step.start;
-    stop = live.frequency_step.stop;
-    step = live.frequency_step.step;
-  });
+StepSettings CK4NManager::GetFrequencyStep() const {
+  return Cached(&InstrumentSettings::frequency_step);
 }
 
-Status CK4NManager::SetPowerStep(double& start, double& stop, double& step) {
+Status CK4NManager::SetPowerStep(const StepSettings& step) {
   return Guarded([&] {
     block_.Discard();
-    settings_.With([&](InstrumentSettings& live) { live.power_step = {start, stop, step}; });
+    settings_.With([&](InstrumentSettings& live) { live.power_step = step; });
     const Status result = Record(Site::kPowerStep, ApplyPowerAxis(SweepMode::kPowerStep));
-    if (!IsSuccess(result)) return result;
-    const SweepMode mode = settings_.With([&](const InstrumentSettings& live) {
-      start = live.power_step.start;
-      stop = live.power_step.stop;
-      step = live.power_step.step;
-      return live.sweep_mode;
-    });
-    if (mode != SweepMode::kFrequencyStep) return result;
+    if (!Succeeded(result) || GetSweepMode() != SweepMode::kFrequencyStep) return result;
     return Record(Site::kPowerStepFrequency, ApplyFrequencyAxis(std::nullopt));
   });
 }
 
-Status CK4NManager::GetPowerStep(double& start, double& stop, double& step) const {
-  return Cached([&](const InstrumentSettings& live) {
-    start = live.power_step.start;
-    stop = live.power_step.stop;
-    step = live.power_step.step;
-  });
-}
+StepSettings CK4NManager::GetPowerStep() const { return Cached(&InstrumentSettings::power_step); }
 
-Status CK4NManager::SetSweepTrigger(SweepTriggerSettings& trigger, bool single_step) {
-  return Guarded([&] { return ProgramSweepTrigger(trigger, single_step); });
+Status CK4NManager::SetSweepTrigger(const SweepTriggerSettings& trigger) {
+  return Guarded([&] { return ProgramSweepTrigger(trigger); });
 }
 
 /// Kept: after a source or an answer that does not exist the worker stays paused until the next
 /// operation.
-Status CK4NManager::ProgramSweepTrigger(SweepTriggerSettings& trigger, bool single_step) {
+Status CK4NManager::ProgramSweepTrigger(SweepTriggerSettings trigger) {
   block_.Discard();
-  const bool ext_pwr_ctrl =
-      settings_.With([](const InstrumentSettings& live) { return live.ext_pwr_ctrl; });
-  const std::optional<std::uint32_t> code = CodeOf(trigger, single_step, ext_pwr_ctrl);
+  const bool ext_pwr_ctrl = GetExtPwrCtrl();
+  const std::optional<std::uint32_t> code = TriggerCodeOf(trigger, ext_pwr_ctrl);
   if (!code) {
     leave_worker_paused_ = true;
-    return status::kRefused;
+    return Status::kRefused;
   }
   TriggerElements elements{.code = *code,
-                           .edge = trigger.sync_detection != 0,
+                           .edge = trigger.falling_edge,
                            .value = static_cast<std::uint8_t>(ext_pwr_ctrl ? 1 : 0),
                            .flag = 0,
                            .last = ext_pwr_ctrl ? 3U : 2U};
   const Status result = Record(Site::kSweepTrigger, model_->SetTriggerInput(0, elements));
-  if (!IsSuccess(result)) return result;
+  if (!Succeeded(result)) return result;
 
-  trigger.sync_detection = elements.edge ? 1 : 0;
-  if (!TakeCode(elements.code, trigger, single_step)) {
+  trigger.falling_edge = elements.edge;
+  if (!TakeTriggerCode(elements.code, trigger)) {
     leave_worker_paused_ = true;
-    return status::kRefused;
+    return Status::kRefused;
   }
-  settings_.With([&](InstrumentSettings& live) {
-    live.sweep_trigger = trigger;
-    live.single_step = single_step;
-  });
+  settings_.With([&](InstrumentSettings& live) { live.sweep_trigger = trigger; });
   return result;
 }
 
-Status CK4NManager::GetSweepTrigger(SweepTriggerSettings& trigger, bool& single_step) const {
-  return Cached([&](const InstrumentSettings& live) {
-    trigger = live.sweep_trigger;
-    single_step = live.single_step;
-  });
+SweepTriggerSettings CK4NManager::GetSweepTrigger() const {
+  return Cached(&InstrumentSettings::sweep_trigger);
 }
 
 Status CK4NManager::SetDwell(double nanoseconds) {
   return Guarded([&] {
     const Status result = Record(Site::kDwell, model_->SetDwell(nanoseconds));
-    if (IsSuccess(result)) {
+    if (Succeeded(result)) {
       settings_.With([&](InstrumentSettings& live) { live.dwell = nanoseconds; });
     }
     return result;
   });
 }
 
-Status CK4NManager::GetDwell(double& nanoseconds) const {
-  nanoseconds = settings_.With([](const InstrumentSettings& live) { return live.dwell; });
-  return status::kOk;
-}
+double CK4NManager::GetDwell() const { return Cached(&InstrumentSettings::dwell); }
 
 void CK4NManager::RequestSoftwareTrigger() {
-  Guarded([this] {
+  Discard(Guarded([this] {
     worker_.RequestSoftwareTrigger();
-    return status::kOk;
-  });
+    return Status::kOk;
+  }));  // without a session there is nothing to trigger
 }
 
 /// Programs the frequency axis for the sweep mode. A request for another mode is tried first: the
 /// instrument checks and corrects that mode's values.
 Status CK4NManager::ApplyFrequencyAxis(std::optional<SweepMode> request) {
-  const SweepMode mode =
-      settings_.With([](const InstrumentSettings& live) { return live.sweep_mode; });
+  const SweepMode mode = GetSweepMode();
   const bool is_trial = request && *request != mode &&
                         !(*request == SweepMode::kContinuousWave && mode == SweepMode::kPowerStep);
-  const Status trial = is_trial ? ProgramFrequencyAxis(*request) : status::kOk;
+  const Status trial = is_trial ? ProgramFrequencyAxis(*request) : Status::kOk;
   const Status programmed = ProgramFrequencyAxis(mode);
-  return trial != status::kOk ? trial : programmed;
+  return trial != Status::kOk ? trial : programmed;
 }
 
 /// As above. Trials run with the output off; while it is off they are all that is sent.
@@ -234,21 +192,19 @@ Status CK4NManager::ApplyPowerAxis(std::optional<SweepMode> request) {
   const bool is_trial =
       request && *request != mode &&
       !(*request == SweepMode::kContinuousWave && mode == SweepMode::kFrequencyStep);
-  const Status trial = is_trial ? ProgramPowerAxis(*request, true) : status::kOk;
+  const Status trial = is_trial ? ProgramPowerAxis(*request, true) : Status::kOk;
   if (is_trial && !output_on) return trial;
   const Status programmed = ProgramPowerAxis(mode, false);
-  return trial != status::kOk ? trial : programmed;
+  return trial != Status::kOk ? trial : programmed;
 }
 
 Status CK4NManager::ProgramFrequencyAxis(SweepMode mode) {
   InstrumentSettings settings = settings_.Copy();
-  Status result = status::kOk;
+  Status result = Status::kOk;
   switch (mode) {
-    case SweepMode::kFrequencyStep: {
-      auto& [start, stop, step] = settings.frequency_step;
-      result = model_->SetFrequencySweep(start, stop, step);
+    case SweepMode::kFrequencyStep:
+      result = model_->SetFrequencySweep(settings.frequency_step);
       break;
-    }
     case SweepMode::kList:
       result =
           ProgramList(ListAxis::kFrequency, frequency_list_, kStandInFrequency, settings.level);
@@ -256,7 +212,7 @@ Status CK4NManager::ProgramFrequencyAxis(SweepMode mode) {
     default:
       result = model_->SetCwFrequency(settings.cw_frequency);
   }
-  if (IsSuccess(result)) {
+  if (Succeeded(result)) {
     settings_.With([&](InstrumentSettings& live) {
       live.frequency_step = settings.frequency_step;
       live.cw_frequency = settings.cw_frequency;
@@ -269,20 +225,18 @@ Status CK4NManager::ProgramPowerAxis(SweepMode mode, bool trial) {
   InstrumentSettings settings = settings_.Copy();
   const std::uint32_t output = settings.level.level_control;
   if (trial) settings.level.level_control = 0;
-  Status result = status::kOk;
+  Status result = Status::kOk;
   switch (mode) {
-    case SweepMode::kPowerStep: {
-      auto& [start, stop, step] = settings.power_step;
-      result = model_->SetPowerSweep(settings.level, start, stop, step);
+    case SweepMode::kPowerStep:
+      result = model_->SetPowerSweep(settings.level, settings.power_step);
       break;
-    }
     case SweepMode::kList:
       result = ProgramList(ListAxis::kPower, power_list_, kStandInLevel, settings.level);
       break;
     default:
       result = model_->SetOutputLevel(settings.level, settings.cw_level);
   }
-  if (IsSuccess(result)) {
+  if (Succeeded(result)) {
     if (trial) settings.level.level_control = output;
     settings_.With([&](InstrumentSettings& live) {
       live.level = settings.level;

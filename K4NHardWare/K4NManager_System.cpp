@@ -8,127 +8,116 @@ namespace {
 constexpr const char* kSerialNumberFile = "\\FRAM\\SERIAL.TXT";
 constexpr const char* kTypeFile = "\\FRAM\\TYPE.TXT";
 
-constexpr std::uint32_t kSoftwareOutput = 6;  // trigger output codes
-
 }  // namespace
 
 /// Kept: a number that the instrument answers itself ends in "*", one from its file does not.
-Status CK4NManager::GetSerialNumber(std::string& serial_number) {
-  return Guarded([&] {
-    std::string text;
-    Status result = model_->QuerySerialNumber(text);
-    if (IsSuccess(result)) {
+Answer<std::string> CK4NManager::GetSerialNumber() {
+  std::string text;
+  const Status result = Guarded([&] {
+    Status read = model_->QuerySerialNumber(text);
+    if (Succeeded(read)) {
       text += '*';
-    } else if (result == status::kInstrumentNotSupported || result == status::kRefused) {
-      result = model_->ReadInstrumentFile(kSerialNumberFile, text);
+    } else if (read == Status::kInstrumentNotSupported || read == Status::kRefused) {
+      read = model_->ReadInstrumentFile(kSerialNumberFile, text);
     }
-    if (result < 0) model_->Recover();
-    settings_.With([&](InstrumentSettings& live) { live.serial_number = text; });
-    serial_number = std::move(text);
-    return result;
+    if (IsNegative(read)) Discard(model_->Recover());  // what failed is the result
+    return read;
   });
+  return {result, std::move(text)};
 }
 
-Status CK4NManager::GetInstrumentType(std::string& type) {
-  return Guarded([&] {
-    std::string text;
-    const Status result = model_->ReadInstrumentFile(kTypeFile, text);
-    if (result < 0) model_->Recover();
-    settings_.With([&](InstrumentSettings& live) { live.instrument_type = text; });
-    type = std::move(text);
-    return result;
+Answer<std::string> CK4NManager::GetInstrumentType() {
+  std::string text;
+  const Status result = Guarded([&] {
+    const Status read = model_->ReadInstrumentFile(kTypeFile, text);
+    if (IsNegative(read)) Discard(model_->Recover());  // what failed is the result
+    return read;
   });
+  return {result, std::move(text)};
 }
 
 /// What the worker knows while it measures, otherwise what the instrument answers.
 template <typename Read>
-Status CK4NManager::ReadState(std::atomic<bool>& state, Site site, bool& value, Read&& read,
-                              Told told) {
-  if (!connected_) return status::kNoSession;
+Answer<bool> CK4NManager::ReadState(std::atomic<bool>& state, Site site, Read&& read, Told told) {
+  if (!connected_) return {Status::kNoSession};
   if (worker_.IsMeasuring()) {
-    value = told == Told::kOnce ? state.exchange(true) : state.load();
-    return status::kOk;
+    return {Status::kOk, told == Told::kOnce ? state.exchange(true) : state.load()};
   }
-  return Guarded([&] {
-    bool answer = false;
-    const Status result = Record(site, std::forward<Read>(read)(answer));
-    if (!IsSuccess(result)) return result;
+  bool answer = false;
+  const Status result = Guarded([&] {
+    const Status asked = Record(site, std::forward<Read>(read)(answer));
+    if (!Succeeded(asked)) return asked;
     state = told == Told::kOnce || answer;
-    value = answer;
-    return status::kOk;
+    return Status::kOk;
   });
+  return {result, answer};
 }
 
-Status CK4NManager::GetRfButton(bool& pressed) {
-  return ReadState(worker_.state().rf_button, Site::kRfButton, pressed,
+Answer<bool> CK4NManager::GetRfButton() {
+  return ReadState(worker_.state().rf_button, Site::kRfButton,
                    [this](bool& answer) { return model_->ReadRfButton(answer); });
 }
 
-Status CK4NManager::GetPllState(bool& locked) {
-  return ReadState(worker_.state().pll_locked, Site::kPllState, locked,
+Answer<bool> CK4NManager::GetPllState() {
+  return ReadState(worker_.state().pll_locked, Site::kPllState,
                    [this](bool& answer) { return model_->ReadPllState(answer); });
 }
 
 /// Kept: a fault is told once, then the state counts as good until the next fault. The worker may
 /// note one at any moment, so that taking it is one exchange: none is lost and none told twice.
-Status CK4NManager::GetErgState(bool& good) {
+Answer<bool> CK4NManager::GetErgState() {
   return ReadState(
-      worker_.state().erg_good, Site::kErgState, good,
+      worker_.state().erg_good, Site::kErgState,
       [this](bool& answer) { return model_->ReadErgState(answer); }, Told::kOnce);
 }
 
-Status CK4NManager::GetLevelState(bool& settled) {
-  return ReadState(worker_.state().level_settled, Site::kLevelState, settled,
+Answer<bool> CK4NManager::GetLevelState() {
+  return ReadState(worker_.state().level_settled, Site::kLevelState,
                    [this](bool& answer) { return model_->ReadLevelState(answer); });
 }
 
 /// The mode is kept also when the instrument refuses it.
-Status CK4NManager::SetAttenMode(std::uint32_t mode) {
+Status CK4NManager::SetAttenMode(AttenMode mode) {
   return Guarded([&] {
     settings_.With([&](InstrumentSettings& live) { live.level.atten_mode = mode; });
     const Status result = Record(Site::kAttenMode, ApplyPowerAxis(std::nullopt));
-    return IsSuccess(result) ? status::kOk : result;
+    return Succeeded(result) ? Status::kOk : result;
   });
 }
 
-Status CK4NManager::GetAttenMode(std::uint32_t& mode) const {
-  return Cached([&](const InstrumentSettings& live) { mode = live.level.atten_mode; });
+AttenMode CK4NManager::GetAttenMode() const {
+  return Cached(&InstrumentSettings::level).atten_mode;
 }
 
 /// Both values are kept also when the instrument refuses them.
-Status CK4NManager::SetExtRefGen(bool enabled, double frequency) {
+Status CK4NManager::SetExtRefGen(const ReferenceSettings& reference) {
   return Guarded([&] {
+    ReferenceSettings kept = reference;
     const Status result =
-        Record(Site::kExtRefGen, model_->SetExternalReference(enabled, frequency));
-    settings_.With([&](InstrumentSettings& live) {
-      live.ext_ref_enabled = enabled;
-      live.ext_ref_frequency = frequency;
-    });
+        Record(Site::kExtRefGen, model_->SetExternalReference(kept.external, kept.frequency));
+    settings_.With([&](InstrumentSettings& live) { live.reference = kept; });
     return result;
   });
 }
 
-Status CK4NManager::GetExtRefGen(bool& enabled, double& frequency) const {
-  return Cached([&](const InstrumentSettings& live) {
-    enabled = live.ext_ref_enabled;
-    frequency = live.ext_ref_frequency;
-  });
+ReferenceSettings CK4NManager::GetExtRefGen() const {
+  return Cached(&InstrumentSettings::reference);
 }
 
 Status CK4NManager::SetExtRefPhaseDelay(std::int32_t delay) {
   return Guarded([&] {
     double value = delay;
     const Status result = Record(Site::kExtRefPhaseDelay, model_->SetPhaseDelay(value));
-    if (!IsSuccess(result)) return result;
+    if (!Succeeded(result)) return result;
     settings_.With([&](InstrumentSettings& live) {
       live.ext_ref_phase_delay = static_cast<std::int32_t>(std::lround(value));
     });
-    return status::kOk;
+    return Status::kOk;
   });
 }
 
-Status CK4NManager::GetExtRefPhaseDelay(std::int32_t& delay) const {
-  return Cached([&](const InstrumentSettings& live) { delay = live.ext_ref_phase_delay; });
+std::int32_t CK4NManager::GetExtRefPhaseDelay() const {
+  return Cached(&InstrumentSettings::ext_ref_phase_delay);
 }
 
 /// Kept: the flag marks the switching, not a mode. It reads false after a success, and true only
@@ -139,22 +128,20 @@ Status CK4NManager::SetExtPwrCtrl(bool enabled) {
       live.ext_pwr_ctrl = true;
       return live;
     });
-    settings.sweep_trigger.source =
-        static_cast<std::uint32_t>(enabled ? TriggerSource::kSoftware : TriggerSource::kImmediate);
-    const Status triggered = ProgramSweepTrigger(settings.sweep_trigger, settings.single_step);
+    settings.sweep_trigger.source = enabled ? TriggerSource::kSoftware : TriggerSource::kImmediate;
+    const Status triggered = ProgramSweepTrigger(settings.sweep_trigger);
     leave_worker_paused_ = false;
-    if (!IsSuccess(triggered)) return triggered;
+    if (!Succeeded(triggered)) return triggered;
 
-    settings.trigger_output.mode = enabled ? kSoftwareOutput : kNoTriggerOutput;
+    settings.trigger_output.mode =
+        enabled ? TriggerOutputMode::kSoftware : TriggerOutputMode::kNone;
     const Status result = ProgramTriggerOutput(settings.trigger_output);
     settings_.With([](InstrumentSettings& live) { live.ext_pwr_ctrl = false; });
     return result;
   });
 }
 
-Status CK4NManager::GetExtPwrCtrl(bool& enabled) const {
-  return Cached([&](const InstrumentSettings& live) { enabled = live.ext_pwr_ctrl; });
-}
+bool CK4NManager::GetExtPwrCtrl() const { return Cached(&InstrumentSettings::ext_pwr_ctrl); }
 
 /// The mode is kept also when the instrument refuses it.
 Status CK4NManager::SetCompensMode(std::uint32_t mode) {
@@ -165,6 +152,6 @@ Status CK4NManager::SetCompensMode(std::uint32_t mode) {
   });
 }
 
-Status CK4NManager::GetCompensMode(std::uint32_t& mode) const {
-  return Cached([&](const InstrumentSettings& live) { mode = live.compensation_mode; });
+std::uint32_t CK4NManager::GetCompensMode() const {
+  return Cached(&InstrumentSettings::compensation_mode);
 }

@@ -22,7 +22,6 @@ void MeasurementBlock::Store(std::span<const std::uint8_t> bytes, char format_ma
                              const Synchronized<InstrumentSettings>& settings) {
   const std::span<const std::uint8_t> points = bytes.first(bytes.size() - 2);
   const std::lock_guard lock(mutex_);
-  ready_ = false;  // until all of it is there: copies need memory
   bytes_.assign(points.begin(), points.end());
   format_mark_ = format_mark;
   settings.With([this](const InstrumentSettings& live) { settings_ = live; });

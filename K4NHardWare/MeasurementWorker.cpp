@@ -72,10 +72,10 @@ bool MeasurementWorker::Measure() {
     if (stop_request_.AcquireFor(kStopPoll)) return true;
     bool stop_requested = false;
     const Status read = Attempt([&] { return ReadBlock(stop_requested); });
-    Attempt([&] {
+    Discard(Attempt([&] {
       FinishRead(read);
-      return status::kOk;
-    });
+      return Status::kOk;
+    }));  // what it threw is in the trail
     const bool triggered = trigger_pending_.exchange(false);
     if (stop_requested || triggered) return stop_requested;
   }
@@ -86,13 +86,13 @@ bool MeasurementWorker::Measure() {
 /// failed read. A stop request that was taken before is still acknowledged.
 template <typename Step>
 Status MeasurementWorker::Attempt(Step&& step) noexcept {
-  Status thrown = status::kOk;
+  Status thrown = Status::kOk;
   try {
     return std::forward<Step>(step)();
   } catch (const std::bad_alloc&) {
-    thrown = status::kVisaAllocation;
+    thrown = Status::kVisaAllocation;
   } catch (...) {
-    thrown = status::kVisaIo;
+    thrown = Status::kVisaIo;
   }
   trail_.Append(thrown, Site::kWorkerRead);
   return thrown;
@@ -104,7 +104,7 @@ Status MeasurementWorker::Attempt(Step&& step) noexcept {
 /// reads, too.
 Status MeasurementWorker::ReadBlock(bool& stop_requested) {
   Status status = Poll(Site::kWorkerRead);
-  while (status == status::kVisaTimeout) {
+  while (status == Status::kVisaTimeout) {
     stop_requested = stop_request_.AcquireFor(kStopPoll);
     if (stop_requested) break;
     status = Poll(Site::kWorkerRepeatedRead);
@@ -113,10 +113,10 @@ Status MeasurementWorker::ReadBlock(bool& stop_requested) {
 }
 
 void MeasurementWorker::FinishRead(Status read) {
-  if (read == status::kOk) {
+  if (read == Status::kOk) {
     KeepBlock();
   } else {
-    model_->ClearAndRecover();
+    Discard(model_->ClearAndRecover());  // if it fails, so will the next read
   }
   PollRfButton();
 }
@@ -126,7 +126,7 @@ Status MeasurementWorker::Poll(Site site) {
   format_mark_ = kRawReadings;
   const Status status = model_->PollDataBlock(receive_buffer_, length_, format_mark_);
   NoteState(status);
-  if (status != status::kVisaTimeout && !IsSuccess(status)) trail_.Append(status, site);
+  if (status != Status::kVisaTimeout && !Succeeded(status)) trail_.Append(status, site);
   return status;
 }
 
@@ -138,20 +138,20 @@ void MeasurementWorker::KeepBlock() {
   const std::span<const std::uint8_t> bytes(receive_buffer_.data(), length_);
   block_.Store(bytes, format_mark_, settings_);
   const auto word = static_cast<std::uint16_t>(bytes[length_ - 2] | (bytes[length_ - 1] << 8));
-  const Status block_status = static_cast<std::int16_t>(word);
-  if (!IsSuccess(block_status)) trail_.Append(block_status, Site::kBlockStatus);
+  const Status block_status{static_cast<std::int16_t>(word)};
+  if (!Succeeded(block_status)) trail_.Append(block_status, Site::kBlockStatus);
   NoteState(block_status);
 }
 
 void MeasurementWorker::NoteState(Status status) {
   switch (status) {
-    case status::kInstrumentLevelNotSettled:
+    case Status::kInstrumentLevelNotSettled:
       state_.level_settled = false;
       break;
-    case status::kInstrumentPllUnlocked:
+    case Status::kInstrumentPllUnlocked:
       state_.pll_locked = false;
       break;
-    case status::kInstrumentErgFault:
+    case Status::kInstrumentErgFault:
       state_.erg_good = false;
       break;
     default:
@@ -164,7 +164,7 @@ void MeasurementWorker::PollRfButton() {
   if (os::TickCount() - button_polled_ <= kButtonPeriod) return;
   bool pressed = false;
   const Status status = model_->ReadRfButton(pressed);
-  if (IsSuccess(status)) {
+  if (Succeeded(status)) {
     state_.rf_button = pressed;
   } else {
     trail_.Append(status, Site::kWorkerRfButton);

@@ -11,8 +11,8 @@
 #include "K4NHardWare/InstrumentSettings.h"
 #include "K4NHardWare/MeasurementBlock.h"
 #include "K4NHardWare/Synchronized.h"
-#include "measurement/Status.h"
 #include "platform/os/Sync.h"
+#include "status/Status.h"
 
 class D3THardWare;
 

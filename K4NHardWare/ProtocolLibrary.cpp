@@ -14,7 +14,7 @@ std::optional<Status> ProtocolLibrary::Open() {
     return std::nullopt;
   }
   session_ = 0;
-  const Status opened = open_session(&session_);
+  const Status opened{open_session(&session_)};
   // A library without its file still answers, with texts of its own making.
   load(session_, "Protocol.xml");
   return opened;
@@ -28,7 +28,7 @@ void ProtocolLibrary::Close() {
 
 std::optional<std::string> ProtocolLibrary::Describe(Status code) const {
   if (!module_.IsLoaded()) return std::nullopt;
-  const char* const text = describe_(session_, code);
+  const char* const text = describe_(session_, ToCode(code));
   if (text == nullptr) return std::nullopt;
   return text;
 }

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "measurement/Status.h"
 #include "platform/os/Module.h"
+#include "status/Status.h"
 
 /// One session of the library at a time. Used under the owner's lock.
 class ProtocolLibrary {

@@ -59,7 +59,7 @@ void ProtocolMessage::Finalize(std::uint32_t sequence) {
 bool ProtocolMessage::HasMagic() const { return Get16(header_, kMagicOffset) == kMagic; }
 
 Status ProtocolMessage::status() const {
-  return static_cast<std::int16_t>(Get16(header_, kStatusOffset));
+  return Status{static_cast<std::int16_t>(Get16(header_, kStatusOffset))};
 }
 
 std::uint16_t ProtocolMessage::length() const { return Get16(header_, kLengthOffset); }

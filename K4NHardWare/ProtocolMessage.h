@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "measurement/Status.h"
+#include "status/Status.h"
 
 /// What a request asks for.
 enum class Command : std::uint16_t {

@@ -30,17 +30,17 @@ Status TakePiece(std::size_t index, std::string_view piece, ResourceName& name) 
       const std::size_t digits = piece.find_first_of(kDigits);
       if (piece.substr(0, digits) != "TCPIP") return resource_error::kNotTcpip;
       if (digits != std::string_view::npos) name.board = LeadingNumber(piece.substr(digits));
-      return status::kOk;
+      return Status::kOk;
     }
     case 1:
       name.host = piece;
-      return status::kOk;
+      return Status::kOk;
     case 2:
       if (!IsNumber(piece)) return resource_error::kBadPort;
       name.port = LeadingNumber(piece);
-      return status::kOk;
+      return Status::kOk;
     case 3:
-      return piece == "SOCKET" ? status::kOk : resource_error::kNotSocket;
+      return piece == "SOCKET" ? Status::kOk : resource_error::kNotSocket;
     default:
       return resource_error::kTooManyPieces;
   }
@@ -53,14 +53,15 @@ Status ParseResourceName(std::string_view text, ResourceName& name) {
   ResourceName parsed;
   for (std::size_t index = 0;; ++index) {
     const std::size_t end = text.find(kSeparator);
-    if (const Status result = TakePiece(index, text.substr(0, end), parsed); result != 0) {
+    if (const Status result = TakePiece(index, text.substr(0, end), parsed);
+        result != Status::kOk) {
       return result;
     }
     if (end == std::string_view::npos) break;
     text.remove_prefix(end + kSeparator.size());
   }
   name = std::move(parsed);
-  return status::kOk;
+  return Status::kOk;
 }
 
 void SplitHostPort(std::string_view text, std::string& host, std::uint32_t& port) {

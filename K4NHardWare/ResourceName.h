@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "measurement/Status.h"
+#include "status/Status.h"
 
 inline constexpr std::uint32_t kDefaultPort = 8888;
 
@@ -17,10 +17,10 @@ struct ResourceName {
 };
 
 namespace resource_error {
-inline constexpr Status kNotSocket = 26208;  // the fourth piece is not "SOCKET"
-inline constexpr Status kNotTcpip = 26209;   // the first piece is not "TCPIP" and digits
-inline constexpr Status kBadPort = 26210;    // the third piece is not a number
-inline constexpr Status kTooManyPieces = 26212;
+inline constexpr Status kNotSocket{26208};  // the fourth piece is not "SOCKET"
+inline constexpr Status kNotTcpip{26209};   // the first piece is not "TCPIP" and digits
+inline constexpr Status kBadPort{26210};    // the third piece is not a number
+inline constexpr Status kTooManyPieces{26212};
 }  // namespace resource_error
 
 /// Splits a resource name into its pieces. Missing pieces take their defaults. Returns 0 and stores

@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <vector>
 
-#include "measurement/Status.h"
 #include "platform/os/Module.h"
 #include "visa/Visa.h"
 
@@ -18,12 +17,12 @@ struct StandBy;
 
 template <typename... Arguments>
 struct StandBy<ViStatus(Arguments...)> {
-  static ViStatus Call(Arguments...) { return status::kVisaLibraryNotFound; }
+  static ViStatus Call(Arguments...) { return VI_ERROR_LIBRARY_NFOUND; }
 };
 
 template <typename... Arguments>
 struct StandBy<ViStatus(Arguments..., ...)> {
-  static ViStatus Call(Arguments..., ...) { return status::kVisaLibraryNotFound; }
+  static ViStatus Call(Arguments..., ...) { return VI_ERROR_LIBRARY_NFOUND; }
 };
 
 template <typename... Arguments>

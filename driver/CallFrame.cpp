@@ -19,10 +19,10 @@ void SetSource(ICreateErrorInfo& info, const CLSID& class_id) {
 
 }  // namespace
 
-HRESULT CallFrame::WideError(os::WideString text, REFIID iid, HRESULT code) const {
+HRESULT CallFrame::WideError(os::WideString text, REFIID iid, Status code) const {
   ComPtr<ICreateErrorInfo> info;
   if (FAILED(CreateErrorInfo(info.Put()))) {
-    return code;
+    return ToCode(code);
   }
   info->SetGUID(iid);
   SetSource(*info, class_id_);
@@ -31,10 +31,10 @@ HRESULT CallFrame::WideError(os::WideString text, REFIID iid, HRESULT code) cons
   if (const auto finished = info.As<IErrorInfo>()) {
     SetErrorInfo(0, finished.Get());
   }
-  return code;
+  return ToCode(code);
 }
 
-HRESULT CallFrame::Error(std::string_view text, REFIID iid, HRESULT code) const {
+HRESULT CallFrame::Error(std::string_view text, REFIID iid, Status code) const {
   return WideError(os::ToWide(text), iid, code);
 }
 
@@ -52,19 +52,19 @@ HRESULT CallFrame::BuiltError(REFIID iid, Status code, os::WideView insert) cons
 HRESULT CallFrame::NotSupported(std::string_view member, REFIID iid) const noexcept {
   return Frame([&] {
     if (member.starts_with(kPutPrefix) || member.starts_with(kGetPrefix)) {
-      return BuiltError(iid, status::kPropertyNotSupported, member.substr(kPutPrefix.size()));
+      return BuiltError(iid, Status::kPropertyNotSupported, member.substr(kPutPrefix.size()));
     }
-    return BuiltError(iid, status::kMethodNotSupported, member);
+    return BuiltError(iid, Status::kMethodNotSupported, member);
   });
 }
 
 HRESULT CallFrame::GetInterface(IUnknown* target, REFIID wanted, REFIID declaring,
                                 std::string_view wanted_name, void** out) const noexcept {
-  return Frame(out, [&]() -> HRESULT {
+  return Frame({out}, [&]() -> HRESULT {
     *out = nullptr;
     if (target != nullptr && target->QueryInterface(wanted, out) == S_OK) {
       return S_OK;
     }
-    return BuiltError(declaring, status::kPropertyNotSupported, wanted_name);
+    return BuiltError(declaring, Status::kPropertyNotSupported, wanted_name);
   });
 }

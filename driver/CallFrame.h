@@ -3,13 +3,15 @@
 // supported.
 #pragma once
 
+#include <algorithm>
+#include <initializer_list>
 #include <new>
 #include <string_view>
 #include <utility>
 
-#include "measurement/Status.h"
 #include "platform/com/Com.h"
 #include "platform/os/Text.h"
+#include "status/Status.h"
 
 /// Runs a member's body: a failed allocation is E_OUTOFMEMORY, any other exception E_FAIL. The body
 /// returns an HRESULT or a status of the manager, which reaches the client unchanged: instrument
@@ -25,11 +27,31 @@ HRESULT Frame(Body&& body) noexcept {
   }
 }
 
-/// The same for a member with an out pointer: E_POINTER when it is null.
-template <typename Out, typename Body>
-HRESULT Frame(const Out* out, Body&& body) noexcept {
-  return out == nullptr ? E_POINTER : Frame(std::forward<Body>(body));
+/// The out pointers of a member. One that is null is refused before anything else is looked at.
+using OutPointers = std::initializer_list<const void*>;
+
+constexpr bool AreGiven(OutPointers out) {
+  return std::find(out.begin(), out.end(), nullptr) == out.end();
 }
+
+/// The same for a member with out pointers: E_POINTER when one is null.
+template <typename Body>
+HRESULT Frame(OutPointers out, Body&& body) noexcept {
+  return AreGiven(out) ? Frame(std::forward<Body>(body)) : E_POINTER;
+}
+
+/// The name of an interface, which clients read in error texts.
+template <typename Interface>
+constexpr std::string_view InterfaceName() {
+  std::string_view name = __PRETTY_FUNCTION__;  // "... Interface = Name;..." or "...= Name]"
+  name.remove_prefix(name.find("Interface = ") + 12);
+  return name.substr(0, name.find_first_of(";]"));
+}
+
+/// Kept: what several members read for true, against VARIANT_TRUE of the others. A client that
+/// compares with True in VBA sees a difference.
+constexpr VARIANT_BOOL BoolAsOne(bool value) { return value ? 1 : 0; }
+constexpr VARIANT_BOOL BoolAsTrue(bool value) { return value ? VARIANT_TRUE : VARIANT_FALSE; }
 
 /// Base of every COM class of the driver: error reporting under the class's own identity. Its
 /// operations may be called from any thread; error information belongs to the calling thread.
@@ -40,7 +62,7 @@ class CallFrame {
 
   /// Leaves error information with the thread (the interface, the class's ProgID when it is
   /// registered, the text) and returns the code.
-  HRESULT Error(std::string_view text, REFIID iid, HRESULT code) const;
+  HRESULT Error(std::string_view text, REFIID iid, Status code) const;
 
   /// Error with the text of the code's template, the library's name in front.
   HRESULT BuiltError(REFIID iid, Status code, std::string_view insert_1 = {},
@@ -51,16 +73,15 @@ class CallFrame {
   HRESULT BuiltError(REFIID iid, Status code, os::WideView insert) const;
 
   /// The whole answer of a member that is not supported, given its name ("get_Property" or
-  /// "Method"): 0x80047012 for a property, 0x80047011 for a method.
+  /// "Method", as __func__ gives it): 0x80047012 for a property, 0x80047011 for a method.
   HRESULT NotSupported(std::string_view member, REFIID iid) const noexcept;
 
   /// The whole body of a property that hands out an interface of `target` (null when that object
   /// could not be made). A failed query is reported as 0x80047012 with the wanted interface's name,
   /// against the interface that declares the property.
   template <typename Interface>
-  HRESULT Getter(IUnknown* target, REFIID declaring, std::string_view wanted_name,
-                 Interface** out) const noexcept {
-    return GetInterface(target, __uuidof(Interface), declaring, wanted_name,
+  HRESULT Getter(IUnknown* target, REFIID declaring, Interface** out) const noexcept {
+    return GetInterface(target, __uuidof(Interface), declaring, InterfaceName<Interface>(),
                         reinterpret_cast<void**>(out));
   }
 
@@ -69,7 +90,7 @@ class CallFrame {
   ~CallFrame() = default;
 
  private:
-  HRESULT WideError(os::WideString text, REFIID iid, HRESULT code) const;
+  HRESULT WideError(os::WideString text, REFIID iid, Status code) const;
   HRESULT GetInterface(IUnknown* target, REFIID wanted, REFIID declaring,
                        std::string_view wanted_name, void** out) const noexcept;
 

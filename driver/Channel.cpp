@@ -10,11 +10,11 @@ void CZentrelK4NChannel::SetOwner(std::shared_ptr<OwnerLink> owner, std::size_t 
 }
 
 STDMETHODIMP CZentrelK4NChannel::get_Enabled(VARIANT_BOOL* /*value*/) {
-  return NotSupported("get_Enabled", kInterface);
+  return NotSupported(__func__, kInterface);
 }
 
 STDMETHODIMP CZentrelK4NChannel::put_Enabled(VARIANT_BOOL /*value*/) {
-  return NotSupported("put_Enabled", kInterface);
+  return NotSupported(__func__, kInterface);
 }
 
 STDMETHODIMP CZentrelK4NChannel::LoadDetectorDataFromFile(BSTR file_name) {
@@ -30,8 +30,7 @@ STDMETHODIMP CZentrelK4NChannel::FetchData(SAFEARRAY** data_array, double* initi
 }
 
 STDMETHODIMP CZentrelK4NChannel::get_FrequencyOffset(double* value) {
-  return ManagerFrame(
-      value, [&](CK4NManager& manager) { return manager.GetChannelOffset(index_, *value); });
+  return Read(&ChannelTransform::offset, value);
 }
 
 STDMETHODIMP CZentrelK4NChannel::put_FrequencyOffset(double offset) {
@@ -40,8 +39,7 @@ STDMETHODIMP CZentrelK4NChannel::put_FrequencyOffset(double offset) {
 }
 
 STDMETHODIMP CZentrelK4NChannel::get_FrequencyMultiplier(double* value) {
-  return ManagerFrame(
-      value, [&](CK4NManager& manager) { return manager.GetChannelMultiplier(index_, *value); });
+  return Read(&ChannelTransform::multiplier, value);
 }
 
 STDMETHODIMP CZentrelK4NChannel::put_FrequencyMultiplier(double multiplier) {
@@ -50,11 +48,17 @@ STDMETHODIMP CZentrelK4NChannel::put_FrequencyMultiplier(double multiplier) {
 }
 
 STDMETHODIMP CZentrelK4NChannel::get_FrequencyDivider(double* value) {
-  return ManagerFrame(
-      value, [&](CK4NManager& manager) { return manager.GetChannelDivider(index_, *value); });
+  return Read(&ChannelTransform::divider, value);
 }
 
 STDMETHODIMP CZentrelK4NChannel::put_FrequencyDivider(double divider) {
   return ManagerFrame(
       [&](CK4NManager& manager) { return manager.SetChannelDivider(index_, divider); });
+}
+
+HRESULT CZentrelK4NChannel::Read(double ChannelTransform::*element, double* value) {
+  return ManagerFrame({value}, [&](const CK4NManager& manager) {
+    *value = manager.GetChannel(index_).*element;
+    return S_OK;
+  });
 }

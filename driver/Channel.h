@@ -28,5 +28,7 @@ class CZentrelK4NChannel : public Child<IZentrelK4NChannel> {
   ~CZentrelK4NChannel() = default;
 
  private:
+  HRESULT Read(double ChannelTransform::*element, double* value);
+
   std::size_t index_ = 0;
 };

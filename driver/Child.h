@@ -45,7 +45,7 @@ class Child : public CallFrame, public Interface, public ISupportErrorInfo {
           return static_cast<HRESULT>(std::forward<Body>(body)(*lease.root()));
         }
       }
-      return Error(kNotConnectedText, kInterface, status::kNotConnected);
+      return Error(kNotConnectedText, kInterface, Status::kNotConnected);
     });
   }
 
@@ -55,10 +55,10 @@ class Child : public CallFrame, public Interface, public ISupportErrorInfo {
   HRESULT ManagerFrame(Body&& body) const noexcept {
     return RootFrame([&](CZentrelK4N& root) { return std::forward<Body>(body)(root.manager()); });
   }
-  /// The same for a member with an out pointer: E_POINTER when it is null.
-  template <typename Out, typename Body>
-  HRESULT ManagerFrame(const Out* out, Body&& body) const noexcept {
-    return out == nullptr ? E_POINTER : ManagerFrame(std::forward<Body>(body));
+  /// The same for a member with out pointers.
+  template <typename Body>
+  HRESULT ManagerFrame(OutPointers out, Body&& body) const noexcept {
+    return AreGiven(out) ? ManagerFrame(std::forward<Body>(body)) : E_POINTER;
   }
 
   /// Frame for a member that needs an open session; the body takes the manager.
@@ -69,10 +69,10 @@ class Child : public CallFrame, public Interface, public ISupportErrorInfo {
                                [&] { return std::forward<Body>(body)(root.manager()); });
     });
   }
-  /// The same for a member with an out pointer.
-  template <typename Out, typename Body>
-  HRESULT SessionFrame(const Out* out, Body&& body) const noexcept {
-    return out == nullptr ? E_POINTER : SessionFrame(std::forward<Body>(body));
+  /// The same for a member with out pointers.
+  template <typename Body>
+  HRESULT SessionFrame(OutPointers out, Body&& body) const noexcept {
+    return AreGiven(out) ? SessionFrame(std::forward<Body>(body)) : E_POINTER;
   }
 
  private:

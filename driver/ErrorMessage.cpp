@@ -15,20 +15,20 @@ struct MessageTemplate {
 
 // The dash of the first text is an en dash in Windows-1252, one byte.
 constexpr std::array kTemplates{
-    MessageTemplate{status::kCannotRecover, "Failure \x96 cannot recover."},
-    MessageTemplate{status::kCannotOpenFile, "Cannot open file %1."},
-    MessageTemplate{status::kCannotReadFile, "Error reading file %1."},
-    MessageTemplate{status::kInvalidValue, "Invalid value (%1) for method %2, parameter %3."},
-    MessageTemplate{status::kMethodNotSupported,
+    MessageTemplate{Status::kCannotRecover, "Failure \x96 cannot recover."},
+    MessageTemplate{Status::kCannotOpenFile, "Cannot open file %1."},
+    MessageTemplate{Status::kCannotReadFile, "Error reading file %1."},
+    MessageTemplate{Status::kInvalidValue, "Invalid value (%1) for method %2, parameter %3."},
+    MessageTemplate{Status::kMethodNotSupported,
                     "Does not support this class-compliant feature: method %1."},
-    MessageTemplate{status::kPropertyNotSupported,
+    MessageTemplate{Status::kPropertyNotSupported,
                     "Does not support this class-compliant feature: property %1."},
-    MessageTemplate{status::kNotConnected, kNotConnectedText},
-    MessageTemplate{status::kUnknownChannelName, "Unknown channel name."},
-    MessageTemplate{status::kOutOfMemory, "Could not allocate necessary memory."},
-    MessageTemplate{status::kOperationInProgress, "Operation in progress."},
-    MessageTemplate{status::kFileNotFound, "File not found %1"},
-    MessageTemplate{status::kUnknownResource, "Unknown resource %1."},
+    MessageTemplate{Status::kNotConnected, kNotConnectedText},
+    MessageTemplate{Status::kUnknownChannelName, "Unknown channel name."},
+    MessageTemplate{Status::kOutOfMemory, "Could not allocate necessary memory."},
+    MessageTemplate{Status::kOperationInProgress, "Operation in progress."},
+    MessageTemplate{Status::kFileNotFound, "File not found %1"},
+    MessageTemplate{Status::kUnknownResource, "Unknown resource %1."},
 };
 constexpr std::string_view kUnknownErrorTemplate = "Unknown error %1!X!.";
 constexpr std::string_view kHexadecimalMark = "!X!";

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "measurement/Status.h"
 #include "platform/os/Text.h"
+#include "status/Status.h"
 
 /// The name that every built message starts with.
 inline constexpr std::string_view kLibraryName = "ZentrelK4NLib";

@@ -1,11 +1,10 @@
 #include "driver/PowerStep.h"
 
-#include "driver/SweepSettings.h"
 #include "driver/Units.h"
 
 STDMETHODIMP CZentrelK4NPowerStep::ConfigureStartStop(double start, double stop, double step_size) {
   return SessionFrame([&](CK4NManager& manager) {
-    manager.SetPowerStep(start, stop, step_size);
+    Discard(manager.SetPowerStep({.start = start, .stop = stop, .step = step_size}));
     return S_OK;
   });
 }
@@ -36,53 +35,54 @@ STDMETHODIMP CZentrelK4NPowerStep::get_Size(double* value) {
 
 STDMETHODIMP CZentrelK4NPowerStep::ConfigureDwell(VARIANT_BOOL /*single_step_enabled*/,
                                                   double /*dwell*/) {
-  return NotSupported("ConfigureDwell", kInterface);
+  return NotSupported(__func__, kInterface);
 }
 
 STDMETHODIMP CZentrelK4NPowerStep::put_SingleStepEnabled(VARIANT_BOOL enabled) {
   return SessionFrame([&](CK4NManager& manager) {
-    SweepTrigger trigger = SweepTriggerOf(manager);
-    manager.SetSweepTrigger(trigger.settings, enabled != VARIANT_FALSE);
+    SweepTriggerSettings trigger = manager.GetSweepTrigger();
+    trigger.single_step = enabled != VARIANT_FALSE;
+    Discard(manager.SetSweepTrigger(trigger));
     return S_OK;
   });
 }
 
 // Kept: true reads as 1, not as VARIANT_TRUE.
 STDMETHODIMP CZentrelK4NPowerStep::get_SingleStepEnabled(VARIANT_BOOL* value) {
-  return SessionFrame(value, [&](CK4NManager& manager) {
-    *value = SweepTriggerOf(manager).single_step ? 1 : 0;
+  return SessionFrame({value}, [&](CK4NManager& manager) {
+    *value = BoolAsOne(manager.GetSweepTrigger().single_step);
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4NPowerStep::put_Dwell(double dwell) {
   return SessionFrame([&](CK4NManager& manager) {
-    manager.SetDwell(dwell * kNanosecondsPerSecond);
+    Discard(manager.SetDwell(dwell * kNanosecondsPerSecond));
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4NPowerStep::get_Dwell(double* value) {
-  return SessionFrame(value, [&](CK4NManager& manager) {
-    *value = DwellOf(manager);
+  return SessionFrame({value}, [&](CK4NManager& manager) {
+    *value = manager.GetDwell() / kNanosecondsPerSecond;
     return S_OK;
   });
 }
 
-STDMETHODIMP CZentrelK4NPowerStep::Reset() { return NotSupported("Reset", kInterface); }
+STDMETHODIMP CZentrelK4NPowerStep::Reset() { return NotSupported(__func__, kInterface); }
 
 HRESULT CZentrelK4NPowerStep::Replace(double StepSettings::*element, double value) {
   return SessionFrame([&](CK4NManager& manager) {
-    StepSettings axis = PowerStepOf(manager);
+    StepSettings axis = manager.GetPowerStep();
     axis.*element = value;
-    manager.SetPowerStep(axis.start, axis.stop, axis.step);
+    Discard(manager.SetPowerStep(axis));
     return S_OK;
   });
 }
 
 HRESULT CZentrelK4NPowerStep::Read(double StepSettings::*element, double* value) {
-  return SessionFrame(value, [&](CK4NManager& manager) {
-    *value = PowerStepOf(manager).*element;
+  return SessionFrame({value}, [&](CK4NManager& manager) {
+    *value = manager.GetPowerStep().*element;
     return S_OK;
   });
 }

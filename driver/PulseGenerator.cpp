@@ -13,15 +13,15 @@ void CZentrelK4NPulseGenerator::SetOwner(const std::shared_ptr<OwnerLink>& owner
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_Double(IZentrelK4NPulseGeneratorDouble** value) {
-  return Getter(double_.Get(), kInterface, "IZentrelK4NPulseGeneratorDouble", value);
+  return Getter(double_.Get(), kInterface, value);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_Output(IZentrelK4NPulseGeneratorOutput** value) {
-  return Getter(output_.Get(), kInterface, "IZentrelK4NPulseGeneratorOutput", value);
+  return Getter(output_.Get(), kInterface, value);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_Packet(IZentrelK4NPulsePacketGenerator** value) {
-  return Getter(packet_.Get(), kInterface, "IZentrelK4NPulsePacketGenerator", value);
+  return Getter(packet_.Get(), kInterface, value);
 }
 
 // Kept: trigger source and gating are taken and ignored.
@@ -33,7 +33,7 @@ STDMETHODIMP CZentrelK4NPulseGenerator::Configure(ZentrelK4NPulseTriggerSourceEn
 
 STDMETHODIMP CZentrelK4NPulseGenerator::ConfigureExternalTrigger(
     ZentrelK4NPulseExternalTriggerSlopeEnum /*slope*/, double /*delay*/) {
-  return NotSupported("ConfigureExternalTrigger", kInterface);
+  return NotSupported(__func__, kInterface);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::put_InternalTriggerPeriod(double period) {
@@ -42,7 +42,7 @@ STDMETHODIMP CZentrelK4NPulseGenerator::put_InternalTriggerPeriod(double period)
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_InternalTriggerPeriod(double* value) {
-  return ManagerFrame(value, [&](const CK4NManager& manager) {
+  return ManagerFrame({value}, [&](const CK4NManager& manager) {
     *value = manager.GetPulseSettings().period / kNanosecondsPerSecond;
     return S_OK;
   });
@@ -54,18 +54,18 @@ STDMETHODIMP CZentrelK4NPulseGenerator::put_Width(double width) {
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_Width(double* value) {
-  return ManagerFrame(value, [&](const CK4NManager& manager) {
+  return ManagerFrame({value}, [&](const CK4NManager& manager) {
     *value = manager.GetPulseSettings().width / kNanosecondsPerSecond;
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::put_GatingEnabled(VARIANT_BOOL /*enabled*/) {
-  return NotSupported("put_GatingEnabled", kInterface);
+  return NotSupported(__func__, kInterface);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_GatingEnabled(VARIANT_BOOL* /*value*/) {
-  return NotSupported("get_GatingEnabled", kInterface);
+  return NotSupported(__func__, kInterface);
 }
 
 // Kept: the root answers for the trigger source, under a name of its own for the property.
@@ -85,18 +85,18 @@ STDMETHODIMP CZentrelK4NPulseGenerator::get_TriggerSource(
 
 STDMETHODIMP CZentrelK4NPulseGenerator::put_ExternalTriggerSlope(
     ZentrelK4NPulseExternalTriggerSlopeEnum /*slope*/) {
-  return NotSupported("put_ExternalTriggerSlope", kInterface);
+  return NotSupported(__func__, kInterface);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_ExternalTriggerSlope(
     ZentrelK4NPulseExternalTriggerSlopeEnum* /*value*/) {
-  return NotSupported("get_ExternalTriggerSlope", kInterface);
+  return NotSupported(__func__, kInterface);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::put_ExternalTriggerDelay(double /*delay*/) {
-  return NotSupported("put_ExternalTriggerDelay", kInterface);
+  return NotSupported(__func__, kInterface);
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_ExternalTriggerDelay(double* /*value*/) {
-  return NotSupported("get_ExternalTriggerDelay", kInterface);
+  return NotSupported(__func__, kInterface);
 }

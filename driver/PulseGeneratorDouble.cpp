@@ -5,7 +5,7 @@
 // Kept: a refused delay does not stop the switch, whose result is the member's.
 STDMETHODIMP CZentrelK4NPulseGeneratorDouble::Configure(VARIANT_BOOL enabled, double delay) {
   return ManagerFrame([&](CK4NManager& manager) {
-    manager.SetDoublePulseDelay(delay * kNanosecondsPerSecond);
+    Discard(manager.SetDoublePulseDelay(delay * kNanosecondsPerSecond));
     return manager.SetDoublePulseEnabled(enabled != VARIANT_FALSE);
   });
 }
@@ -17,22 +17,23 @@ STDMETHODIMP CZentrelK4NPulseGeneratorDouble::put_Enabled(VARIANT_BOOL enabled) 
 }
 
 STDMETHODIMP CZentrelK4NPulseGeneratorDouble::get_Enabled(VARIANT_BOOL* value) {
-  return ManagerFrame(value, [&](const CK4NManager& manager) {
-    *value = manager.GetPulseSettings().double_enabled ? VARIANT_TRUE : VARIANT_FALSE;
+  return ManagerFrame({value}, [&](const CK4NManager& manager) {
+    *value = BoolAsTrue(manager.GetPulseSettings().double_enabled);
     return S_OK;
   });
 }
 
-// Setting the switch as it stands is what sends the new delay.
+// Setting the switch as it stands is what sends the new delay, or, kept, the former one when the
+// new one is refused.
 STDMETHODIMP CZentrelK4NPulseGeneratorDouble::put_Delay(double delay) {
   return ManagerFrame([&](CK4NManager& manager) {
-    manager.SetDoublePulseDelay(delay * kNanosecondsPerSecond);
+    Discard(manager.SetDoublePulseDelay(delay * kNanosecondsPerSecond));
     return manager.SetDoublePulseEnabled(manager.GetPulseSettings().double_enabled);
   });
 }
 
 STDMETHODIMP CZentrelK4NPulseGeneratorDouble::get_Delay(double* value) {
-  return ManagerFrame(value, [&](const CK4NManager& manager) {
+  return ManagerFrame({value}, [&](const CK4NManager& manager) {
     *value = manager.GetPulseSettings().double_delay / kNanosecondsPerSecond;
     return S_OK;
   });

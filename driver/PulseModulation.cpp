@@ -4,11 +4,10 @@
 
 namespace {
 
-constexpr EnumMap<ZentrelK4NPulseModulationSourceEnum, std::uint32_t, 2> kSources{{
-    {ZentrelK4NPulseModulationSourceInternal, 0},
-    {ZentrelK4NPulseModulationSourceExternal, 1},
+constexpr EnumMap<ZentrelK4NPulseModulationSourceEnum, PulseSource, 2> kSources{{
+    {ZentrelK4NPulseModulationSourceInternal, PulseSource::kInternal},
+    {ZentrelK4NPulseModulationSourceExternal, PulseSource::kExternal},
 }};
-constexpr std::uint32_t kInternalSource = 0;
 
 }  // namespace
 
@@ -18,25 +17,25 @@ STDMETHODIMP CZentrelK4NPulseModulation::put_Enabled(VARIANT_BOOL enabled) {
 }
 
 STDMETHODIMP CZentrelK4NPulseModulation::get_Enabled(VARIANT_BOOL* value) {
-  return ManagerFrame(value, [&](const CK4NManager& manager) {
+  return ManagerFrame({value}, [&](const CK4NManager& manager) {
     const PulseSettings pulse = manager.GetPulseSettings();
     if (!pulse.modulation_available) {
-      return status::kPropertyNotSupported;
+      return Status::kPropertyNotSupported;
     }
-    *value = pulse.modulation_enabled ? VARIANT_TRUE : VARIANT_FALSE;
-    return status::kOk;
+    *value = BoolAsTrue(pulse.modulation_enabled);
+    return Status::kOk;
   });
 }
 
 // Kept: every value but External means Internal.
 STDMETHODIMP CZentrelK4NPulseModulation::put_Source(ZentrelK4NPulseModulationSourceEnum source) {
   return ManagerFrame([&](CK4NManager& manager) {
-    return manager.SetPulseModSource(CodeOf(kSources, source).value_or(kInternalSource));
+    return manager.SetPulseModSource(CodeOf(kSources, source).value_or(PulseSource::kInternal));
   });
 }
 
 STDMETHODIMP CZentrelK4NPulseModulation::get_Source(ZentrelK4NPulseModulationSourceEnum* value) {
-  return ManagerFrame(value, [&](const CK4NManager& manager) {
+  return ManagerFrame({value}, [&](const CK4NManager& manager) {
     PutValueOf(kSources, manager.GetPulseSettings().modulation_source, value);
     return S_OK;
   });
@@ -53,13 +52,13 @@ STDMETHODIMP CZentrelK4NPulseModulation::put_ExternalPolarity(
 
 STDMETHODIMP CZentrelK4NPulseModulation::get_ExternalPolarity(
     ZentrelK4NPulseModulationExternalPolarityEnum* value) {
-  return ManagerFrame(value, [&](const CK4NManager& manager) {
+  return ManagerFrame({value}, [&](const CK4NManager& manager) {
     const PulseSettings pulse = manager.GetPulseSettings();
     if (!pulse.modulation_available) {
-      return status::kPropertyNotSupported;
+      return Status::kPropertyNotSupported;
     }
     *value = pulse.modulation_inverse ? ZentrelK4NPulseModulationExternalPolarityInverse
                                       : ZentrelK4NPulseModulationExternalPolarityNormal;
-    return status::kOk;
+    return Status::kOk;
   });
 }

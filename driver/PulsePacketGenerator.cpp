@@ -8,8 +8,8 @@ STDMETHODIMP CZentrelK4NPulsePacketGenerator::put_Enabled(VARIANT_BOOL enabled) 
 }
 
 STDMETHODIMP CZentrelK4NPulsePacketGenerator::get_Enabled(VARIANT_BOOL* value) {
-  return ManagerFrame(value, [&](const CK4NManager& manager) {
-    *value = manager.GetPulseSettings().packet_enabled ? VARIANT_TRUE : VARIANT_FALSE;
+  return ManagerFrame({value}, [&](const CK4NManager& manager) {
+    *value = BoolAsTrue(manager.GetPulseSettings().packet_enabled);
     return S_OK;
   });
 }

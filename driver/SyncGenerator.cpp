@@ -35,7 +35,7 @@ HRESULT CZentrelK4NSyncGenerator::Replace(double SyncGeneratorSettings::*element
 }
 
 HRESULT CZentrelK4NSyncGenerator::Read(double SyncGeneratorSettings::*element, double* seconds) {
-  return ManagerFrame(seconds, [&](const CK4NManager& manager) {
+  return ManagerFrame({seconds}, [&](const CK4NManager& manager) {
     *seconds = manager.GetSyncGenerator().*element / kNanosecondsPerSecond;
     return S_OK;
   });

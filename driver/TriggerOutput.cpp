@@ -5,14 +5,14 @@
 
 namespace {
 
-constexpr EnumMap<ZentrelK4NTriggerOutputModeEnum, std::uint32_t, 7> kOutputModes{{
-    {ZentrelK4NTriggerOutputModeNone, 0},
-    {ZentrelK4NTriggerOutputModeInput, 4},
-    {ZentrelK4NTriggerOutputModeSweep, 1},
-    {ZentrelK4NTriggerOutputModeNextStep, 2},
-    {ZentrelK4NTriggerOutputModeSingleStep, 3},
-    {ZentrelK4NTriggerOutputModeSoftware, 6},
-    {ZentrelK4NTriggerOutputModeSyncGen, 5},
+constexpr EnumMap<ZentrelK4NTriggerOutputModeEnum, TriggerOutputMode, 7> kOutputModes{{
+    {ZentrelK4NTriggerOutputModeNone, TriggerOutputMode::kNone},
+    {ZentrelK4NTriggerOutputModeInput, TriggerOutputMode::kInput},
+    {ZentrelK4NTriggerOutputModeSweep, TriggerOutputMode::kSweep},
+    {ZentrelK4NTriggerOutputModeNextStep, TriggerOutputMode::kNextStep},
+    {ZentrelK4NTriggerOutputModeSingleStep, TriggerOutputMode::kSingleStep},
+    {ZentrelK4NTriggerOutputModeSoftware, TriggerOutputMode::kSoftware},
+    {ZentrelK4NTriggerOutputModeSyncGen, TriggerOutputMode::kSyncGenerator},
 }};
 
 }  // namespace
@@ -22,14 +22,14 @@ HRESULT CZentrelK4NTriggerOutput::Set(Change change) const {
   return ManagerFrame([&](CK4NManager& manager) {
     TriggerOutputSettings settings = manager.GetTriggerOutput();
     change(settings);
-    manager.SetTriggerOutput(settings);
+    Discard(manager.SetTriggerOutput(settings));
     return S_OK;
   });
 }
 
 template <typename Out, typename Pick>
 HRESULT CZentrelK4NTriggerOutput::Read(Out* value, Pick pick) const {
-  return ManagerFrame(value, [&](const CK4NManager& manager) {
+  return ManagerFrame({value}, [&](const CK4NManager& manager) {
     *value = pick(manager.GetTriggerOutput());
     return S_OK;
   });
@@ -50,7 +50,7 @@ STDMETHODIMP CZentrelK4NTriggerOutput::put_Mode(ZentrelK4NTriggerOutputModeEnum 
 }
 
 STDMETHODIMP CZentrelK4NTriggerOutput::get_Mode(ZentrelK4NTriggerOutputModeEnum* value) {
-  return ManagerFrame(value, [&](const CK4NManager& manager) {
+  return ManagerFrame({value}, [&](const CK4NManager& manager) {
     PutValueOf(kOutputModes, manager.GetTriggerOutput().mode, value);
     return S_OK;
   });
@@ -59,23 +59,22 @@ STDMETHODIMP CZentrelK4NTriggerOutput::get_Mode(ZentrelK4NTriggerOutputModeEnum*
 // Kept: every value but Inverse means Normal.
 STDMETHODIMP CZentrelK4NTriggerOutput::put_Polarity(ZentrelK4NTriggerOutputPolarityEnum polarity) {
   return Set([&](auto& settings) {
-    settings.polarity = polarity == ZentrelK4NTriggerOutputPolarityInverse;
+    settings.inverse = polarity == ZentrelK4NTriggerOutputPolarityInverse;
   });
 }
 
 STDMETHODIMP CZentrelK4NTriggerOutput::get_Polarity(ZentrelK4NTriggerOutputPolarityEnum* value) {
   return Read(value, [](const auto& settings) {
-    return settings.polarity == 1 ? ZentrelK4NTriggerOutputPolarityInverse
-                                  : ZentrelK4NTriggerOutputPolarityNormal;
+    return settings.inverse ? ZentrelK4NTriggerOutputPolarityInverse
+                            : ZentrelK4NTriggerOutputPolarityNormal;
   });
 }
 
 STDMETHODIMP CZentrelK4NTriggerOutput::put_Enabled(VARIANT_BOOL enabled) {
-  return Set([&](auto& settings) { settings.enabled = enabled != VARIANT_FALSE ? 1 : 0; });
+  return Set([&](auto& settings) { settings.enabled = enabled != VARIANT_FALSE; });
 }
 
 // Kept: true reads as 1, not as VARIANT_TRUE.
 STDMETHODIMP CZentrelK4NTriggerOutput::get_Enabled(VARIANT_BOOL* value) {
-  return Read(value,
-              [](const auto& settings) { return static_cast<VARIANT_BOOL>(settings.enabled); });
+  return Read(value, [](const auto& settings) { return BoolAsOne(settings.enabled); });
 }

@@ -8,7 +8,6 @@
 #include "driver/PowerStep.h"
 #include "driver/PulseGenerator.h"
 #include "driver/PulseModulation.h"
-#include "driver/SweepSettings.h"
 #include "driver/SyncGenerator.h"
 #include "driver/TriggerOutput.h"
 #include "driver/WideText.h"
@@ -39,16 +38,16 @@ void CZentrelK4N::FinalConstruct() {
 
 // Kept: both name the IVI base interface, which the object itself does not answer.
 HRESULT CZentrelK4N::get_DriverOperation(IIviDriverOperation** value) {
-  return Getter(Self(), IID_IIviDriver, "IIviDriverOperation", value);
+  return Getter(Self(), IID_IIviDriver, value);
 }
 
 HRESULT CZentrelK4N::get_Identity(IIviDriverIdentity** value) {
-  return Getter(Self(), IID_IIviDriver, "IIviDriverIdentity", value);
+  return Getter(Self(), IID_IIviDriver, value);
 }
 
 // The library is registered under one locale only: asked for in another, it would not be found.
 STDMETHODIMP CZentrelK4N::GetClassInfo(ITypeInfo** info) {
-  return Frame(info, [&]() -> HRESULT {
+  return Frame({info}, [&]() -> HRESULT {
     *info = nullptr;
     ComPtr<ITypeLib> library;
     const HRESULT result = LoadRegTypeLib(kTypeLibraryId, 1, 0, kLibraryLocale, library.Put());
@@ -67,48 +66,43 @@ STDMETHODIMP CZentrelK4N::InterfaceSupportsErrorInfo(REFIID iid) {
 }
 
 STDMETHODIMP CZentrelK4N::GetRun(ULONG number, LONG* status, BSTR* location, std::uint64_t* count) {
-  return Frame([&]() -> HRESULT {
-    if (status == nullptr || location == nullptr || count == nullptr) {
-      return E_POINTER;
-    }
+  return Frame({status, location, count}, [&]() -> HRESULT {
     const std::optional<ErrorTrail::Run> run = manager_.error_trail().RunAt(number);
     if (!run) {
       return S_FALSE;
     }
     *location = NewBstr(os::ToWide(run->record.Location()));
-    *status = run->record.status;
+    *status = ToCode(run->record.status);
     *count = run->count;
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_Utility(IIviDriverUtility** value) {
-  return Getter(Self(), __uuidof(IZentrelK4N), "IIviDriverUtility", value);
+  return Getter(Self(), __uuidof(IZentrelK4N), value);
 }
 
 STDMETHODIMP CZentrelK4N::get_RF(IZentrelK4NRF** value) {
-  return Getter(Self(), __uuidof(IZentrelK4N), "IZentrelK4NRF", value);
+  return Getter(Self(), __uuidof(IZentrelK4N), value);
 }
 
 STDMETHODIMP CZentrelK4N::get_PulseGenerator(IZentrelK4NPulseGenerator** value) {
-  return Getter(pulse_generator_.Get(), __uuidof(IZentrelK4N), "IZentrelK4NPulseGenerator", value);
+  return Getter(pulse_generator_.Get(), __uuidof(IZentrelK4N), value);
 }
 
 STDMETHODIMP CZentrelK4N::get_Sweep(IZentrelK4NSweep** value) {
-  return Getter(Self(), __uuidof(IZentrelK4N), "IZentrelK4NSweep", value);
+  return Getter(Self(), __uuidof(IZentrelK4N), value);
 }
 
 STDMETHODIMP CZentrelK4N::get_PulseModulation(IZentrelK4NPulseModulation** value) {
-  return Getter(pulse_modulation_.Get(), __uuidof(IZentrelK4N), "IZentrelK4NPulseModulation",
-                value);
+  return Getter(pulse_modulation_.Get(), __uuidof(IZentrelK4N), value);
 }
 
 STDMETHODIMP CZentrelK4N::SendSoftwareTrigger() {
   return SessionFrame(__uuidof(IZentrelK4N), [&] {
-    const SweepMode mode = SweepModeOf(manager_);
-    if (SweepTriggerOf(manager_).settings.source ==
-        static_cast<std::uint32_t>(TriggerSource::kSoftware)) {
-      manager_.SetSweepMode(mode);
+    if (manager_.GetSweepTrigger().source == TriggerSource::kSoftware) {
+      // Kept: the mode is sent again first; if it is refused, the trigger comes all the same.
+      Discard(manager_.SetSweepMode(manager_.GetSweepMode()));
       manager_.RequestSoftwareTrigger();
     }
     return S_OK;
@@ -116,17 +110,16 @@ STDMETHODIMP CZentrelK4N::SendSoftwareTrigger() {
 }
 
 STDMETHODIMP CZentrelK4N::get_Acquisition(IZentrelK4NAcquisition** value) {
-  return Getter(Self(), __uuidof(IZentrelK4N), "IZentrelK4NAcquisition", value);
+  return Getter(Self(), __uuidof(IZentrelK4N), value);
 }
 
 STDMETHODIMP CZentrelK4N::get_System(IZentrelK4NSystem** value) {
-  return Getter(Self(), __uuidof(IZentrelK4N), "IZentrelK4NSystem", value);
+  return Getter(Self(), __uuidof(IZentrelK4N), value);
 }
 
 // Kept: a failure names the sweep interface, not the root's.
 STDMETHODIMP CZentrelK4N::get_SyncGenerator(IZentrelK4NSyncGenerator** value) {
-  return Getter(sync_generator_.Get(), __uuidof(IZentrelK4NSweep), "IZentrelK4NSyncGenerator",
-                value);
+  return Getter(sync_generator_.Get(), __uuidof(IZentrelK4NSweep), value);
 }
 
 // Kept: whatever went wrong with an instrument that is there, the client hears of an unknown
@@ -136,33 +129,33 @@ STDMETHODIMP CZentrelK4N::Initialize(BSTR resource_name, VARIANT_BOOL id_query, 
   return Frame([&]() -> HRESULT {
     const std::string resource = os::ToNarrow(ViewOf(resource_name));
     const Status opened = manager_.Initialize(resource, os::ToNarrow(ViewOf(option_string)));
-    if (opened == status::kVisaLibraryNotFound) {
-      return BuiltError(IID_IIviDriver, status::kFileNotFound, kVisaLibraryName);
+    if (opened == Status::kVisaLibraryNotFound) {
+      return BuiltError(IID_IIviDriver, Status::kFileNotFound, kVisaLibraryName);
     }
-    if (opened != status::kOk) {
-      return BuiltError(IID_IIviDriver, status::kUnknownResource, resource);
+    if (opened != Status::kOk) {
+      return BuiltError(IID_IIviDriver, Status::kUnknownResource, resource);
     }
     for (std::size_t channel = 0; channel < kChannelCount; ++channel) {
       LoadDetectorDataFromFile(channel, kDefaultDetectorFile);
     }
     if (id_query != VARIANT_FALSE) {
-      return status::kIdQueryNotSupported;
+      return ToCode(Status::kIdQueryNotSupported);
     }
-    return reset != VARIANT_FALSE ? status::kResetNotSupported : S_OK;
+    return reset != VARIANT_FALSE ? ToCode(Status::kResetNotSupported) : S_OK;
   });
 }
 
 // Kept: true reads as 1, not as VARIANT_TRUE.
 STDMETHODIMP CZentrelK4N::get_Initialized(VARIANT_BOOL* value) {
-  return Frame(value, [&] {
-    *value = manager_.IsConnected() ? 1 : 0;
+  return Frame({value}, [&] {
+    *value = BoolAsOne(manager_.IsConnected());
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::Close() {
   return SessionFrame(IID_IIviDriver, [&] {
-    manager_.Close();
+    Discard(manager_.Close());  // no session any more: another thread was first
     os::Sleep(kPauseAfterClose);
     return S_OK;
   });

@@ -64,15 +64,15 @@ class CZentrelK4N : public CallFrame,
   HRESULT SessionFrame(REFIID iid, Body&& body) const noexcept {
     return Frame([&]() -> HRESULT {
       if (!manager_.IsConnected()) {
-        return Error(kNotConnectedText, iid, status::kNotConnected);
+        return Error(kNotConnectedText, iid, Status::kNotConnected);
       }
       return static_cast<HRESULT>(std::forward<Body>(body)());
     });
   }
-  /// The same for a member with an out pointer.
-  template <typename Out, typename Body>
-  HRESULT SessionFrame(REFIID iid, const Out* out, Body&& body) const noexcept {
-    return out == nullptr ? E_POINTER : SessionFrame(iid, std::forward<Body>(body));
+  /// The same for a member with out pointers.
+  template <typename Body>
+  HRESULT SessionFrame(REFIID iid, OutPointers out, Body&& body) const noexcept {
+    return AreGiven(out) ? SessionFrame(iid, std::forward<Body>(body)) : E_POINTER;
   }
 
   // --- Operations of the class itself, which no COM interface exposes
@@ -258,9 +258,9 @@ class CZentrelK4N : public CallFrame,
 
   IUnknown* Self() { return static_cast<IZentrelK4N*>(this); }
   /// Writes 1 or 0; nothing when the manager has a failure to report, which is returned.
-  Status ReadStateBit(VARIANT_BOOL& value, Status (CK4NManager::*read)(bool&));
+  Status ReadStateBit(VARIANT_BOOL& value, Answer<bool> (CK4NManager::*read)());
   /// Takes the newest block into the trace; needs the acquisition's lock.
-  HRESULT UpdateAcquisition();
+  Status UpdateAcquisition();
   void SetAcquisitionStatus(ZentrelK4NAcquisitionStatusEnum status);
   HRESULT LoadFromDetectorFolder(std::size_t channel, os::WideView file_name);
 

@@ -1,9 +1,9 @@
 // IZentrelK4NAcquisition, and the fetch of a trace that every channel forwards to.
 #include <chrono>
 #include <cstring>
+#include <optional>
 #include <span>
 
-#include "driver/SweepSettings.h"
 #include "driver/ZentrelK4N.h"
 #include "platform/os/Sync.h"
 
@@ -27,11 +27,11 @@ SAFEARRAY* NewArray(std::span<const double> values) {
 
 /// The axis of the present sweep; zeros when none is stepped.
 StepSettings SweptAxis(const CK4NManager& manager) {
-  switch (SweepModeOf(manager)) {
+  switch (manager.GetSweepMode()) {
     case SweepMode::kPowerStep:
-      return PowerStepOf(manager);
+      return manager.GetPowerStep();
     case SweepMode::kFrequencyStep:
-      return FrequencyStepOf(manager);
+      return manager.GetFrequencyStep();
     default:
       return {};
   }
@@ -40,12 +40,12 @@ StepSettings SweptAxis(const CK4NManager& manager) {
 }  // namespace
 
 STDMETHODIMP CZentrelK4N::get_Averaging(LONG* value) {
-  return SessionFrame(kAcquisition, value, [&]() -> HRESULT {
-    std::int32_t count{};
-    if (manager_.GetAveraging(count) == status::kPropertyNotSupported) {
-      return BuiltError(kAcquisition, status::kPropertyNotSupported, "Averaging");
+  return SessionFrame(kAcquisition, {value}, [&]() -> HRESULT {
+    const std::optional<std::int32_t> count = manager_.GetAveraging();
+    if (!count) {
+      return BuiltError(kAcquisition, Status::kPropertyNotSupported, "Averaging");
     }
-    *value = count;
+    *value = *count;
     return S_OK;
   });
 }
@@ -53,14 +53,14 @@ STDMETHODIMP CZentrelK4N::get_Averaging(LONG* value) {
 STDMETHODIMP CZentrelK4N::put_Averaging(LONG count) {
   return SessionFrame(kAcquisition, [&]() -> HRESULT {
     const Status result = manager_.SetAveraging(static_cast<std::int32_t>(count));
-    return result == status::kPropertyNotSupported ? BuiltError(kAcquisition, result, "Averaging")
-                                                   : result;
+    return result == Status::kPropertyNotSupported ? BuiltError(kAcquisition, result, "Averaging")
+                                                   : ToCode(result);
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_Status(ZentrelK4NAcquisitionStatusEnum* value) {
-  return Frame(value, [&]() -> HRESULT {
-    HRESULT updated = S_OK;
+  return Frame({value}, [&]() -> HRESULT {
+    Status updated = Status::kOk;
     {
       const std::lock_guard lock(acquisition_.lock);
       if (acquisition_.status == ZentrelK4NAcquisitionStatusInProgress) {
@@ -68,18 +68,18 @@ STDMETHODIMP CZentrelK4N::get_Status(ZentrelK4NAcquisitionStatusEnum* value) {
       }
       *value = acquisition_.status;
     }
-    if (updated == status::kOperationInProgress) {
+    if (updated == Status::kOperationInProgress) {
       os::Sleep(kPauseWhileInProgress);
     }
-    if (updated == status::kMethodNotSupported) {
-      return BuiltError(kAcquisition, status::kPropertyNotSupported, "Status");
+    if (updated == Status::kMethodNotSupported) {
+      return BuiltError(kAcquisition, Status::kPropertyNotSupported, "Status");
     }
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_Channels(IZentrelK4NChannels** value) {
-  return Getter(Self(), kAcquisition, "IZentrelK4NChannels", value);
+  return Getter(Self(), kAcquisition, value);
 }
 
 // Kept: succeeds without a session, too; the first look at the status then ends the measurement.
@@ -100,24 +100,20 @@ STDMETHODIMP CZentrelK4N::Abort() {
 
 HRESULT CZentrelK4N::FetchData(std::size_t channel, SAFEARRAY** data, double* initial_x,
                                double* x_increment) {
-  return Frame([&]() -> HRESULT {
-    if (data == nullptr || initial_x == nullptr || x_increment == nullptr) {
-      return E_POINTER;
-    }
+  return Frame({data, initial_x, x_increment}, [&]() -> HRESULT {
     const std::lock_guard lock(acquisition_.lock);
     if (acquisition_.status == ZentrelK4NAcquisitionStatusInProgress) {
-      const HRESULT updated = UpdateAcquisition();
-      if (updated != S_OK) {
-        return updated;
+      if (const Status updated = UpdateAcquisition(); updated != Status::kOk) {
+        return ToCode(updated);
       }
     }
     const std::span<const double> row = acquisition_.trace.Row(static_cast<std::int32_t>(channel));
     if (row.empty()) {
-      return BuiltError(__uuidof(IZentrelK4NChannel), status::kCannotRecover);
+      return BuiltError(__uuidof(IZentrelK4NChannel), Status::kCannotRecover);
     }
     SAFEARRAY* const array = NewArray(row);
     if (array == nullptr) {
-      return BuiltError(__uuidof(IZentrelK4NChannel), status::kOutOfMemory);
+      return BuiltError(__uuidof(IZentrelK4NChannel), Status::kOutOfMemory);
     }
     *data = array;
     *initial_x = acquisition_.initial_x;
@@ -126,20 +122,21 @@ HRESULT CZentrelK4N::FetchData(std::size_t channel, SAFEARRAY** data, double* in
   });
 }
 
-HRESULT CZentrelK4N::UpdateAcquisition() {
+Status CZentrelK4N::UpdateAcquisition() {
   const StepSettings axis = SweptAxis(manager_);
   const Status fetched = manager_.FetchData(acquisition_.trace);
   switch (fetched) {
-    case status::kMethodNotSupported:
+    case Status::kMethodNotSupported:
       return fetched;
-    case status::kVisaTimeout:
+    case Status::kVisaTimeout:
       acquisition_.status = ZentrelK4NAcquisitionStatusInProgress;
-      return BuiltError(__uuidof(IZentrelK4NChannel), status::kOperationInProgress);
-    case status::kOk:
+      BuiltError(__uuidof(IZentrelK4NChannel), Status::kOperationInProgress);
+      return Status::kOperationInProgress;
+    case Status::kOk:
       acquisition_.status = ZentrelK4NAcquisitionStatusComplete;
       acquisition_.initial_x = axis.start;
       acquisition_.x_increment = axis.step;
-      return S_OK;
+      return Status::kOk;
     default:
       acquisition_.status = ZentrelK4NAcquisitionStatusUnknown;
       return fetched;

@@ -36,7 +36,7 @@ struct FileNames {
 }  // namespace
 
 STDMETHODIMP CZentrelK4N::get_Count(LONG* value) {
-  return Frame(value, [&] {
+  return Frame({value}, [&] {
     *value = static_cast<LONG>(kNames.size());
     return S_OK;
   });
@@ -45,9 +45,9 @@ STDMETHODIMP CZentrelK4N::get_Count(LONG* value) {
 // Kept: the text that the client's variable holds is freed, so that it must be a text or null. A
 // client out of memory keeps it.
 STDMETHODIMP CZentrelK4N::get_Name(LONG index, BSTR* name) {
-  return Frame(name, [&]() -> HRESULT {
+  return Frame({name}, [&]() -> HRESULT {
     if (index < 1 || index > static_cast<LONG>(kNames.size())) {
-      return BuiltError(kChannels, status::kInvalidValue, std::to_string(index), "Index", "Name");
+      return BuiltError(kChannels, Status::kInvalidValue, std::to_string(index), "Index", "Name");
     }
     const BSTR text = NewBstr(kNames[static_cast<std::size_t>(index) - 1]);
     SysFreeString(*name);
@@ -57,14 +57,14 @@ STDMETHODIMP CZentrelK4N::get_Name(LONG index, BSTR* name) {
 }
 
 STDMETHODIMP CZentrelK4N::get_Item(BSTR name, IZentrelK4NChannel** item) {
-  return Frame(item, [&]() -> HRESULT {
+  return Frame({item}, [&]() -> HRESULT {
     *item = nullptr;
     for (std::size_t channel = 0; channel < kNames.size(); ++channel) {
       if (ViewOf(name) == kNames[channel] && channels_[channel]) {
         return channels_[channel]->QueryInterface(kChannel, reinterpret_cast<void**>(item));
       }
     }
-    return BuiltError(kChannels, status::kUnknownChannelName);
+    return BuiltError(kChannels, Status::kUnknownChannelName);
   });
 }
 
@@ -74,16 +74,16 @@ HRESULT CZentrelK4N::LoadDetectorDataFromFile(std::size_t channel, os::WideView 
   return SessionFrame(kChannel, [&]() -> HRESULT {
     const FileNames names(file_name);
     const Status loaded = manager_.LoadDetectorData(channel, names.ansi);
-    if (loaded == status::kMethodNotSupported) {
+    if (loaded == Status::kMethodNotSupported) {
       return BuiltError(kChannel, loaded, "LoadDetectorDataFromFile");
     }
-    if (loaded == status::kOk) {
+    if (loaded == Status::kOk) {
       return S_OK;
     }
-    if (loaded != status::kCannotOpenFile) {
-      return BuiltError(kChannel, status::kCannotReadFile, file_name);
+    if (loaded != Status::kCannotOpenFile) {
+      return BuiltError(kChannel, Status::kCannotReadFile, file_name);
     }
-    if (manager_.LoadDetectorData(channel, names.cyrillic) != status::kCannotOpenFile) {
+    if (manager_.LoadDetectorData(channel, names.cyrillic) != Status::kCannotOpenFile) {
       return S_OK;
     }
     return LoadFromDetectorFolder(channel, file_name);
@@ -95,15 +95,15 @@ HRESULT CZentrelK4N::LoadFromDetectorFolder(std::size_t channel, os::WideView fi
   for (const fs::path& folder : GetDetectorFolders()) {
     // A name that a code page has no letters for leaves the folder alone, which is no file.
     Status loaded = manager_.LoadDetectorData(channel, fs::path(folder) += names.ansi);
-    if (loaded == status::kCannotOpenFile) {
+    if (loaded == Status::kCannotOpenFile) {
       loaded = manager_.LoadDetectorData(channel, fs::path(folder) += names.cyrillic);
     }
-    if (loaded == status::kOk) {
+    if (loaded == Status::kOk) {
       return S_OK;
     }
-    if (loaded != status::kCannotOpenFile) {
-      return BuiltError(kChannel, status::kCannotReadFile, os::WideOf(folder).append(file_name));
+    if (loaded != Status::kCannotOpenFile) {
+      return BuiltError(kChannel, Status::kCannotReadFile, os::WideOf(folder).append(file_name));
     }
   }
-  return BuiltError(kChannel, status::kCannotOpenFile, file_name);
+  return BuiltError(kChannel, Status::kCannotOpenFile, file_name);
 }

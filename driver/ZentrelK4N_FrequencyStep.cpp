@@ -1,6 +1,5 @@
 // IZentrelK4NFrequencyStep. Single step and dwell are one setting for all kinds of sweep; the
 // list's members of these names are these very members.
-#include "driver/SweepSettings.h"
 #include "driver/Units.h"
 #include "driver/ZentrelK4N.h"
 
@@ -17,37 +16,37 @@ STDMETHODIMP CZentrelK4N::ConfigureStartStop(double start, double stop,
   return SessionFrame(kFrequencyStep, [&]() -> HRESULT {
     if (scaling != ZentrelK4NFrequencyStepScalingLinear) {
       return Error(UnsupportedParameterValue(scaling, "Scaling", "ConfigureStartStop"),
-                   kFrequencyStep, status::kEnumerationNotSupported);
+                   kFrequencyStep, Status::kEnumerationNotSupported);
     }
-    manager_.SetFrequencyStep(start, stop, step_size);
+    Discard(manager_.SetFrequencyStep({.start = start, .stop = stop, .step = step_size}));
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::put_Start(double start) {
   return SessionFrame(kFrequencyStep, [&] {
-    const StepSettings axis = FrequencyStepOf(manager_);
+    const StepSettings axis = manager_.GetFrequencyStep();
     return ConfigureStartStop(start, axis.stop, ZentrelK4NFrequencyStepScalingLinear, axis.step);
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_Start(double* value) {
-  return SessionFrame(kFrequencyStep, value, [&] {
-    *value = FrequencyStepOf(manager_).start;
+  return SessionFrame(kFrequencyStep, {value}, [&] {
+    *value = manager_.GetFrequencyStep().start;
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::put_Stop(double stop) {
   return SessionFrame(kFrequencyStep, [&] {
-    const StepSettings axis = FrequencyStepOf(manager_);
+    const StepSettings axis = manager_.GetFrequencyStep();
     return ConfigureStartStop(axis.start, stop, ZentrelK4NFrequencyStepScalingLinear, axis.step);
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_Stop(double* value) {
-  return SessionFrame(kFrequencyStep, value, [&] {
-    *value = FrequencyStepOf(manager_).stop;
+  return SessionFrame(kFrequencyStep, {value}, [&] {
+    *value = manager_.GetFrequencyStep().stop;
     return S_OK;
   });
 }
@@ -56,45 +55,46 @@ STDMETHODIMP CZentrelK4N::put_Scaling(ZentrelK4NFrequencyStepScalingEnum scaling
   return SessionFrame(kFrequencyStep, [&]() -> HRESULT {
     if (scaling != ZentrelK4NFrequencyStepScalingLinear) {
       return Error(UnsupportedPropertyValue(scaling, "Scaling", FullStop::kNo), kFrequencyStep,
-                   status::kEnumerationNotSupported);
+                   Status::kEnumerationNotSupported);
     }
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_Scaling(ZentrelK4NFrequencyStepScalingEnum* value) {
-  return SessionFrame(kFrequencyStep, value, [&] {
+  return SessionFrame(kFrequencyStep, {value}, [&] {
     *value = ZentrelK4NFrequencyStepScalingLinear;
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::put_Size(double /*size*/) {
-  return NotSupported("put_Size", kFrequencyStep);
+  return NotSupported(__func__, kFrequencyStep);
 }
 
 STDMETHODIMP CZentrelK4N::get_Size(double* value) {
-  return SessionFrame(kFrequencyStep, value, [&] {
-    *value = FrequencyStepOf(manager_).step;
+  return SessionFrame(kFrequencyStep, {value}, [&] {
+    *value = manager_.GetFrequencyStep().step;
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::ConfigureDwell(VARIANT_BOOL /*single_step_enabled*/, double /*dwell*/) {
-  return NotSupported("ConfigureDwell", kFrequencyStep);
+  return NotSupported(__func__, kFrequencyStep);
 }
 
 STDMETHODIMP CZentrelK4N::put_SingleStepEnabled(VARIANT_BOOL enabled) {
   return SessionFrame(kFrequencyStep, [&] {
-    SweepTrigger trigger = SweepTriggerOf(manager_);
-    return manager_.SetSweepTrigger(trigger.settings, enabled != VARIANT_FALSE);
+    SweepTriggerSettings trigger = manager_.GetSweepTrigger();
+    trigger.single_step = enabled != VARIANT_FALSE;
+    return manager_.SetSweepTrigger(trigger);
   });
 }
 
 // Kept: true reads as 1, not as VARIANT_TRUE.
 STDMETHODIMP CZentrelK4N::get_SingleStepEnabled(VARIANT_BOOL* value) {
-  return SessionFrame(kFrequencyStep, value, [&] {
-    *value = SweepTriggerOf(manager_).single_step ? 1 : 0;
+  return SessionFrame(kFrequencyStep, {value}, [&] {
+    *value = BoolAsOne(manager_.GetSweepTrigger().single_step);
     return S_OK;
   });
 }
@@ -105,8 +105,8 @@ STDMETHODIMP CZentrelK4N::put_Dwell(double dwell) {
 }
 
 STDMETHODIMP CZentrelK4N::get_Dwell(double* value) {
-  return SessionFrame(kFrequencyStep, value, [&] {
-    *value = DwellOf(manager_);
+  return SessionFrame(kFrequencyStep, {value}, [&] {
+    *value = manager_.GetDwell() / kNanosecondsPerSecond;
     return S_OK;
   });
 }

@@ -16,156 +16,143 @@ const IID& kUtility = __uuidof(IIviDriverUtility);
 }  // namespace
 
 STDMETHODIMP CZentrelK4N::get_Description(BSTR* /*value*/) {
-  return NotSupported("get_Description", kIdentityBase);
+  return NotSupported(__func__, kIdentityBase);
 }
 
 STDMETHODIMP CZentrelK4N::get_Revision(BSTR* /*value*/) {
-  return NotSupported("get_Revision", kIdentityBase);
+  return NotSupported(__func__, kIdentityBase);
 }
 
 STDMETHODIMP CZentrelK4N::get_Vendor(BSTR* /*value*/) {
-  return NotSupported("get_Vendor", kIdentityBase);
+  return NotSupported(__func__, kIdentityBase);
 }
 
 STDMETHODIMP CZentrelK4N::get_InstrumentManufacturer(BSTR* /*value*/) {
-  return NotSupported("get_InstrumentManufacturer", kIdentity);
+  return NotSupported(__func__, kIdentity);
 }
 
 STDMETHODIMP CZentrelK4N::get_InstrumentModel(BSTR* /*value*/) {
-  return NotSupported("get_InstrumentModel", kIdentity);
+  return NotSupported(__func__, kIdentity);
 }
 
 STDMETHODIMP CZentrelK4N::get_InstrumentFirmwareRevision(BSTR* /*value*/) {
-  return NotSupported("get_InstrumentFirmwareRevision", kIdentity);
+  return NotSupported(__func__, kIdentity);
 }
 
 STDMETHODIMP CZentrelK4N::get_Identifier(BSTR* /*value*/) {
-  return NotSupported("get_Identifier", kIdentity);
+  return NotSupported(__func__, kIdentity);
 }
 
 STDMETHODIMP CZentrelK4N::get_SupportedInstrumentModels(BSTR* /*value*/) {
-  return NotSupported("get_SupportedInstrumentModels", kIdentity);
+  return NotSupported(__func__, kIdentity);
 }
 
 STDMETHODIMP CZentrelK4N::get_SpecificationMajorVersion(LONG* /*value*/) {
-  return NotSupported("get_SpecificationMajorVersion", kIdentity);
+  return NotSupported(__func__, kIdentity);
 }
 
 STDMETHODIMP CZentrelK4N::get_SpecificationMinorVersion(LONG* /*value*/) {
-  return NotSupported("get_SpecificationMinorVersion", kIdentity);
+  return NotSupported(__func__, kIdentity);
 }
 
 STDMETHODIMP CZentrelK4N::get_GroupCapabilities(BSTR* /*value*/) {
-  return NotSupported("get_GroupCapabilities", kIdentity);
+  return NotSupported(__func__, kIdentity);
 }
 
 STDMETHODIMP CZentrelK4N::get_LogicalName(BSTR* /*value*/) {
-  return NotSupported("get_LogicalName", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::get_IoResourceDescriptor(BSTR* /*value*/) {
-  return NotSupported("get_IoResourceDescriptor", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::get_Cache(VARIANT_BOOL* /*value*/) {
-  return NotSupported("get_Cache", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::put_Cache(VARIANT_BOOL /*value*/) {
-  return NotSupported("put_Cache", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::get_InterchangeCheck(VARIANT_BOOL* /*value*/) {
-  return NotSupported("get_InterchangeCheck", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::put_InterchangeCheck(VARIANT_BOOL /*value*/) {
-  return NotSupported("put_InterchangeCheck", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::get_QueryInstrumentStatus(VARIANT_BOOL* /*value*/) {
-  return NotSupported("get_QueryInstrumentStatus", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::put_QueryInstrumentStatus(VARIANT_BOOL /*value*/) {
-  return NotSupported("put_QueryInstrumentStatus", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::get_RangeCheck(VARIANT_BOOL* /*value*/) {
-  return NotSupported("get_RangeCheck", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::put_RangeCheck(VARIANT_BOOL /*value*/) {
-  return NotSupported("put_RangeCheck", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::get_RecordCoercions(VARIANT_BOOL* /*value*/) {
-  return NotSupported("get_RecordCoercions", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::put_RecordCoercions(VARIANT_BOOL /*value*/) {
-  return NotSupported("put_RecordCoercions", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::get_Simulate(VARIANT_BOOL* /*value*/) {
-  return NotSupported("get_Simulate", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::put_Simulate(VARIANT_BOOL /*value*/) {
-  return NotSupported("put_Simulate", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
 STDMETHODIMP CZentrelK4N::get_DriverSetup(BSTR* /*value*/) {
-  return NotSupported("get_DriverSetup", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
-STDMETHODIMP CZentrelK4N::InvalidateAllAttributes() {
-  return NotSupported("InvalidateAllAttributes", kOperation);
-}
+STDMETHODIMP CZentrelK4N::InvalidateAllAttributes() { return NotSupported(__func__, kOperation); }
 
-STDMETHODIMP CZentrelK4N::ClearInterchangeWarnings() {
-  return NotSupported("ClearInterchangeWarnings", kOperation);
-}
+STDMETHODIMP CZentrelK4N::ClearInterchangeWarnings() { return NotSupported(__func__, kOperation); }
 
 STDMETHODIMP CZentrelK4N::GetNextInterchangeWarning(BSTR* /*value*/) {
-  return NotSupported("GetNextInterchangeWarning", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
-STDMETHODIMP CZentrelK4N::ResetInterchangeCheck() {
-  return NotSupported("ResetInterchangeCheck", kOperation);
-}
+STDMETHODIMP CZentrelK4N::ResetInterchangeCheck() { return NotSupported(__func__, kOperation); }
 
 STDMETHODIMP CZentrelK4N::GetNextCoercionRecord(BSTR* /*value*/) {
-  return NotSupported("GetNextCoercionRecord", kOperation);
+  return NotSupported(__func__, kOperation);
 }
 
-STDMETHODIMP CZentrelK4N::Reset() { return NotSupported("Reset", kUtility); }
+STDMETHODIMP CZentrelK4N::Reset() { return NotSupported(__func__, kUtility); }
 
-STDMETHODIMP CZentrelK4N::ResetWithDefaults() {
-  return NotSupported("ResetWithDefaults", kUtility);
-}
+STDMETHODIMP CZentrelK4N::ResetWithDefaults() { return NotSupported(__func__, kUtility); }
 
-STDMETHODIMP CZentrelK4N::Disable() { return NotSupported("Disable", kUtility); }
+STDMETHODIMP CZentrelK4N::Disable() { return NotSupported(__func__, kUtility); }
 
 STDMETHODIMP CZentrelK4N::SelfTest(LONG* /*test_result*/, BSTR* /*test_message*/) {
-  return NotSupported("SelfTest", kUtility);
+  return NotSupported(__func__, kUtility);
 }
 
 // Takes the oldest failure off the list; a text that the client passes in is left alone.
 STDMETHODIMP CZentrelK4N::ErrorQuery(LONG* error_code, BSTR* error_message) {
-  if (error_code == nullptr || error_message == nullptr) {
-    return E_POINTER;
-  }
-  return SessionFrame(kUtility, [&] {
-    std::int32_t code{};
-    std::optional<std::string> message;
-    manager_.ErrorQuery(code, message);
-    *error_message = message ? NewBstr(os::ToWide(*message)) : nullptr;
-    *error_code = code;
+  return SessionFrame(kUtility, {error_code, error_message}, [&] {
+    const ErrorReport report = manager_.ErrorQuery();
+    *error_message = report.message ? NewBstr(os::ToWide(*report.message)) : nullptr;
+    *error_code = ToCode(report.status);
     return S_OK;
   });
 }
 
-STDMETHODIMP CZentrelK4N::LockObject() { return NotSupported("LockObject", kUtility); }
+STDMETHODIMP CZentrelK4N::LockObject() { return NotSupported(__func__, kUtility); }
 
-STDMETHODIMP CZentrelK4N::UnlockObject() { return NotSupported("UnlockObject", kUtility); }
+STDMETHODIMP CZentrelK4N::UnlockObject() { return NotSupported(__func__, kUtility); }

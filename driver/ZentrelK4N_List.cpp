@@ -11,12 +11,10 @@ const IID& kList = __uuidof(IZentrelK4NList);
 }  // namespace
 
 STDMETHODIMP CZentrelK4N::get_SelectedName(BSTR* /*value*/) {
-  return NotSupported("get_SelectedName", kList);
+  return NotSupported(__func__, kList);
 }
 
-STDMETHODIMP CZentrelK4N::put_SelectedName(BSTR /*name*/) {
-  return NotSupported("put_SelectedName", kList);
-}
+STDMETHODIMP CZentrelK4N::put_SelectedName(BSTR /*name*/) { return NotSupported(__func__, kList); }
 
 // Works without a session; the instrument keeps what it has until it is programmed again.
 STDMETHODIMP CZentrelK4N::ClearAll() {
@@ -45,7 +43,7 @@ STDMETHODIMP CZentrelK4N::CreatePower(BSTR /*name*/, SAFEARRAY** power) {
 STDMETHODIMP CZentrelK4N::CreateFrequencyPower(BSTR /*name*/, SAFEARRAY** frequency,
                                                SAFEARRAY** power) {
   return SessionFrame(kList, [&] {
-    manager_.SetFrequencyList(ArrayAt(frequency));
+    Discard(manager_.SetFrequencyList(ArrayAt(frequency)));
     return manager_.SetPowerList(ArrayAt(power));
   });
 }

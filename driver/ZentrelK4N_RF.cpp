@@ -20,8 +20,8 @@ STDMETHODIMP CZentrelK4N::put_Frequency(double frequency) {
 }
 
 STDMETHODIMP CZentrelK4N::get_Frequency(double* value) {
-  return SessionFrame(kRf, value, [&] {
-    manager_.GetFrequency(*value);
+  return SessionFrame(kRf, {value}, [&] {
+    *value = manager_.GetFrequency();
     return S_OK;
   });
 }
@@ -31,8 +31,8 @@ STDMETHODIMP CZentrelK4N::put_Level(double level) {
 }
 
 STDMETHODIMP CZentrelK4N::get_Level(double* value) {
-  return SessionFrame(kRf, value, [&] {
-    manager_.GetLevel(*value);
+  return SessionFrame(kRf, {value}, [&] {
+    *value = manager_.GetLevel();
     return S_OK;
   });
 }
@@ -43,22 +43,16 @@ STDMETHODIMP CZentrelK4N::put_OutputEnabled(VARIANT_BOOL enabled) {
 
 // Kept: true reads as 1, not as VARIANT_TRUE.
 STDMETHODIMP CZentrelK4N::get_OutputEnabled(VARIANT_BOOL* value) {
-  return SessionFrame(kRf, value, [&] {
-    bool enabled = false;
-    const Status result = manager_.GetOutputEnabled(enabled);
-    if (result == status::kOk) {
-      *value = enabled ? 1 : 0;
-    }
-    return result;
+  return SessionFrame(kRf, {value}, [&] {
+    *value = BoolAsOne(manager_.GetOutputEnabled());
+    return S_OK;
   });
 }
 
-STDMETHODIMP CZentrelK4N::IsSettled(VARIANT_BOOL* /*done*/) {
-  return NotSupported("IsSettled", kRf);
-}
+STDMETHODIMP CZentrelK4N::IsSettled(VARIANT_BOOL* /*done*/) { return NotSupported(__func__, kRf); }
 
 STDMETHODIMP CZentrelK4N::WaitUntilSettled(LONG /*max_time_milliseconds*/) {
-  return NotSupported("WaitUntilSettled", kRf);
+  return NotSupported(__func__, kRf);
 }
 
 // Pulse modulation is the only one. Kept: without a session this is 10057, which clients see as

@@ -2,7 +2,6 @@
 #include <string>
 
 #include "driver/EnumMap.h"
-#include "driver/SweepSettings.h"
 #include "driver/WideText.h"
 #include "driver/ZentrelK4N.h"
 
@@ -10,158 +9,141 @@ namespace {
 
 const IID& kSystem = __uuidof(IZentrelK4NSystem);
 
-constexpr EnumMap<ZentrelK4NSystemAttenEnum, std::uint32_t, 4> kAttenModes{{
-    {ZentrelK4NSystemAttenMinHarm, 2},
-    {ZentrelK4NSystemAttenOptSWR, 3},
-    {ZentrelK4NSystemAttenOptimum, 4},
-    {ZentrelK4NSystemAttenCare, 5},
+constexpr EnumMap<ZentrelK4NSystemAttenEnum, AttenMode, 4> kAttenModes{{
+    {ZentrelK4NSystemAttenMinHarm, AttenMode::kMinHarmonics},
+    {ZentrelK4NSystemAttenOptSWR, AttenMode::kOptimumSwr},
+    {ZentrelK4NSystemAttenOptimum, AttenMode::kOptimum},
+    {ZentrelK4NSystemAttenCare, AttenMode::kCare},
 }};
-constexpr std::uint32_t kNoAttenModes = 0;
 
 // The instrument lacks the file that the text stands in: the client gets the file-not-found code,
 // without a text.
-HRESULT IdentityText(Status result, const std::string& text, BSTR* value) {
-  if (result == status::kInstrumentFileMissing) {
-    return status::kFileNotFound;
+Status PutIdentityText(const Answer<std::string>& text, BSTR* value) {
+  if (text.status == Status::kInstrumentFileMissing) {
+    return Status::kFileNotFound;
   }
-  if (result == status::kOk) {
+  if (text.status == Status::kOk) {
     // Kept: the text ends at its first NUL, so that a padded serial number shows neither its
     // padding nor the mark behind it.
-    *value = NewBstr(os::ToWide(text.substr(0, text.find('\0'))));
+    *value = NewBstr(os::ToWide(text.value.substr(0, text.value.find('\0'))));
   }
-  return result;
+  return text.status;
 }
 
 }  // namespace
 
 STDMETHODIMP CZentrelK4N::get_SerialNum(BSTR* value) {
-  return SessionFrame(kSystem, value, [&] {
-    std::string text;
-    const Status result = manager_.GetSerialNumber(text);
-    return IdentityText(result, text, value);
-  });
+  return SessionFrame(kSystem, {value},
+                      [&] { return PutIdentityText(manager_.GetSerialNumber(), value); });
 }
 
 STDMETHODIMP CZentrelK4N::get_Type(BSTR* value) {
-  return SessionFrame(kSystem, value, [&] {
-    std::string text;
-    const Status result = manager_.GetInstrumentType(text);
-    return IdentityText(result, text, value);
-  });
+  return SessionFrame(kSystem, {value},
+                      [&] { return PutIdentityText(manager_.GetInstrumentType(), value); });
 }
 
 // Kept: the state bits read 1 for true, not VARIANT_TRUE. The variable of a client whose instrument
 // does not answer stays as it was.
-Status CZentrelK4N::ReadStateBit(VARIANT_BOOL& value, Status (CK4NManager::*read)(bool&)) {
-  bool bit = false;
-  const Status result = (manager_.*read)(bit);
-  if (result == status::kOk) {
-    value = bit ? 1 : 0;
+Status CZentrelK4N::ReadStateBit(VARIANT_BOOL& value, Answer<bool> (CK4NManager::*read)()) {
+  const Answer<bool> bit = (manager_.*read)();
+  if (bit.status == Status::kOk) {
+    value = BoolAsOne(bit.value);
   }
-  return result;
+  return bit.status;
 }
 
 STDMETHODIMP CZentrelK4N::get_RFButton(VARIANT_BOOL* value) {
-  return SessionFrame(kSystem, value,
+  return SessionFrame(kSystem, {value},
                       [&] { return ReadStateBit(*value, &CK4NManager::GetRfButton); });
 }
 
 // Kept: unlike the RF button's, a failure of these three is not reported.
 STDMETHODIMP CZentrelK4N::get_PLLState(VARIANT_BOOL* value) {
-  return SessionFrame(kSystem, value, [&] {
-    ReadStateBit(*value, &CK4NManager::GetPllState);
+  return SessionFrame(kSystem, {value}, [&] {
+    Discard(ReadStateBit(*value, &CK4NManager::GetPllState));
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_ERGState(VARIANT_BOOL* value) {
-  return SessionFrame(kSystem, value, [&] {
-    ReadStateBit(*value, &CK4NManager::GetErgState);
+  return SessionFrame(kSystem, {value}, [&] {
+    Discard(ReadStateBit(*value, &CK4NManager::GetErgState));
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_LevelState(VARIANT_BOOL* value) {
-  return SessionFrame(kSystem, value, [&] {
-    ReadStateBit(*value, &CK4NManager::GetLevelState);
+  return SessionFrame(kSystem, {value}, [&] {
+    Discard(ReadStateBit(*value, &CK4NManager::GetLevelState));
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::put_Atten(ZentrelK4NSystemAttenEnum mode) {
   return SessionFrame(kSystem, [&] {
-    std::uint32_t code = kNoAttenModes;
-    manager_.GetAttenMode(code);
-    if (code == kNoAttenModes) {
-      return status::kPropertyNotSupported;
+    const AttenMode present = manager_.GetAttenMode();
+    if (present == AttenMode::kNone) {
+      return Status::kPropertyNotSupported;
     }
     // Kept: a value that is none of the four sends the present mode again.
-    return manager_.SetAttenMode(CodeOf(kAttenModes, mode).value_or(code));
+    return manager_.SetAttenMode(CodeOf(kAttenModes, mode).value_or(present));
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_Atten(ZentrelK4NSystemAttenEnum* value) {
-  return SessionFrame(kSystem, value, [&] {
-    std::uint32_t code = kNoAttenModes;
-    manager_.GetAttenMode(code);
-    if (code == kNoAttenModes) {
-      return status::kPropertyNotSupported;
+  return SessionFrame(kSystem, {value}, [&] {
+    const AttenMode mode = manager_.GetAttenMode();
+    if (mode == AttenMode::kNone) {
+      return Status::kPropertyNotSupported;
     }
-    PutValueOf(kAttenModes, code, value);
-    return status::kOk;
+    PutValueOf(kAttenModes, mode, value);
+    return Status::kOk;
   });
 }
 
 STDMETHODIMP CZentrelK4N::put_ExtRefGenEnabled(VARIANT_BOOL enabled) {
   return SessionFrame(kSystem, [&] {
-    bool previous = false;
-    double frequency{};
-    manager_.GetExtRefGen(previous, frequency);
-    return manager_.SetExtRefGen(enabled != VARIANT_FALSE, frequency);
+    ReferenceSettings reference = manager_.GetExtRefGen();
+    reference.external = enabled != VARIANT_FALSE;
+    return manager_.SetExtRefGen(reference);
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_ExtRefGenEnabled(VARIANT_BOOL* value) {
-  return SessionFrame(kSystem, value, [&] {
-    bool enabled = false;
-    double frequency{};
-    manager_.GetExtRefGen(enabled, frequency);
-    *value = enabled ? 1 : 0;
+  return SessionFrame(kSystem, {value}, [&] {
+    *value = BoolAsOne(manager_.GetExtRefGen().external);
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::put_ExtRefGenFrequency(double frequency) {
   return SessionFrame(kSystem, [&] {
-    bool enabled = false;
-    double previous{};
-    manager_.GetExtRefGen(enabled, previous);
-    return manager_.SetExtRefGen(enabled, frequency);
+    ReferenceSettings reference = manager_.GetExtRefGen();
+    reference.frequency = frequency;
+    return manager_.SetExtRefGen(reference);
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_ExtRefGenFrequency(double* value) {
-  return SessionFrame(kSystem, value, [&] {
-    bool enabled = false;
-    manager_.GetExtRefGen(enabled, *value);
+  return SessionFrame(kSystem, {value}, [&] {
+    *value = manager_.GetExtRefGen().frequency;
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::put_SyncSourceDetection(ZentrelK4NSystemSyncSourceDetectorEnum edge) {
   return SessionFrame(kSystem, [&] {
-    SweepTrigger trigger = SweepTriggerOf(manager_);
+    SweepTriggerSettings trigger = manager_.GetSweepTrigger();
     // Kept: every value but Rise means Fall.
-    trigger.settings.sync_detection = edge != ZentrelK4NSystemSyncSourceDetectorRise ? 1 : 0;
-    return manager_.SetSweepTrigger(trigger.settings, trigger.single_step);
+    trigger.falling_edge = edge != ZentrelK4NSystemSyncSourceDetectorRise;
+    return manager_.SetSweepTrigger(trigger);
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_SyncSourceDetection(ZentrelK4NSystemSyncSourceDetectorEnum* value) {
-  return SessionFrame(kSystem, value, [&] {
-    *value = SweepTriggerOf(manager_).settings.sync_detection != 0
-                 ? ZentrelK4NSystemSyncSourceDetectorFall
-                 : ZentrelK4NSystemSyncSourceDetectorRise;
+  return SessionFrame(kSystem, {value}, [&] {
+    *value = manager_.GetSweepTrigger().falling_edge ? ZentrelK4NSystemSyncSourceDetectorFall
+                                                     : ZentrelK4NSystemSyncSourceDetectorRise;
     return S_OK;
   });
 }
@@ -172,10 +154,8 @@ STDMETHODIMP CZentrelK4N::put_ExtRefPhaseDelay(LONG delay) {
 }
 
 STDMETHODIMP CZentrelK4N::get_ExtRefPhaseDelay(LONG* value) {
-  return SessionFrame(kSystem, value, [&] {
-    std::int32_t delay{};
-    manager_.GetExtRefPhaseDelay(delay);
-    *value = delay;
+  return SessionFrame(kSystem, {value}, [&] {
+    *value = manager_.GetExtRefPhaseDelay();
     return S_OK;
   });
 }
@@ -187,19 +167,15 @@ STDMETHODIMP CZentrelK4N::put_ExtPwrCtrl(VARIANT_BOOL enabled) {
 // Kept: true marks a switching that failed on its way, and reads as VARIANT_TRUE, unlike its
 // neighbours.
 STDMETHODIMP CZentrelK4N::get_ExtPwrCtrl(VARIANT_BOOL* value) {
-  return SessionFrame(kSystem, value, [&] {
-    bool enabled = false;
-    manager_.GetExtPwrCtrl(enabled);
-    *value = enabled ? VARIANT_TRUE : VARIANT_FALSE;
+  return SessionFrame(kSystem, {value}, [&] {
+    *value = BoolAsTrue(manager_.GetExtPwrCtrl());
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_CompensMode(ZentrelK4NSystemCompensModeEnum* value) {
-  return SessionFrame(kSystem, value, [&] {
-    std::uint32_t mode{};
-    manager_.GetCompensMode(mode);
-    *value = static_cast<ZentrelK4NSystemCompensModeEnum>(mode);
+  return SessionFrame(kSystem, {value}, [&] {
+    *value = static_cast<ZentrelK4NSystemCompensModeEnum>(manager_.GetCompensMode());
     return S_OK;
   });
 }

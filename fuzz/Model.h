@@ -36,7 +36,7 @@ class Model final : public uIEvent::IEventProcessor {
     script().Reset();
     exchanger_.device().Clear();
     double dwell = 7.0;
-    Require(model_.SetDwell(dwell) == 0 && dwell == 7.0);
+    Require(model_.SetDwell(dwell) == Status::kOk && dwell == 7.0);
   }
 
   void ProcessEvent(uIEvent::Event* event) override { event_.reset(event); }

@@ -18,11 +18,15 @@ constexpr void (*kOperations[])(D3THardWare& model, Values& v) = {
       m.ReadOutputState(level, v[0]);
     },
     [](D3THardWare& m, Values& v) { m.SetCwFrequency(v[0]); },
-    [](D3THardWare& m, Values& v) { m.SetFrequencySweep(v[0], v[1], v[2]); },
+    [](D3THardWare& m, Values& v) {
+      StepSettings sweep{v[0], v[1], v[2]};
+      m.SetFrequencySweep(sweep);
+    },
     [](D3THardWare& m, Values& v) {
       LevelSettings level;
       m.SetOutputLevel(level, v[0]);
-      m.SetPowerSweep(level, v[0], v[1], v[2]);
+      StepSettings sweep{v[0], v[1], v[2]};
+      m.SetPowerSweep(level, sweep);
     },
     [](D3THardWare& m, Values& v) { m.TransferList(ListAxis::kFrequency, v, {}); },
     [](D3THardWare& m, Values& v) { m.TransferList(ListAxis::kPower, v, {}); },
@@ -38,7 +42,7 @@ constexpr void (*kOperations[])(D3THardWare& model, Values& v) = {
       m.SetTriggerOutput(0, elements);
     },
     [](D3THardWare& m, Values& v) {
-      std::uint32_t source = 0;
+      PulseSource source{};
       Values gaps = v;
       m.TransferPulseTrain(2, source, v, gaps, false);
     },
@@ -68,14 +72,16 @@ constexpr void (*kOperations[])(D3THardWare& model, Values& v) = {
       std::vector<std::uint8_t> buffer(65535);
       std::uint32_t length = 0;
       char format = 'A';
-      if (m.ReadDataBlock(buffer, length, format) == 0) fuzz::Require(length <= buffer.size());
+      if (m.ReadDataBlock(buffer, length, format) == Status::kOk)
+        fuzz::Require(length <= buffer.size());
     },
     [](D3THardWare& m, Values&) {
       std::array<std::uint8_t, 1202> buffer{};
       std::uint32_t length = 0;
       char format = '@';
       for (int poll = 0; poll < 8; ++poll) {
-        if (m.PollDataBlock(buffer, length, format) == 0) fuzz::Require(length <= buffer.size());
+        if (m.PollDataBlock(buffer, length, format) == Status::kOk)
+          fuzz::Require(length <= buffer.size());
       }
     },
     [](D3THardWare& m, Values& v) { m.TransferFrequencyTable(v); },

@@ -30,7 +30,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const Status loaded = LoadDetectorFile(matrix, scratch.path, &header);
   std::shared_ptr<const DetectorTable> table;
   fuzz::Require(LoadDetectorTable(scratch.path, table) == loaded);
-  fuzz::Require((loaded == status::kOk) == (table != nullptr));
+  fuzz::Require((loaded == Status::kOk) == (table != nullptr));
   if (table == nullptr) return 0;
   ConvertLevelAxisToLog10(matrix);
   for (const double x : {0.0, -1.0, 1e300, 1234.5, std::nan(""), HUGE_VAL}) {

@@ -7,11 +7,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Model model;
   model.script().QueueAnswer(0, body.data(), body.size());
   std::string text;
-  fuzz::Require(model->ReadInstrumentFile("\\FRAM\\TYPE.TXT", text) == status::kOk);
+  fuzz::Require(model->ReadInstrumentFile("\\FRAM\\TYPE.TXT", text) == Status::kOk);
   fuzz::Require(text.size() <= body.size() && text.find_first_of(" \t\r") == std::string::npos);
   model.script().QueueAnswer(0, body.data(), body.size());
   const Status status = model->QuerySerialNumber(text);
-  fuzz::Require(status == status::kOk || status == status::kRefused);
+  fuzz::Require(status == Status::kOk || status == Status::kRefused);
   model.RequireThatItWorks();
   return 0;
 }

@@ -46,7 +46,7 @@ DetectorFile::Fault DetectorFile::Read(const std::filesystem::path& path) {
 }
 
 DetectorFile::Fault DetectorFile::FindFault(Status read) const {
-  if (read == status::kCannotOpenFile) {
+  if (read == Status::kCannotOpenFile) {
     return Fault::kCannotOpen;
   }
   if (text_.Rows() == 0) {
@@ -73,11 +73,11 @@ DetectorFile::Fault DetectorFile::FindFault(Status read) const {
 Status DetectorFile::ReadStatus() const {
   switch (fault_) {
     case Fault::kNone:
-      return status::kOk;
+      return Status::kOk;
     case Fault::kCannotOpen:
-      return status::kCannotOpenFile;
+      return Status::kCannotOpenFile;
     default:
-      return status::kInvalidFileFormat;
+      return Status::kInvalidFileFormat;
   }
 }
 
@@ -99,10 +99,10 @@ Status LoadDetectorFile(ICustomMatrix<double>& matrix, const std::filesystem::pa
   DetectorFile file;
   file.Read(path);
   Status result = file.ReadStatus();
-  if (result == status::kOk) {
+  if (result == Status::kOk) {
     result = file.Fill(matrix);
   }
-  if (result == status::kOk && header != nullptr) {
+  if (result == Status::kOk && header != nullptr) {
     *header = file.Text().Header();
   }
   return result;
@@ -110,7 +110,7 @@ Status LoadDetectorFile(ICustomMatrix<double>& matrix, const std::filesystem::pa
 
 void ConvertLevelAxisToLog10(CSimpleMatrix& matrix) {
   for (std::uint32_t row = 1; row < matrix.GetRows(); ++row) {
-    matrix.SetItem(0, row, Log10(matrix.GetItem(0, row)));
+    Discard(matrix.SetItem(0, row, Log10(matrix.GetItem(0, row))));  // always 0
   }
 }
 
@@ -118,7 +118,7 @@ Status LoadDetectorTable(const std::filesystem::path& path,
                          std::shared_ptr<const DetectorTable>& table) {
   CSimpleMatrix matrix;
   const Status result = LoadDetectorFile(matrix, path, nullptr);
-  if (result == status::kOk) {
+  if (result == Status::kOk) {
     ConvertLevelAxisToLog10(matrix);
     table = std::make_shared<const DetectorTable>(matrix);
   }

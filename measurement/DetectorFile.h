@@ -12,7 +12,7 @@
 #include "measurement/ICustomMatrix.h"
 #include "measurement/MatrixText.h"
 #include "measurement/SimpleMatrix.h"
-#include "measurement/Status.h"
+#include "status/Status.h"
 
 /// The folders that all programs of the instrument family share, each with a trailing separator,
 /// the one that prevails first: each common files folder followed by "\Zentrel Shared\Detectors\".

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "measurement/Status.h"
+#include "status/Status.h"
 
 /// A matrix of columns by rows. Column index: position of a number within a line of the file; row
 /// index: the number's data line; both from 0. The order of the virtual operations is part of the

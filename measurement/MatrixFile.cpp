@@ -56,23 +56,23 @@ Status LoadMatrixFile(ICustomMatrix<double>* matrix, const std::filesystem::path
                       std::string* header, std::uint32_t flags) {
   MatrixText text;
   const Status result = text.Read(path);
-  if (result != status::kOk) {
+  if (result != Status::kOk) {
     return result;
   }
   const bool check_digest = (flags & kMatrixFileDigest) != 0;
   if (check_digest && !text.IsSigned()) {
-    return status::kInvalidFileFormat;
+    return Status::kInvalidFileFormat;
   }
   if (header != nullptr) {
     *header = check_digest ? text.SignedHeader() : text.Header();
   }
-  return matrix != nullptr ? text.Fill(*matrix) : status::kOk;
+  return matrix != nullptr ? text.Fill(*matrix) : Status::kOk;
 }
 
 Status ComposeMatrixFile(const ICustomMatrix<double>& matrix, std::string_view header,
                          std::uint32_t flags, std::string& text) {
   if (!AllFinite(matrix)) {
-    return status::kInvalidValue;
+    return Status::kInvalidValue;
   }
   text.clear();
   Gost341194 hash;
@@ -96,20 +96,20 @@ Status ComposeMatrixFile(const ICustomMatrix<double>& matrix, std::string_view h
     text += kDigestMark;
     text += ' ' + ToHexText(hash.Finish());
   }
-  return status::kOk;
+  return Status::kOk;
 }
 
 Status SaveMatrixFile(const ICustomMatrix<double>& matrix, const std::filesystem::path& path,
                       std::string_view header, std::uint32_t flags) {
   std::string text;
   const Status result = ComposeMatrixFile(matrix, header, flags, text);
-  if (result != status::kOk) {
+  if (result != Status::kOk) {
     return result;
   }
   std::ofstream file = os::OpenForWriting(path);
   file << text;
   file.close();
-  return file ? status::kOk : status::kCannotOpenFile;
+  return file ? Status::kOk : Status::kCannotOpenFile;
 }
 
 std::string GetHeaderValue(std::string_view header, std::string_view key,

@@ -12,7 +12,7 @@
 #include <string_view>
 
 #include "measurement/ICustomMatrix.h"
-#include "measurement/Status.h"
+#include "status/Status.h"
 
 /// Bits of the `flags` arguments.
 inline constexpr std::uint32_t kMatrixFileDigest = 1;  ///< check, or write, the digest line

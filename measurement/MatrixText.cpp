@@ -119,7 +119,7 @@ Status MatrixText::Read(const std::filesystem::path& path,
                         bool (*is_signed)(const std::string& header)) {
   std::optional<std::string> content = os::ReadWholeFile(path, kLargestFile);
   if (!content) {
-    return status::kCannotOpenFile;
+    return Status::kCannotOpenFile;
   }
   text_ = std::move(*content);
   // The digest takes several times as long as the numbers: that of a large file is worked out
@@ -133,7 +133,7 @@ Status MatrixText::Read(const std::filesystem::path& path,
   if (digest.valid()) {
     early_digest_ = digest.get();
   }
-  return rows_ != 0 && uneven_row_ == 0 ? status::kOk : status::kInvalidFileFormat;
+  return rows_ != 0 && uneven_row_ == 0 ? Status::kOk : Status::kInvalidFileFormat;
 }
 
 void MatrixText::TakeHeaderLine(std::string_view line) {
@@ -181,13 +181,13 @@ std::string_view MatrixText::SignedHeader() const {
 
 Status MatrixText::Fill(ICustomMatrix<double>& matrix) const {
   Status result = matrix.Resize(columns_, rows_);
-  if (result == status::kOk) {
+  if (result == Status::kOk) {
     result = matrix.EndLoad(columns_, rows_);
   }
   const double* number = numbers_.data();
-  for (std::uint32_t row = 0; row < rows_ && result == status::kOk; ++row) {
+  for (std::uint32_t row = 0; row < rows_ && result == Status::kOk; ++row) {
     for (std::uint32_t column = 0; column < columns_; ++column) {
-      matrix.SetItem(column, row, *number++);
+      Discard(matrix.SetItem(column, row, *number++));  // inside the matrix: always 0
     }
   }
   return result;

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "measurement/ICustomMatrix.h"
-#include "measurement/Status.h"
+#include "status/Status.h"
 
 /// The characters that surround the content of a line.
 inline constexpr std::string_view kLineMargin = " \r\n";

@@ -49,11 +49,12 @@ Status CNewDetectorMatrixConvertor::SetItem(std::uint32_t column, std::uint32_t 
 
 Status CNewDetectorMatrixConvertor::EndLoad(std::uint32_t /*columns*/, std::uint32_t rows) {
   if (target_.GetRows() == 0 || target_.GetCols() == 0) {
-    return status::kOk;
+    return Status::kOk;
   }
-  target_.SetItem(0, 0, 0.0);
+  // An item inside the matrix can always be set.
+  Discard(target_.SetItem(0, 0, 0.0));
   for (std::uint32_t row = 1; row < rows; ++row) {
-    target_.SetItem(0, row, SynthesisedLevel(row));
+    Discard(target_.SetItem(0, row, SynthesisedLevel(row)));
   }
-  return status::kOk;
+  return Status::kOk;
 }

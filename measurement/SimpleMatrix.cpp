@@ -2,11 +2,11 @@
 
 Status CSimpleMatrix::Resize(std::uint32_t columns, std::uint32_t rows) {
   if (GetCols() == columns && GetRows() == rows) {
-    return status::kOk;
+    return Status::kOk;
   }
   columns_.clear();
   columns_.resize(columns, std::vector<double>(rows));
-  return status::kOk;
+  return Status::kOk;
 }
 
 std::uint32_t CSimpleMatrix::GetRows() const {
@@ -16,5 +16,5 @@ std::uint32_t CSimpleMatrix::GetRows() const {
 std::uint32_t CSimpleMatrix::GetCols() const { return static_cast<std::uint32_t>(columns_.size()); }
 
 Status CSimpleMatrix::EndLoad(std::uint32_t /*columns*/, std::uint32_t /*rows*/) {
-  return status::kOk;
+  return Status::kOk;
 }

@@ -22,7 +22,7 @@ class CSimpleMatrix final : public ICustomMatrix<double> {
   }
   Status SetItem(std::uint32_t column, std::uint32_t row, double value) override {
     columns_[column][row] = value;
-    return status::kOk;
+    return Status::kOk;
   }
   /// Does nothing.
   Status EndLoad(std::uint32_t columns, std::uint32_t rows) override;

@@ -79,7 +79,7 @@ void ConvertBlock(const RawBlock& block, const FrequencyPlan& plan,
                   TraceMatrix& trace) {
   const std::size_t points = block.PointCount();
   if (trace.Resize(static_cast<std::int32_t>(kTraceChannels), static_cast<std::int32_t>(points)) !=
-      status::kOk) {
+      Status::kOk) {
     return;
   }
   const ReadingScale scale = ScaleOf(block);

@@ -34,16 +34,16 @@ TraceMatrix& TraceMatrix::operator=(const TraceMatrix& other) {
 
 Status TraceMatrix::Resize(std::int32_t rows, std::int32_t columns) {
   if (rows == rows_ && columns == columns_) {
-    return status::kOk;
+    return Status::kOk;
   }
   Clear();
   if (rows < 1 || columns < 1) {
-    return status::kRefused;
+    return Status::kRefused;
   }
   values_.resize(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns));
   rows_ = rows;
   columns_ = columns;
-  return status::kOk;
+  return Status::kOk;
 }
 
 void TraceMatrix::Clear() {

@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "measurement/Status.h"
+#include "status/Status.h"
 
 /// A table of doubles, row by row, with a lock for those who share it. No operation takes the lock
 /// by itself, and copying copies counts and values only.

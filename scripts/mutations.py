@@ -24,7 +24,7 @@ OPERATORS = {
     "+=": ("-=",), "-=": ("+=",), "*=": ("/=",), "/=": ("*=",), "&=": ("|=",), "|=": ("&=",), "^=": ("|=",),
     "<<=": (">>=",), ">>=": ("<<=",)}
 ASSIGNMENTS = {sign for sign in OPERATORS if sign[-1] == "=" and sign[0] not in "<>=!"} | {"=", "<<=", ">>="}
-SUCCESS = {"HRESULT": "S_OK", "STDMETHODIMP": "S_OK", "Status": "status::kOk", "ViStatus": "VI_SUCCESS", "bool": "true"}
+SUCCESS = {"HRESULT": "S_OK", "STDMETHODIMP": "S_OK", "Status": "Status::kOk", "ViStatus": "VI_SUCCESS", "bool": "true"}
 BEFORE_BODY = {")", "}", "const", "noexcept", "override", "else", "do", "try", "mutable"}
 CONDITIONS = {"if", "while", "for"}
 NO_CALL = CONDITIONS | {"switch", "catch", "return", "throw", "delete", "new", "sizeof", "alignof", "decltype", "using",

@@ -28,15 +28,17 @@ CSimpleMatrix ToMatrix(const simulator::DetectorTable& table) {
   const auto columns = static_cast<std::uint32_t>(table.frequencies.size());
   const auto rows = static_cast<std::uint32_t>(table.readings.size());
   CSimpleMatrix matrix;
-  matrix.Resize(columns + 1, rows + 1);
+  // All items lie inside the matrix: nothing here can fail.
+  Discard(matrix.Resize(columns + 1, rows + 1));
   for (std::uint32_t column = 0; column < columns; ++column) {
-    matrix.SetItem(column + 1, 0, table.frequencies[column]);
+    Discard(matrix.SetItem(column + 1, 0, table.frequencies[column]));
   }
   for (std::uint32_t row = 0; row < rows; ++row) {
-    matrix.SetItem(0, row + 1, RoundReading(table.readings[row]));
+    Discard(matrix.SetItem(0, row + 1, RoundReading(table.readings[row])));
     for (std::uint32_t column = 0; column < columns; ++column) {
-      matrix.SetItem(column + 1, row + 1,
-                     std::round(table.At(row, column) * kStepsPerDecibel) / kStepsPerDecibel);
+      Discard(
+          matrix.SetItem(column + 1, row + 1,
+                         std::round(table.At(row, column) * kStepsPerDecibel) / kStepsPerDecibel));
     }
   }
   return matrix;

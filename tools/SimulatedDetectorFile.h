@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "measurement/Status.h"
+#include "status/Status.h"
 
 /// Writes the simulated detectors' characteristic as a signed version 3 detector file. The same
 /// bytes on every system. Returns as SaveMatrixFile.

@@ -9,7 +9,7 @@ int main(int argc, char** argv) {
     std::cerr << "usage: make_detector_file FILE\n";
     return 2;
   }
-  if (WriteSimulatedDetectorFile(argv[1]) != status::kOk) {
+  if (WriteSimulatedDetectorFile(argv[1]) != Status::kOk) {
     std::cerr << "make_detector_file: cannot write " << argv[1] << "\n";
     return 1;
   }

@@ -34,8 +34,8 @@ struct DetectorOptions {
 void Print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 
 [[noreturn]] void Refuse(const std::string& file, Status status, const std::string& why) {
-  throw std::runtime_error(file + ": " + HresultText(status) + " (" +
-                           std::string(HresultName(status)) + "): " + why);
+  throw std::runtime_error(file + ": " + HresultText(ToCode(status)) + " (" +
+                           std::string(HresultName(ToCode(status))) + "): " + why);
 }
 
 int Check(const DetectorOptions& options) {
@@ -62,8 +62,8 @@ CSimpleMatrix LoadInput(const DetectorOptions& options) {
   const DetectorFile file = ReadInput(options);
   CSimpleMatrix matrix;
   Status status = file.ReadStatus();
-  if (status == status::kOk) status = file.Fill(matrix);
-  if (status != status::kOk) Refuse(options.input, status, FaultText(file));
+  if (status == Status::kOk) status = file.Fill(matrix);
+  if (status != Status::kOk) Refuse(options.input, status, FaultText(file));
   return matrix;
 }
 
@@ -107,10 +107,10 @@ int WriteSigned(const DetectorOptions& options, const DetectorFile& file,
   CSimpleMatrix matrix;
   std::string content;
   Status status = file.Fill(matrix);
-  if (status == status::kOk) {
+  if (status == Status::kOk) {
     status = ComposeMatrixFile(matrix, header, kMatrixFileDigest | kMatrixFileExact, content);
   }
-  if (status != status::kOk) Refuse(options.input, status, "too many levels");
+  if (status != Status::kOk) Refuse(options.input, status, "too many levels");
   WriteOutput(options, content);
   return exit_status::kOk;
 }
@@ -163,7 +163,7 @@ int Convert(const DetectorOptions& options) {
 int Plot(const DetectorOptions& options) {
   const CSimpleMatrix matrix = LoadInput(options);
   if (matrix.GetCols() < 2 || matrix.GetRows() < 2) {
-    Refuse(options.input, status::kInvalidFileFormat, "the table has no frequency or no level");
+    Refuse(options.input, Status::kInvalidFileFormat, "the table has no frequency or no level");
   }
   const std::u8string name = PathArgument(options.input).filename().u8string();
   WriteOutput(options, DetectorAsSvg(matrix, {name.begin(), name.end()}));

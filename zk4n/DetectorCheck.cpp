@@ -62,13 +62,13 @@ DetectorCheck::DetectorCheck(std::string file) : name_(std::move(file)) {
   file_.Read(PathArgument(name_));
   if (!file_.HasTable()) return;
   CSimpleMatrix matrix;
-  file_.Fill(matrix);
+  Discard(file_.Fill(matrix));  // there is a table
   for (std::uint32_t c = 1; c < matrix.GetCols(); ++c) frequencies_.push_back(matrix.GetItem(c, 0));
   for (std::uint32_t r = 1; r < matrix.GetRows(); ++r) levels_.push_back(matrix.GetItem(0, r));
 }
 
 bool DetectorCheck::IsGood() const {
-  return file_.ReadStatus() == status::kOk && AxisFault().empty();
+  return file_.ReadStatus() == Status::kOk && AxisFault().empty();
 }
 
 std::string DetectorCheck::AxisFault() const {
@@ -87,9 +87,10 @@ std::string DetectorCheck::AsText() const {
   if (IsGood()) {
     lines << "good\n";
   } else {
-    lines << "NOT GOOD: " << (status == status::kOk ? AxisFault() : FaultText(file_)) << '\n';
+    lines << "NOT GOOD: " << (status == Status::kOk ? AxisFault() : FaultText(file_)) << '\n';
   }
-  lines << "  status     " << HresultText(status) << " (" << HresultName(status) << ")\n";
+  lines << "  status     " << HresultText(ToCode(status)) << " (" << HresultName(ToCode(status))
+        << ")\n";
   if (!text.HasContent()) return lines.str();
   lines << "  version    " << (file_.Version() ? std::to_string(*file_.Version()) : "none") << '\n'
         << "  table      " << text.Columns() << " columns, " << text.Rows() << " rows\n";
@@ -105,7 +106,7 @@ std::string DetectorCheck::AsText() const {
 
 std::string DetectorCheck::AsJson() const {
   const MatrixText& text = file_.Text();
-  ordered_json object{{"file", name_}, {"status", HresultText(file_.ReadStatus())}};
+  ordered_json object{{"file", name_}, {"status", HresultText(ToCode(file_.ReadStatus()))}};
   const auto add = [&object](const char* key, bool is_there, const auto& value) {
     object[key] = is_there ? ordered_json(value) : ordered_json(nullptr);
   };

@@ -100,7 +100,7 @@ class ModelLayer {
     (*this)();  // finds out the form of the parameter
   }
   void operator()() {
-    Require(model_.SetOutputLevel(settings_, level_) == status::kOk, "the model refuses");
+    Require(model_.SetOutputLevel(settings_, level_) == Status::kOk, "the model refuses");
   }
 
  private:

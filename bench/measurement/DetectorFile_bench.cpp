@@ -69,7 +69,7 @@ void BM_LoadDetectorFile(benchmark::State& state) {
   const BenchFile file(static_cast<int>(state.range(0)));
   for ([[maybe_unused]] auto _ : state) {
     CSimpleMatrix matrix;
-    if (LoadDetectorFile(matrix, file.Path(), nullptr) != status::kOk) {
+    if (LoadDetectorFile(matrix, file.Path(), nullptr) != Status::kOk) {
       state.SkipWithError("not loaded");
       return;
     }

@@ -24,7 +24,7 @@ constexpr BuilderCase kBuilderCases[] = {
 
 TEST(ErrorMessage, BuildsWhatNoCallOfAClientShows) {
   for (const auto& row : kBuilderCases) {
-    const Status code = status::FromBits(row.code);
+    const Status code{SignedBits(row.code)};
     EXPECT_EQ(BuildErrorMessage(code, os::ToWide(row.insert), OLESTR("x"), OLESTR("y")),
               os::ToWide(row.expected));
   }

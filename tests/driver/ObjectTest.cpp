@@ -202,7 +202,7 @@ TEST(Objects, TheRootHandsOutTheInterfacesWithoutAProperty) {
 
 TEST(Objects, ACodeThatIsNoValueLeavesTheClientsVariableAlone) {
   const auto root = ComPtr<ComObject<CZentrelK4N>>::Adopt(ComObject<CZentrelK4N>::Create());
-  EXPECT_EQ(root->manager().SetPulseModSource(7), S_OK);
+  EXPECT_EQ(root->manager().SetPulseModSource(PulseSource{7}), Status::kOk);
   ComPtr<IZentrelK4NPulseModulation> modulation;
   EXPECT_EQ(root->get_PulseModulation(modulation.Put()), S_OK);
   using Source = ZentrelK4NPulseModulationSourceEnum;

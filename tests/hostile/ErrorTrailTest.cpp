@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr Status kLost = status::FromBits(0xBFFF00A6);
+constexpr Status kLost{SignedBits(0xBFFF00A6)};
 constexpr ErrorRecord kFailedRead{kLost, Site::kWorkerRead};
 constexpr ErrorRecord kFailedButton{kLost, Site::kWorkerRfButton};
 
@@ -37,7 +37,7 @@ TEST(ErrorTrailTest, FullTrailCountsInTheNewestRunOfTheKind) {
     trail.Append(kLost, Site::kWorkerRead);
     trail.Append(kLost, Site::kWorkerRfButton);
   }
-  trail.Append(1, Site::kDwell);
+  trail.Append(Status{1}, Site::kDwell);
   EXPECT_TRUE(trail.RunAt(ErrorTrail::kLongestTrail)) << "a new kind is kept, too";
   EXPECT_FALSE(trail.RunAt(ErrorTrail::kLongestTrail + 1));
   EXPECT_EQ(CountOf(trail), appended + 1) << "none is lost";

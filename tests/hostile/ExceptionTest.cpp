@@ -8,31 +8,7 @@ namespace {
 using scripted::Function;
 using testing::ElementsAre;
 
-constexpr ErrorRecord kNoMemory{status::kVisaAllocation, Site::kWorkerRead};
-constexpr ErrorRecord kThrown{status::kVisaIo, Site::kWorkerRead};
-
-TEST_F(ManagerTest, BlockWithoutMemoryIsLostAndToldAndReadingGoesOn) {
-  // A text of its own size makes the copy of the settings that goes with a block fail.
-  constexpr std::size_t kTextSize = 1500;
-  Open();
-  StartMeasuring();
-  visa_.CompleteData('A', Block(2));
-  ASSERT_TRUE(WaitUntilRequested("6", 1)) << "the block before it has been stored";
-  visa_.RuleBody(kRead, 10, 0, "0A" + Repeat(" 00", 9 + 15) + Repeat(" 41", kTextSize));
-  std::string text;
-  ASSERT_EQ(manager_.GetInstrumentType(text), 0);
-  ASSERT_EQ(text.size(), kTextSize);
-  {
-    const Shortage shortage(kTextSize + 1, kTextSize + 1);
-    visa_.CompleteData('A', Block(3));
-    EXPECT_TRUE(WaitUntil([this] { return !ErrorRecords().empty(); }));
-    EXPECT_EQ(manager_.FetchData(trace_), status::kVisaTimeout) << "neither, nor a mixture";
-  }
-  visa_.CompleteData('A', Block(5));
-  EXPECT_TRUE(WaitForBlock());
-  EXPECT_EQ(trace_.ColumnCount(), 5);
-  EXPECT_THAT(ErrorRecords(), ElementsAre(kNoMemory));
-}
+constexpr ErrorRecord kThrown{Status::kVisaIo, Site::kWorkerRead};
 
 TEST_F(ManagerTest, ThrowingSendIsAFailedReadAndEndsTheTriggeredSweep) {
   Open();

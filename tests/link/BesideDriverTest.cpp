@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "K4NHardWare/DeviceInterface.h"
+#include "tests/platform/ResultCode.h"
 
 namespace {
 

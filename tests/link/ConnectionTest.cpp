@@ -16,7 +16,7 @@ constexpr const char* kLimitsAnswer =
 struct FormCase : Row {
   std::vector<std::uint16_t> probe_statuses;  // of the frequency probes, in their order
   const char* answer;                         // body of the last of them
-  Status result;
+  ResultCode result;
   std::vector<std::string> frequency_requests;
   double maximum;
   std::uint32_t frequency_class;
@@ -39,7 +39,7 @@ TEST_P(FormTest, FindsTheForm) {
   std::copy_if(order.begin(), order.end(), std::back_inserter(probes),
                [](const std::string& text) { return text.starts_with("3:0/"); });
   EXPECT_THAT(probes, ElementsAreArray(GetParam().frequency_requests));
-  EXPECT_EQ(model_.minimum_frequency(), GetParam().result == 0 ? 1e7 : 0.0);
+  EXPECT_EQ(model_.minimum_frequency(), GetParam().result == Status::kOk ? 1e7 : 0.0);
   EXPECT_EQ(model_.maximum_frequency(), GetParam().maximum);
   EXPECT_EQ(model_.frequency_class(), GetParam().frequency_class);
 }
@@ -79,7 +79,7 @@ TEST_F(LinkTest, RefusalsAtConnection) {
     std::uint16_t command;
     std::uint8_t identifier;
     std::uint16_t code;
-    Status result;
+    ResultCode result;
   };
   const Case rows[] = {
       {"failing trigger", 3, 8, 0x8005, -32763},
@@ -93,7 +93,7 @@ TEST_F(LinkTest, RefusalsAtConnection) {
     EXPECT_EQ(model_.Initialize(), row.result);
     // The connection counts nevertheless: trains carry their polarity.
     visa_.ClearRecord();
-    std::uint32_t source = 1;
+    PulseSource source{};
     std::array<double, 1> zero = {0};
     EXPECT_EQ(model_.TransferPulseTrain(0, source, zero, zero, true), 0);
     EXPECT_EQ(visa_.RequestOrder().front(), "3:31/40x3");
@@ -234,13 +234,13 @@ TEST_F(LinkTest, FourElementSweeps) {
   InitializeModel();
   for (const Case& row : rows) {
     visa_.ClearRecord();
-    std::vector<double> sweep = {row.start, row.stop, row.step};
+    StepSettings sweep{row.start, row.stop, row.step};
     visa_.Answer(0,
                  "00 00 | 64 00 00 00 00 00 | 03 00 00 00 00 00 | 0A 00 00 00 00 00 |"
                  "79 00 00 00 00 00");
-    EXPECT_EQ(model_.SetFrequencySweep(sweep[0], sweep[1], sweep[2]), 0);
+    EXPECT_EQ(model_.SetFrequencySweep(sweep), 0);
     EXPECT_THAT(Requests(), ElementsAre(WriteRequest(4, 0x60, "00 00" + row.elements))) << row.name;
-    EXPECT_THAT(sweep, ElementsAre(100, 121, 10)) << row.name;
+    EXPECT_THAT(Elements(sweep), ElementsAre(100, 121, 10)) << row.name;
   }
 }
 
@@ -248,9 +248,9 @@ TEST_F(LinkTest, NegativeFrequenciesBecomeZeroWhateverTheLimits) {
   visa_.RuleBody(3, 0, 0, "00 00 | F6 FF FF FF FF FF | 02 00 00 00 00 00 | 14 00 00 00 00 00", 0x60,
                  1);
   ASSERT_EQ(model_.Initialize(), 0);
-  std::vector<double> sweep = {-5, -2, 1};
-  EXPECT_EQ(model_.SetFrequencySweep(sweep[0], sweep[1], sweep[2]), 0);
-  EXPECT_THAT(sweep, ElementsAre(0, 0, 0));
+  StepSettings sweep{-5, -2, 1};
+  EXPECT_EQ(model_.SetFrequencySweep(sweep), 0);
+  EXPECT_THAT(Elements(sweep), ElementsAre(0, 0, 0));
 }
 
 TEST_F(LinkTest, WideAndNarrowSweepsComputeTheirStop) {
@@ -276,11 +276,11 @@ TEST_F(LinkTest, WideAndNarrowSweepsComputeTheirStop) {
     ASSERT_EQ(model_.Initialize(), 0);
     EXPECT_THAT(Requests(), testing::Contains(row.probe));
     visa_.ClearRecord();
-    std::vector<double> sweep = {1e9, 2e9, 1e8};
+    StepSettings sweep{1e9, 2e9, 1e8};
     visa_.Answer(0, row.answer);
-    EXPECT_EQ(model_.SetFrequencySweep(sweep[0], sweep[1], sweep[2]), 0);
+    EXPECT_EQ(model_.SetFrequencySweep(sweep), 0);
     EXPECT_THAT(Requests(), ElementsAre(row.request));
-    EXPECT_EQ(sweep, row.sweep);
+    EXPECT_EQ(Elements(sweep), row.sweep);
   }
 }
 

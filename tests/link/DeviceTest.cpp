@@ -51,22 +51,22 @@ TEST(VisaLibraryTest, MissingEntryPointsAnswerLibraryNotFound) {
   EXPECT_EQ(library.Bind({}), 105 - 9);
   EXPECT_EQ(library.viClear(1), 0);
   EXPECT_EQ(library.viUsbControlIn(1, 0, 0, 0, 0, 0, nullptr, nullptr),
-            status::kVisaLibraryNotFound);
-  EXPECT_EQ(library.viPrintf(1, "%d", 5), status::kVisaLibraryNotFound);
-  EXPECT_EQ(library.viQueryf(1, "a", "b"), status::kVisaLibraryNotFound);
+            Status::kVisaLibraryNotFound);
+  EXPECT_EQ(library.viPrintf(1, "%d", 5), Status::kVisaLibraryNotFound);
+  EXPECT_EQ(library.viQueryf(1, "a", "b"), Status::kVisaLibraryNotFound);
   ViUInt8 untouched = 7;
   library.viPeek8(1, nullptr, &untouched);
   EXPECT_EQ(untouched, 7);
   library.Reset();
   EXPECT_EQ(library.missing_count(), -1);
-  EXPECT_EQ(library.viClear(1), status::kVisaLibraryNotFound);
+  EXPECT_EQ(library.viClear(1), Status::kVisaLibraryNotFound);
 }
 
 TEST(VisaLibraryTest, NamedFileIsNotReplacedByAnother) {
   scripted::Visa visa;
   VisaLibrary library;
   EXPECT_EQ(library.Bind("no_such_visa.dll"), -1);
-  EXPECT_EQ(library.viClear(1), status::kVisaLibraryNotFound);
+  EXPECT_EQ(library.viClear(1), Status::kVisaLibraryNotFound);
 }
 
 }  // namespace

@@ -49,7 +49,7 @@ TEST_F(ExchangerTest, SeveralMessagesAreAllSentBeforeTheFirstAnswerIsRead) {
 
 struct FailureCase : Row {
   std::string answer;  // on the wire
-  Status result;
+  ResultCode result;
 };
 
 class FailureTest : public ExchangerTest, public testing::WithParamInterface<FailureCase> {};
@@ -173,7 +173,7 @@ TEST_F(ExchangerTest, CommandDropsAReadWhoseHeaderIsIn) {
 TEST_F(ExchangerTest, FailedClearIsTheResultAndNothingIsSent) {
   EXPECT_EQ(Poll(), scripted::kTimeout);
   visa_.SetResult(Function::kClear, 0xBFFF003E, 1);
-  EXPECT_EQ(Exchange(), static_cast<Status>(0xBFFF003E));
+  EXPECT_EQ(Exchange(), Status::kVisaIo);
   EXPECT_EQ(RequestCount(), 1U);
   EXPECT_EQ(Exchange(), 0);
   EXPECT_EQ(Clears(), 2U);
@@ -200,9 +200,8 @@ TEST_F(ExchangerTest, FailedExchangeIsClearedBeforeTheNextRequestUntilAClearWork
 }
 
 TEST_F(ExchangerTest, LostLinkOrExceptionOfTheLibraryEndsThePendingRead) {
-  const std::pair<std::int32_t, Status> rows[] = {
-      {scripted::kConnectionLost, scripted::kConnectionLost},
-      {scripted::kThrow, static_cast<Status>(0xBFFF003E)}};
+  const std::pair<std::int32_t, ResultCode> rows[] = {
+      {scripted::kConnectionLost, scripted::kConnectionLost}, {scripted::kThrow, Status::kVisaIo}};
   for (const auto& [forced, result] : rows) {
     visa_.ClearRecord();
     EXPECT_EQ(Poll(), scripted::kTimeout);

@@ -16,9 +16,15 @@
 #include "K4NHardWare/D3THardWare.h"
 #include "K4NHardWare/Event.h"
 #include "tests/link/ScriptedVisa.h"
+#include "tests/platform/ResultCode.h"
 
 constexpr const char* kResource = "TCPIP0::hostA::5025::SOCKET";
-constexpr Status kViolation = status::FromBits(0xBFFF0037);
+constexpr Status kViolation{SignedBits(0xBFFF0037)};
+
+/// For comparisons.
+inline std::vector<double> Elements(const StepSettings& sweep) {
+  return {sweep.start, sweep.stop, sweep.step};
+}
 
 /// A table's row, and its name as gtest wants it.
 struct Row {

@@ -8,9 +8,9 @@ using scripted::Numbering;
 
 struct Instrument : Row {
   Numbering numbering;
-  std::uint32_t wrap;        ///< the number at which answers stop to match
-  bool is_known_by_numbers;  ///< late answers are told from others
-  Status after_first_abort;  ///< of the setting that aborts a sweep read
+  std::uint32_t wrap;              ///< the number at which answers stop to match
+  bool is_known_by_numbers;        ///< late answers are told from others
+  std::int32_t after_first_abort;  ///< of the setting that aborts a sweep read
 };
 
 class NumberingTest : public LinkTest, public testing::WithParamInterface<Instrument> {
@@ -23,7 +23,7 @@ class NumberingTest : public LinkTest, public testing::WithParamInterface<Instru
   /// What the instrument answers to a setting, or a failure's status.
   double Set(double dwell) {
     const Status result = model_.SetDwell(dwell);
-    return result == 0 ? dwell : result;
+    return result == Status::kOk ? dwell : ToCode(result);
   }
   Status SetOther() {
     double delay = 7;
@@ -53,7 +53,7 @@ TEST_P(NumberingTest, SettingsGoOnPastTheWrap) {
 
 TEST_P(NumberingTest, SettingAbortsASweepReadAndAllIsInStep) {
   EXPECT_EQ(Poll(), scripted::kTimeout);
-  const Status first = GetParam().after_first_abort;
+  const std::int32_t first = GetParam().after_first_abort;
   EXPECT_EQ(Set(10), first == 0 ? 10 : first);
   for (std::uint8_t sweep = 1; sweep < 4; ++sweep) {
     EXPECT_EQ(Set(sweep), sweep);
@@ -74,7 +74,7 @@ TEST_P(NumberingTest, LateAnswerIsPassedOverOrTakenOnce) {
 
   visa_.control().DelayAnswer();
   EXPECT_EQ(Set(40), scripted::kTimeout);
-  EXPECT_EQ(SetOther(), GetParam().is_known_by_numbers ? 0 : kViolation);
+  EXPECT_EQ(SetOther(), GetParam().is_known_by_numbers ? Status::kOk : kViolation);
   EXPECT_EQ(Set(50), 50);
 }
 
@@ -83,7 +83,7 @@ TEST_P(NumberingTest, LateAnswerMayBeOlderThanTheLastRequest) {
   EXPECT_EQ(Set(10), scripted::kTimeout);
   visa_.SetResult(scripted::Function::kWrite, 0xBFFF0015, 2);  // header and body
   EXPECT_EQ(Set(20), scripted::kTimeout) << "never sent";
-  const Status known = GetParam().after_first_abort;
+  const std::int32_t known = GetParam().after_first_abort;
   EXPECT_EQ(Set(30), !GetParam().is_known_by_numbers ? 10 : known == 0 ? 30 : known);
   EXPECT_EQ(Set(40), 40);
   ExpectBlock(1);
@@ -92,11 +92,9 @@ TEST_P(NumberingTest, LateAnswerMayBeOlderThanTheLastRequest) {
 /// The answer to a frequency step is as long as a block of two points.
 TEST_P(NumberingTest, LateAnswerIsNoBlock) {
   InitializeModel();
-  double start = 1e9;
-  double stop = 2e9;
-  double step = 5e8;
+  StepSettings sweep{1e9, 2e9, 5e8};
   visa_.control().DelayAnswer();
-  EXPECT_EQ(model_.SetFrequencySweep(start, stop, step), scripted::kTimeout);
+  EXPECT_EQ(model_.SetFrequencySweep(sweep), scripted::kTimeout);
   visa_.ClearRecord();
   visa_.CompleteData('A', std::vector<std::uint8_t>(14, 7));
   const Status polled = Poll();
@@ -124,7 +122,7 @@ TEST_P(NumberingTest, AnswerThatComesTwiceIsPassedOverOrToldByTheParameter) {
   EXPECT_EQ(Set(10), 10);
   EXPECT_EQ(Set(20), is_known ? 20 : 10);
   EXPECT_EQ(Set(30), is_known ? 30 : 20);
-  EXPECT_EQ(SetOther(), is_known ? 0 : kViolation);
+  EXPECT_EQ(SetOther(), is_known ? Status::kOk : kViolation);
   EXPECT_EQ(SetOther(), 0);
   EXPECT_EQ(Set(40), 40);
   ExpectBlock(1);

@@ -143,7 +143,7 @@ std::vector<Operation> SettingOperations() {
                      "02 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 00 CA 9A 3B 00 00 |"
                      "00 C8 17 A8 04 00")},
        {"02 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 01 CA 9A 3B 00 00 | 01 C8 17 A8 04 00"}, {1e9 + 1, 2e10 + 1}},
-      {"PowerListCarriesLevelSettings", List(ListAxis::kPower, {-60.5}, {.level_control = 1, .atten_mode = 3, .further_1 = 7}),
+      {"PowerListCarriesLevelSettings", List(ListAxis::kPower, {-60.5}, {.level_control = 1, .atten_mode = AttenMode::kOptimumSwr, .further_1 = 7}),
        {WriteRequest(4, 0x42,
                      "4C 00 | 00 00 01 00 | 00 00 03 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 |"
                      "00 00 01 00 | 00 80 C3 FF")},
@@ -152,7 +152,7 @@ std::vector<Operation> SettingOperations() {
        {-60}},
       {"PulseTrainBeforeConnectionHasNoPolarity",
        [](D3THardWare& model, Values& values) {
-         std::uint32_t source = 0;
+         PulseSource source{};
          std::array<double, 1> width = {100};
          std::array<double, 1> gap = {200};
          const Status result = model.TransferPulseTrain(2, source, width, gap, true);
@@ -239,7 +239,7 @@ TEST_F(LinkTest, StatesFollowTheCode) {
   struct Case {
     Status (D3THardWare::*read)(bool&);
     const char* request;
-    Status result;
+    ResultCode result;
     std::uint16_t code;
     bool state;
   };

@@ -17,7 +17,8 @@ class VariantTest : public LinkTest, public testing::WithParamInterface<VariantC
 
 TEST_P(VariantTest, ProbesOnceAndThenSpeaksTheVariant) {
   Answer(GetParam().statuses);
-  LevelSettings settings{.level_control = 1, .atten_mode = 2, .further_1 = 3, .further_2 = 4};
+  LevelSettings settings{
+      .level_control = 1, .atten_mode = AttenMode::kMinHarmonics, .further_1 = 3, .further_2 = 4};
   double level = -10.5;
   EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
   std::vector<std::string> writes = visa_.RequestOrder();
@@ -96,7 +97,8 @@ TEST_F(LinkTest, ProbeIsRepeatedUntilTheInstrumentHasTold) {
 }
 
 TEST_F(LinkTest, LevelAndItsSettingsAreTakenFromTheAnswerBehindTheProbe) {
-  LevelSettings settings{.level_control = 1, .atten_mode = 2, .further_1 = 3, .further_2 = 4};
+  LevelSettings settings{
+      .level_control = 1, .atten_mode = AttenMode::kMinHarmonics, .further_1 = 3, .further_2 = 4};
   double level = -10.5;
   visa_.Answer(0);
   visa_.Answer(0);
@@ -106,7 +108,7 @@ TEST_F(LinkTest, LevelAndItsSettingsAreTakenFromTheAnswerBehindTheProbe) {
   EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
   EXPECT_EQ(level, -10.0);
   EXPECT_EQ(settings.level_control, 0U);
-  EXPECT_EQ(settings.atten_mode, 5U);
+  EXPECT_EQ(settings.atten_mode, AttenMode::kCare);
   EXPECT_EQ(settings.further_1, 6U);
   EXPECT_EQ(settings.further_2, 7U);
 }
@@ -137,7 +139,8 @@ struct SweepCase {
 class PowerSweepTest : public LinkTest, public testing::WithParamInterface<SweepCase> {};
 
 TEST_P(PowerSweepTest, UsesItsForm) {
-  LevelSettings settings{.level_control = 1, .atten_mode = 2, .further_1 = 0, .further_2 = 0};
+  LevelSettings settings{
+      .level_control = 1, .atten_mode = AttenMode::kMinHarmonics, .further_1 = 0, .further_2 = 0};
   double start = -60;
   Answer(GetParam().statuses);
   ASSERT_EQ(model_.SetOutputLevel(settings, start), 0);
@@ -147,17 +150,16 @@ TEST_P(PowerSweepTest, UsesItsForm) {
   EXPECT_EQ(model_.ReadLevelState(settled), 0);
   EXPECT_THAT(visa_.RequestOrder(), ElementsAre(GetParam().state_request));
   visa_.ClearRecord();
-  double stop = -50;
-  double step = 2.5;
+  StepSettings sweep{.start = start, .stop = -50, .step = 2.5};
   if (GetParam().variant == 0) {
-    EXPECT_EQ(model_.SetPowerSweep(settings, start, stop, step), -1);
+    EXPECT_EQ(model_.SetPowerSweep(settings, sweep), -1);
     EXPECT_TRUE(Requests().empty());
     return;
   }
   visa_.Answer(0, GetParam().answer);
-  EXPECT_EQ(model_.SetPowerSweep(settings, start, stop, step), 0);
+  EXPECT_EQ(model_.SetPowerSweep(settings, sweep), 0);
   EXPECT_THAT(Requests(), ElementsAre(GetParam().request));
-  EXPECT_THAT((std::vector<double>{start, stop, step}), ElementsAre(-59, GetParam().stop, 2));
+  EXPECT_THAT(Elements(sweep), ElementsAre(-59, GetParam().stop, 2));
 }
 
 constexpr const char* kAnswer42 =
@@ -188,19 +190,16 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(LinkTest, DownwardPowerSweepTakesNegativeStepAndCountIsBounded) {
   struct Case {
-    double start, stop, step;
+    StepSettings sweep;
     const char* points_and_step;
   };
-  for (const Case& row : {Case{-50, -60, 1, "00 00 0B 00 00 00 00 00 FF FF FF FF"},
-                          Case{-50, -60, -1, "00 00 0B 00 00 00 00 00 FF FF FF FF"},
-                          Case{-60, -50, 0, "00 00 01 00 00 00 00 00 00 00 00 00"},
-                          Case{-60, -50, 1e-9, "00 00 FF 7F 00 00 00 00 00 00 00 00"}}) {
+  for (Case row : {Case{{-50, -60, 1}, "00 00 0B 00 00 00 00 00 FF FF FF FF"},
+                   Case{{-50, -60, -1}, "00 00 0B 00 00 00 00 00 FF FF FF FF"},
+                   Case{{-60, -50, 0}, "00 00 01 00 00 00 00 00 00 00 00 00"},
+                   Case{{-60, -50, 1e-9}, "00 00 FF 7F 00 00 00 00 00 00 00 00"}}) {
     visa_.ClearRecord();
     LevelSettings settings;
-    double start = row.start;
-    double stop = row.stop;
-    double step = row.step;
-    EXPECT_EQ(model_.SetPowerSweep(settings, start, stop, step), 0);
+    EXPECT_EQ(model_.SetPowerSweep(settings, row.sweep), 0);
     EXPECT_THAT(Requests(), ElementsAre(testing::EndsWith(row.points_and_step)));
   }
 }
@@ -213,7 +212,7 @@ TEST_F(LinkTest, OutputStateTriesOlderFormsUntilOneIsKnown) {
     std::vector<std::uint16_t> statuses;
     const char* body;
     std::vector<std::string> order;
-    Status result;
+    ResultCode result;
     double level;
   };
   // clang-format off
@@ -232,7 +231,7 @@ TEST_F(LinkTest, OutputStateTriesOlderFormsUntilOneIsKnown) {
     EXPECT_EQ(model_.ReadOutputState(settings, level), row.result);
     EXPECT_THAT(visa_.RequestOrder(), ElementsAreArray(row.order));
     EXPECT_EQ(level, row.level);
-    EXPECT_EQ(settings.level_control, row.result < 0 ? 0U : 1U);
+    EXPECT_EQ(settings.level_control, row.result.number < 0 ? 0U : 1U);
   }
 }
 

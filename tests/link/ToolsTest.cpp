@@ -102,7 +102,7 @@ TEST(ErrorTextTest, Texts) {
 TEST(ResourceNameTest, Pieces) {
   struct Case {
     const char* text;
-    Status result;
+    ResultCode result;
     std::uint32_t board;
     const char* host;
     std::uint32_t port;
@@ -121,9 +121,9 @@ TEST(ResourceNameTest, Pieces) {
         Case{"TCPIP::h::99999999999::SOCKET", 0, 0, "h", 4294967295U}}) {
     ResourceName name{.host = "before", .board = 1, .port = 2};
     EXPECT_EQ(ParseResourceName(row.text, name), row.result) << row.text;
-    EXPECT_EQ(name.host, row.result == 0 ? row.host : "before") << row.text;
-    EXPECT_EQ(name.board, row.result == 0 ? row.board : 1) << row.text;
-    EXPECT_EQ(name.port, row.result == 0 ? row.port : 2) << row.text;
+    EXPECT_EQ(name.host, row.result == Status::kOk ? row.host : "before") << row.text;
+    EXPECT_EQ(name.board, row.result == Status::kOk ? row.board : 1) << row.text;
+    EXPECT_EQ(name.port, row.result == Status::kOk ? row.port : 2) << row.text;
   }
 }
 

@@ -74,19 +74,17 @@ TEST_F(LinkTest, RefusedChunkEndsTheListAndKeepsWhatWasCorrected) {
 
 TEST_F(LinkTest, PulseTrainByteForByte) {
   InitializeModel();
-  std::uint32_t source = 1;
+  PulseSource source = PulseSource::kExternal;
   std::array<double, 2> widths = {2000, 2000};
   std::array<double, 2> gaps = {3000, 5000};
   visa_.Answer(0,
                "1F 00 | 02 00 00 00 | 03 00 00 00 | 01 00 00 00 | 00 00 00 00 | 02 00 00 00 |"
                "01 00 00 00 | 02 00 00 00 | 03 00 00 00 | 04 00 00 00");
   EXPECT_EQ(model_.TransferPulseTrain(2, source, widths, gaps, true), 0);
-  EXPECT_EQ(source, 0U);
+  EXPECT_EQ(source, PulseSource::kInternal);
   EXPECT_THAT(widths, testing::ElementsAre(1, 3));
   EXPECT_THAT(gaps, testing::ElementsAre(2, 4));
-  source = 7;  // is none: 0 is sent, and it stays
   EXPECT_EQ(model_.TransferPulseTrain(0, source, widths, gaps, false), 0);
-  EXPECT_EQ(source, 7U);
   EXPECT_THAT(
       Requests(),
       testing::ElementsAre(
@@ -94,18 +92,18 @@ TEST_F(LinkTest, PulseTrainByteForByte) {
                        "1F 00 | 02 00 00 00 | 02 00 00 00 | 01 00 00 00 | 00 00 00 00 |"
                        "02 00 00 00 | D0 07 00 00 | B8 0B 00 00 | D0 07 00 00 | 88 13 00 00"),
           WriteRequest(3, 0x40,
-                       "1F 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 |"
+                       "1F 00 | 00 00 00 00 | 03 00 00 00 | 00 00 00 00 | 00 00 00 00 |"
                        "02 00 00 00 | 01 00 00 00 | 02 00 00 00 | 03 00 00 00 | 04 00 00 00")));
 }
 
 TEST_F(LinkTest, LongPulseTrainIsCutAt123) {
   InitializeModel();
-  std::uint32_t source = 0;
+  PulseSource source{};
   std::vector<double> widths(124, 10.0);
   std::vector<double> gaps(124, 20.0);
   widths[123] = 77;
   EXPECT_EQ(model_.TransferPulseTrain(2, source, widths, gaps, false), 0);
-  EXPECT_EQ(source, 0U);
+  EXPECT_EQ(source, PulseSource::kInternal);
   const auto requests = Requests();
   ASSERT_EQ(requests.size(), 2U);
   EXPECT_EQ(requests[0].size(), 35 + 3 * (2 + 4 * (5 + 246)) + 2);

@@ -84,11 +84,11 @@ TEST_F(ManagerTest, ArrayWithoutATypeMarkIsTakenByTheSizeOfItsElements) {
                     .pvData = row.has_elements ? values.data() : nullptr,
                     .rgsabound = {{.cElements = 2, .lLbound = 0}}};
     EXPECT_EQ(manager_.SetFrequencyList(nullptr), 0);
-    EXPECT_EQ(manager_.SetFrequencyList(&array), row.is_taken ? 0 : E_INVALIDARG);
+    EXPECT_EQ(manager_.SetFrequencyList(&array), row.is_taken ? S_OK : E_INVALIDARG);
     EXPECT_EQ(HasList(kFrequencyListId), row.is_taken);
     const auto widths = Doubles({1, 1});
     for (SAFEARRAY* const given : {widths.Get(), &array}) {
-      EXPECT_EQ(manager_.ConfigurePacket(true, given, &array), row.is_taken ? 0 : E_INVALIDARG);
+      EXPECT_EQ(manager_.ConfigurePacket(true, given, &array), row.is_taken ? S_OK : E_INVALIDARG);
       EXPECT_EQ(array.cLocks, 0U);
     }
     EXPECT_THAT(values, ElementsAre(testing::DoubleEq(1e9), testing::DoubleEq(2e9)));
@@ -116,8 +116,7 @@ TEST_F(ManagerTest, ListThatCannotBeLockedLeavesTheWorkerPausedUntilTheNextOpera
   EXPECT_EQ(manager_.SetPowerList(array.Get()), E_UNEXPECTED);
   EXPECT_EQ(std::exchange(array.Get()->cLocks, 0), 0xFFFFU);
   visa_.ClearRecord();
-  bool pressed = false;
-  EXPECT_EQ(manager_.GetRfButton(pressed), 0);
+  EXPECT_EQ(manager_.GetRfButton().status, 0);
   EXPECT_EQ(visa_.RequestOrder().front(), "4:34/20x1") << "nobody else was reading";
   EXPECT_TRUE(WaitUntilRequested("6", 1));
   EXPECT_TRUE(HasList(kPowerListId)) << "the one before";
@@ -128,7 +127,7 @@ TEST_F(ManagerTest, ListThatCannotBeLockedLeavesTheWorkerPausedUntilTheNextOpera
 struct PacketCase : Row {
   Values widths;  // seconds
   Values delays;
-  Status result;
+  ResultCode result;
   Values delays_back;
   std::vector<unsigned> sent;  // nanoseconds; kDouble: the train before
   LONG lower = 0;
@@ -166,8 +165,8 @@ TEST_P(PacketTest, FillsOnePeriod) {
   EXPECT_EQ(ValuesOf(widths.Get()), row.widths);
   EXPECT_THAT(ValuesOf(delays.Get()), testing::Pointwise(testing::DoubleEq(), row.delays_back));
   EXPECT_EQ(SentTrain(), row.sent);
-  EXPECT_EQ(manager_.GetPulseSettings().packet_enabled, row.result == 0);
-  EXPECT_EQ(manager_.GetPulseSettings().double_enabled, row.result != 0);
+  EXPECT_EQ(manager_.GetPulseSettings().packet_enabled, Status::kOk == row.result);
+  EXPECT_EQ(manager_.GetPulseSettings().double_enabled, Status::kOk != row.result);
   EXPECT_EQ(manager_.SetDoublePulseEnabled(true), 0);
   EXPECT_EQ(SentTrain(), kDouble) << "ends the packet";
 }
@@ -177,9 +176,9 @@ const std::vector<PacketCase> kPacketCases = {
     {"LastDelayIsReplaced", {1e-6, 2e-6}, {1e-6, 9e-6}, 0, {1e-6, 6e-6}, {1'000, 1'000, 2'000, 6'000}},
     {"LongerThanThePeriod", {6e-6, 6e-6}, {1e-6, 1e-6}, 0, {1e-6, 0}, {6'000, 1'000, 6'000, 0}},
     {"OneBasedSendsOneMore", {1e-6, 2e-6}, {1e-6, 1e-6}, 0, {1e-6, 1e-6}, {1'000, 1'000, 2'000, 1'000, 2'000, 3'000}, 1},
-    {"CountsDiffer", {1e-6, 1e-6}, {1e-6}, status::kInvalidValue, {1e-6}, kDouble},
-    {"NegativeWidth", {1e-6, -1e-6}, {0, 0}, status::kInvalidValue, {0, 0}, kDouble},
-    {"NegativeDelay", {1e-6}, {-1e-6}, status::kInvalidValue, {-1e-6}, kDouble},
+    {"CountsDiffer", {1e-6, 1e-6}, {1e-6}, Status::kInvalidValue, {1e-6}, kDouble},
+    {"NegativeWidth", {1e-6, -1e-6}, {0, 0}, Status::kInvalidValue, {0, 0}, kDouble},
+    {"NegativeDelay", {1e-6}, {-1e-6}, Status::kInvalidValue, {-1e-6}, kDouble},
 };
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Packets, PacketTest, testing::ValuesIn(kPacketCases), RowName());
@@ -203,14 +202,14 @@ TEST_F(ManagerTest, PacketsWithoutAnArray) {
   Open();
   const auto array = Doubles({1e-6});
   const auto empty = Doubles({});
-  EXPECT_EQ(manager_.ConfigurePacket(true, array.Get(), nullptr), status::kInvalidValue);
-  EXPECT_EQ(manager_.ConfigurePacket(true, nullptr, array.Get()), status::kInvalidValue);
+  EXPECT_EQ(manager_.ConfigurePacket(true, array.Get(), nullptr), Status::kInvalidValue);
+  EXPECT_EQ(manager_.ConfigurePacket(true, nullptr, array.Get()), Status::kInvalidValue);
   EXPECT_EQ(array.Get()->cLocks, 0U);
-  EXPECT_EQ(manager_.ConfigurePacket(true, empty.Get(), empty.Get()), status::kInvalidValue);
+  EXPECT_EQ(manager_.ConfigurePacket(true, empty.Get(), empty.Get()), Status::kInvalidValue);
   EXPECT_EQ(empty.Get()->cLocks, 1U) << "kept: it stays locked";
   SafeArrayUnlock(empty.Get());
   EXPECT_EQ(manager_.ConfigurePacket(true, nullptr, nullptr), 0) << "of no pulses, not sent yet";
-  EXPECT_EQ(manager_.SetPulseModEnabled(true), status::kInvalidValue);
+  EXPECT_EQ(manager_.SetPulseModEnabled(true), Status::kInvalidValue);
 }
 
 }  // namespace

@@ -17,10 +17,10 @@
 #include "tests/link/LinkFixture.h"
 #include "tests/platform/WaitUntil.h"
 
-/// How gtest names a trail's records: "0x80047060@1002".
+/// How gtest names a trail's records: "0x80047060@1002", "-6@691".
 inline void PrintTo(const ErrorRecord& record, std::ostream* stream) {
-  *stream << std::hex << "0x" << static_cast<std::uint32_t>(record.status) << std::dec << '@'
-          << static_cast<int>(record.site);
+  PrintTo(record.status, stream);
+  *stream << '@' << static_cast<int>(record.site);
 }
 
 inline std::string Repeat(std::string_view hex, int count) {
@@ -61,7 +61,7 @@ constexpr std::uint16_t kRead = 4;
 
 /// A status word as the wire carries it, and what the driver makes of it.
 constexpr std::uint16_t kRefusal = 0x8005;
-constexpr Status kRefusalStatus = -32763;
+constexpr Status kRefusalStatus{-32763};
 
 /// A trail of refusals at these sites, which are told by their numbers in the field, too.
 inline std::vector<ErrorRecord> Refusals(const std::vector<int>& sites) {
@@ -86,27 +86,19 @@ inline std::vector<std::uint8_t> Block(int points, std::uint16_t status_word = 0
 }
 
 inline Status SetFrequencyStep(CK4NManager& manager) {
-  double start = 1e9;
-  double stop = 2e9;
-  double step = 5e8;
-  return manager.SetFrequencyStep(start, stop, step);
+  return manager.SetFrequencyStep({.start = 1e9, .stop = 2e9, .step = 5e8});
 }
 
 inline Status SetPowerStep(CK4NManager& manager) {
-  double start = -10.0;
-  double stop = -8.0;
-  double step = 0.5;
-  return manager.SetPowerStep(start, stop, step);
+  return manager.SetPowerStep({.start = -10.0, .stop = -8.0, .step = 0.5});
 }
 
 inline Status SetSyncGenerator(CK4NManager& manager) {
-  SyncGeneratorSettings sync{.width = 10.0, .period = 30.0, .delay = 5.0};
-  return manager.SetSyncGenerator(sync);
+  return manager.SetSyncGenerator({.width = 10.0, .period = 30.0, .delay = 5.0});
 }
 
 inline Status TriggerImmediately(CK4NManager& manager) {
-  SweepTriggerSettings trigger{.source = static_cast<std::uint32_t>(TriggerSource::kImmediate)};
-  return manager.SetSweepTrigger(trigger, false);
+  return manager.SetSweepTrigger({.source = TriggerSource::kImmediate});
 }
 
 class ManagerTest : public testing::Test {
@@ -141,10 +133,10 @@ class ManagerTest : public testing::Test {
   [[nodiscard]] bool WaitUntilRequested(std::string_view request, std::size_t times) const {
     return WaitUntil([&] { return Requested(request) >= times; });
   }
-  bool State(Status (CK4NManager::*get)(bool&)) {
-    bool state = false;
-    EXPECT_EQ((manager_.*get)(state), 0);
-    return state;
+  bool State(Answer<bool> (CK4NManager::*get)()) {
+    const Answer<bool> state = (manager_.*get)();
+    EXPECT_EQ(state.status, 0);
+    return state.value;
   }
   /// Whether the worker was measuring until now. The button is told without the instrument only
   /// then. Forgets the record.
@@ -177,7 +169,7 @@ class ManagerTest : public testing::Test {
   }
   /// Fetches the next block, which the worker may not have stored yet.
   [[nodiscard]] bool WaitForBlock() {
-    return WaitUntil([this] { return manager_.FetchData(trace_) == 0; });
+    return WaitUntil([this] { return manager_.FetchData(trace_) == Status::kOk; });
   }
 
   /// The requests as "header without its number | body".
@@ -197,16 +189,8 @@ class ManagerTest : public testing::Test {
   }
   /// Takes the oldest record from the trail; code 0 and no text when there is none.
   std::pair<std::int32_t, std::optional<std::string>> TakeError() {
-    std::int32_t code = 1;
-    std::optional<std::string> text;
-    EXPECT_EQ(manager_.ErrorQuery(code, text), 0);
-    return {code, text};
-  }
-
-  [[nodiscard]] double Frequency() const {
-    double frequency = 0.0;
-    manager_.GetFrequency(frequency);
-    return frequency;
+    ErrorReport report = manager_.ErrorQuery();
+    return {ToCode(report.status), std::move(report.message)};
   }
 
   scripted::Visa visa_;

@@ -58,8 +58,8 @@ TEST_F(ManagerTest, CloseSwitchesTheOutputOffThenClosesTheSession) {
   EXPECT_THAT(Requests(), ElementsAre(PowerRequest(0, kMinus20)));
   EXPECT_EQ(visa_.control().OpenSessions(), 0U);
   EXPECT_FALSE(manager_.IsConnected());
-  EXPECT_EQ(manager_.Close(), status::kNoSession);
-  EXPECT_EQ(manager_.SetFrequency(1e9), status::kNoSession);
+  EXPECT_EQ(manager_.Close(), Status::kNoSession);
+  EXPECT_EQ(manager_.SetFrequency(1e9), Status::kNoSession);
 }
 
 TEST_F(ManagerTest, SecondInitializeEndsTheFirstSessionAndStartsFromDefaults) {
@@ -73,10 +73,8 @@ TEST_F(ManagerTest, SecondInitializeEndsTheFirstSessionAndStartsFromDefaults) {
   ASSERT_EQ(Initialize("", "TCPIP0::hostB::5025::SOCKET"), 0);
   EXPECT_EQ(Requests()[1], PowerRequest(0, kMinus20)) << "the old output goes off first";
   EXPECT_EQ(visa_.control().OpenSessions(), 1U);
-  EXPECT_EQ(Frequency(), 1e7);
-  double offset = -1.0;
-  manager_.GetChannelOffset(1, offset);
-  EXPECT_EQ(offset, 0.0);
+  EXPECT_EQ(manager_.GetFrequency(), 1e7);
+  EXPECT_EQ(manager_.GetChannel(1).offset, 0.0);
   EXPECT_FALSE(HasList(kFrequencyListId));
   EXPECT_FALSE(HasList(kPowerListId));
   EXPECT_EQ(manager_.GetPulseSettings().width, 1.0);
@@ -139,7 +137,7 @@ TEST_F(ManagerTest, FirmwareIsNewerForEveryDatedProgram) {
 struct InitializeCase : Row {
   void (*arrange)(scripted::Visa& visa);
   const char* option;
-  Status result;
+  ResultCode result;
   std::vector<ErrorRecord> trail;
   std::vector<const char*> asked;  // requests whose order matters here, see RequestOrder
   std::vector<const char*> not_asked = {};
@@ -149,7 +147,7 @@ class InitializeTest : public ManagerTest, public testing::WithParamInterface<In
 
 TEST_P(InitializeTest, EndsAsItMust) {
   const InitializeCase& row = GetParam();
-  const bool connected = row.result == 0;
+  const bool connected = Status::kOk == row.result;
   visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
   row.arrange(visa_);
   EXPECT_EQ(manager_.Initialize(kResource, row.option), row.result);
@@ -166,37 +164,37 @@ TEST_P(InitializeTest, EndsAsItMust) {
   }
   EXPECT_EQ(manager_.IsConnected(), connected);
   EXPECT_EQ(visa_.control().OpenSessions(), connected ? 1U : 0U);
-  EXPECT_EQ(manager_.Close(), connected ? 0 : status::kNoSession);
+  EXPECT_EQ(manager_.Close(), connected ? Status::kOk : Status::kNoSession);
 }
 
-constexpr Status kRsrcNotFound = status::FromBits(0xBFFF0011);
-constexpr Status kNotSupported = status::kInstrumentNotSupported;
-constexpr Status kFormUnknown = status::kInstrumentFormUnknown;
+constexpr Status kRsrcNotFound{SignedBits(0xBFFF0011)};
+constexpr Status kNotSupported = Status::kInstrumentNotSupported;
+constexpr Status kFormUnknown = Status::kInstrumentFormUnknown;
 constexpr auto kOrdinary = [](scripted::Visa&) {};
 
 // clang-format off
 const std::vector<InitializeCase> kInitializeCases = {
     {"ManagerOfVisaFails", [](auto& visa) { visa.SetResult(Function::kOpenDefaultRM, 0xBFFF0011); }, "", kRsrcNotFound, {{kRsrcNotFound, Site{991}}}, {}, {"1"}},
     {"OpenFails", [](auto& visa) { visa.SetResult(Function::kOpen, 0xBFFF0011); }, "", kRsrcNotFound, {{kRsrcNotFound, Site{991}}}, {}, {"1"}},
-    {"OpenWithAWarningIsNoSession", [](auto& visa) { visa.SetResult(Function::kOpen, 0x3FFF007D); }, "", 0x3FFF007D, {{0x3FFF007D, Site{991}}}, {}, {"1"}},
+    {"OpenWithAWarningIsNoSession", [](auto& visa) { visa.SetResult(Function::kOpen, 0x3FFF007D); }, "", 0x3FFF007D, {{Status{0x3FFF007D}, Site{991}}}, {}, {"1"}},
     {"OpenWithANoticeIsNoSessionAndNoFailure", [](auto& visa) { visa.SetResult(Function::kOpen, 3); }, "", 3, {}, {}, {"1"}},
-    {"TimeoutCannotBeSet", [](auto& visa) { visa.SetResult(Function::kSetAttribute, 0xBFFF001D); }, "", status::FromBits(0xBFFF001D), {{status::FromBits(0xBFFF001D), Site{991}}}, {}, {"1"}},
-    {"RecoveryNotSupported", [](auto& visa) { visa.Rule(1, 0, 0x8002); }, "", status::kUnknownResource, {{kNotSupported, Site{1002}}}, {"1"}, {"3:3/20x1", "3:79/62x5"}},
+    {"TimeoutCannotBeSet", [](auto& visa) { visa.SetResult(Function::kSetAttribute, 0xBFFF001D); }, "", Status{SignedBits(0xBFFF001D)}, {{Status{SignedBits(0xBFFF001D)}, Site{991}}}, {}, {"1"}},
+    {"RecoveryNotSupported", [](auto& visa) { visa.Rule(1, 0, 0x8002); }, "", Status::kUnknownResource, {{kNotSupported, Site{1002}}}, {"1"}, {"3:3/20x1", "3:79/62x5"}},
     {"NoFrequencyFormSupported", [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8003); },
-     "", status::kUnknownResource, {{kFormUnknown, Site{1002}}}, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, {"3:3/20x1", "3:79/62x5"}},
+     "", Status::kUnknownResource, {{kFormUnknown, Site{1002}}}, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, {"3:3/20x1", "3:79/62x5"}},
     {"OtherFailureOfTheModelGoesOn", [](auto& visa) { visa.Answer(kRefusal); }, "", 0, {{kRefusalStatus, Site{1002}}}, {"1", "3:3/20x1", "3:79/62x5", "3:31/40x2"}, {"4:15/10x100"}},
     {"OtherKindGoesOn", [](auto& visa) { visa.RuleBody(kWrite, kKindId, 0, "03 00 02 00"); },
-     "", 0, {{status::kWrongInstrumentKind, Site{142}}}, {"3:3/20x1", "3:31/40x3"}, {"4:79/62x5", "3:4/10x1", "3:79/62x5"}},
+     "", 0, {{Status::kWrongInstrumentKind, Site{142}}}, {"3:3/20x1", "3:31/40x3"}, {"4:79/62x5", "3:4/10x1", "3:79/62x5"}},
     {"NoKindConfirmed", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); }, "", 0, {}, {"3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "3:3/20x1", "1", "1", "4:79/62x5", "3:4/10x1", "3:79/62x5", "3:31/40x3"}},
     {"FailedRecoveryOfTheProbeIsNotTold", [](auto& visa) { visa.Rule(kWrite, kKindId, kRefusal); visa.Rule(1, 0, kRefusal); visa.Rule(1, 0, 0, 0, 1); }, "", 0, {}, {"3:3/20x1", "3:3/20x1", "3:3/20x1", "4:79/62x5"}},
     {"GeneratorIsAskedForThatKindAlone", kOrdinary, "GENERATOR", 0, {}, {"3:3/20x1", "4:79/62x5", "3:79/62x5"}, {"3:4/10x1"}},
     {"OptionIsCaseSensitive", kOrdinary, "generator", 0, {}, {"3:3/20x1", "3:4/10x1"}},
     {"OutputStateNotSupported", [](auto& visa) { visa.Rule(kRead, kPowerId, 0x8002); visa.Rule(kRead, 12, 0x8002); },
-     "", status::kIdentificationFailed, {{kNotSupported, Site{168}}}, {"4:79/62x5"}, {"3:79/62x5", "3:31/40x3"}},
+     "", Status::kIdentificationFailed, {{kNotSupported, Site{168}}}, {"4:79/62x5"}, {"3:79/62x5", "3:31/40x3"}},
     {"OtherFailureOfTheOutputStateGoesOn", [](auto& visa) { visa.Rule(kRead, kPowerId, kRefusal); }, "", 0, {{kRefusalStatus, Site{168}}}, {"4:79/62x5", "3:31/40x3"}, {"3:4/10x1", "3:0/60x1"}},
     {"RefusedAveragingGoesOn", [](auto& visa) { visa.Rule(kWrite, 4, kRefusal); }, "", 0, {{kRefusalStatus, Site{701}}}, {"3:4/10x1", "3:79/62x5", "3:31/40x3"}},
     {"SweepModeNotSupported", [](auto& visa) { visa.Rule(kWrite, kFrequencyId, 0x8002, 0x60); visa.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1); },
-     "", status::kIdentificationFailed, {{kNotSupported, Site{601}}}, {"3:0/60x1", "3:79/62x5"}, {"3:31/40x3"}},
+     "", Status::kIdentificationFailed, {{kNotSupported, Site{601}}}, {"3:0/60x1", "3:79/62x5"}, {"3:31/40x3"}},
     {"NoPulseModulator", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8002); }, "", 0, {}, {"3:31/40x3"}},
     {"NoPulseModulatorOfThisForm", [](auto& visa) { visa.Rule(kWrite, kPulseId, 0x8003); }, "", 0, {}, {"3:31/40x3"}},
     {"PulseModulatorFails", [](auto& visa) { visa.Rule(kWrite, kPulseId, kRefusal); }, "", kRefusalStatus, {{kRefusalStatus, Site{652}}}, {"3:31/40x3"}},
@@ -214,7 +212,7 @@ TEST_F(ManagerTest, KindsAreProbedFromAnalyserDownAndTheConfirmedOneStands) {
   EXPECT_THAT(probes, ElementsAre(WriteRequest(1, 0x20, "03 00 12 00"),
                                   WriteRequest(1, 0x20, "03 00 02 00"),
                                   WriteRequest(1, 0x20, "03 00 01 00")));
-  EXPECT_EQ(manager_.FetchData(trace_), status::kMethodNotSupported) << "a generator after all";
+  EXPECT_EQ(manager_.FetchData(trace_), Status::kMethodNotSupported) << "a generator after all";
 }
 
 }  // namespace

@@ -57,13 +57,13 @@ INSTANTIATE_TEST_SUITE_P(Resume, ResumeTest, testing::ValuesIn(kResumeCases), Ro
 TEST_F(ManagerTest, WorkerStoresBlockAfterBlock) {
   Open();
   StartMeasuring();
-  EXPECT_EQ(manager_.FetchData(trace_), status::kVisaTimeout) << "the sweep runs";
+  EXPECT_EQ(manager_.FetchData(trace_), Status::kVisaTimeout) << "the sweep runs";
   for (const int points : {3, 5}) {
     visa_.CompleteData('A', Block(points));
     ASSERT_TRUE(WaitForBlock());
     EXPECT_EQ(trace_.RowCount(), 3);
     EXPECT_EQ(trace_.ColumnCount(), points);
-    EXPECT_EQ(manager_.FetchData(trace_), status::kVisaTimeout) << "each block once";
+    EXPECT_EQ(manager_.FetchData(trace_), Status::kVisaTimeout) << "each block once";
   }
   EXPECT_EQ(Requested("1"), 0U);
   EXPECT_TRUE(ErrorRecords().empty());
@@ -77,16 +77,16 @@ TEST_F(ManagerTest, WorkerDropsOddBlocks) {
   visa_.CompleteData('A', odd);
   visa_.CompleteData('A', {});
   EXPECT_TRUE(WaitUntilRequested("6", 2));
-  EXPECT_EQ(manager_.FetchData(trace_), status::kVisaTimeout);
+  EXPECT_EQ(manager_.FetchData(trace_), Status::kVisaTimeout);
   EXPECT_TRUE(ErrorRecords().empty());
   EXPECT_EQ(Requested("1"), 0U);
 }
 
 TEST_F(ManagerTest, WorkerStandsStillDuringALoad) {
-  EXPECT_EQ(manager_.LoadDetectorData(0, "none.det"), status::kNoSession);
+  EXPECT_EQ(manager_.LoadDetectorData(0, "none.det"), Status::kNoSession);
   Open();
   StartMeasuring();
-  EXPECT_EQ(manager_.LoadDetectorData(0, "none.det"), status::kCannotOpenFile);
+  EXPECT_EQ(manager_.LoadDetectorData(0, "none.det"), Status::kCannotOpenFile);
   EXPECT_THAT(visa_.RequestOrder(), testing::Contains("1")) << "the read in progress is given up";
 }
 
@@ -114,7 +114,7 @@ TEST_P(ReadFailureTest, IsRecordedAndReadingGoesOn) {
   const std::size_t reads = row.at_once ? 0 : 1;
   if (row.recovers) {
     ASSERT_TRUE(WaitUntil([&] { return Requested("6") >= reads; }));
-    EXPECT_EQ(manager_.FetchData(trace_), status::kVisaTimeout);
+    EXPECT_EQ(manager_.FetchData(trace_), Status::kVisaTimeout);
   } else {
     EXPECT_TRUE(WaitForBlock());
   }
@@ -135,7 +135,7 @@ const std::vector<ReadFailureCase> kReadFailureCases = {
     {"NegativeWordOfTheBlock", 0, kRefusal, false, {{kRefusalStatus, Site{452}}}, true},
     {"NoticeInsteadOfABlock", 6, 0, false, {}, true},
     {"NoticeWithABlock", 0, 6, false, {}, false},
-    {"BlockWithAnUnknownWord", 0, 7, false, {{7, Site{467}}}, false},
+    {"BlockWithAnUnknownWord", 0, 7, false, {{Status{7}, Site{467}}}, false},
 };
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Reads, ReadFailureTest, testing::ValuesIn(kReadFailureCases), RowName());
@@ -145,12 +145,10 @@ INSTANTIATE_TEST_SUITE_P(Reads, ReadFailureTest, testing::ValuesIn(kReadFailureC
 TEST_F(ManagerTest, StateFollowsTheBlocks) {
   Open();
   StartMeasuring();
-  const auto shows = [this](std::uint16_t word, Status (CK4NManager::*get)(bool&), bool wanted) {
+  const auto shows = [this](std::uint16_t word, Answer<bool> (CK4NManager::*get)(), bool wanted) {
     return WaitUntil([&, blocks = 0]() mutable {
       if (blocks++ % 8 == 0) visa_.CompleteData('A', Block(1, word));
-      bool good = !wanted;
-      EXPECT_EQ((manager_.*get)(good), 0);
-      return good == wanted;
+      return State(get) == wanted;
     });
   };
   EXPECT_TRUE(shows(6, &CK4NManager::GetLevelState, false));
@@ -174,9 +172,7 @@ TEST_F(ManagerTest, EachErgFaultIsToldOnceToCallersOnManyThreads) {
   for (int i = 0; i < kCallers; ++i) {
     callers.emplace_back([&] {
       while (!done) {
-        bool good = true;
-        EXPECT_EQ(manager_.GetErgState(good), 0);
-        if (!good) ++told;
+        if (!State(&CK4NManager::GetErgState)) ++told;
       }
     });
   }
@@ -205,8 +201,7 @@ TEST_F(ManagerTest, StateIsAskedForWhileNothingIsMeasured) {
   }
   for (const auto get : {&CK4NManager::GetRfButton, &CK4NManager::GetPllState,
                          &CK4NManager::GetErgState, &CK4NManager::GetLevelState}) {
-    bool state = false;
-    EXPECT_EQ((manager_.*get)(state), kRefusalStatus);
+    EXPECT_EQ((manager_.*get)().status, kRefusalStatus);
   }
   EXPECT_EQ(ErrorRecords(), Refusals({681, 682, 683, 684}));
   StartMeasuring();
@@ -229,9 +224,7 @@ TEST_F(ManagerTest, WorkerAsksForTheButtonNowAndThen) {
   EXPECT_GE(visa_.Calls(Function::kClear).size(), 1U);
   EXPECT_TRUE(WaitUntil([this] {
     visa_.CompleteData('A', Block(1));
-    bool pressed = false;
-    manager_.GetRfButton(pressed);
-    return pressed;
+    return manager_.GetRfButton().value;
   }));
   const std::size_t reads = Requested("6");
   for (int block = 0; block < 2; ++block) visa_.CompleteData('A', Block(1));
@@ -286,9 +279,8 @@ TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
   });
   threads.emplace_back([&] {
     while (!done) {
-      bool state = false;
-      EXPECT_EQ(manager_.GetLevelState(state), 0);
-      EXPECT_GE(Frequency(), 1e7);
+      EXPECT_EQ(manager_.GetLevelState().status, 0);
+      EXPECT_GE(manager_.GetFrequency(), 1e7);
       EXPECT_EQ(TakeError().first, 0);
       std::this_thread::yield();
     }
@@ -299,8 +291,9 @@ TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
       while (!done) {
         visa_.CompleteData('A', Block(4));
         const Status result = manager_.FetchData(trace);
-        if (result == 0) ++traces;
-        EXPECT_TRUE(result == 0 ? trace.ColumnCount() == 4 : result == status::kVisaTimeout);
+        if (result == Status::kOk) ++traces;
+        EXPECT_TRUE(result == Status::kOk ? trace.ColumnCount() == 4
+                                          : result == Status::kVisaTimeout);
         os::Sleep(std::chrono::milliseconds(1));
       }
     });
@@ -308,7 +301,7 @@ TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
   for (std::thread& thread : threads) thread.join();
   visa_.CompleteData('A', Block(4));
   EXPECT_TRUE(traces > 0 || WaitForBlock());
-  EXPECT_EQ(Frequency(), 1e9 + kRounds - 1);
+  EXPECT_EQ(manager_.GetFrequency(), 1e9 + kRounds - 1);
   EXPECT_TRUE(ErrorRecords().empty());
 }
 

@@ -85,7 +85,7 @@ class Entries(unittest.TestCase):
 
     def test_each_text_of_the_driver_stands_with_its_result(self):
         written = page_text("reference/results")
-        templates = re.findall(r'MessageTemplate\{status::\w+,\s*"([^"]+)"\}',
+        templates = re.findall(r'MessageTemplate\{Status::\w+,\s*"([^"]+)"\}',
                                (TREE / "driver" / "ErrorMessage.cpp").read_text())
         self.assertGreater(len(templates), 8)
         for template in templates:

@@ -11,6 +11,7 @@
 #include "measurement/NewDetectorMatrixConvertor.h"
 #include "platform/os/Files.h"
 #include "tests/measurement/TempFile.h"
+#include "tests/platform/ResultCode.h"
 
 namespace {
 
@@ -35,7 +36,7 @@ TEST_P(DetectorVersion, DecidesTheLayout) {
   CSimpleMatrix matrix;
   std::string header = "before";
   const Status result = LoadDetectorFile(matrix, file.Path(), &header);
-  EXPECT_EQ(result, GetParam().columns == 0 ? status::kInvalidFileFormat : status::kOk);
+  EXPECT_EQ(result, GetParam().columns == 0 ? Status::kInvalidFileFormat : Status::kOk);
   EXPECT_EQ(matrix.GetCols(), GetParam().columns);
   EXPECT_EQ(header == "before", GetParam().columns == 0) << header;
 }
@@ -67,7 +68,7 @@ TEST(DetectorFile, VersionZeroGetsALevelColumn) {
   const TempFile file(lines);
   CSimpleMatrix matrix;
   std::string header;
-  ASSERT_EQ(LoadDetectorFile(matrix, file.Path(), &header), status::kOk);
+  ASSERT_EQ(LoadDetectorFile(matrix, file.Path(), &header), Status::kOk);
   ASSERT_EQ(matrix.GetCols(), 5U);
   ASSERT_EQ(matrix.GetRows(), kRows);
   EXPECT_EQ(matrix.GetItem(0, 0), 0.0);
@@ -87,13 +88,13 @@ TEST(DetectorFile, VersionZeroGetsALevelColumn) {
 TEST(DetectorFile, LevelColumnIsNotTheReaders) {
   CSimpleMatrix matrix;
   CNewDetectorMatrixConvertor rest(matrix);
-  EXPECT_EQ(rest.EndLoad(2, 3), status::kOk) << "no table, no levels";
-  EXPECT_EQ(rest.Resize(2, 3), status::kOk);
-  EXPECT_EQ(rest.SetItem(1, 2, 7.0), status::kOk);
+  EXPECT_EQ(rest.EndLoad(2, 3), Status::kOk) << "no table, no levels";
+  EXPECT_EQ(rest.Resize(2, 3), Status::kOk);
+  EXPECT_EQ(rest.SetItem(1, 2, 7.0), Status::kOk);
   EXPECT_EQ(matrix.GetCols(), 3U);
   EXPECT_EQ(rest.GetCols(), 2U);
   EXPECT_EQ(rest.GetRows(), 3U);
-  EXPECT_EQ(rest.Resize(2, 3), status::kOk) << "the same size keeps the values";
+  EXPECT_EQ(rest.Resize(2, 3), Status::kOk) << "the same size keeps the values";
   EXPECT_EQ(rest.GetItem(1, 2), 7.0);
   EXPECT_EQ(matrix.GetItem(2, 2), 7.0);
 }
@@ -105,23 +106,23 @@ TEST(DetectorFile, LargeFilesAreCheckedLikeSmallOnes) {
   for (int row = 0; row < kRows; ++row) lines += std::to_string(row) + " 2.5\n";
   std::string content = Signed(lines);
   CSimpleMatrix matrix;
-  ASSERT_EQ(LoadDetectorFile(matrix, TempFile(content).Path(), nullptr), status::kOk);
+  ASSERT_EQ(LoadDetectorFile(matrix, TempFile(content).Path(), nullptr), Status::kOk);
   EXPECT_EQ(matrix.GetRows(), kRows);
   EXPECT_EQ(matrix.GetItem(0, kRows - 1), kRows - 1);
   content[lines.size() - 2] = '6';
   EXPECT_EQ(LoadDetectorFile(matrix, TempFile(content).Path(), nullptr),
-            status::kInvalidFileFormat);
+            Status::kInvalidFileFormat);
 }
 
 TEST(DetectorFile, FailedLoadKeepsTheTable) {
   const TempFile good(Signed("#VERSION 3\n0 10 20\n10 1 2\n100 3 4\n"));
   const TempFile bad("#VERSION 3\n0 10 20\n10 5 5\n100 5 5\n");
   std::shared_ptr<const DetectorTable> table;
-  ASSERT_EQ(LoadDetectorTable(good.Path(), table), status::kOk);
+  ASSERT_EQ(LoadDetectorTable(good.Path(), table), Status::kOk);
   EXPECT_EQ(table->Interpolate(10, 2), 3.0) << "level 100 lies at 2";
   const auto previous = table;
-  EXPECT_EQ(LoadDetectorTable(bad.Path(), table), status::kInvalidFileFormat);
-  EXPECT_EQ(LoadDetectorTable(bad.Path() + ".missing", table), status::kCannotOpenFile);
+  EXPECT_EQ(LoadDetectorTable(bad.Path(), table), Status::kInvalidFileFormat);
+  EXPECT_EQ(LoadDetectorTable(bad.Path() + ".missing", table), Status::kCannotOpenFile);
   EXPECT_EQ(table, previous);
 }
 

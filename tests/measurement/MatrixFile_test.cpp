@@ -12,6 +12,7 @@
 #include "measurement/Gost341194.h"
 #include "measurement/SimpleMatrix.h"
 #include "tests/measurement/TempFile.h"
+#include "tests/platform/ResultCode.h"
 
 namespace {
 
@@ -47,7 +48,7 @@ TEST_P(MatrixContent, IsRead) {
   CSimpleMatrix matrix;
   std::string header = "before";
   const Status result = LoadMatrixFile(&matrix, file.Path(), &header, 0);
-  EXPECT_EQ(result, GetParam().rows.empty() ? status::kInvalidFileFormat : status::kOk);
+  EXPECT_EQ(result, GetParam().rows.empty() ? Status::kInvalidFileFormat : Status::kOk);
   EXPECT_EQ(RowsOf(matrix), GetParam().rows);
   EXPECT_EQ(header == "before", GetParam().rows.empty()) << header;
 }
@@ -82,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(MatrixFile, FolderAndMissingFileCannotBeOpened) {
   for (const auto& path : {std::filesystem::temp_directory_path(),
                            std::filesystem::temp_directory_path() / "no such file.det"}) {
-    EXPECT_EQ(LoadMatrixFile(nullptr, path.string(), nullptr, 0), status::kCannotOpenFile) << path;
+    EXPECT_EQ(LoadMatrixFile(nullptr, path.string(), nullptr, 0), Status::kCannotOpenFile) << path;
   }
 }
 
@@ -97,8 +98,8 @@ TEST(MatrixFile, CommaLocaleChangesNothing) {
   const TempFile copy;
   const Status saved = SaveMatrixFile(matrix, copy.Path(), "", 0);
   std::setlocale(LC_ALL, previous.c_str());
-  EXPECT_EQ(loaded, status::kOk);
-  EXPECT_EQ(saved, status::kOk);
+  EXPECT_EQ(loaded, Status::kOk);
+  EXPECT_EQ(saved, Status::kOk);
   EXPECT_EQ(RowsOf(matrix), (Rows{{1.5, 2.5}}));
   EXPECT_EQ(copy.Content(), "1.5\t2.5\n");
 }
@@ -106,7 +107,7 @@ TEST(MatrixFile, CommaLocaleChangesNothing) {
 struct DigestCase {
   const char* fault;
   std::string content;
-  Status result;
+  ResultCode result;
 };
 
 class MatrixDigest : public testing::TestWithParam<DigestCase> {};
@@ -115,7 +116,7 @@ TEST_P(MatrixDigest, IsChecked) {
   const TempFile file(GetParam().content);
   CSimpleMatrix matrix;
   EXPECT_EQ(LoadMatrixFile(&matrix, file.Path(), nullptr, kMatrixFileDigest), GetParam().result);
-  EXPECT_EQ(RowsOf(matrix), GetParam().result == status::kOk ? (Rows{{1, 2}, {3, 4}}) : Rows{});
+  EXPECT_EQ(RowsOf(matrix), GetParam().result == Status::kOk ? (Rows{{1, 2}, {3, 4}}) : Rows{});
 }
 
 std::string Lower(std::string text) {
@@ -129,32 +130,32 @@ const std::string kDigest = DigestOf("#H 11 23 4");  // trimmed lines, nothing b
 INSTANTIATE_TEST_SUITE_P(
     Lines, MatrixDigest,
     testing::Values(
-        DigestCase{"Good", kBody + "#CRC " + kDigest + "\r\n", status::kOk},
-        DigestCase{"SixthCharacterOn", kBody + "#CRC:  " + kDigest, status::kOk},
+        DigestCase{"Good", kBody + "#CRC " + kDigest + "\r\n", Status::kOk},
+        DigestCase{"SixthCharacterOn", kBody + "#CRC:  " + kDigest, Status::kOk},
         DigestCase{"HeaderMayFollow", kBody + "#CRC " + kDigest + "\n\n!signed\n#CRC 1\n",
-                   status::kOk},
+                   Status::kOk},
         DigestCase{"DataFollows", kBody + "#CRC " + kDigest + "\n5 6\n",
-                   status::kInvalidFileFormat},
+                   Status::kInvalidFileFormat},
         DigestCase{"WordsFollow", kBody + "#CRC " + kDigest + "\nend\n",
-                   status::kInvalidFileFormat},
-        DigestCase{"LowerCase", kBody + "#CRC " + Lower(kDigest), status::kInvalidFileFormat},
-        DigestCase{"Missing", kBody, status::kInvalidFileFormat},
-        DigestCase{"MarkAlone", kBody + "#CRC", status::kInvalidFileFormat},
-        DigestCase{"NoDigestBehindMark", kBody + "#CRC ", status::kInvalidFileFormat},
-        DigestCase{"DigestInFifthPlace", kBody + "#CRC" + kDigest, status::kInvalidFileFormat},
-        DigestCase{"CutShort", kBody + "#CRC " + kDigest.substr(0, 62), status::kInvalidFileFormat},
-        DigestCase{"NumberChanged", "#H 1\n1 2\n3 5\n#CRC " + kDigest, status::kInvalidFileFormat},
-        DigestCase{"HeaderChanged", "#H 2\n1 2\n3 4\n#CRC " + kDigest, status::kInvalidFileFormat},
-        DigestCase{"LineAddedInFront", kBody + "x\n#CRC " + kDigest, status::kInvalidFileFormat},
-        DigestCase{"OfNoNumbers", "#H\n#CRC " + DigestOf("#H"), status::kInvalidFileFormat}),
+                   Status::kInvalidFileFormat},
+        DigestCase{"LowerCase", kBody + "#CRC " + Lower(kDigest), Status::kInvalidFileFormat},
+        DigestCase{"Missing", kBody, Status::kInvalidFileFormat},
+        DigestCase{"MarkAlone", kBody + "#CRC", Status::kInvalidFileFormat},
+        DigestCase{"NoDigestBehindMark", kBody + "#CRC ", Status::kInvalidFileFormat},
+        DigestCase{"DigestInFifthPlace", kBody + "#CRC" + kDigest, Status::kInvalidFileFormat},
+        DigestCase{"CutShort", kBody + "#CRC " + kDigest.substr(0, 62), Status::kInvalidFileFormat},
+        DigestCase{"NumberChanged", "#H 1\n1 2\n3 5\n#CRC " + kDigest, Status::kInvalidFileFormat},
+        DigestCase{"HeaderChanged", "#H 2\n1 2\n3 4\n#CRC " + kDigest, Status::kInvalidFileFormat},
+        DigestCase{"LineAddedInFront", kBody + "x\n#CRC " + kDigest, Status::kInvalidFileFormat},
+        DigestCase{"OfNoNumbers", "#H\n#CRC " + DigestOf("#H"), Status::kInvalidFileFormat}),
     [](const auto& tested) { return tested.param.fault; });
 
 TEST(MatrixFile, HeaderEndsAtTheDigestOnlyWhenItIsChecked) {
   const TempFile file(" #A\n\n1\n!B\n#CRC " + DigestOf("#A1!B") + "\n[C\n");
   std::string header;
-  ASSERT_EQ(LoadMatrixFile(nullptr, file.Path(), &header, kMatrixFileDigest), status::kOk);
+  ASSERT_EQ(LoadMatrixFile(nullptr, file.Path(), &header, kMatrixFileDigest), Status::kOk);
   EXPECT_EQ(header, "#A\n!B");
-  ASSERT_EQ(LoadMatrixFile(nullptr, file.Path(), &header, 0), status::kOk);
+  ASSERT_EQ(LoadMatrixFile(nullptr, file.Path(), &header, 0), Status::kOk);
   EXPECT_EQ(header, "#A\n!B\n#CRC " + DigestOf("#A1!B") + "\n[C");
 }
 
@@ -174,7 +175,7 @@ class CallOrder final : public ICustomMatrix<double> {
   }
   Status Note(const char* call, std::uint32_t a, std::uint32_t b) {
     calls.push_back(std::string(call) + " " + std::to_string(a) + " " + std::to_string(b));
-    return status::kOk;
+    return Status::kOk;
   }
   std::vector<std::string> calls;
 };
@@ -182,7 +183,7 @@ class CallOrder final : public ICustomMatrix<double> {
 TEST(MatrixFile, SizeComesFirstThenDerivedDataThenValues) {
   const TempFile file("7 8\n9 10\nnote\n11 12\n");
   CallOrder matrix;
-  ASSERT_EQ(LoadMatrixFile(&matrix, file.Path(), nullptr, 0), status::kOk);
+  ASSERT_EQ(LoadMatrixFile(&matrix, file.Path(), nullptr, 0), Status::kOk);
   EXPECT_THAT(matrix.calls, ElementsAre("resize 2 3", "end load 2 3", "set 0 0", "set 1 0",
                                         "set 0 1", "set 1 1", "set 0 2", "set 1 2"));
 }
@@ -197,12 +198,12 @@ TEST(MatrixFile, SavedBytes) {
   const TempFile file;
   ASSERT_EQ(
       SaveMatrixFile(matrix, file.Path(), " #VERSION 3\r\n\n#CRC 12\n!note ", kMatrixFileDigest),
-      status::kOk);
+      Status::kOk);
   const std::string rows[] = {"0.3333333333333\t-2e-09", "20000\t1e+15"};
   EXPECT_EQ(file.Content(), "#VERSION 3\n!note\n" + rows[0] + "\n" + rows[1] + "\n\n#CRC " +
                                 DigestOf("#VERSION 3!note" + rows[0] + rows[1]));
   CSimpleMatrix read_back;
-  EXPECT_EQ(LoadMatrixFile(&read_back, file.Path(), nullptr, kMatrixFileDigest), status::kOk);
+  EXPECT_EQ(LoadMatrixFile(&read_back, file.Path(), nullptr, kMatrixFileDigest), Status::kOk);
   EXPECT_EQ(RowsOf(read_back), (Rows{{0.3333333333333, -2e-9}, {20000, 1e15}}));
 }
 
@@ -212,11 +213,11 @@ TEST(MatrixFile, ValuesThatCouldNotBeReadBackAreNotWritten) {
   const TempFile file("as it was");
   for (const double value : {std::numeric_limits<double>::infinity(), std::nan("")}) {
     matrix.SetItem(0, 0, value);
-    EXPECT_EQ(SaveMatrixFile(matrix, file.Path(), "", 0), status::kInvalidValue);
+    EXPECT_EQ(SaveMatrixFile(matrix, file.Path(), "", 0), Status::kInvalidValue);
   }
   EXPECT_EQ(file.Content(), "as it was");
   EXPECT_EQ(SaveMatrixFile(CSimpleMatrix(), file.Path() + "/no/folder", "", 0),
-            status::kCannotOpenFile);
+            Status::kCannotOpenFile);
 }
 
 TEST(MatrixFile, HeaderValues) {

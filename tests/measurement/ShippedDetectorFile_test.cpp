@@ -9,6 +9,7 @@
 #include "measurement/DetectorFile.h"
 #include "simulator/Detector.h"
 #include "tests/measurement/TempFile.h"
+#include "tests/platform/ResultCode.h"
 #include "tools/SimulatedDetectorFile.h"
 
 namespace {
@@ -23,14 +24,14 @@ std::string WithoutCarriageReturns(std::istream&& file) {
 
 TEST(ShippedDetectorFile, IsThatOfTheSimulatedDetectors) {
   const TempFile fresh;
-  ASSERT_EQ(WriteSimulatedDetectorFile(fresh.Path()), status::kOk);
+  ASSERT_EQ(WriteSimulatedDetectorFile(fresh.Path()), Status::kOk);
   EXPECT_EQ(WithoutCarriageReturns(std::ifstream(kShipped, std::ios::binary)), fresh.Content())
       << "run make_detector_file data/calibr20.det";
 }
 
 TEST(ShippedDetectorFile, GivesTheLevelAtTheDetector) {
   std::shared_ptr<const DetectorTable> table;
-  ASSERT_EQ(LoadDetectorTable(kShipped, table), status::kOk);
+  ASSERT_EQ(LoadDetectorTable(kShipped, table), Status::kOk);
   for (double level = simulator::kDetectorMinLevel; level <= simulator::kDetectorMaxLevel;
        level += 0.37) {
     for (double frequency = simulator::kDetectorMinFrequency;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "measurement/DetectorLevel.h"
+#include "tests/platform/ResultCode.h"
 
 namespace {
 

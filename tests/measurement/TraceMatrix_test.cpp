@@ -1,4 +1,5 @@
 #include "measurement/TraceMatrix.h"
+#include "tests/platform/ResultCode.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

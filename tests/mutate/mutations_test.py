@@ -28,7 +28,7 @@ TABLE = [
     ("arguments", "void F() { x = G(a, a, b.c, d->e, 1, f); }",
      ["'a, b.c' -> 'b.c, a'", "'b.c, d->e' -> 'd->e, b.c'", "'1' -> '0'", "'1' -> '2'"]),
     ("results", "Status F() { return G(); }\nbool H() { return false; }\nvoid I(Status) { return; }",
-     ["'G()' -> 'status::kOk'", "'false' -> 'true'"]),
+     ["'G()' -> 'Status::kOk'", "'false' -> 'true'"]),
     ("beside brackets that are none", "bool operator<(A);\nint a = 1;\nbool operator>(A);",
      ["'1' -> '0'", "'1' -> '2'"]),
     ("the same twice on a line", "int F() { return a - b - c; }", ["'-' -> '+'", "'-' -> '+' #2"]),

@@ -121,7 +121,7 @@ TEST_F(DetectorTest, CheckTellsWhatAFileHolds) {
 
 TEST_F(DetectorTest, ValuesAreThoseOfTheConversionOnEverySystem) {
   std::shared_ptr<const DetectorTable> table;
-  ASSERT_EQ(LoadDetectorTable(ZK_DETECTOR_FILE, table), status::kOk);
+  ASSERT_EQ(LoadDetectorTable(ZK_DETECTOR_FILE, table), Status::kOk);
   std::istringstream lines("1500 1000\n\n 20000\t-7 \r\n10 0.001\n+777.7 1.5e6\n12345.678 123456");
   std::string texts;
   ForEachDetectorPoint(lines, [&](const DetectorPoint& point) {
@@ -234,7 +234,7 @@ std::size_t CountOf(const std::string& text, const std::string& part) {
 TEST(DetectorSvg, HasACurveForEachLevelButNotForThousands) {
   const std::string curve = "stroke-width=\"1.30\"";
   CSimpleMatrix shipped;
-  ASSERT_EQ(LoadDetectorFile(shipped, ZK_DETECTOR_FILE, nullptr), status::kOk);
+  ASSERT_EQ(LoadDetectorFile(shipped, ZK_DETECTOR_FILE, nullptr), Status::kOk);
   const std::string svg = DetectorAsSvg(shipped, "<20 GHz>");
   EXPECT_EQ(CountOf(svg, curve), 65U);
   for (const char* const part : {">&lt;20 GHz&gt;</text>", ">Frequency (GHz)</text>",
