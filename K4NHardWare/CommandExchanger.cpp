@@ -21,8 +21,8 @@ CommandExchanger::~CommandExchanger() = default;
 Status CommandExchanger::SendMessages(std::span<ProtocolMessage* const> messages) {
   if (const Status failed = GetInStep(); failed != Status::kOk) return failed;
   for (ProtocolMessage* message : messages) Send(*message);
-  std::uint32_t number = sequence_ - outstanding_;
-  for (std::size_t i = 0; outstanding_ != 0 && i < messages.size(); ++i) {
+  std::uint32_t number = sequence_ - pending_.answers;
+  for (std::size_t i = 0; pending_.answers != 0 && i < messages.size(); ++i) {
     if (const Status received = ReceiveMessage(*messages[i], ++number); received != Status::kOk) {
       return received;
     }
@@ -33,9 +33,9 @@ Status CommandExchanger::SendMessages(std::span<ProtocolMessage* const> messages
 Status CommandExchanger::StartRead(ProtocolMessage& message) {
   Status polled;
   try {
-    if (!read_pending_) {
+    if (!pending_.is_data_read) {
       if (const Status failed = GetInStep(); failed != Status::kOk) return failed;
-      read_pending_ = true;
+      pending_.is_data_read = true;
       Send(message);
     }
     polled = PollMessage(message);
@@ -43,7 +43,7 @@ Status CommandExchanger::StartRead(ProtocolMessage& message) {
     // Whatever a VISA library throws ends here.
     polled = Status::kVisaIo;
   }
-  read_pending_ = polled == Status::kVisaTimeout;
+  pending_.is_data_read = polled == Status::kVisaTimeout;
   return polled;
 }
 
@@ -52,19 +52,18 @@ Status CommandExchanger::StartRead(ProtocolMessage& message) {
 /// request after this one. It is the result when it should have ended a data read; else the
 /// exchange itself shows whether the link is gone.
 Status CommandExchanger::GetInStep() {
-  const bool aborts_read = std::exchange(read_pending_, false);
-  progress_ = {};
-  if (outstanding_ == 0 && !clear_first_) return Status::kOk;
-  unanswered_ = std::min(unanswered_ + std::exchange(outstanding_, 0), kMostUnanswered);
+  const Pending given_up = std::exchange(pending_, {});
+  if (given_up.answers == 0 && !clear_first_) return Status::kOk;
+  unanswered_ = std::min(unanswered_ + given_up.answers, kMostUnanswered);
   clear_first_ = true;
   const Status cleared = device_->Clear();
   clear_first_ = cleared != Status::kOk;
-  return aborts_read ? cleared : Status::kOk;
+  return given_up.is_data_read ? cleared : Status::kOk;
 }
 
 void CommandExchanger::Send(ProtocolMessage& message) {
   message.Finalize(++sequence_);
-  ++outstanding_;
+  ++pending_.answers;
   // A broken connection shows up in the read that follows.
   std::uint32_t written = 0;
   Discard(device_->Write(message.header(), written));
@@ -74,9 +73,9 @@ void CommandExchanger::Send(ProtocolMessage& message) {
 /// The answer to the request of this number.
 Status CommandExchanger::ReceiveMessage(ProtocolMessage& message, std::uint32_t number) {
   for (bool passed_over = false;; passed_over = true) {
-    progress_ = {};
+    pending_.progress = {};
     Status received = ReceiveHeader(message);
-    while (received == Status::kOk && progress_.body_bytes != message.length()) {
+    while (received == Status::kOk && pending_.progress.body_bytes != message.length()) {
       // The rest of a body is waited for however long the instrument takes.
       received = ReceiveBodyPart(message);
       if (received == Status::kVisaTimeout && !abandoned_) received = Status::kOk;
@@ -86,7 +85,7 @@ Status CommandExchanger::ReceiveMessage(ProtocolMessage& message, std::uint32_t 
     if (received != Status::kOk) return received;
     if (!IsLeftOver(message, number)) break;
   }
-  --outstanding_;
+  --pending_.answers;
   return Status::kOk;
 }
 
@@ -119,30 +118,30 @@ bool CommandExchanger::IsLeftOver(const ProtocolMessage& message, std::uint32_t 
 }
 
 Status CommandExchanger::PollMessage(ProtocolMessage& message) {
-  message.header() = progress_.header;
-  if (!progress_.header_received) {
+  message.header() = pending_.progress.header;
+  if (!pending_.progress.header_received) {
     const Status received = ReceiveHeader(message);
-    progress_.header = message.header();
+    pending_.progress.header = message.header();
     if (received != Status::kOk) return received;
-    progress_.header_received = true;
+    pending_.progress.header_received = true;
   }
   if (const Status received = ReceiveBodyPart(message); received != Status::kOk) return received;
-  if (progress_.body_bytes != message.length()) return Status::kVisaTimeout;
-  progress_ = {};
+  if (pending_.progress.body_bytes != message.length()) return Status::kVisaTimeout;
+  pending_.progress = {};
   if (IsLeftOver(message, sequence_)) return Status::kVisaTimeout;
-  --outstanding_;
+  --pending_.answers;
   return Status::kOk;
 }
 
 /// The bytes of the header that are missing; earlier ones may have come with an earlier poll.
 Status CommandExchanger::ReceiveHeader(ProtocolMessage& message) {
   const std::span<std::uint8_t> missing =
-      std::span(message.header()).subspan(progress_.header_bytes);
+      std::span(message.header()).subspan(pending_.progress.header_bytes);
   std::uint32_t count = 0;
   const Status received = device_->Read(missing, count);
-  progress_.header_bytes += std::min(count, static_cast<std::uint32_t>(missing.size()));
+  pending_.progress.header_bytes += std::min(count, static_cast<std::uint32_t>(missing.size()));
   if (received != Status::kOk) return received;
-  const bool is_whole = progress_.header_bytes == ProtocolMessage::kHeaderSize;
+  const bool is_whole = pending_.progress.header_bytes == ProtocolMessage::kHeaderSize;
   if (!is_whole || !message.HasMagic()) return Status::kVisaProtocolViolation;
   return message.length() > message.buffer().size() ? Status::kVisaProtocolViolation : Status::kOk;
 }
@@ -150,11 +149,11 @@ Status CommandExchanger::ReceiveHeader(ProtocolMessage& message) {
 Status CommandExchanger::ReceiveBodyPart(ProtocolMessage& message) {
   // A poll may come with another buffer than the one that the header was measured by.
   if (message.length() > message.buffer().size()) return Status::kVisaProtocolViolation;
-  const std::size_t remaining = message.length() - progress_.body_bytes;
+  const std::size_t remaining = message.length() - pending_.progress.body_bytes;
   std::uint32_t count = 0;
-  const Status received =
-      device_->ReadWithTimeout(message.buffer().subspan(progress_.body_bytes, remaining), count);
-  progress_.body_bytes += std::min(count, static_cast<std::uint32_t>(remaining));
+  const Status received = device_->ReadWithTimeout(
+      message.buffer().subspan(pending_.progress.body_bytes, remaining), count);
+  pending_.progress.body_bytes += std::min(count, static_cast<std::uint32_t>(remaining));
   // A library that reports success without a byte would be asked for ever.
   if (received == Status::kOk && count == 0 && remaining != 0) return Status::kVisaIo;
   return received;

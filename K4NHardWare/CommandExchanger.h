@@ -32,7 +32,7 @@ class CommandExchanger final : public uIEvent::EventProcessor {
   Status StartRead(ProtocolMessage& message);
 
   /// The answer just taken belongs to another request; the awaited one may come still.
-  void RejectAnswer() { ++outstanding_; }
+  void RejectAnswer() { ++pending_.answers; }
   /// The session is cleared before the next request.
   void ClearBeforeNext() { clear_first_ = true; }
   /// Ends a wait for the rest of a body, now and from now on, at its next time-out: the session
@@ -49,6 +49,12 @@ class CommandExchanger final : public uIEvent::EventProcessor {
     std::uint32_t body_bytes = 0;
     bool header_received = false;
   };
+  /// What the last exchange still waits for.
+  struct Pending {
+    std::uint32_t answers = 0;  // to its requests
+    bool is_data_read = false;  // which is polled for
+    Progress progress;          // of the first of them
+  };
 
   Status GetInStep();
   void Send(ProtocolMessage& message);
@@ -59,14 +65,12 @@ class CommandExchanger final : public uIEvent::EventProcessor {
   bool IsLeftOver(const ProtocolMessage& message, std::uint32_t number);
 
   std::unique_ptr<uDevice::Interface> device_;
-  std::uint32_t outstanding_ = 0;  // requests of the last exchange that have no answer yet
-  std::uint32_t unanswered_ = 0;   // requests of earlier exchanges whose answers may come still
-  std::uint32_t sequence_ = 0;     // the last number used
-  bool read_pending_ = false;
-  bool clear_first_ = false;            // before the next request, in any case
+  Pending pending_;
+  std::uint32_t unanswered_ = 0;  // requests of earlier exchanges whose answers may come still
+  std::uint32_t sequence_ = 0;    // the last number used
+  bool clear_first_ = false;      // before the next request, in any case
   std::uint32_t numbers_repeated_ = 0;  // answers in a row that carried their requests' numbers
   bool copy_may_come_ = false;          // of the last answer
   bool numbers_disproved_ = false;      // this instrument's answers cannot be told by them
   std::atomic<bool> abandoned_ = false;
-  Progress progress_;
 };

@@ -2,25 +2,11 @@
 #include "K4NHardWare/D3THardWare.h"
 
 #include <algorithm>
-#include <limits>
 #include <memory>
+#include <optional>
 
 #include "K4NHardWare/CommandExchanger.h"
 #include "K4NHardWare/Event.h"
-
-namespace {
-
-/// The format marks of data answers: readings with 8 fractional bits, or integers, which every
-/// other mark asks for, too.
-constexpr char kFractionalFormat = 'A';
-constexpr char kIntegerFormat = '@';
-
-std::uint8_t RequestedFormat(char format) {
-  return static_cast<std::uint8_t>(format == kFractionalFormat ? kFractionalFormat
-                                                               : kIntegerFormat);
-}
-
-}  // namespace
 
 D3THardWare::D3THardWare(CommandExchanger& exchanger)
     : exchanger_(exchanger), parameters_(kParameterTable.begin(), kParameterTable.end()) {
@@ -86,44 +72,39 @@ Status D3THardWare::WriteElements(HardWareParametr& parameter,
   return result;
 }
 
-Status D3THardWare::ReadDataBlock(std::span<std::uint8_t> buffer, std::uint32_t& length,
-                                  char& format) {
+StatusAnd<ReceivedBlock> D3THardWare::ReadDataBlock(std::span<std::uint8_t> buffer,
+                                                    ReadingFormat wanted) {
   ProtocolMessage message(buffer);
-  message.Begin(Command::kReadData, 0, RequestedFormat(format));
+  message.Begin(Command::kReadData, 0, static_cast<std::uint8_t>(wanted));
   const std::array<ProtocolMessage*, 1> messages = {&message};
-  if (const Status failed = exchanger_.SendMessages(messages); failed != Status::kOk) return failed;
-  return FinishDataRead(message, length, format);
+  const Status sent = exchanger_.SendMessages(messages);
+  return sent == Status::kOk ? FinishDataRead(message) : StatusAnd<ReceivedBlock>{sent};
 }
 
-Status D3THardWare::PollDataBlock(std::span<std::uint8_t> buffer, std::uint32_t& length,
-                                  char& format) {
+StatusAnd<ReceivedBlock> D3THardWare::PollDataBlock(std::span<std::uint8_t> buffer,
+                                                    ReadingFormat wanted) {
   ProtocolMessage message(buffer);
-  message.Begin(Command::kReadData, 0, RequestedFormat(format));
-  if (const Status failed = exchanger_.StartRead(message); failed != Status::kOk) return failed;
-  return FinishDataRead(message, length, format);
+  message.Begin(Command::kReadData, 0, static_cast<std::uint8_t>(wanted));
+  const Status polled = exchanger_.StartRead(message);
+  return polled == Status::kOk ? FinishDataRead(message) : StatusAnd<ReceivedBlock>{polled};
 }
 
-Status D3THardWare::FinishDataRead(const ProtocolMessage& message, std::uint32_t& length,
-                                   char& format) {
-  if (message.status() != Status::kOk) return message.status();
-  const auto mark = static_cast<char>(message.type());
-  if (mark != kFractionalFormat && mark != kIntegerFormat) {
+StatusAnd<ReceivedBlock> D3THardWare::FinishDataRead(const ProtocolMessage& message) {
+  if (message.status() != Status::kOk) return {message.status()};
+  const std::optional<ReadingFormat> format = ReadingFormatOf(message.type());
+  if (!format) {
     // A late answer to a setting may be as long as a block.
     exchanger_.RejectAnswer();
-    return Status::kVisaProtocolViolation;
+    return {Status::kVisaProtocolViolation};
   }
-  const std::span<const std::uint8_t> block = message.payload();
-  length = static_cast<std::uint32_t>(block.size());
-  format = mark;
-  if (block.size() < sizeof(std::int16_t)) return Status::kOk;
-  const Status block_status{
-      static_cast<std::int16_t>(block[block.size() - 2] | block[block.size() - 1] << 8)};
-  if (!IsNegative(block_status)) return Status::kOk;
+  const ReceivedBlock received{message.payload(), *format};
+  const std::optional<DataBlock> block = ParseBlock(received.body);
+  if (!block || !IsNegative(block->word)) return {Status::kOk, received};
   std::unique_ptr<uIEvent::Event> event(
       uIEvent::MakeErrorEvent(this, "Data processing error", nullptr));
   ProcessEvent(event.get());
   static_cast<void>(event.release());  // the final handler keeps it
-  return block_status;
+  return {block->word, received};
 }
 
 std::string D3THardWare::DescribeStatus(Status code) {

@@ -13,36 +13,14 @@
 
 #include "K4NHardWare/EventProcessor.h"
 #include "K4NHardWare/HardWareParametr.h"
+#include "K4NHardWare/IdentityDate.h"
 #include "K4NHardWare/InstrumentSettings.h"
 #include "K4NHardWare/ParameterTable.h"
 #include "K4NHardWare/ProtocolMessage.h"
+#include "measurement/DataBlock.h"
 #include "status/Status.h"
 
 class CommandExchanger;
-
-/// Calendar date of the identity record; all zero when unknown.
-struct IdentityDate {
-  std::uint16_t year = 0;
-  std::uint8_t month = 0;
-  std::uint8_t day = 0;
-  [[nodiscard]] bool IsKnown() const { return year != 0 || month != 0 || day != 0; }
-  /// The number by which dates compare: year x 65536 + month x 256 + day.
-  [[nodiscard]] std::uint32_t Ordinal() const {
-    return (static_cast<std::uint32_t>(year) << 16) + (static_cast<std::uint32_t>(month) << 8) +
-           day;
-  }
-};
-
-/// What the instrument tells of itself.
-struct IdentityRecord {
-  IdentityDate manufactured;
-  IdentityDate fpga_firmware;
-  IdentityDate dsp_program;
-};
-
-/// Reads "day.month.year" or the compiler's "Mmm dd yyyy"; zero when the text is not a date. Kept:
-/// a date in December is never accepted.
-IdentityDate ParseIdentityDate(std::string_view text);
 
 /// The five elements of a trigger parameter, input and output alike.
 struct TriggerElements {
@@ -65,6 +43,12 @@ struct AveragingFeatures {
 constexpr bool IsAccepted(Status result) { return ToCode(result) >= 0 && ToCode(result) <= 10000; }
 
 enum class ListAxis { kFrequency, kPower };
+
+/// A data answer, in the caller's buffer.
+struct ReceivedBlock {
+  std::span<const std::uint8_t> body;  ///< points and status word, see ParseBlock
+  ReadingFormat format{};
+};
 
 /// One per session. It holds no lock: the manager calls one operation at a time. Every setting
 /// operation returns 0 or a negative status (after a negative answer the recovery command has been
@@ -133,14 +117,15 @@ class D3THardWare final : public uIEvent::EventProcessor {
   /// is wrong.
   Status QuerySerialNumber(std::string& serial_number);
 
-  /// Reads one data block and waits for it. `length` receives the bytes in `buffer`; `format` is
-  /// the wanted format mark ("A" raw with 8 fractional bits, else integers) and receives the
-  /// block's. 0xBFFF0037 for an answer whose mark is neither "A" nor "@": no block. A negative
-  /// status word of the block raises a "Data processing error" event and is returned.
-  Status ReadDataBlock(std::span<std::uint8_t> buffer, std::uint32_t& length, char& format);
+  /// Reads one data block into the buffer and waits for it. What is answered may be in the other
+  /// format. 0xBFFF0037 for an answer that is marked with neither: no block. A negative status word
+  /// of the block raises a "Data processing error" event and is the status.
+  [[nodiscard]] StatusAnd<ReceivedBlock> ReadDataBlock(std::span<std::uint8_t> buffer,
+                                                       ReadingFormat wanted);
   /// The same without waiting for the end: VI_ERROR_TMO while the block is not complete; call
-  /// again.
-  Status PollDataBlock(std::span<std::uint8_t> buffer, std::uint32_t& length, char& format);
+  /// again, with the same buffer.
+  [[nodiscard]] StatusAnd<ReceivedBlock> PollDataBlock(std::span<std::uint8_t> buffer,
+                                                       ReadingFormat wanted);
 
   /// The VISA library's text for one of its statuses.
   [[nodiscard]] std::string DescribeStatus(Status code);
@@ -185,7 +170,7 @@ class D3THardWare final : public uIEvent::EventProcessor {
   /// Fills the elements from the values, writes, and on success copies the instrument's elements
   /// back.
   Status WriteElements(HardWareParametr& parameter, std::initializer_list<ElementValue> values);
-  Status FinishDataRead(const ProtocolMessage& message, std::uint32_t& length, char& format);
+  StatusAnd<ReceivedBlock> FinishDataRead(const ProtocolMessage& message);
 
   Status WriteFeatureMask(std::uint16_t mask);
   Status ReadIdentity();

@@ -3,21 +3,28 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 
 #include "K4NHardWare/D3THardWare.h"
 
 namespace {
 
-/// By variant; variant 0 has no sweep.
-constexpr std::array<Parameter, 6> kLevelForms = {Parameter::kPower0, Parameter::kPower1,
-                                                  Parameter::kPower2, Parameter::kPower3,
-                                                  Parameter::kPower2, Parameter::kPower3};
-constexpr std::array<Parameter, 6> kStateForms = {Parameter::kPower0, Parameter::kPower0,
-                                                  Parameter::kPower2, Parameter::kPower3,
-                                                  Parameter::kPower2, Parameter::kPower3};
-constexpr std::array<Parameter, 6> kSweepForms = {Parameter::kCount,       Parameter::kPowerSweep1,
-                                                  Parameter::kPowerSweep2, Parameter::kPowerSweep3,
-                                                  Parameter::kPowerSweep4, Parameter::kPowerSweep5};
+/// The forms of the parameters that one generation speaks.
+struct PowerVariant {
+  Parameter level;
+  Parameter state;  ///< by which an unsettled level shows
+  std::optional<Parameter> sweep;
+};
+
+/// By number.
+constexpr std::array<PowerVariant, 6> kPowerVariants = {{
+    {Parameter::kPower0, Parameter::kPower0, std::nullopt},
+    {Parameter::kPower1, Parameter::kPower0, Parameter::kPowerSweep1},
+    {Parameter::kPower2, Parameter::kPower2, Parameter::kPowerSweep2},
+    {Parameter::kPower3, Parameter::kPower3, Parameter::kPowerSweep3},
+    {Parameter::kPower2, Parameter::kPower2, Parameter::kPowerSweep4},
+    {Parameter::kPower3, Parameter::kPower3, Parameter::kPowerSweep5},
+}};
 
 /// The instrument does not know the form. Any other refusal, such as an unlocked PLL, tells nothing
 /// of it.
@@ -76,7 +83,7 @@ double LevelCount(const StepSettings& sweep) {
 
 }  // namespace
 
-Parameter D3THardWare::LevelParameter() const { return kLevelForms[power_variant_]; }
+Parameter D3THardWare::LevelParameter() const { return kPowerVariants[power_variant_].level; }
 
 Status D3THardWare::SetOutputLevel(LevelSettings& settings, double& level) {
   if (!power_variant_settled_) {
@@ -92,8 +99,9 @@ Status D3THardWare::SetOutputLevel(LevelSettings& settings, double& level) {
 }
 
 Status D3THardWare::SetPowerSweep(LevelSettings& settings, StepSettings& sweep) {
-  const Parameter form = kSweepForms[power_variant_];
-  if (form == Parameter::kCount) return Status::kRefused;
+  const std::optional<Parameter> sweep_form = kPowerVariants[power_variant_].sweep;
+  if (!sweep_form) return Status::kRefused;
+  const Parameter form = *sweep_form;
   const bool simple = IsSimple(form);
   const std::size_t points_element =
       simple ? std::size_t{SimplePowerElement::kPoints} : std::size_t{PowerElement::kPoints};
@@ -133,7 +141,8 @@ Status D3THardWare::ReadOutputState(LevelSettings& settings, double& level) {
 }
 
 Status D3THardWare::ReadLevelState(bool& settled) {
-  return ReadStateCode(kStateForms[power_variant_], Status::kInstrumentLevelNotSettled, settled);
+  return ReadStateCode(kPowerVariants[power_variant_].state, Status::kInstrumentLevelNotSettled,
+                       settled);
 }
 
 /// From the newest level form to the oldest, until one is accepted or the link fails. Settles the

@@ -8,9 +8,10 @@
 #include <cstdint>
 #include <vector>
 
+#include "measurement/DataBlock.h"
 #include "measurement/TraceConversion.h"
 
-inline constexpr std::size_t kChannelCount = 3;
+inline constexpr std::size_t kChannelCount = kTraceChannels;
 
 /// What the axes of the generator do.
 enum class SweepMode : std::uint32_t {
@@ -19,10 +20,6 @@ enum class SweepMode : std::uint32_t {
   kFrequencyStep = 2,
   kList = 3,
 };
-
-/// What the instrument is: 1 a generator without detectors, 18 a scalar analyser, 2 an older one
-/// whose readings are scaled.
-enum class InstrumentKind : std::uint32_t { kGenerator = 1, kScaledReadings = 2, kAnalyser = 18 };
 
 /// The source of a sweep trigger. A client may ask for one that does not exist, which is refused.
 enum class TriggerSource { kImmediate, kExternal, kSoftware, kUnknown };

@@ -119,12 +119,12 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   [[nodiscard]] SyncGeneratorSettings GetSyncGenerator() const;
 
   // --- System
-  [[nodiscard]] Answer<std::string> GetSerialNumber();
-  [[nodiscard]] Answer<std::string> GetInstrumentType();
-  [[nodiscard]] Answer<bool> GetRfButton();    ///< pressed
-  [[nodiscard]] Answer<bool> GetPllState();    ///< locked
-  [[nodiscard]] Answer<bool> GetErgState();    ///< good
-  [[nodiscard]] Answer<bool> GetLevelState();  ///< settled
+  [[nodiscard]] StatusAnd<std::string> GetSerialNumber();
+  [[nodiscard]] StatusAnd<std::string> GetInstrumentType();
+  [[nodiscard]] StatusAnd<bool> GetRfButton();    ///< pressed
+  [[nodiscard]] StatusAnd<bool> GetPllState();    ///< locked
+  [[nodiscard]] StatusAnd<bool> GetErgState();    ///< good
+  [[nodiscard]] StatusAnd<bool> GetLevelState();  ///< settled
   Status SetAttenMode(AttenMode mode);
   [[nodiscard]] AttenMode GetAttenMode() const;
   Status SetExtRefGen(const ReferenceSettings& reference);
@@ -161,9 +161,16 @@ class CK4NManager final : public uIEvent::IEventProcessor {
  private:
   /// One operation on the instrument: holds the operation lock and keeps the worker paused.
   class Operation;
+  /// What an operation came to, and whether the worker goes on behind it.
+  struct Outcome {
+    Outcome(Status result, bool paused = false) : status(result), leaves_worker_paused(paused) {}
+    Status status;
+    bool leaves_worker_paused;
+  };
   enum class Output { kSwitchOff, kLeave };
 
-  /// Runs the body as one operation; 10057 without a session.
+  /// Runs the body, which returns an Outcome or a Status, as one operation; 10057 without a
+  /// session.
   template <typename Body>
   Status Guarded(Body&& body);
   /// Puts the result of an exchange into the trail when it is a failure; returns it.
@@ -189,8 +196,8 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status ProgramList(ListAxis axis, Synchronized<SweepList>& list, double stand_in,
                      const LevelSettings& level);
   Status SwitchOutputOff();
-  Status ProgramSweepMode(SweepMode mode);
-  Status ProgramSweepTrigger(SweepTriggerSettings trigger);
+  Outcome ProgramSweepMode(SweepMode mode);
+  Outcome ProgramSweepTrigger(SweepTriggerSettings trigger);
   template <typename Apply>
   Status ReplaceList(SAFEARRAY* array, Synchronized<SweepList>& list, Apply&& apply);
 
@@ -211,9 +218,8 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   /// Whether a state counts as good again once it has been told.
   enum class Told { kAlways, kOnce };
   template <typename Read>
-  Answer<bool> ReadState(std::atomic<bool>& state, Site site, Read&& read,
-                         Told told = Told::kAlways);
-  Status ReadSingleBlock();
+  StatusAnd<bool> ReadState(std::atomic<bool>& state, Site site, Read&& read,
+                            Told told = Told::kAlways);
 
   // Lock order: operation lock, data lock (in the measurement block), session lock; the locks
   // inside `trail_` and the Synchronized values are leaves.
@@ -237,7 +243,6 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   // The mode last programmed as a whole; guarded by the operation lock.
   SweepMode measurement_mode_ = SweepMode::kContinuousWave;
   std::atomic<bool> sweep_armed_ = false;  // kept: set once and for all
-  bool leave_worker_paused_ = false;       // by the operation that runs
 
   MeasurementBlock block_;
   MeasurementWorker worker_{trail_, settings_, block_};

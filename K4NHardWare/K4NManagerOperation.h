@@ -11,24 +11,29 @@
 class CK4NManager::Operation {
  public:
   explicit Operation(CK4NManager& manager) : manager_(manager), lock_(manager.operation_mutex_) {
-    manager_.leave_worker_paused_ = false;
     manager_.worker_.Pause();
   }
   ~Operation() {
-    if (!manager_.leave_worker_paused_ && manager_.MayMeasure()) manager_.worker_.Resume();
+    if (!leaves_worker_paused_ && manager_.MayMeasure()) manager_.worker_.Resume();
   }
   Operation(const Operation&) = delete;
   Operation& operator=(const Operation&) = delete;
 
+  Status End(Outcome outcome) {
+    leaves_worker_paused_ = outcome.leaves_worker_paused;
+    return outcome.status;
+  }
+
  private:
   CK4NManager& manager_;
+  bool leaves_worker_paused_ = false;
   const std::lock_guard<std::recursive_mutex> lock_;
 };
 
 template <typename Body>
 Status CK4NManager::Guarded(Body&& body) {
-  const Operation operation(*this);
-  return model_ == nullptr ? Status::kNoSession : std::forward<Body>(body)();
+  Operation operation(*this);
+  return model_ == nullptr ? Status::kNoSession : operation.End(std::forward<Body>(body)());
 }
 
 template <typename T>

@@ -5,7 +5,7 @@
 /// Kept: an array that cannot be locked leaves the worker paused until the next operation.
 template <typename Apply>
 Status CK4NManager::ReplaceList(SAFEARRAY* array, Synchronized<SweepList>& list, Apply&& apply) {
-  return Guarded([&]() -> Status {
+  return Guarded([&]() -> Outcome {
     block_.Discard();
     if (array == nullptr) {
       list.Set(nullptr);
@@ -13,10 +13,7 @@ Status CK4NManager::ReplaceList(SAFEARRAY* array, Synchronized<SweepList>& list,
     }
     const RealArray elements(array);
     if (!elements.HasRightType()) return Status{E_INVALIDARG};
-    if (FAILED(elements.locked())) {
-      leave_worker_paused_ = true;
-      return Status{elements.locked()};
-    }
+    if (FAILED(elements.locked())) return {Status{elements.locked()}, true};
     list.Set(nullptr);
     std::vector<double> values = elements.Read();
     if (values.empty()) return Status::kOk;

@@ -8,7 +8,6 @@ namespace {
 
 constexpr double kLargestOffset = 1e11;  // Hz
 constexpr double kSmallestDivider = 1.0;
-constexpr char kIntegerReadings = '@';
 
 }  // namespace
 
@@ -54,8 +53,10 @@ Status CK4NManager::FetchData(TraceMatrix& trace) {
   const InstrumentKind kind = instrument_kind_;
   if (kind == InstrumentKind::kGenerator) return Status::kMethodNotSupported;
   if (!connected_) return Status::kNoSession;
+  // Before any sweep was programmed a fetch measures by itself.
   if (!sweep_armed_) {
-    if (const Status read = ReadSingleBlock(); read != Status::kOk) return read;
+    const Status read = Guarded([this] { return worker_.ReadSingleBlock(); });
+    if (read != Status::kOk) return read;
   }
   const auto transforms =
       settings_.With([](const InstrumentSettings& live) { return live.channels; });
@@ -64,25 +65,6 @@ Status CK4NManager::FetchData(TraceMatrix& trace) {
   for (std::size_t c = 0; c < kTraceChannels; ++c) channels[c] = {transforms[c], tables[c]};
   return block_.Convert(kind, frequency_list_.Copy(), channels, trace) ? Status::kOk
                                                                        : Status::kVisaTimeout;
-}
-
-/// Before any sweep was programmed a fetch measures by itself.
-Status CK4NManager::ReadSingleBlock() {
-  return Guarded([this] {
-    const std::span<std::uint8_t> buffer = worker_.receive_buffer();
-    std::uint32_t length = 0;
-    char format_mark = kIntegerReadings;
-    Status result = model_->ReadDataBlock(buffer, length, format_mark);
-    // A notice instead of a block.
-    if (result != Status::kOk && Succeeded(result)) return Status::kVisaTimeout;
-    if (result == Status::kOk && !IsWholeBlock(length)) {
-      result = Status::kVisaProtocolViolation;
-    }
-    if (Record(Site::kSingleRead, result) == Status::kOk) {
-      block_.Store(buffer.first(length), format_mark, settings_);
-    }
-    return result;
-  });
 }
 
 Status CK4NManager::SetChannel(std::size_t channel, double ChannelTransform::*element, double value,

@@ -6,10 +6,9 @@
 
 #include "K4NHardWare/K4NManagerOperation.h"
 #include "K4NHardWare/RealArray.h"
+#include "K4NHardWare/Units.h"
 
 namespace {
-
-constexpr double kNanosecondsPerSecond = 1e9;
 
 // What the instrument does with a pulse train.
 constexpr std::uint32_t kTrainOff = 0;

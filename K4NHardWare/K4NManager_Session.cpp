@@ -12,7 +12,7 @@ constexpr const char* kGeneratorOption = "GENERATOR";
 constexpr const char* kReferenceDate = "28.12.2005";
 
 /// The kinds in the order in which an instrument is asked whether it is one.
-constexpr std::array kKindCandidates = {InstrumentKind::kAnalyser, InstrumentKind::kScaledReadings,
+constexpr std::array kKindCandidates = {InstrumentKind::kAnalyser, InstrumentKind::kDetectors,
                                         InstrumentKind::kGenerator};
 
 bool IsNotSupported(Status result) {
@@ -122,7 +122,7 @@ Status CK4NManager::ResetAndIdentify() {
   if (instrument_kind_ != InstrumentKind::kGenerator) {
     Discard(ProgramAveraging(settings.averaging));  // kept: a refusal is told by the trail alone
   }
-  return ProgramSweepMode(SweepMode::kContinuousWave);
+  return ProgramSweepMode(SweepMode::kContinuousWave).status;
 }
 
 void CK4NManager::LoadDefaults() {

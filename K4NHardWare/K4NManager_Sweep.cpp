@@ -64,7 +64,7 @@ Status CK4NManager::SetSweepMode(SweepMode mode) {
   return Guarded([&] { return ProgramSweepMode(mode); });
 }
 
-Status CK4NManager::ProgramSweepMode(SweepMode mode) {
+CK4NManager::Outcome CK4NManager::ProgramSweepMode(SweepMode mode) {
   block_.Discard();
   const auto exchange_mode = [this](SweepMode wanted) {
     return settings_.With(
@@ -84,8 +84,7 @@ Status CK4NManager::ProgramSweepMode(SweepMode mode) {
   sweep_armed_ = true;
 
   // Kept: the mode stands without its trigger, whose failure the trail tells.
-  Discard(ProgramSweepTrigger(GetSweepTrigger()));
-  return Status::kOk;
+  return {Status::kOk, ProgramSweepTrigger(GetSweepTrigger()).leaves_worker_paused};
 }
 
 SweepMode CK4NManager::GetSweepMode() const { return Cached(&InstrumentSettings::sweep_mode); }
@@ -125,14 +124,11 @@ Status CK4NManager::SetSweepTrigger(const SweepTriggerSettings& trigger) {
 
 /// Kept: after a source or an answer that does not exist the worker stays paused until the next
 /// operation.
-Status CK4NManager::ProgramSweepTrigger(SweepTriggerSettings trigger) {
+CK4NManager::Outcome CK4NManager::ProgramSweepTrigger(SweepTriggerSettings trigger) {
   block_.Discard();
   const bool ext_pwr_ctrl = GetExtPwrCtrl();
   const std::optional<std::uint32_t> code = TriggerCodeOf(trigger, ext_pwr_ctrl);
-  if (!code) {
-    leave_worker_paused_ = true;
-    return Status::kRefused;
-  }
+  if (!code) return {Status::kRefused, true};
   TriggerElements elements{.code = *code,
                            .edge = trigger.falling_edge,
                            .value = static_cast<std::uint8_t>(ext_pwr_ctrl ? 1 : 0),
@@ -142,10 +138,7 @@ Status CK4NManager::ProgramSweepTrigger(SweepTriggerSettings trigger) {
   if (!Succeeded(result)) return result;
 
   trigger.falling_edge = elements.edge;
-  if (!TakeTriggerCode(elements.code, trigger)) {
-    leave_worker_paused_ = true;
-    return Status::kRefused;
-  }
+  if (!TakeTriggerCode(elements.code, trigger)) return {Status::kRefused, true};
   settings_.With([&](InstrumentSettings& live) { live.sweep_trigger = trigger; });
   return result;
 }

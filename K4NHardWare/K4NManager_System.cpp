@@ -11,7 +11,7 @@ constexpr const char* kTypeFile = "\\FRAM\\TYPE.TXT";
 }  // namespace
 
 /// Kept: a number that the instrument answers itself ends in "*", one from its file does not.
-Answer<std::string> CK4NManager::GetSerialNumber() {
+StatusAnd<std::string> CK4NManager::GetSerialNumber() {
   std::string text;
   const Status result = Guarded([&] {
     Status read = model_->QuerySerialNumber(text);
@@ -26,7 +26,7 @@ Answer<std::string> CK4NManager::GetSerialNumber() {
   return {result, std::move(text)};
 }
 
-Answer<std::string> CK4NManager::GetInstrumentType() {
+StatusAnd<std::string> CK4NManager::GetInstrumentType() {
   std::string text;
   const Status result = Guarded([&] {
     const Status read = model_->ReadInstrumentFile(kTypeFile, text);
@@ -38,7 +38,8 @@ Answer<std::string> CK4NManager::GetInstrumentType() {
 
 /// What the worker knows while it measures, otherwise what the instrument answers.
 template <typename Read>
-Answer<bool> CK4NManager::ReadState(std::atomic<bool>& state, Site site, Read&& read, Told told) {
+StatusAnd<bool> CK4NManager::ReadState(std::atomic<bool>& state, Site site, Read&& read,
+                                       Told told) {
   if (!connected_) return {Status::kNoSession};
   if (worker_.IsMeasuring()) {
     return {Status::kOk, told == Told::kOnce ? state.exchange(true) : state.load()};
@@ -53,25 +54,25 @@ Answer<bool> CK4NManager::ReadState(std::atomic<bool>& state, Site site, Read&& 
   return {result, answer};
 }
 
-Answer<bool> CK4NManager::GetRfButton() {
+StatusAnd<bool> CK4NManager::GetRfButton() {
   return ReadState(worker_.state().rf_button, Site::kRfButton,
                    [this](bool& answer) { return model_->ReadRfButton(answer); });
 }
 
-Answer<bool> CK4NManager::GetPllState() {
+StatusAnd<bool> CK4NManager::GetPllState() {
   return ReadState(worker_.state().pll_locked, Site::kPllState,
                    [this](bool& answer) { return model_->ReadPllState(answer); });
 }
 
 /// Kept: a fault is told once, then the state counts as good until the next fault. The worker may
 /// note one at any moment, so that taking it is one exchange: none is lost and none told twice.
-Answer<bool> CK4NManager::GetErgState() {
+StatusAnd<bool> CK4NManager::GetErgState() {
   return ReadState(
       worker_.state().erg_good, Site::kErgState,
       [this](bool& answer) { return model_->ReadErgState(answer); }, Told::kOnce);
 }
 
-Answer<bool> CK4NManager::GetLevelState() {
+StatusAnd<bool> CK4NManager::GetLevelState() {
   return ReadState(worker_.state().level_settled, Site::kLevelState,
                    [this](bool& answer) { return model_->ReadLevelState(answer); });
 }
@@ -129,8 +130,7 @@ Status CK4NManager::SetExtPwrCtrl(bool enabled) {
       return live;
     });
     settings.sweep_trigger.source = enabled ? TriggerSource::kSoftware : TriggerSource::kImmediate;
-    const Status triggered = ProgramSweepTrigger(settings.sweep_trigger);
-    leave_worker_paused_ = false;
+    const Status triggered = ProgramSweepTrigger(settings.sweep_trigger).status;
     if (!Succeeded(triggered)) return triggered;
 
     settings.trigger_output.mode =

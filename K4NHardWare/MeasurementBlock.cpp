@@ -18,12 +18,11 @@ FrequencyPlan PlanOf(const InstrumentSettings& settings, const SweepList& list) 
 
 }  // namespace
 
-void MeasurementBlock::Store(std::span<const std::uint8_t> bytes, char format_mark,
+void MeasurementBlock::Store(std::span<const std::uint8_t> points, ReadingFormat format,
                              const Synchronized<InstrumentSettings>& settings) {
-  const std::span<const std::uint8_t> points = bytes.first(bytes.size() - 2);
   const std::lock_guard lock(mutex_);
-  bytes_.assign(points.begin(), points.end());
-  format_mark_ = format_mark;
+  points_.assign(points.begin(), points.end());
+  format_ = format;
   settings.With([this](const InstrumentSettings& live) { settings_ = live; });
   ready_ = true;
 }
@@ -38,8 +37,7 @@ bool MeasurementBlock::Convert(InstrumentKind kind, const SweepList& list,
                                TraceMatrix& trace) {
   const std::lock_guard lock(mutex_);
   if (!ready_) return false;
-  const RawBlock raw{bytes_, format_mark_, static_cast<std::uint32_t>(kind)};
-  ConvertBlock(raw, PlanOf(settings_, list), channels, trace);
+  ConvertBlock({points_, format_, kind}, PlanOf(settings_, list), channels, trace);
   ready_ = false;
   return true;
 }

@@ -16,11 +16,6 @@
 /// The longest answer that a 16-bit length can announce, rounded up.
 inline constexpr std::size_t kLongestBlock = 65536;
 
-/// Whether a block of so many bytes is whole: its points, then a status word.
-constexpr bool IsWholeBlock(std::size_t length) {
-  return length % kBytesPerPoint == sizeof(std::uint16_t);
-}
-
 /// A list of frequencies or levels; null when there is none.
 using SweepList = std::shared_ptr<const std::vector<double>>;
 
@@ -28,11 +23,11 @@ using SweepList = std::shared_ptr<const std::vector<double>>;
 /// anybody waits for the instrument. Every operation may be called from any thread.
 class MeasurementBlock {
  public:
-  MeasurementBlock() { bytes_.reserve(kLongestBlock); }
+  MeasurementBlock() { points_.reserve(kLongestBlock); }
 
-  /// Replaces the block. `bytes` is a whole block with its status word; `settings` are those in
-  /// force now: the points' frequencies are computed from them.
-  void Store(std::span<const std::uint8_t> bytes, char format_mark,
+  /// Replaces the block. `settings` are those in force now: the points' frequencies are computed
+  /// from them.
+  void Store(std::span<const std::uint8_t> points, ReadingFormat format,
              const Synchronized<InstrumentSettings>& settings);
   /// Forgets a block that nobody has fetched.
   void Discard();
@@ -44,7 +39,7 @@ class MeasurementBlock {
  private:
   std::mutex mutex_;
   bool ready_ = false;
-  char format_mark_ = 'A';
-  std::vector<std::uint8_t> bytes_;  // without the status word
-  InstrumentSettings settings_;      // as they were when the block was stored
+  ReadingFormat format_{};
+  std::vector<std::uint8_t> points_;
+  InstrumentSettings settings_;  // as they were when the block was stored
 };

@@ -3,6 +3,7 @@
 #include <array>
 #include <chrono>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "K4NHardWare/D3THardWare.h"
@@ -12,7 +13,6 @@ namespace {
 constexpr std::chrono::milliseconds kIdleWait{1000};
 constexpr std::chrono::milliseconds kStopPoll{5};
 constexpr std::uint32_t kButtonPeriod = 900;  // ms
-constexpr char kRawReadings = 'A';
 
 }  // namespace
 
@@ -71,9 +71,14 @@ bool MeasurementWorker::Measure() {
   for (;;) {
     if (stop_request_.AcquireFor(kStopPoll)) return true;
     bool stop_requested = false;
-    const Status read = Attempt([&] { return ReadBlock(stop_requested); });
+    ReceivedBlock block;
+    const Status read = Attempt([&] {
+      const StatusAnd<ReceivedBlock> answer = ReadBlock(stop_requested);
+      block = answer.value;
+      return answer.status;
+    });
     Discard(Attempt([&] {
-      FinishRead(read);
+      FinishRead(read, block);
       return Status::kOk;
     }));  // what it threw is in the trail
     const bool triggered = trigger_pending_.exchange(false);
@@ -102,45 +107,58 @@ Status MeasurementWorker::Attempt(Step&& step) noexcept {
 /// A stop is looked for before the next read, not behind it: a read may wait for a whole time-out,
 /// and a caller who came during one must not wait for a second. Its 5 ms are the pause between the
 /// reads, too.
-Status MeasurementWorker::ReadBlock(bool& stop_requested) {
-  Status status = Poll(Site::kWorkerRead);
-  while (status == Status::kVisaTimeout) {
+StatusAnd<ReceivedBlock> MeasurementWorker::ReadBlock(bool& stop_requested) {
+  StatusAnd<ReceivedBlock> answer = Poll(Site::kWorkerRead);
+  while (answer.status == Status::kVisaTimeout) {
     stop_requested = stop_request_.AcquireFor(kStopPoll);
     if (stop_requested) break;
-    status = Poll(Site::kWorkerRepeatedRead);
+    answer = Poll(Site::kWorkerRepeatedRead);
   }
-  return status;
+  return answer;
 }
 
-void MeasurementWorker::FinishRead(Status read) {
+void MeasurementWorker::FinishRead(Status read, const ReceivedBlock& block) {
   if (read == Status::kOk) {
-    KeepBlock();
+    KeepBlock(block);
   } else {
     Discard(model_->ClearAndRecover());  // if it fails, so will the next read
   }
   PollRfButton();
 }
 
-Status MeasurementWorker::Poll(Site site) {
-  length_ = 0;
-  format_mark_ = kRawReadings;
-  const Status status = model_->PollDataBlock(receive_buffer_, length_, format_mark_);
-  NoteState(status);
-  if (status != Status::kVisaTimeout && !Succeeded(status)) trail_.Append(status, site);
-  return status;
+StatusAnd<ReceivedBlock> MeasurementWorker::Poll(Site site) {
+  const StatusAnd<ReceivedBlock> answer =
+      model_->PollDataBlock(receive_buffer_, ReadingFormat::kFractional);
+  NoteState(answer.status);
+  if (answer.status != Status::kVisaTimeout && !Succeeded(answer.status)) {
+    trail_.Append(answer.status, site);
+  }
+  return answer;
 }
 
 /// Drops a block that is not whole.
-void MeasurementWorker::KeepBlock() {
+void MeasurementWorker::KeepBlock(const ReceivedBlock& received) {
   const bool wanted =
       settings_.With([](const InstrumentSettings& live) { return live.averaging_enabled; });
-  if (!wanted || !IsWholeBlock(length_)) return;
-  const std::span<const std::uint8_t> bytes(receive_buffer_.data(), length_);
-  block_.Store(bytes, format_mark_, settings_);
-  const auto word = static_cast<std::uint16_t>(bytes[length_ - 2] | (bytes[length_ - 1] << 8));
-  const Status block_status{static_cast<std::int16_t>(word)};
-  if (!Succeeded(block_status)) trail_.Append(block_status, Site::kBlockStatus);
-  NoteState(block_status);
+  const std::optional<DataBlock> block = ParseBlock(received.body);
+  if (!wanted || !block || !block->IsWhole()) return;
+  block_.Store(block->points, received.format, settings_);
+  if (!Succeeded(block->word)) trail_.Append(block->word, Site::kBlockStatus);
+  NoteState(block->word);
+}
+
+Status MeasurementWorker::ReadSingleBlock() {
+  const auto [read, received] = model_->ReadDataBlock(receive_buffer_, ReadingFormat::kInteger);
+  if (IsNotice(read)) return Status::kVisaTimeout;
+  const std::optional<DataBlock> block = ParseBlock(received.body);
+  const bool is_whole = block && block->IsWhole();
+  const Status result = read == Status::kOk && !is_whole ? Status::kVisaProtocolViolation : read;
+  if (result == Status::kOk) {
+    block_.Store(block->points, received.format, settings_);
+  } else {
+    trail_.Append(result, Site::kSingleRead);
+  }
+  return result;
 }
 
 void MeasurementWorker::NoteState(Status status) {

@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <span>
 #include <thread>
 #include <vector>
 
@@ -15,6 +14,7 @@
 #include "status/Status.h"
 
 class D3THardWare;
+struct ReceivedBlock;
 
 /// What the instrument last said of itself, kept current by the worker while it measures.
 struct InstrumentState {
@@ -59,18 +59,20 @@ class MeasurementWorker {
   [[nodiscard]] bool IsTriggerPending() const { return trigger_pending_; }
 
   [[nodiscard]] InstrumentState& state() { return state_; }
-  /// Room for the longest block; the worker's own while it is not paused.
-  [[nodiscard]] std::span<std::uint8_t> receive_buffer() { return receive_buffer_; }
+
+  /// Reads one block and waits for it, in the caller's thread, while the worker is paused. A notice
+  /// in place of a block is VI_ERROR_TMO; other failures go into the trail, too.
+  Status ReadSingleBlock();
 
  private:
   void Run();
   bool Measure();
   template <typename Step>
   Status Attempt(Step&& step) noexcept;
-  Status ReadBlock(bool& stop_requested);
-  void FinishRead(Status read);
-  Status Poll(Site site);
-  void KeepBlock();
+  StatusAnd<ReceivedBlock> ReadBlock(bool& stop_requested);
+  void FinishRead(Status read, const ReceivedBlock& block);
+  StatusAnd<ReceivedBlock> Poll(Site site);
+  void KeepBlock(const ReceivedBlock& received);
   void NoteState(Status status);
   void PollRfButton();
 
@@ -91,8 +93,6 @@ class MeasurementWorker {
   InstrumentState state_;
 
   std::vector<std::uint8_t> receive_buffer_;
-  std::uint32_t length_ = 0;  // of the block in the receive buffer, bytes
-  char format_mark_ = 'A';
   std::uint32_t button_polled_ = 0;  // tick count
 
   std::thread thread_;  // last: it uses everything above

@@ -1,6 +1,6 @@
 #include "driver/PowerStep.h"
 
-#include "driver/Units.h"
+#include "K4NHardWare/Units.h"
 
 STDMETHODIMP CZentrelK4NPowerStep::ConfigureStartStop(double start, double stop, double step_size) {
   return SessionFrame([&](CK4NManager& manager) {

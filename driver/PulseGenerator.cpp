@@ -1,9 +1,9 @@
 #include "driver/PulseGenerator.h"
 
+#include "K4NHardWare/Units.h"
 #include "driver/PulseGeneratorDouble.h"
 #include "driver/PulseGeneratorOutput.h"
 #include "driver/PulsePacketGenerator.h"
-#include "driver/Units.h"
 
 void CZentrelK4NPulseGenerator::SetOwner(const std::shared_ptr<OwnerLink>& owner) {
   Child::SetOwner(owner);

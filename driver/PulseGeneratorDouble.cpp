@@ -1,6 +1,6 @@
 #include "driver/PulseGeneratorDouble.h"
 
-#include "driver/Units.h"
+#include "K4NHardWare/Units.h"
 
 // Kept: a refused delay does not stop the switch, whose result is the member's.
 STDMETHODIMP CZentrelK4NPulseGeneratorDouble::Configure(VARIANT_BOOL enabled, double delay) {

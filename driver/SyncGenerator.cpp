@@ -1,6 +1,6 @@
 #include "driver/SyncGenerator.h"
 
-#include "driver/Units.h"
+#include "K4NHardWare/Units.h"
 
 STDMETHODIMP CZentrelK4NSyncGenerator::put_Width(double width) {
   return Replace(&SyncGeneratorSettings::width, width);

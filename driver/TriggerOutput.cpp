@@ -1,7 +1,7 @@
 #include "driver/TriggerOutput.h"
 
+#include "K4NHardWare/Units.h"
 #include "driver/EnumMap.h"
-#include "driver/Units.h"
 
 namespace {
 

@@ -258,7 +258,7 @@ class CZentrelK4N : public CallFrame,
 
   IUnknown* Self() { return static_cast<IZentrelK4N*>(this); }
   /// Writes 1 or 0; nothing when the manager has a failure to report, which is returned.
-  Status ReadStateBit(VARIANT_BOOL& value, Answer<bool> (CK4NManager::*read)());
+  Status ReadStateBit(VARIANT_BOOL& value, StatusAnd<bool> (CK4NManager::*read)());
   /// Takes the newest block into the trace; needs the acquisition's lock.
   Status UpdateAcquisition();
   void SetAcquisitionStatus(ZentrelK4NAcquisitionStatusEnum status);

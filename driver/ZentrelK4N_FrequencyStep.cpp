@@ -1,6 +1,6 @@
 // IZentrelK4NFrequencyStep. Single step and dwell are one setting for all kinds of sweep; the
 // list's members of these names are these very members.
-#include "driver/Units.h"
+#include "K4NHardWare/Units.h"
 #include "driver/ZentrelK4N.h"
 
 namespace {

@@ -18,7 +18,7 @@ constexpr EnumMap<ZentrelK4NSystemAttenEnum, AttenMode, 4> kAttenModes{{
 
 // The instrument lacks the file that the text stands in: the client gets the file-not-found code,
 // without a text.
-Status PutIdentityText(const Answer<std::string>& text, BSTR* value) {
+Status PutIdentityText(const StatusAnd<std::string>& text, BSTR* value) {
   if (text.status == Status::kInstrumentFileMissing) {
     return Status::kFileNotFound;
   }
@@ -44,8 +44,8 @@ STDMETHODIMP CZentrelK4N::get_Type(BSTR* value) {
 
 // Kept: the state bits read 1 for true, not VARIANT_TRUE. The variable of a client whose instrument
 // does not answer stays as it was.
-Status CZentrelK4N::ReadStateBit(VARIANT_BOOL& value, Answer<bool> (CK4NManager::*read)()) {
-  const Answer<bool> bit = (manager_.*read)();
+Status CZentrelK4N::ReadStateBit(VARIANT_BOOL& value, StatusAnd<bool> (CK4NManager::*read)()) {
+  const StatusAnd<bool> bit = (manager_.*read)();
   if (bit.status == Status::kOk) {
     value = BoolAsOne(bit.value);
   }

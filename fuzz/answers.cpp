@@ -70,18 +70,14 @@ constexpr void (*kOperations[])(D3THardWare& model, Values& v) = {
     },
     [](D3THardWare& m, Values&) {
       std::vector<std::uint8_t> buffer(65535);
-      std::uint32_t length = 0;
-      char format = 'A';
-      if (m.ReadDataBlock(buffer, length, format) == Status::kOk)
-        fuzz::Require(length <= buffer.size());
+      fuzz::Require(m.ReadDataBlock(buffer, ReadingFormat::kFractional).value.body.size() <=
+                    buffer.size());
     },
     [](D3THardWare& m, Values&) {
       std::array<std::uint8_t, 1202> buffer{};
-      std::uint32_t length = 0;
-      char format = '@';
       for (int poll = 0; poll < 8; ++poll) {
-        if (m.PollDataBlock(buffer, length, format) == Status::kOk)
-          fuzz::Require(length <= buffer.size());
+        fuzz::Require(m.PollDataBlock(buffer, ReadingFormat::kInteger).value.body.size() <=
+                      buffer.size());
       }
     },
     [](D3THardWare& m, Values& v) { m.TransferFrequencyTable(v); },

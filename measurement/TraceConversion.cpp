@@ -16,16 +16,13 @@ struct ReadingScale {
   double fraction = 1.0;  // a power of two: exact
 };
 
+/// The unit of the older detectors, as an exact fraction: 5e6 / 2^24.
+constexpr ReadingScale kDetectorUnit{5e6, 1.0 / 16777216.0};
+
 ReadingScale ScaleOf(const RawBlock& block) {
-  constexpr std::uint32_t kOwnUnitKind = 2;
   ReadingScale scale;
-  if (block.format_mark == 'A') {
-    scale.fraction = 1.0 / 256.0;
-  }
-  if (block.instrument_kind == kOwnUnitKind) {
-    scale.fraction /= 16777216.0;
-    scale.unit = 5e6;
-  }
+  if (block.kind == InstrumentKind::kDetectors) scale = kDetectorUnit;
+  if (block.format == ReadingFormat::kFractional) scale.fraction /= 256.0;
   return scale;
 }
 
@@ -102,7 +99,7 @@ void ConvertBlock(const RawBlock& block, const FrequencyPlan& plan,
         transformed = &calibration.transform;
         TransformFrequencies(*transformed, std::span(generator).first(count), detector);
       }
-      Levels(&block.bytes[first * kBytesPerPoint + channel * 4], scale,
+      Levels(&block.points[first * kBytesPerPoint + channel * 4], scale,
              std::span(levels).first(count));
       calibration.table->Interpolate(std::span(detector).first(count),
                                      std::span(levels).first(count), values);

@@ -7,13 +7,9 @@
 #include <memory>
 #include <span>
 
+#include "measurement/DataBlock.h"
 #include "measurement/DetectorTable.h"
 #include "measurement/TraceMatrix.h"
-
-/// Channels A, B and R.
-inline constexpr std::size_t kTraceChannels = 3;
-/// Three signed 32-bit little-endian readings a point.
-inline constexpr std::size_t kBytesPerPoint = 4 * kTraceChannels;
 
 /// The frequency that a detector sees, from the generator's: F x multiplier / divider + offset, Hz.
 struct ChannelTransform {
@@ -38,17 +34,13 @@ struct FrequencyPlan {
   std::span<const double> list{};
 };
 
-/// The data block of one sweep, as it came from the instrument.
+/// The readings of one sweep, as they came from the instrument.
 struct RawBlock {
-  /// The points, kBytesPerPoint each; the status word behind them may be included and is not looked
-  /// at.
-  std::span<const std::uint8_t> bytes;
-  /// 'A': readings carry 8 fractional bits; otherwise they are integers.
-  char format_mark = 'A';
-  /// Kind 2 counts in its own unit, 5e6 / 2^24 of the others'.
-  std::uint32_t instrument_kind = 0;
+  std::span<const std::uint8_t> points;  ///< a part of a point at the end is not looked at
+  ReadingFormat format = ReadingFormat::kFractional;
+  InstrumentKind kind = InstrumentKind::kAnalyser;  ///< the older detectors count in their own unit
 
-  [[nodiscard]] std::size_t PointCount() const { return bytes.size() / kBytesPerPoint; }
+  [[nodiscard]] std::size_t PointCount() const { return points.size() / kBytesPerPoint; }
 };
 
 /// What turns one channel's readings into values. Without a table every value is NaN.

@@ -86,7 +86,7 @@ constexpr bool IsLinkFailure(Status status) {
 
 /// A result and what came with it: of use where it succeeded.
 template <typename T>
-struct Answer {
+struct [[nodiscard]] StatusAnd {
   Status status = Status::kOk;
   T value{};
 };

@@ -128,7 +128,7 @@ void BM_ConvertBlock(benchmark::State& state) {
       ChannelCalibration{{}, table}, ChannelCalibration{{}, table}, ChannelCalibration{{}, table}};
   TraceMatrix trace;
   for ([[maybe_unused]] auto _ : state) {
-    ConvertBlock({sweep.block, 'A', 18}, sweep.plan, channels, trace);
+    ConvertBlock({sweep.block}, sweep.plan, channels, trace);
     benchmark::ClobberMemory();
   }
   CountReadings(state, points);

@@ -42,7 +42,7 @@ size_t Misannounce(Byte* answer, size_t size, size_t) {
   return Announce(answer, std::min<size_t>(length, 0xFFFF), size);
 }
 template <int code, bool has_body>
-size_t Reply(Byte* answer, size_t size, size_t) {
+size_t Answer(Byte* answer, size_t size, size_t) {
   answer[4] = static_cast<Byte>(code);
   answer[5] = static_cast<Byte>(code >> 8);
   return has_body ? size : Announce(answer, 0, kHeader);
@@ -71,10 +71,10 @@ std::vector<Fault> Faults() {
   std::vector<Fault> faults = {
       {"wrong header word", {.change = Flip<1, 1>}},
       {"answer to another parameter", {.change = Flip<kHeader, 0x40>}},
-      {"refusal", {.change = Reply<kRefusal, false>}},
-      {"refusal with a body", {.change = Reply<kRefusal, true>}},
-      {"notice", {.change = Reply<6, true>}},
-      {"unknown positive status", {.change = Reply<7, true>}},
+      {"refusal", {.change = Answer<kRefusal, false>}},
+      {"refusal with a body", {.change = Answer<kRefusal, true>}},
+      {"notice", {.change = Answer<6, true>}},
+      {"unknown positive status", {.change = Answer<7, true>}},
       {"no body", {.change = Resize<-65535>}},
       {"odd body", {.change = Resize<-1>}},
       {"short body", {.change = Resize<-4>}},
@@ -118,7 +118,7 @@ struct Operation {
 };
 
 template <typename Value>
-auto State(Answer<Value> (CK4NManager::*get)()) {
+auto State(StatusAnd<Value> (CK4NManager::*get)()) {
   return [get](CK4NManager& manager) { return (manager.*get)().status; };
 }
 

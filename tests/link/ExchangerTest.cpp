@@ -215,34 +215,44 @@ TEST_F(ExchangerTest, LostLinkOrExceptionOfTheLibraryEndsThePendingRead) {
 
 class BlockTest : public LinkTest {
  protected:
+  /// The body's length and its format mark, of an answer that brought one.
+  using Received = std::pair<std::size_t, char>;
+
+  Status Take(const StatusAnd<ReceivedBlock>& answer) {
+    received_ = {answer.value.body.size(), static_cast<char>(answer.value.format)};
+    return answer.status;
+  }
+  Status Read(ReadingFormat wanted = ReadingFormat::kFractional) {
+    return Take(model_.ReadDataBlock(buffer_, wanted));
+  }
+  Status Poll(ReadingFormat wanted = ReadingFormat::kFractional) {
+    return Take(model_.PollDataBlock(buffer_, wanted));
+  }
+
   std::array<std::uint8_t, 65536> buffer_{};
-  std::uint32_t length_ = 99;
-  char format_ = 'A';
+  Received received_;
 };
 
 TEST_F(BlockTest, FormatIsAskedForAndHandedBack) {
   visa_.CompleteData(0, '@', "01 00 00 00 02 00 00 00 03 00 00 00 | 00 00");
-  EXPECT_EQ(model_.ReadDataBlock(buffer_, length_, format_), 0);
-  EXPECT_EQ(length_, 14U);
-  EXPECT_EQ(format_, '@');
+  EXPECT_EQ(Read(), 0);
+  EXPECT_EQ(received_, Received(14, '@'));
   EXPECT_EQ(buffer_[4], 2);
-  format_ = 'x';
   visa_.CompleteData(0, 'A', "00 00");
-  EXPECT_EQ(model_.PollDataBlock(buffer_, length_, format_), 0);
-  EXPECT_EQ(format_, 'A');
+  EXPECT_EQ(Poll(ReadingFormat::kInteger), 0);
+  EXPECT_EQ(received_, Received(2, 'A'));
   EXPECT_THAT(Requests(), ElementsAre(Request(6, 0, 'A', 0, ""), Request(6, 0, '@', 0, "")));
   visa_.CompleteData(0, 'B', "00 00");
-  EXPECT_EQ(model_.ReadDataBlock(buffer_, length_, format_), kViolation);
+  EXPECT_EQ(Read(), kViolation);
   EXPECT_EQ(model_.Recover(), 0);
   EXPECT_EQ(visa_.Calls(Function::kClear).size(), 1U) << "the awaited answer may come still";
 }
 
-TEST_F(BlockTest, HeaderStatusIsReturnedBeforeAnythingIsStored) {
+TEST_F(BlockTest, StatusInTheHeaderIsNoBlock) {
   for (const std::uint16_t code : {std::uint16_t{6}, std::uint16_t{0x8007}}) {
     visa_.CompleteData(code, '@', "01 02 03 04");
-    EXPECT_EQ(model_.ReadDataBlock(buffer_, length_, format_), static_cast<std::int16_t>(code));
-    EXPECT_EQ(length_, 99U);
-    EXPECT_EQ(format_, 'A');
+    EXPECT_EQ(Read(), static_cast<std::int16_t>(code));
+    EXPECT_EQ(received_, Received(0, 0));
   }
   EXPECT_TRUE(keeper_.events.empty());
   EXPECT_EQ(Requests().size(), 2U);
@@ -250,10 +260,10 @@ TEST_F(BlockTest, HeaderStatusIsReturnedBeforeAnythingIsStored) {
 
 TEST_F(BlockTest, NegativeStatusWordRaisesOneEventAndIsReturned) {
   visa_.CompleteData(0, 'A', "01 00 00 00 02 00 00 00 03 00 00 00 | 1C 80");
-  EXPECT_EQ(model_.PollDataBlock(buffer_, length_, format_), -32740);
-  EXPECT_EQ(length_, 14U);
+  EXPECT_EQ(Poll(), -32740);
+  EXPECT_EQ(received_, Received(14, 'A'));
   visa_.CompleteData(0, 'A', "07 80");
-  EXPECT_EQ(model_.ReadDataBlock(buffer_, length_, format_), -32761);
+  EXPECT_EQ(Read(), -32761);
   ASSERT_EQ(keeper_.events.size(), 2U);
   const uIEvent::Event& event = *keeper_.events[0];
   EXPECT_EQ(event.name(), "Data processing error");
@@ -268,11 +278,11 @@ TEST_F(BlockTest, LengthsFromNothingToTheLargest) {
        {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{65535}}) {
     const std::vector<std::uint8_t> block(size, 1);
     visa_.CompleteData('A', block);
-    EXPECT_EQ(model_.ReadDataBlock(buffer_, length_, format_), 0);
-    EXPECT_EQ(length_, size);
+    EXPECT_EQ(Read(), 0);
+    EXPECT_EQ(received_, Received(size, 'A'));
     visa_.CompleteData('A', block);
-    EXPECT_EQ(model_.PollDataBlock(buffer_, length_, format_), 0);
-    EXPECT_EQ(length_, size);
+    EXPECT_EQ(Poll(), 0);
+    EXPECT_EQ(received_, Received(size, 'A'));
   }
 }
 

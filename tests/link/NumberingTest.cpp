@@ -29,7 +29,11 @@ class NumberingTest : public LinkTest, public testing::WithParamInterface<Instru
     double delay = 7;
     return model_.SetPhaseDelay(delay);
   }
-  Status Poll() { return model_.PollDataBlock(buffer_, length_, format_); }
+  Status Poll() {
+    const auto [status, block] = model_.PollDataBlock(buffer_, ReadingFormat::kFractional);
+    length_ = block.body.size();
+    return status;
+  }
   /// A sweep is read as the worker reads it, and its block is the expected one.
   void ExpectBlock(std::uint8_t content) {
     visa_.CompleteData('A', std::vector<std::uint8_t>(14, content));
@@ -39,8 +43,7 @@ class NumberingTest : public LinkTest, public testing::WithParamInterface<Instru
   }
 
   std::array<std::uint8_t, 64> buffer_{};
-  std::uint32_t length_ = 0;
-  char format_ = 'A';
+  std::size_t length_ = 0;
 };
 
 TEST_P(NumberingTest, SettingsGoOnPastTheWrap) {

@@ -133,8 +133,8 @@ class ManagerTest : public testing::Test {
   [[nodiscard]] bool WaitUntilRequested(std::string_view request, std::size_t times) const {
     return WaitUntil([&] { return Requested(request) >= times; });
   }
-  bool State(Answer<bool> (CK4NManager::*get)()) {
-    const Answer<bool> state = (manager_.*get)();
+  bool State(StatusAnd<bool> (CK4NManager::*get)()) {
+    const StatusAnd<bool> state = (manager_.*get)();
     EXPECT_EQ(state.status, 0);
     return state.value;
   }

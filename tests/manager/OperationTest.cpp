@@ -128,7 +128,7 @@ TEST_F(ManagerTest, SerialNumberIsAskedForThenReadFromItsFile) {
     visa_.ClearRecord();
     visa_.Answer(row.query, row.answer);
     if (row.file != 0) visa_.Answer(row.file);
-    const Answer<std::string> number = manager_.GetSerialNumber();
+    const StatusAnd<std::string> number = manager_.GetSerialNumber();
     EXPECT_EQ(number.status, row.result);
     EXPECT_EQ(number.value, row.text);
     EXPECT_THAT(visa_.RequestOrder(), ElementsAreArray(row.order));

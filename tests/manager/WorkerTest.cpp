@@ -145,7 +145,8 @@ INSTANTIATE_TEST_SUITE_P(Reads, ReadFailureTest, testing::ValuesIn(kReadFailureC
 TEST_F(ManagerTest, StateFollowsTheBlocks) {
   Open();
   StartMeasuring();
-  const auto shows = [this](std::uint16_t word, Answer<bool> (CK4NManager::*get)(), bool wanted) {
+  const auto shows = [this](std::uint16_t word, StatusAnd<bool> (CK4NManager::*get)(),
+                            bool wanted) {
     return WaitUntil([&, blocks = 0]() mutable {
       if (blocks++ % 8 == 0) visa_.CompleteData('A', Block(1, word));
       return State(get) == wanted;

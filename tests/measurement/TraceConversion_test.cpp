@@ -15,7 +15,8 @@
 
 namespace {
 
-constexpr std::uint32_t kAnalyser = 18;
+using enum InstrumentKind;
+using enum ReadingFormat;
 
 std::vector<std::uint8_t> Block(const std::vector<std::array<std::int32_t, 3>>& points) {
   std::vector<std::uint8_t> bytes;
@@ -54,8 +55,8 @@ std::array<ChannelCalibration, kTraceChannels> Channels(bool frequency) {
 struct LevelCase {
   const char* fault;
   std::int32_t reading;
-  char mark;
-  std::uint32_t kind;
+  ReadingFormat format;
+  InstrumentKind kind;
   double level;
 };
 
@@ -64,22 +65,24 @@ class ReadingLevel : public testing::TestWithParam<LevelCase> {};
 TEST_P(ReadingLevel, IsTheLogarithm) {
   const auto bytes = Block({{0, GetParam().reading, 0}});
   TraceMatrix trace;
-  ConvertBlock({bytes, GetParam().mark, GetParam().kind}, {.cw = 1e9}, Channels(false), trace);
+  ConvertBlock({bytes, GetParam().format, GetParam().kind}, {.cw = 1e9}, Channels(false), trace);
   ASSERT_EQ(trace.ColumnCount(), 1);
   EXPECT_NEAR(trace.Item(1, 0), GetParam().level, 1e-12);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Readings, ReadingLevel,
-    testing::Values(LevelCase{"Zero", 0, 'A', kAnalyser, -3},
-                    LevelCase{"Negative", -2147483647 - 1, 'A', kAnalyser, -3},
-                    LevelCase{"EightFractionalBits", 256, 'A', kAnalyser, 0},
-                    LevelCase{"Integer", 256, '@', kAnalyser, 2.408239965311849},
-                    LevelCase{"SmallestFraction", 1, 'A', kAnalyser, -2.408239965311849},
-                    LevelCase{"LargestReading", 2147483647, '@', kAnalyser, 9.331929865381182},
-                    LevelCase{"OwnUnit", 16777216, '@', 2, 6.698970004336019},
-                    LevelCase{"OwnUnitWithFraction", 1, 'A', 2, -2.9339898569113805},
-                    LevelCase{"OtherKindsAreNotScaled", 16777216, '@', 3, 7.224719895935548}),
+    testing::Values(LevelCase{"Zero", 0, kFractional, kAnalyser, -3},
+                    LevelCase{"Negative", -2147483647 - 1, kFractional, kAnalyser, -3},
+                    LevelCase{"EightFractionalBits", 256, kFractional, kAnalyser, 0},
+                    LevelCase{"Integer", 256, kInteger, kAnalyser, 2.408239965311849},
+                    LevelCase{"SmallestFraction", 1, kFractional, kAnalyser, -2.408239965311849},
+                    LevelCase{"LargestReading", 2147483647, kInteger, kAnalyser, 9.331929865381182},
+                    LevelCase{"OwnUnit", 16777216, kInteger, kDetectors, 6.698970004336019},
+                    LevelCase{"OwnUnitWithFraction", 1, kFractional, kDetectors,
+                              -2.9339898569113805},
+                    LevelCase{"OtherKindsAreNotScaled", 16777216, kInteger, InstrumentKind{3},
+                              7.224719895935548}),
     [](const auto& tested) { return tested.param.fault; });
 
 struct PlanCase {
@@ -96,7 +99,7 @@ TEST_P(PointFrequency, ReachesTheTable) {
   auto channels = Channels(true);
   channels[2].transform = GetParam().transform;
   TraceMatrix trace;
-  ConvertBlock({bytes, 'A', kAnalyser}, GetParam().plan, channels, trace);
+  ConvertBlock({bytes, kFractional, kAnalyser}, GetParam().plan, channels, trace);
   ASSERT_EQ(trace.ColumnCount(), 3);
   for (std::int32_t i = 0; i < 3; ++i) {
     const double expected = GetParam().mhz[static_cast<std::size_t>(i)];
@@ -129,19 +132,19 @@ TEST(TraceConversion, OverflowingFrequencyStaysInTheTable) {
   channels[0].transform.multiplier = std::numeric_limits<double>::max();
   channels[1].transform.offset = std::nan("");
   TraceMatrix trace;
-  ConvertBlock({bytes, 'A', kAnalyser}, {.cw = 1e9}, channels, trace);
+  ConvertBlock({bytes, kFractional, kAnalyser}, {.cw = 1e9}, channels, trace);
   EXPECT_EQ(trace.Item(0, 0), 1e6);
   EXPECT_TRUE(std::isnan(trace.Item(1, 0)));
   EXPECT_NEAR(trace.Item(2, 0), 1000, 1e-6);
 }
 
 /// One reading's value, straight from the formula.
-double Straight(std::int32_t reading, char mark, std::uint32_t kind, double hertz,
+double Straight(std::int32_t reading, ReadingFormat format, InstrumentKind kind, double hertz,
                 const ChannelTransform& transform, const CSimpleMatrix& matrix) {
   const double mhz = (hertz * transform.multiplier / transform.divider + transform.offset) / 1e6;
   double scaled = reading;
-  if (mark == 'A') scaled = scaled / 256;
-  if (kind == 2) scaled = scaled * 5e6 / 16777216;
+  if (format == kFractional) scaled = scaled / 256;
+  if (kind == kDetectors) scaled = scaled * 5e6 / 16777216;
   return InterpolateDetector(matrix, mhz, DetectorLevel(scaled));
 }
 
@@ -181,18 +184,18 @@ TEST(TraceConversion, EqualsTheStraightFormulaBitForBit) {
       }
     }
     const FrequencyPlan plan{Mode::kStep, 0, 1e6, pick(kSteps), {}};
-    const char mark = random() % 2 == 0 ? 'A' : '@';
-    const std::uint32_t kind = random() % 2 == 0 ? 2 : kAnalyser;
+    const ReadingFormat format = random() % 2 == 0 ? kFractional : kInteger;
+    const InstrumentKind kind = random() % 2 == 0 ? kDetectors : kAnalyser;
     const auto bytes = Block(points);
     TraceMatrix trace;
-    ConvertBlock({bytes, mark, kind}, plan, channels, trace);
+    ConvertBlock({bytes, format, kind}, plan, channels, trace);
     ASSERT_EQ(trace.ColumnCount(), static_cast<std::int32_t>(points.size()));
     for (std::size_t c = 0; c < 3; ++c) {
       for (std::size_t i = 0; i < points.size(); ++i) {
         const double value = trace.Row(static_cast<std::int32_t>(c))[i];
         const double straight = channels[c].table == nullptr
                                     ? std::nan("")
-                                    : Straight(points[i][c], mark, kind,
+                                    : Straight(points[i][c], format, kind,
                                                plan.start + plan.step * static_cast<double>(i),
                                                channels[c].transform, matrices[c]);
         ASSERT_TRUE(std::isnan(straight) ? std::isnan(value)
@@ -211,7 +214,7 @@ TEST(TraceConversion, ChannelWithoutTableGivesNan) {
   channels[1].table = nullptr;
   channels[2].table = std::make_shared<const DetectorTable>();
   TraceMatrix trace;
-  ConvertBlock({bytes, 'A', kAnalyser}, {}, channels, trace);
+  ConvertBlock({bytes, kFractional, kAnalyser}, {}, channels, trace);
   EXPECT_FALSE(std::isnan(trace.Item(0, 1)));
   EXPECT_TRUE(std::isnan(trace.Item(1, 1)));
   EXPECT_TRUE(std::isnan(trace.Item(2, 1)));
@@ -221,7 +224,7 @@ TEST(TraceConversion, StatusWordAloneEmptiesTheTrace) {
   TraceMatrix trace;
   trace.Resize(3, 4);
   const auto bytes = Block({});
-  ConvertBlock({bytes, 'A', kAnalyser}, {}, Channels(false), trace);
+  ConvertBlock({bytes, kFractional, kAnalyser}, {}, Channels(false), trace);
   EXPECT_EQ(trace.RowCount(), 0);
   EXPECT_EQ(trace.ColumnCount(), 0);
 }

@@ -137,7 +137,8 @@ TEST_F(DetectorTest, ValuesAreThoseOfTheConversionOnEverySystem) {
       block.push_back(static_cast<std::uint8_t>(static_cast<std::uint32_t>(reading) >> i % 4 * 8));
     }
     TraceMatrix trace;
-    ConvertBlock({block, '@'}, {.cw = 1.25e9}, {{{{}, table}, {{}, table}, {{}, table}}}, trace);
+    ConvertBlock({block, ReadingFormat::kInteger}, {.cw = 1.25e9},
+                 {{{{}, table}, {{}, table}, {{}, table}}}, trace);
     EXPECT_EQ(
         std::bit_cast<std::uint64_t>(trace.Item(2, 0)),
         std::bit_cast<std::uint64_t>(DetectorValue(*table, {1250.0, static_cast<double>(reading)})))

@@ -1,0 +1,32 @@
+// The dates that an instrument tells of itself.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+/// Calendar date of the identity record; all zero when unknown.
+struct IdentityDate {
+  std::uint16_t year = 0;
+  std::uint8_t month = 0;
+  std::uint8_t day = 0;
+  [[nodiscard]] bool IsKnown() const { return year != 0 || month != 0 || day != 0; }
+  /// The number by which dates compare: year x 65536 + month x 256 + day.
+  [[nodiscard]] std::uint32_t Ordinal() const {
+    return (static_cast<std::uint32_t>(year) << 16) + (static_cast<std::uint32_t>(month) << 8) +
+           day;
+  }
+};
+
+struct IdentityRecord {
+  IdentityDate manufactured;
+  IdentityDate fpga_firmware;
+  IdentityDate dsp_program;
+};
+
+/// Reads "day.month.year" or the compiler's "Mmm dd yyyy"; zero when the text is not a date. Kept:
+/// a date in December is never accepted.
+IdentityDate ParseIdentityDate(std::string_view text);
+
+/// Finds the dates in the text of the identity record, Windows-1251. A text that begins with a date
+/// is that of manufacture alone.
+IdentityRecord ParseIdentityRecord(std::string_view text);
