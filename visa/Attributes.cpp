@@ -16,9 +16,10 @@ struct Row {
   Type type;
   Access access;
   bool on_manager;
-  std::uint64_t initial;
-  std::uint64_t minimum;
-  std::uint64_t maximum;
+  std::uint64_t initial = 0;
+  // What clients may write.
+  std::uint64_t minimum = 0;
+  std::uint64_t maximum = 0;
   std::uint64_t step = 1;  // between the values
 };
 
@@ -45,32 +46,31 @@ constexpr Row kRows[] = {
      VI_PROT_4882_STRS, VI_PROT_4882_STRS - VI_PROT_NORMAL},
     {VI_ATTR_TCPIP_NODELAY, Slot::kNoDelay, Type::kWord, kW, false, 1, 0, 1},
     {VI_ATTR_TCPIP_KEEPALIVE, Slot::kKeepAlive, Type::kWord, kW, false, 0, 0, 1},
-    {VI_ATTR_TCPIP_PORT, Slot::kPort, Type::kWord, kR, false, 0, 0, 0},
-    {VI_ATTR_INTF_TYPE, Slot::kInterfaceType, Type::kWord, kR, false, VI_INTF_TCPIP, 0, 0},
-    {VI_ATTR_INTF_NUM, Slot::kInterfaceNumber, Type::kWord, kR, false, 0, 0, 0},
-    {VI_ATTR_RSRC_SPEC_VERSION, Slot::kSpecVersion, Type::kLong, kR, true, kSpecVersion, 0, 0},
-    {VI_ATTR_RSRC_IMPL_VERSION, Slot::kImplementationVersion, Type::kLong, kR, true, kOurVersion, 0,
-     0},
-    {VI_ATTR_RSRC_MANF_ID, Slot::kMakerId, Type::kWord, kR, true, kMakerId, 0, 0},
-    {VI_ATTR_RSRC_LOCK_STATE, Slot::kLockState, Type::kLong, kR, true, 0, 0, 0},
-    {VI_ATTR_RM_SESSION, Slot::kManager, Type::kLong, kR, false, 0, 0, 0},
+    {VI_ATTR_TCPIP_PORT, Slot::kPort, Type::kWord, kR, false},
+    {VI_ATTR_INTF_TYPE, Slot::kInterfaceType, Type::kWord, kR, false, VI_INTF_TCPIP},
+    {VI_ATTR_INTF_NUM, Slot::kInterfaceNumber, Type::kWord, kR, false},
+    {VI_ATTR_RSRC_SPEC_VERSION, Slot::kSpecVersion, Type::kLong, kR, true, kSpecVersion},
+    {VI_ATTR_RSRC_IMPL_VERSION, Slot::kImplementationVersion, Type::kLong, kR, true, kOurVersion},
+    {VI_ATTR_RSRC_MANF_ID, Slot::kMakerId, Type::kWord, kR, true, kMakerId},
+    {VI_ATTR_RSRC_LOCK_STATE, Slot::kLockState, Type::kLong, kR, true},
+    {VI_ATTR_RM_SESSION, Slot::kManager, Type::kLong, kR, false},
     {VI_ATTR_MAX_QUEUE_LENGTH, Slot::kQueueLength, Type::kLong, kW, true, 50, 1, kMax32},
     {VI_ATTR_USER_DATA_32, Slot::kUserData, Type::kLong, kW, true, 0, 0, kMax32},
     {VI_ATTR_USER_DATA, Slot::kUserData, Type::kQuad, kW, true, 0, 0, kMax64},
     {VI_ATTR_RD_BUF_OPER_MODE, Slot::kReadMode, Type::kWord, kW, false, 3, 1, 3, 2},
     {VI_ATTR_WR_BUF_OPER_MODE, Slot::kWriteMode, Type::kWord, kW, false, VI_FLUSH_WHEN_FULL,
      VI_FLUSH_ON_ACCESS, VI_FLUSH_WHEN_FULL},
-    {VI_ATTR_RD_BUF_SIZE, Slot::kReadBufferSize, Type::kLong, kR, false, kBufferSize, 0, 0},
-    {VI_ATTR_WR_BUF_SIZE, Slot::kWriteBufferSize, Type::kLong, kR, false, kBufferSize, 0, 0},
+    {VI_ATTR_RD_BUF_SIZE, Slot::kReadBufferSize, Type::kLong, kR, false, kBufferSize},
+    {VI_ATTR_WR_BUF_SIZE, Slot::kWriteBufferSize, Type::kLong, kR, false, kBufferSize},
     {VI_ATTR_FILE_APPEND_EN, Slot::kFileAppend, Type::kWord, kW, false, 0, 0, 1},
     {VI_ATTR_DMA_ALLOW_EN, Slot::kDma, Type::kWord, kW, false, 0, 0, 1},
-    {VI_ATTR_TCPIP_ADDR, Slot::kAddress, Type::kText, kR, false, 0, 0, 0},
-    {VI_ATTR_TCPIP_HOSTNAME, Slot::kHostName, Type::kText, kR, false, 0, 0, 0},
-    {VI_ATTR_RSRC_NAME, Slot::kName, Type::kText, kR, true, 0, 0, 0},
-    {VI_ATTR_RSRC_CLASS, Slot::kClass, Type::kText, kR, true, 0, 0, 0},
-    {VI_ATTR_INTF_INST_NAME, Slot::kInterfaceName, Type::kText, kR, false, 0, 0, 0},
-    {VI_ATTR_RSRC_MANF_NAME, Slot::kMakerName, Type::kText, kR, true, 0, 0, 0},
-    {VI_ATTR_ZENTREL_LOCK_OWNER, Slot::kLockOwner, Type::kText, kR, false, 0, 0, 0},
+    {VI_ATTR_TCPIP_ADDR, Slot::kAddress, Type::kText, kR, false},
+    {VI_ATTR_TCPIP_HOSTNAME, Slot::kHostName, Type::kText, kR, false},
+    {VI_ATTR_RSRC_NAME, Slot::kName, Type::kText, kR, true},
+    {VI_ATTR_RSRC_CLASS, Slot::kClass, Type::kText, kR, true},
+    {VI_ATTR_INTF_INST_NAME, Slot::kInterfaceName, Type::kText, kR, false},
+    {VI_ATTR_RSRC_MANF_NAME, Slot::kMakerName, Type::kText, kR, true},
+    {VI_ATTR_ZENTREL_LOCK_OWNER, Slot::kLockOwner, Type::kText, kR, false},
 };
 
 const Row* FindRow(ViAttr attribute, Owner owner) {

@@ -30,13 +30,17 @@ TEST_F(VisaTest, AttributesHaveTheirSizesAndDefaults) {
       {VI_ATTR_INTF_TYPE, 2, 6},
       {VI_ATTR_INTF_NUM, 2, 0},
       {VI_ATTR_RSRC_SPEC_VERSION, 4, 0x00500800},
+      {VI_ATTR_RSRC_IMPL_VERSION, 4, 0x00100200},
+      {VI_ATTR_RSRC_MANF_ID, 2, 0x0FFE},
       {VI_ATTR_RSRC_LOCK_STATE, 4, 0},
       {VI_ATTR_RM_SESSION, 4, manager},
-      {VI_ATTR_MAX_QUEUE_LENGTH, 4, 50, 7},
+      {VI_ATTR_MAX_QUEUE_LENGTH, 4, 50, 1, 1ULL << 32},  // that is 0 to clients of 32 bits
       {VI_ATTR_USER_DATA_32, 4, 0, 0x12345678},
       {VI_ATTR_USER_DATA, 8, 0x12345678, 0x123456789ABCDEF0},
       {VI_ATTR_RD_BUF_OPER_MODE, 2, 3, 1, 9},
       {VI_ATTR_WR_BUF_OPER_MODE, 2, 2, 1, 9},
+      {VI_ATTR_RD_BUF_SIZE, 4, 4096},
+      {VI_ATTR_WR_BUF_SIZE, 4, 4096},
       {VI_ATTR_FILE_APPEND_EN, 2, 0, 1, 2},
       {VI_ATTR_DMA_ALLOW_EN, 2, 0, 1, 2},
   };
@@ -85,6 +89,11 @@ TEST_F(VisaTest, TextAttributesNameTheInstrument) {
 TEST_F(VisaTest, ManagersAndUnknownAttributesAnswerToo) {
   std::uint64_t value = 0;
   EXPECT_STATUS(visa.viGetAttribute(manager, VI_ATTR_RSRC_SPEC_VERSION, &value), VI_SUCCESS);
+  std::array<char, 256> text{};
+  EXPECT_STATUS(visa.viGetAttribute(manager, VI_ATTR_RSRC_CLASS, text.data()), VI_SUCCESS);
+  EXPECT_STREQ(text.data(), "RM");
+  EXPECT_STATUS(visa.viGetAttribute(manager, VI_ATTR_RSRC_LOCK_STATE, &value), VI_SUCCESS);
+  EXPECT_EQ(value, 0U) << "nobody locks a manager";
   EXPECT_STATUS(visa.viGetAttribute(manager, VI_ATTR_TMO_VALUE, &value), VI_ERROR_NSUP_ATTR);
   EXPECT_STATUS(visa.viSetAttribute(manager, 0x3FFF0FFF, 1), VI_ERROR_NSUP_ATTR);
   EXPECT_STATUS(visa.viGetAttribute(manager, VI_ATTR_USER_DATA, nullptr), VI_ERROR_USER_BUF);

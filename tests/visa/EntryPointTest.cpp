@@ -37,26 +37,23 @@ TEST_F(VisaTest, EveryNameIsThereAndWhatIsNotSupportedSaysSo) {
   }
 }
 
-TEST_F(VisaTest, EveryStatusHasATextOfItsOwn) {
-  std::set<std::string> texts;
-  int unknown = 0;
-  for (const std::uint32_t base : {0x3FFF0000U, 0xBFFF0000U}) {
+TEST_F(VisaTest, EveryStatusHasItsTextAndNoOtherNumberHasOne) {
+  std::string told;
+  for (const std::uint32_t base : {0x00000000U, 0x3FFF0000U, 0xBFFF0000U}) {
     for (std::uint32_t code = 0; code < 0x100; ++code) {
+      const auto status = static_cast<ViStatus>(base + code);
       std::array<char, 257> text{};
-      const auto answer = visa.viStatusDesc(0, static_cast<ViStatus>(base + code), text.data());
-      if (answer == VI_WARN_UNKNOWN_STATUS) ++unknown;
-      EXPECT_TRUE(answer == VI_SUCCESS || answer == VI_WARN_UNKNOWN_STATUS);
-      EXPECT_GT(std::string(text.data()).size(), 8U);
-      EXPECT_LT(std::string(text.data()).size(), 256U);
-      EXPECT_TRUE(texts.insert(text.data()).second) << text.data();
+      const ViStatus answer = visa.viStatusDesc(code % 2 == 0 ? 0 : manager, status, text.data());
+      if (answer == VI_SUCCESS) {
+        told += Hex(status) + " " + text.data() + "\n";
+      } else {
+        EXPECT_STATUS(answer, VI_WARN_UNKNOWN_STATUS);
+        EXPECT_EQ(text.data(), "Unknown status " + Hex(status));
+      }
     }
   }
-  EXPECT_EQ(512 - unknown, 100) << "every code of the standard but the plain success, and no other";
-  std::array<char, 256> text{};
-  EXPECT_STATUS(visa.viStatusDesc(manager, VI_ERROR_TMO, text.data()), VI_SUCCESS);
-  EXPECT_STREQ(text.data(), "VI_ERROR_TMO: time-out before the operation completed");
-  EXPECT_STATUS(visa.viStatusDesc(manager, 12345, text.data()), VI_WARN_UNKNOWN_STATUS);
-  EXPECT_STREQ(text.data(), "Unknown status 0x00003039");
+  std::ifstream expected(ZK_STATUS_TEXTS);
+  EXPECT_EQ(told, std::string(std::istreambuf_iterator<char>(expected), {}));
 }
 
 TEST_F(VisaTest, ClosingClientsGetTheAnswersTheyNeed) {

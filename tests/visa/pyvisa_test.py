@@ -1,5 +1,7 @@
 """The VISA library as PyVISA drives it, against a scripted instrument and the simulator."""
 import math
+import pathlib
+import re
 import socketserver
 import struct
 import subprocess
@@ -8,6 +10,7 @@ import threading
 import unittest
 
 import pyvisa
+from pyvisa import constants
 from pyvisa.constants import BufferOperation, EventMechanism, EventType, InterfaceType, StatusCode
 from pyvisa.errors import InvalidSession, VisaIOError
 
@@ -93,6 +96,13 @@ class PyVisaTest(unittest.TestCase):
         self.assertEqual(self.session.resource_manufacturer_name, "Zentrel")
         self.fails(StatusCode.error_invalid_resource_name, self.manager.open_resource, "COM1")
         self.fails(StatusCode.error_resource_not_found, self.manager.open_resource, "TCPIP::127.0.0.1::1::SOCKET")
+
+    def test_numbers_of_the_header(self):
+        header = pathlib.Path(__file__).parents[2] / "visa/Visa.h"
+        found = re.findall(r"constexpr \w+ (VI_\w+) =\D*(0x\w+|\d+)", header.read_text())
+        ours = {name: int(number, 0) for name, number in found if "ZENTREL" not in name}
+        self.assertEqual(len(ours), 88)
+        self.assertEqual(ours, {name: getattr(constants, name) & 0xFFFFFFFF for name in ours})
 
     def test_events_status_byte_and_closing(self):
         self.fails(
