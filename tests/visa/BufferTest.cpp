@@ -27,7 +27,7 @@ TEST_F(VisaBuffer, HoldsWritesBackUntilFlushedOrFull) {
   EXPECT_STATUS(Buffer("abc"), VI_SUCCESS);
   EXPECT_EQ(count, 3U);
   EXPECT_EQ(Arrived(), "") << "sent before the flush";
-  EXPECT_STATUS(visa.viFlush(session, VI_WRITE_BUF), VI_SUCCESS);
+  EXPECT_STATUS(visa.viFlush(session, VI_WRITE_BUF | VI_IO_IN_BUF), VI_SUCCESS);
   EXPECT_EQ(Arrived(), "abc");
   EXPECT_STATUS(Buffer("lost"), VI_SUCCESS);
   EXPECT_STATUS(visa.viFlush(session, VI_WRITE_BUF_DISCARD), VI_SUCCESS);
@@ -56,6 +56,12 @@ TEST_F(VisaBuffer, FlushDropsInputAndRefusesBadMasks) {
   }
   EXPECT_STATUS(visa.viSetBuf(session, VI_WRITE_BUF_DISCARD, 9), VI_ERROR_INV_MASK);
   EXPECT_STATUS(visa.viSetBuf(session, VI_IO_OUT_BUF, 9), VI_WARN_NSUP_BUF);
+  EXPECT_STATUS(visa.viSetBuf(session, VI_READ_BUF, 5), VI_SUCCESS);
+  for (const auto& [id, size] :
+       {std::pair(VI_ATTR_RD_BUF_SIZE, 5U), {VI_ATTR_WR_BUF_SIZE, 4096U}}) {
+    EXPECT_STATUS(visa.viGetAttribute(session, id, &count), VI_SUCCESS);
+    EXPECT_EQ(count, size);
+  }
 }
 
 TEST_F(VisaBuffer, CommonCommandsAreTextOfTheirProtocolOnly) {
@@ -70,6 +76,8 @@ TEST_F(VisaBuffer, CommonCommandsAreTextOfTheirProtocolOnly) {
     ViStatus status;
     ViUInt16 value;
   } rows[] = {{"255\r\n", VI_SUCCESS, 255},
+              {"7\n", VI_SUCCESS, 7},
+              {"7;\n", VI_ERROR_INP_PROT_VIOL, 0},
               {"256\n", VI_ERROR_INP_PROT_VIOL, 0},
               {"1234567890123456", VI_ERROR_INP_PROT_VIOL, 0},
               {"\n", VI_ERROR_INP_PROT_VIOL, 0}};
@@ -78,7 +86,11 @@ TEST_F(VisaBuffer, CommonCommandsAreTextOfTheirProtocolOnly) {
     EXPECT_STATUS(visa.viReadSTB(session, &status), row.status) << row.answer;
     EXPECT_EQ(status, row.value);
   }
-  EXPECT_EQ(Arrived(), "*CLS\n*TRG\n*STB?\n*STB?\n*STB?\n*STB?\n");
+  visa.viSetAttribute(session, VI_ATTR_TMO_VALUE, 30);
+  EXPECT_STATUS(visa.viReadSTB(session, &status), VI_ERROR_TMO);
+  std::string arrived = "*CLS\n*TRG\n*STB?\n";
+  for (std::size_t i = 0; i < std::size(rows); ++i) arrived += "*STB?\n";
+  EXPECT_EQ(Arrived(), arrived);
 }
 
 TEST_F(VisaBuffer, FilesOfAnyLengthGoBothWays) {

@@ -87,6 +87,9 @@ TEST_F(VisaLock, IsSharedWithTheKey) {
   EXPECT_STATUS(Write(second, "x"), VI_ERROR_RSRC_LOCKED);
   EXPECT_STATUS(visa.viUnlock(first), VI_SUCCESS_NESTED_SHARED);
   EXPECT_STATUS(Write(second, "x"), VI_SUCCESS);
+  EXPECT_STATUS(visa.viUnlock(first), VI_SUCCESS_NESTED_SHARED);
+  EXPECT_STATUS(visa.viUnlock(first), VI_SUCCESS);
+  EXPECT_STATUS(visa.viUnlock(first), VI_ERROR_SESN_NLOCKED);
   EXPECT_STATUS(visa.viLock(third, 3, 0, nullptr, nullptr), VI_ERROR_INV_LOCK_TYPE);
   EXPECT_STATUS(Shared(third, std::string(256, 'k').c_str()), VI_ERROR_INV_ACCESS_KEY);
 }
