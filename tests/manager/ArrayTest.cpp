@@ -131,6 +131,8 @@ struct PacketCase : Row {
   Values delays_back;
   std::vector<unsigned> sent;  // nanoseconds; kDouble: the train before
   LONG lower = 0;
+  std::string answer = {};  // to the train; empty: as sent
+  Values widths_back = {};  // empty: as given
 };
 
 class PulseTest : public ManagerTest {
@@ -161,8 +163,11 @@ TEST_P(PacketTest, FillsOnePeriod) {
   const PacketCase& row = GetParam();
   const auto widths = Doubles(row.widths, row.lower);
   const auto delays = Doubles(row.delays, row.lower);
+  if (!row.answer.empty()) visa_.RuleBody(kWrite, kPulseId, 0, row.answer, 0, 1);
   EXPECT_EQ(manager_.ConfigurePacket(true, widths.Get(), delays.Get()), row.result);
-  EXPECT_EQ(ValuesOf(widths.Get()), row.widths);
+  EXPECT_THAT(ValuesOf(widths.Get()),
+              testing::Pointwise(testing::DoubleEq(),
+                                 row.widths_back.empty() ? row.widths : row.widths_back));
   EXPECT_THAT(ValuesOf(delays.Get()), testing::Pointwise(testing::DoubleEq(), row.delays_back));
   EXPECT_EQ(SentTrain(), row.sent);
   EXPECT_EQ(manager_.GetPulseSettings().packet_enabled, Status::kOk == row.result);
@@ -176,6 +181,9 @@ const std::vector<PacketCase> kPacketCases = {
     {"LastDelayIsReplaced", {1e-6, 2e-6}, {1e-6, 9e-6}, 0, {1e-6, 6e-6}, {1'000, 1'000, 2'000, 6'000}},
     {"LongerThanThePeriod", {6e-6, 6e-6}, {1e-6, 1e-6}, 0, {1e-6, 0}, {6'000, 1'000, 6'000, 0}},
     {"OneBasedSendsOneMore", {1e-6, 2e-6}, {1e-6, 1e-6}, 0, {1e-6, 1e-6}, {1'000, 1'000, 2'000, 1'000, 2'000, 3'000}, 1},
+    {"Corrected", {1e-6, 2e-6}, {1e-6, 6e-6}, 0, {3e-6, 4e-6}, {1'000, 1'000, 2'000, 6'000}, 0,
+     "1F 00 | 02 00 00 00 | 03 00 00 00 | 00 00 00 00 | 00 00 00 00 | 02 00 00 00 |"
+     "DC 05 00 00 | B8 0B 00 00 | C4 09 00 00 | A0 0F 00 00", {1.5e-6, 2.5e-6}},
     {"CountsDiffer", {1e-6, 1e-6}, {1e-6}, Status::kInvalidValue, {1e-6}, kDouble},
     {"NegativeWidth", {1e-6, -1e-6}, {0, 0}, Status::kInvalidValue, {0, 0}, kDouble},
     {"NegativeDelay", {1e-6}, {-1e-6}, Status::kInvalidValue, {-1e-6}, kDouble},
