@@ -1,7 +1,7 @@
 // Error information objects, and the one that each thread holds.
 #include <atomic>
-#include <new>
 
+#include "platform/com/ClassKeys.h"
 #include "platform/com/Com.h"
 #include "platform/com/Raii.h"
 #include "platform/com/ThreadErrorInfo.h"
@@ -88,8 +88,11 @@ void DropThreadErrorInfo() { thread_error_info.Reset(); }
 
 HRESULT CreateErrorInfo(ICreateErrorInfo** info) {
   if (info == nullptr) return E_INVALIDARG;
-  *info = new (std::nothrow) ErrorInfo;
-  return *info == nullptr ? E_OUTOFMEMORY : S_OK;
+  *info = nullptr;
+  return ComBoundary([&] {
+    *info = new ErrorInfo;
+    return S_OK;
+  });
 }
 
 HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info) {

@@ -102,7 +102,12 @@ TEST(ComMembership, IsCountedAndKeepsItsMode) {
   EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_FALSE);
   EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), RPC_E_CHANGED_MODE);
   CoUninitialize();
+  ComPtr<ICreateErrorInfo> creator;
+  ASSERT_EQ(CreateErrorInfo(creator.Put()), S_OK);
+  SetErrorInfo(0, creator.As<IErrorInfo>().Get());
   CoUninitialize();
+  ComPtr<IErrorInfo> info;
+  EXPECT_EQ(GetErrorInfo(0, info.Put()), S_FALSE) << "goes with the membership";
   EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
   CoUninitialize();
 }

@@ -68,7 +68,8 @@ TEST(ErrorInfo, KeepsWhatWasSet) {
   ASSERT_EQ(CreateErrorInfo(creator.Put()), S_OK);
   OLECHAR source[] = OLESTR("Library.Class.1");
   creator->SetGUID(kGuid);
-  creator->SetSource(source);
+  EXPECT_EQ(creator->SetDescription(nullptr), S_OK);
+  EXPECT_EQ(creator->SetSource(source), S_OK);
   creator->SetHelpContext(7);
   const auto info = creator.As<IErrorInfo>();
   ASSERT_TRUE(info);

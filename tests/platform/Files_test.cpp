@@ -91,7 +91,7 @@ const NameCase kNameCases[] = {
     {OLESTR("\u0434\u0435\u0442.det"), os::kWesternCodePage, false},
     {OLESTR("\u0434\u0435\u0442.det"), os::kCyrillicCodePage, true},
     {OLESTR("\u6E2C\u5B9A.det"), os::kCyrillicCodePage, false},
-    {OLESTR("\u6E2C\u5B9A.det"), os::kUtf8CodePage, true},
+    {OLESTR("\u6E2C\u5B9A.det"), 65001, true},
     {OLESTR("\uFF21.det"), os::kWesternCodePage, false},  // not "A.det"
     {OLESTR("\u0101.det"), 1250, false},                  // not "a.det"
     {OLESTR("what?.det"), os::kWesternCodePage, true},

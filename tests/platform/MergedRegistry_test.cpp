@@ -101,6 +101,8 @@ TEST_F(TwoFiles, EachHoldsItsRoot) {
   const Key user(HKEY_CURRENT_USER, kUser + u"Lib.Class");
   SetText(user.Get(), nullptr, u"user");
   EXPECT_FALSE(MayAllRead(user_));
+  EXPECT_EQ(std::filesystem::status(user_.string() + ".lock").permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
   EXPECT_EQ(TextOf(Key(HKEY_CLASSES_ROOT, u"Lib.Class").Get(), nullptr), u"user");
   remove(user_);
   EXPECT_EQ(TextOf(Key(HKEY_CLASSES_ROOT, u"Lib.Class").Get(), nullptr), u"machine");

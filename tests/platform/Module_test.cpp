@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "platform/os/Files.h"
 #include "tests/platform/Probe.h"
 #include "tests/platform/TemporaryFolder.h"
 
@@ -65,6 +66,19 @@ TEST_F(Module, MayLieInAFolderOfAnyName) {
   EXPECT_EQ(FolderOf(module_), folder);
   EXPECT_EQ(fs::path(module_.File()).parent_path() / "", folder);
   module_.Unload();
+#ifndef _WIN32
+  for (const std::size_t length : {260, 261}) {
+    const std::size_t rest = os::WideOf(folder).size() + os::WideOf(file.filename()).size() + 1;
+    const fs::path deep = folder / std::string(length - rest, 'x') / "";
+    fs::create_directory(deep);
+    fs::copy_file(file, deep / "libaz.so");
+    fs::copy_file(file, deep / file.filename());
+    ASSERT_TRUE(module_.Load(deep / "AZ.dll"));
+    ASSERT_TRUE(module_.Load(deep / "PlatformProbe.DLL"));
+    EXPECT_EQ(FolderOf(module_), length == 260 ? deep : fs::path());
+    module_.Unload();
+  }
+#endif
 }
 
 TEST_F(Module, MissingModuleGivesNothing) {

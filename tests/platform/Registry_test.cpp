@@ -84,4 +84,9 @@ TEST_F(Registry, OpenKeyNoticesThatItWasDeleted) {
   EXPECT_EQ(TextOf(key.Get(), nullptr), OLESTR("error 1018"));
 }
 
+TEST_F(Registry, RootsStayOpen) {
+  EXPECT_EQ(RegCloseKey(HKEY_CURRENT_USER), ERROR_SUCCESS);
+  EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, kTestKey));
+}
+
 }  // namespace

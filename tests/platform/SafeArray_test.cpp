@@ -3,6 +3,7 @@
 
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "platform/com/Com.h"
 #include "platform/com/Raii.h"
@@ -41,6 +42,13 @@ TEST(SafeArray, ElementsAreZeroAndKnowTheirType) {
     ASSERT_EQ(SafeArrayAccessData(array.Get(), &data), S_OK);
     for (ULONG i = 0; i < size; ++i) EXPECT_EQ(static_cast<double*>(data)[i], 0.0);
     EXPECT_EQ(SafeArrayUnaccessData(array.Get()), S_OK);
+  }
+}
+
+TEST(SafeArray, ElementsHaveTheSizeOfTheirType) {
+  for (const auto& [type, size] : std::initializer_list<std::pair<VARTYPE, ULONG>>{
+           {VT_I2, 2}, {VT_I4, 4}, {VT_R4, 4}, {VT_R8, 8}, {VT_BOOL, 2}, {VT_UI1, 1}}) {
+    EXPECT_EQ(SafeArrayOwner(SafeArrayCreateVector(type, 0, 1)).Get()->cbElements, size) << type;
   }
 }
 
@@ -92,6 +100,12 @@ TEST(SafeArray, SizeThatDoesNotFitGivesNull) {
   // one.
   EXPECT_EQ(SafeArrayCreateVector(VT_R8, 0, std::numeric_limits<ULONG>::max()), nullptr);
   EXPECT_EQ(SafeArrayCreate(VT_UI1, 5, bounds), nullptr);
+  EXPECT_EQ(SafeArrayCreateVector(VT_EMPTY, 0, 1), nullptr);
+  std::vector<SAFEARRAYBOUND> many(0x10000, {1, 7});
+  EXPECT_EQ(SafeArrayCreate(VT_R8, 0x10000, many.data()), nullptr);
+  const SafeArrayOwner array(SafeArrayCreate(VT_R8, 0xFFFF, many.data()));
+  ASSERT_NE(array.Get(), nullptr);
+  EXPECT_EQ(BoundsOf(array, 0xFFFF), "7 to 7");
 #endif
 }
 

@@ -1,6 +1,7 @@
 // Automation texts: the same on every system.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
 #include <string_view>
 
@@ -22,6 +23,7 @@ TEST(Bstr, CarriesItsByteLengthAndAClosingZero) {
   for (const auto& [text, memory] : cases) {
     ASSERT_NE(text, nullptr);
     EXPECT_EQ(std::string_view(reinterpret_cast<const char*>(text) - 4, memory.size()), memory);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(text) % 4, 0U);
     EXPECT_EQ(SysStringByteLen(text), static_cast<UINT>(memory[0]));
     EXPECT_EQ(SysStringLen(text), static_cast<UINT>(memory[0]) / 2);
     SysFreeString(text);
@@ -38,6 +40,7 @@ TEST(Bstr, NullIsEmptyText) {
 TEST(Bstr, LengthThatDoesNotFitGivesNull) {
   EXPECT_EQ(SysAllocStringLen(nullptr, std::numeric_limits<UINT>::max()), nullptr);
   EXPECT_EQ(SysAllocStringLen(nullptr, 0x80000001U), nullptr);
+  EXPECT_EQ(SysAllocStringByteLen(nullptr, 0x7FFFFFFF), nullptr);
 }
 
 }  // namespace

@@ -39,6 +39,8 @@ const Case kBothWays[] = {
      "\xC4\xE0\xED\xED\xFB\xE5"},
     {"CyrillicYo", kCyrillicCodePage, OLESTR("\u0401\u0451"), "\xA8\xB8"},
     {"CyrillicUndefinedByte", kCyrillicCodePage, Units({0x98}), "\x98"},
+    {"Utf8Limits", kUtf8CodePage, Units({0x7F, 0x80, 0x7FF, 0x800, 0xFFFF, 0xD800, 0xDC00}),
+     "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80"},
     {"Utf8TwoBytes", kUtf8CodePage, OLESTR("\u0414"), "\xD0\x94"},
     {"Utf8ThreeBytes", kUtf8CodePage, OLESTR("\u20AC"), "\xE2\x82\xAC"},
     {"Utf8SurrogatePair", kUtf8CodePage, Units({0xD83D, 0xDE00}), "\xF0\x9F\x98\x80"},
@@ -66,6 +68,9 @@ const Case kToWideOnly[] = {
      "\xE2\x82"
      "A"},
     {"OverlongSlash", kUtf8CodePage, Units({0xFFFD, 0xFFFD}), "\xC0\xAF"},
+    {"OverlongThreeBytes", kUtf8CodePage, Units({0xFFFD, 0xFFFD, 0xFFFD}), "\xE0\x9F\xBF"},
+    {"OverlongFourBytes", kUtf8CodePage, Units({0xFFFD, 0xFFFD, 0xFFFD, 0xFFFD}),
+     "\xF0\x8F\xBF\xBF"},
     {"EncodedSurrogate", kUtf8CodePage, Units({0xFFFD, 0xFFFD, 0xFFFD}), "\xED\xA0\x80"},
     {"AboveLastCharacter", kUtf8CodePage, Units({0xFFFD, 0xFFFD, 0xFFFD, 0xFFFD}),
      "\xF4\x90\x80\x80"},
@@ -85,11 +90,22 @@ TEST(Text, IsConverted) {
   }
 }
 
-TEST(Text, NoByteOfASingleByteCodePageIsLost) {
-  std::string all;
-  for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
-  for (const os::CodePage code_page : {kWesternCodePage, kCyrillicCodePage}) {
-    EXPECT_EQ(os::ToNarrow(os::ToWide(all, code_page), code_page), all) << code_page;
+/// The upper halves; 0410 and the letters after it, 00A0 and all after it, stand in their order.
+TEST(Text, EveryByteOfASingleByteCodePageHasItsCharacter) {
+  const os::WideString upper_halves[] = {
+      OLESTR("ЂЃ‚ѓ„…†‡€‰Љ‹ЊЌЋЏђ‘’“”•–—\u0098™љ›њќћџ"
+             "\u00A0ЎўЈ¤Ґ¦§Ё©Є«¬\u00AD®Ї°±Ііґµ¶·ё№є»јЅѕї"),
+      OLESTR("€\u0081‚ƒ„…†‡ˆ‰Š‹Œ\u008DŽ\u008F\u0090‘’“”•–—˜™š›œ\u009DžŸ")};
+  for (const bool is_western : {false, true}) {
+    os::WideString wide;
+    for (os::WideChar c = 0; c < 0x80; ++c) wide += c;
+    wide += upper_halves[is_western ? 1 : 0];
+    for (os::WideChar c = is_western ? 0xA0 : 0x410; wide.size() < 256; ++c) wide += c;
+    std::string all;
+    for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
+    const os::CodePage code_page = is_western ? kWesternCodePage : kCyrillicCodePage;
+    EXPECT_EQ(os::ToWide(all, code_page), wide);
+    EXPECT_EQ(os::ToNarrow(wide, code_page), all);
   }
 }
 
