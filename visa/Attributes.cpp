@@ -71,6 +71,8 @@ constexpr Row kRows[] = {
     {VI_ATTR_INTF_INST_NAME, Slot::kInterfaceName, Type::kText, kR, false},
     {VI_ATTR_RSRC_MANF_NAME, Slot::kMakerName, Type::kText, kR, true},
     {VI_ATTR_ZENTREL_LOCK_OWNER, Slot::kLockOwner, Type::kText, kR, false},
+    {VI_ATTR_ZENTREL_SETTINGS_FILE, Slot::kSettingsFile, Type::kText, kR, true},
+    {VI_ATTR_ZENTREL_SETTINGS_SECTION, Slot::kSettingsSection, Type::kText, kR, false},
 };
 
 const Row* FindRow(ViAttr attribute, Owner owner) {

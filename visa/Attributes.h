@@ -44,6 +44,8 @@ enum class Slot : std::uint8_t {
   kInterfaceName,
   kMakerName,
   kLockOwner,
+  kSettingsFile,
+  kSettingsSection,
   kSlots
 };
 

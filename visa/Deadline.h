@@ -40,6 +40,13 @@ class Deadline {
                : Deadline(static_cast<std::uint32_t>(left) / static_cast<std::uint32_t>(attempts));
   }
 
+  /// The same end, but no later than in so many milliseconds.
+  Deadline Capped(std::uint32_t milliseconds) {
+    const int left = Remaining();
+    return Deadline(left == kForever ? milliseconds
+                                     : std::min(static_cast<std::uint32_t>(left), milliseconds));
+  }
+
  private:
   std::uint32_t milliseconds_;
   bool started_ = false;

@@ -10,12 +10,6 @@ namespace {
 
 constexpr std::string_view kSeparator = "::";
 
-char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  return std::ranges::equal(a, b, {}, Upper, Upper);
-}
-
 bool IsHostCharacter(char c) {
   return static_cast<unsigned char>(c) > ' ' && c != '[' && c != ']' && c != '/' && c != '\x7f';
 }
@@ -30,6 +24,10 @@ std::optional<std::uint16_t> ParseNumber(std::string_view text) {
 }
 
 }  // namespace
+
+bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
+  return std::ranges::equal(a, b, {}, Upper, Upper);
+}
 
 std::string ResourceName::Canonical() const {
   return "TCPIP" + std::to_string(board) + "::" + host + "::" + std::to_string(port) + "::SOCKET";

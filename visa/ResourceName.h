@@ -8,6 +8,10 @@
 
 namespace zevisa {
 
+/// The capital of an ASCII letter; anything else as it is.
+constexpr char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+bool EqualsIgnoringCase(std::string_view a, std::string_view b);
+
 struct ResourceName {
   std::uint16_t board = 0;
   std::string host;  // a name, or a numeric address without brackets

@@ -13,7 +13,9 @@ constexpr std::chrono::milliseconds kLockPause{2};
 
 Session::Session(ViSession id, ViSession manager) : id_(id), manager_(manager) {}
 
-ViStatus Session::Open(const ResourceName& name, ViAccessMode lock, std::uint32_t timeout) {
+ViStatus Session::Open(const ResourceName& name, ViAccessMode lock, std::uint32_t timeout,
+                       const FoundSettings& settings) {
+  settings_ = settings.values;
   Deadline deadline(timeout);
   deadline.Remaining();  // the clock starts before the look-up
   const std::vector<Address> addresses = Resolve(name.host, name.port);
@@ -27,9 +29,10 @@ ViStatus Session::Open(const ResourceName& name, ViAccessMode lock, std::uint32_
       const ViStatus locked = WaitForLock(lock, deadline, no_key);
       if (locked < 0) return locked;
     }
-    status = socket_.Connect(address, deadline.Share(attempts--));
+    status = socket_.Connect(address, deadline.Share(attempts--).Capped(settings_.connect_ceiling));
     if (status == VI_SUCCESS) {
       Describe(name, address);
+      Configure(settings);
       return VI_SUCCESS;
     }
     lock_->ReleaseAll(id_);
@@ -46,6 +49,17 @@ void Session::Describe(const ResourceName& name, const Address& address) {
   attributes_.SetText(Slot::kName, name.Canonical());
   attributes_.SetText(Slot::kClass, "SOCKET");
   attributes_.SetText(Slot::kInterfaceName, "TCPIP" + std::to_string(name.board));
+}
+
+// What the system refuses stays as it is: a session that works comes first.
+void Session::Configure(const FoundSettings& settings) {
+  attributes_.SetText(Slot::kSettingsFile, settings.file);
+  attributes_.SetText(Slot::kSettingsSection, settings.section);
+  const bool keeps_alive = settings_.keep_alive && socket_.KeepAlive(settings_.keep_alive_idle,
+                                                                     settings_.keep_alive_interval,
+                                                                     settings_.keep_alive_probes);
+  if (keeps_alive) attributes_.SetNumber(Slot::kKeepAlive, 1);
+  if (!settings_.no_delay) SetAttribute(VI_ATTR_TCPIP_NODELAY, 0);
 }
 
 void Session::Close() {

@@ -13,6 +13,7 @@
 #include "visa/Attributes.h"
 #include "visa/ResourceLock.h"
 #include "visa/ResourceName.h"
+#include "visa/Settings.h"
 #include "visa/Socket.h"
 #include "visa/Visa.h"
 
@@ -31,8 +32,10 @@ class Session {
 
   /// Connects, and takes a lock of the given type first unless it is 0, within so many
   /// milliseconds; the look-up of a host name takes the time that the system's resolver takes.
-  /// VI_SUCCESS; VI_ERROR_RSRC_NFOUND, _RSRC_LOCKED or _TMO.
-  ViStatus Open(const ResourceName& name, ViAccessMode lock, std::uint32_t timeout);
+  /// VI_SUCCESS; VI_ERROR_RSRC_NFOUND, _RSRC_LOCKED or _TMO. The settings hold as long as the
+  /// session.
+  ViStatus Open(const ResourceName& name, ViAccessMode lock, std::uint32_t timeout,
+                const FoundSettings& settings);
 
   /// Ends the waits of other threads with an error and gives the locks back. The connection closes
   /// when the last operation under way has returned.
@@ -101,14 +104,16 @@ class Session {
   ViStatus Tell(std::string_view command);
   ViStatus WaitForLock(ViAccessMode type, Deadline& deadline, std::string& key);
   void Describe(const ResourceName& name, const Address& address);
+  void Configure(const FoundSettings& settings);
   Transfer ReceiveChunk(std::span<ViByte> room, int terminator, Deadline& deadline);
   std::size_t TakeKept(std::span<ViByte> room, int terminator);
 
   const ViSession id_;
   const ViSession manager_;
+  Settings settings_;  // set before other threads see the session, like the lock
   Attributes attributes_{Owner::kSession};
   Socket socket_;
-  std::shared_ptr<ResourceLock> lock_;  // set before other threads see the session
+  std::shared_ptr<ResourceLock> lock_;
   std::atomic<bool> closed_ = false;
   std::mutex lock_mutex_;  // an acquisition and the close do not cross
 

@@ -46,6 +46,10 @@ class Socket {
 
   bool SetNoDelay(bool on);
   bool SetKeepAlive(bool on);
+  /// Switches it on with these times, in seconds, and this number of unanswered probes: a peer that
+  /// has vanished is then VI_ERROR_CONN_LOST for who waits. Where the system has a number of its
+  /// own, that one counts.
+  bool KeepAlive(std::uint32_t idle, std::uint32_t interval, std::uint32_t probes);
 
  private:
   struct Impl;

@@ -82,8 +82,7 @@ ViStatus WaitReady(int fd, short events, Gate& gate, Deadline& deadline) {
   }
 }
 
-bool SetFlag(int fd, int level, int option, bool on) {
-  const int value = on ? 1 : 0;
+bool SetOption(int fd, int level, int option, int value) {
   return setsockopt(fd, level, option, &value, sizeof value) == 0;
 }
 
@@ -155,10 +154,19 @@ void Socket::Close() {
   impl_->sending.Close();
 }
 
-bool Socket::SetNoDelay(bool on) { return SetFlag(impl_->fd.Get(), IPPROTO_TCP, TCP_NODELAY, on); }
+bool Socket::SetNoDelay(bool on) {
+  return SetOption(impl_->fd.Get(), IPPROTO_TCP, TCP_NODELAY, on ? 1 : 0);
+}
 
 bool Socket::SetKeepAlive(bool on) {
-  return SetFlag(impl_->fd.Get(), SOL_SOCKET, SO_KEEPALIVE, on);
+  return SetOption(impl_->fd.Get(), SOL_SOCKET, SO_KEEPALIVE, on ? 1 : 0);
+}
+
+bool Socket::KeepAlive(std::uint32_t idle, std::uint32_t interval, std::uint32_t probes) {
+  const int fd = impl_->fd.Get();
+  return SetOption(fd, IPPROTO_TCP, TCP_KEEPIDLE, static_cast<int>(idle)) &&
+         SetOption(fd, IPPROTO_TCP, TCP_KEEPINTVL, static_cast<int>(interval)) &&
+         SetOption(fd, IPPROTO_TCP, TCP_KEEPCNT, static_cast<int>(probes)) && SetKeepAlive(true);
 }
 
 }  // namespace zevisa

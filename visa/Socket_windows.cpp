@@ -2,6 +2,8 @@
 
 #include <SystemSockets.h>
 #include <windows.h>
+// After winsock2.h.
+#include <mstcpip.h>
 
 #include <array>
 #include <new>
@@ -192,5 +194,17 @@ void Socket::Close() {
 bool Socket::SetNoDelay(bool on) { return SetFlag(impl_->handle, IPPROTO_TCP, TCP_NODELAY, on); }
 
 bool Socket::SetKeepAlive(bool on) { return SetFlag(impl_->handle, SOL_SOCKET, SO_KEEPALIVE, on); }
+
+bool Socket::KeepAlive(std::uint32_t idle, std::uint32_t interval, std::uint32_t probes) {
+  // Known since Windows 10 1703; before, the system sends ten probes.
+  constexpr int kProbes = 16;  // TCP_KEEPCNT
+  const auto count = static_cast<DWORD>(probes);
+  setsockopt(impl_->handle, IPPROTO_TCP, kProbes, reinterpret_cast<const char*>(&count),
+             sizeof count);
+  tcp_keepalive times = {1, idle * 1000, interval * 1000};
+  DWORD none = 0;
+  return WSAIoctl(impl_->handle, SIO_KEEPALIVE_VALS, &times, sizeof times, nullptr, 0, &none,
+                  nullptr, nullptr) == 0;
+}
 
 }  // namespace zevisa

@@ -6,6 +6,7 @@
 
 #include "visa/EntryPoint.h"
 #include "visa/ResourceName.h"
+#include "visa/Settings.h"
 #include "visa/StatusText.h"
 
 namespace {
@@ -21,6 +22,24 @@ constexpr ViUInt32 kDefaultOpenTimeout = 2000;  // ms, for 0
 
 bool IsObject(ViObject object) {
   return Objects::Instance().FindSession(object) || Objects::Instance().FindManager(object);
+}
+
+/// What the settings file says now, told through a manager.
+ViStatus GetOfSettings(ViAttr attribute, void* value) {
+  const zevisa::FoundSettings settings = zevisa::LoadSettings({});
+  const std::size_t problem = attribute - VI_ATTR_ZENTREL_SETTINGS_PROBLEM;
+  const bool is_file = attribute == VI_ATTR_ZENTREL_SETTINGS_FILE;
+  if (!is_file && problem >= settings.problems.size()) return VI_ERROR_NSUP_ATTR;
+  if (value == nullptr) return VI_ERROR_USER_BUF;
+  const std::string& text = is_file ? settings.file : settings.problems[problem];
+  GiveText(static_cast<char*>(value), text.substr(0, VI_FIND_BUFLEN - 1));
+  return VI_SUCCESS;
+}
+
+bool IsOfSettings(ViAttr attribute) {
+  constexpr ViAttr kIndex = 0xFFF;
+  return attribute == VI_ATTR_ZENTREL_SETTINGS_FILE ||
+         (attribute & ~kIndex) == VI_ATTR_ZENTREL_SETTINGS_PROBLEM;
 }
 
 template <typename Use>
@@ -67,13 +86,16 @@ ViStatus viOpen(ViSession manager, const char* name, ViAccessMode mode, ViUInt32
   if (session == nullptr) return VI_ERROR_USER_BUF;
   *session = 0;
   return ParseFor(manager, name, [&](const zevisa::ResourceName& parsed) {
-    // There is no configuration to load: the defaults are it, and the success is a plain one.
     const ViAccessMode lock = mode & ~VI_LOAD_CONFIG;
     if (lock > VI_SHARED_LOCK) return VI_ERROR_INV_ACC_MODE;
+    // Without a file, or with one that makes no sense, the defaults are what was loaded: clients
+    // count every status but the plain success as a failure.
+    zevisa::FoundSettings settings;
+    if ((mode & VI_LOAD_CONFIG) != 0) settings = zevisa::LoadSettings(parsed.Canonical());
     const ViSession number = Objects::Instance().NewNumber();
     const auto opened = std::make_shared<Session>(number, manager);
     const ViStatus status =
-        opened->Open(parsed, lock, timeout == 0 ? kDefaultOpenTimeout : timeout);
+        opened->Open(parsed, lock, timeout == 0 ? kDefaultOpenTimeout : timeout, settings);
     if (status != VI_SUCCESS) return status;
     if (!Objects::Instance().AddSession(number, opened)) return VI_ERROR_INV_OBJECT;
     *session = number;
@@ -121,7 +143,9 @@ ViStatus viGetAttribute(ViObject object, ViAttr attribute, void* value) {
       return session->GetAttribute(attribute, value);
     }
     const auto manager = Objects::Instance().FindManager(object);
-    return manager ? manager->Get(attribute, value) : VI_ERROR_INV_OBJECT;
+    if (!manager) return VI_ERROR_INV_OBJECT;
+    return IsOfSettings(attribute) ? GetOfSettings(attribute, value)
+                                   : manager->Get(attribute, value);
   });
 }
 

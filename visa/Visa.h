@@ -101,6 +101,17 @@ inline constexpr ViAttr VI_ATTR_TCPIP_KEEPALIVE = 0x3FFF019B;    // 16
 /// it.
 inline constexpr ViAttr VI_ATTR_ZENTREL_LOCK_OWNER = 0xBFFA0001;
 
+/// Of this maker: the settings file in force, empty when there is none. Of a resource manager the
+/// one that the next viOpen would read, of a session the one that its viOpen read. Text, read-only.
+inline constexpr ViAttr VI_ATTR_ZENTREL_SETTINGS_FILE = 0xBFFA0002;
+/// Of this maker: the section of that file which a session follows; empty when none is its. Text,
+/// read-only.
+inline constexpr ViAttr VI_ATTR_ZENTREL_SETTINGS_SECTION = 0xBFFA0003;
+/// Of this maker, of resource managers: this one and those behind it tell what makes no sense in
+/// the settings file, "line 3: no such key: colour", a text each; VI_ERROR_NSUP_ATTR behind the
+/// last one.
+inline constexpr ViAttr VI_ATTR_ZENTREL_SETTINGS_PROBLEM = 0xBFFA1000;
+
 // Statuses that the library gives or that clients test.
 inline constexpr ViStatus VI_SUCCESS = 0;
 inline constexpr ViStatus VI_SUCCESS_EVENT_DIS = 0x3FFF0003;

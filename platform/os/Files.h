@@ -42,4 +42,12 @@ std::vector<std::filesystem::path> CommonFilesFolders();
 /// The user's documents folder, likewise. Elsewhere than on Windows: ZENTREL_DOCUMENTS, or XDG's.
 std::filesystem::path DocumentsFolder();
 
+/// Where programs keep the settings that people write, the folder that prevails first: the user's,
+/// then the machine's. Windows: the roaming application data and the program data. Elsewhere: XDG's
+/// user configuration and its folders for all users.
+std::vector<std::filesystem::path> SettingsFolders();
+
+/// The path in an environment variable, empty when there is none.
+std::filesystem::path PathFromEnvironment(const char* name);
+
 }  // namespace os

@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <initializer_list>
 #include <sstream>
 
 #include "platform/os/Files.h"
@@ -16,10 +17,12 @@ std::filesystem::path WithoutSeparator(std::string folder) {
   return folder;
 }
 
-std::filesystem::path Folder(const char* variable, const char* xdg_variable,
-                             const char* below_home) {
-  std::string folder = Environment(variable);
-  if (folder.empty()) folder = Environment(xdg_variable);
+/// What the first variable that is set tells, else a folder below the user's home.
+std::filesystem::path Folder(std::initializer_list<const char*> variables, const char* below_home) {
+  std::string folder;
+  for (const char* variable : variables) {
+    if (folder.empty()) folder = Environment(variable);
+  }
   if (folder.empty()) {
     const std::string home = Environment("HOME");
     if (!home.empty()) folder = home + below_home;
@@ -27,23 +30,39 @@ std::filesystem::path Folder(const char* variable, const char* xdg_variable,
   return WithoutSeparator(folder);
 }
 
-}  // namespace
-
-std::vector<std::filesystem::path> CommonFilesFolders() {
-  std::vector<std::filesystem::path> folders{
-      Folder("ZENTREL_COMMON_FILES", "XDG_DATA_HOME", "/.local/share")};
-  if (!Environment("ZENTREL_COMMON_FILES").empty()) return folders;
-  std::string list = Environment("XDG_DATA_DIRS");
-  if (list.empty()) list = "/usr/local/share:/usr/share";
+/// Adds the absolute paths of a list with colons between them.
+void AddFolders(std::vector<std::filesystem::path>& folders, const char* variable,
+                const char* usual) {
+  std::string list = Environment(variable);
+  if (list.empty()) list = usual;
   std::istringstream names(list);
   for (std::string name; std::getline(names, name, ':');) {
     if (name.starts_with('/')) folders.push_back(WithoutSeparator(name));
   }
+}
+
+}  // namespace
+
+std::vector<std::filesystem::path> CommonFilesFolders() {
+  std::vector<std::filesystem::path> folders{
+      Folder({"ZENTREL_COMMON_FILES", "XDG_DATA_HOME"}, "/.local/share")};
+  if (!Environment("ZENTREL_COMMON_FILES").empty()) return folders;
+  AddFolders(folders, "XDG_DATA_DIRS", "/usr/local/share:/usr/share");
   return folders;
 }
 
 std::filesystem::path DocumentsFolder() {
-  return Folder("ZENTREL_DOCUMENTS", "XDG_DOCUMENTS_DIR", "/Documents");
+  return Folder({"ZENTREL_DOCUMENTS", "XDG_DOCUMENTS_DIR"}, "/Documents");
 }
+
+std::vector<std::filesystem::path> SettingsFolders() {
+  std::vector<std::filesystem::path> folders;
+  const std::filesystem::path own = Folder({"XDG_CONFIG_HOME"}, "/.config");
+  if (own.is_absolute()) folders.push_back(own);
+  AddFolders(folders, "XDG_CONFIG_DIRS", "/etc/xdg");
+  return folders;
+}
+
+std::filesystem::path PathFromEnvironment(const char* name) { return Environment(name); }
 
 }  // namespace os

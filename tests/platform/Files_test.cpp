@@ -128,6 +128,25 @@ TEST(Folders, CommonFilesHaveNoSeparatorAtTheEnd) {
 #endif
 }
 
+TEST(Folders, SettingsAreTheUsersThenTheMachines) {
+#ifdef _WIN32
+  const std::vector<fs::path> folders = os::SettingsFolders();
+  ASSERT_EQ(folders.size(), 2U);
+  EXPECT_TRUE(folders[0].is_absolute() && folders[1].is_absolute() && folders[0] != folders[1]);
+  EXPECT_EQ(os::PathFromEnvironment("APPDATA"), folders[0]);
+#else
+  setenv("XDG_CONFIG_HOME", "/home/u/", 1);
+  EXPECT_EQ(os::SettingsFolders(), (std::vector<fs::path>{"/home/u", "/etc/xdg"}));
+  setenv("XDG_CONFIG_HOME", "not/absolute", 1);
+  setenv("XDG_CONFIG_DIRS", "/a/:none:/b", 1);
+  EXPECT_EQ(os::SettingsFolders(), (std::vector<fs::path>{"/a", "/b"}));
+  EXPECT_EQ(os::PathFromEnvironment("XDG_CONFIG_DIRS"), "/a/:none:/b");
+  unsetenv("XDG_CONFIG_HOME");
+  unsetenv("XDG_CONFIG_DIRS");
+#endif
+  EXPECT_EQ(os::PathFromEnvironment("ZENTREL_NO_SUCH_VARIABLE"), fs::path());
+}
+
 TEST(Notice, HookReceivesTheWarningAndMaySetAnother) {
   std::string received;
   os::SetNoticeHook([&](const std::string& text, const std::string& caption) {

@@ -78,6 +78,26 @@ class Peer {
   asio::ip::tcp::acceptor acceptor_;
 };
 
+/// The one place of its queue is taken: further attempts to connect get no answer.
+class FullListener {
+ public:
+  FullListener() : listener_(io_, asio::ip::tcp::v4()) {
+    listener_.bind({asio::ip::address_v4::loopback(), 0});
+    listener_.listen(0);
+    for (int i = 0; i < 3; ++i) {
+      fillers_.emplace_back(io_).async_connect(listener_.local_endpoint(), [](asio::error_code) {});
+    }
+  }
+  [[nodiscard]] std::string Name() const {
+    return "TCPIP::127.0.0.1::" + std::to_string(listener_.local_endpoint().port()) + "::SOCKET";
+  }
+
+ private:
+  asio::io_context io_;
+  asio::ip::tcp::acceptor listener_;
+  std::vector<asio::ip::tcp::socket> fillers_;
+};
+
 /// A manager, and a session to a peer when a test opens one.
 class VisaTest : public testing::Test {
  protected:
