@@ -8,6 +8,8 @@
 #include "measurement/DetectorFile.h"
 #include "platform/os/Files.h"
 #include "tests/driver/SessionFixture.h"
+#include "tests/platform/EnvironmentVariable.h"
+#include "tests/platform/TemporaryFolder.h"
 
 namespace driver_test {
 namespace {
@@ -34,6 +36,7 @@ class Acquisition : public SessionTest {
     EXPECT_EQ(trace.x_increment, 0.0);
   }
   static constexpr std::uint16_t kLevelParameter = 79;
+  static constexpr std::uint16_t kDataCommand = 6;
 };
 
 TEST_F(Acquisition, GoesFromInitiateToCompleteWhenTheSweepHasEnded) {
@@ -102,7 +105,7 @@ TEST_F(Acquisition, TheAxisIsTheSweepsWhateverTheChannelTransforms) {
   instrument_.InjectFault(simulator::Fault::Refuse(kLevelParameter, kRefusal));
   Open();
   LoadDetectors();
-  instrument_.InjectFault(RefuseCommand(6, kRefusal));
+  instrument_.InjectFault(RefuseCommand(kDataCommand, kRefusal));
   EXPECT_EQ(surface_.acquisition->Initiate(), S_OK);
   EXPECT_EQ(FetchCode(), kRefusal);
   EXPECT_EQ(Status(), ZentrelK4NAcquisitionStatusUnknown);
@@ -131,8 +134,41 @@ TEST_F(Acquisition, ASoftwareTriggerProgramsTheModeAgainAndReadsOneSweep) {
   instrument_.ClearRequests();
   EXPECT_EQ(surface_.root->SendSoftwareTrigger(), S_OK) << "not the client's to pull";
   for (const auto& request : instrument_.Requests()) {
-    EXPECT_EQ(request.command, 6) << "nothing is programmed: " << request.text;
+    EXPECT_EQ(request.command, kDataCommand) << "nothing is programmed: " << request.text;
   }
+}
+
+// What a session with these settings of the VISA library measures.
+class AcquisitionWithSettings : public Acquisition {
+ protected:
+  void SetUp() override {
+    const TemporaryFolder folder;
+    const fs::path file = folder.path() / "zevisa.ini";
+    std::ofstream(file) << "[*]\nread-ceiling = 50\n";
+    const EnvironmentVariable variable("ZEVISA_CONFIG", file);
+    OpenToMeasure();
+  }
+};
+
+// A setting waits for the read that the worker has begun, nearly two seconds for a sweep that has
+// not ended. The bound is far from both: the fastest of some settings tells.
+TEST_F(AcquisitionWithSettings, ASettingPassesASlowSweepWithinTheReadCeiling) {
+  StartSweep(2e9, 2.8e9, 8e6);
+  auto fastest = std::chrono::steady_clock::duration::max();
+  for (int i = 0; i < 5; ++i) {
+    const auto is_reading = [&] { return instrument_.Requests().back().command == kDataCommand; };
+    EXPECT_TRUE(WaitUntil(is_reading));
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_EQ(surface_.rf->put_Level(kLevel - i), S_OK);
+    fastest = std::min(fastest, std::chrono::steady_clock::now() - before);
+    EXPECT_EQ(instrument_.State().level.start, kLevel - i);
+  }
+  EXPECT_LT(fastest, std::chrono::milliseconds(500));
+  EXPECT_EQ(surface_.rf->put_Level(kLevel), S_OK);
+  instrument_.FireTrigger();
+  EXPECT_EQ(WaitForEnd(), ZentrelK4NAcquisitionStatusComplete);
+  ExpectResponse(kLevel, 101);
+  EXPECT_THAT(TakeErrors(), testing::IsEmpty()) << "a ceiling is no failure";
 }
 
 // Detector files where clients name them, each with its own content.
