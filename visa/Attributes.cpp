@@ -12,6 +12,7 @@ enum class Access : std::uint8_t { kRead, kWrite };
 
 struct Row {
   ViAttr id;
+  const char* name;
   Slot slot;
   Type type;
   Access access;
@@ -37,42 +38,60 @@ constexpr auto kW = Access::kWrite;
 // A mode of the read buffer is 1 (flush on access) or 3 (off); nothing is read ahead, so either
 // tells the truth.
 constexpr Row kRows[] = {
-    {VI_ATTR_TMO_VALUE, Slot::kTimeout, Type::kLong, kW, false, 2000, 0, kMax32},
-    {VI_ATTR_TERMCHAR, Slot::kTermChar, Type::kByte, kW, false, '\n', 0, kMax8},
-    {VI_ATTR_TERMCHAR_EN, Slot::kTermCharEnabled, Type::kWord, kW, false, 0, 0, 1},
-    {VI_ATTR_SEND_END_EN, Slot::kSendEnd, Type::kWord, kW, false, 1, 0, 1},
-    {VI_ATTR_SUPPRESS_END_EN, Slot::kSuppressEnd, Type::kWord, kW, false, 1, 0, 1},
-    {VI_ATTR_IO_PROT, Slot::kIoProtocol, Type::kWord, kW, false, VI_PROT_NORMAL, VI_PROT_NORMAL,
-     VI_PROT_4882_STRS, VI_PROT_4882_STRS - VI_PROT_NORMAL},
-    {VI_ATTR_TCPIP_NODELAY, Slot::kNoDelay, Type::kWord, kW, false, 1, 0, 1},
-    {VI_ATTR_TCPIP_KEEPALIVE, Slot::kKeepAlive, Type::kWord, kW, false, 0, 0, 1},
-    {VI_ATTR_TCPIP_PORT, Slot::kPort, Type::kWord, kR, false},
-    {VI_ATTR_INTF_TYPE, Slot::kInterfaceType, Type::kWord, kR, false, VI_INTF_TCPIP},
-    {VI_ATTR_INTF_NUM, Slot::kInterfaceNumber, Type::kWord, kR, false},
-    {VI_ATTR_RSRC_SPEC_VERSION, Slot::kSpecVersion, Type::kLong, kR, true, kSpecVersion},
-    {VI_ATTR_RSRC_IMPL_VERSION, Slot::kImplementationVersion, Type::kLong, kR, true, kOurVersion},
-    {VI_ATTR_RSRC_MANF_ID, Slot::kMakerId, Type::kWord, kR, true, kMakerId},
-    {VI_ATTR_RSRC_LOCK_STATE, Slot::kLockState, Type::kLong, kR, true},
-    {VI_ATTR_RM_SESSION, Slot::kManager, Type::kLong, kR, false},
-    {VI_ATTR_MAX_QUEUE_LENGTH, Slot::kQueueLength, Type::kLong, kW, true, 50, 1, kMax32},
-    {VI_ATTR_USER_DATA_32, Slot::kUserData, Type::kLong, kW, true, 0, 0, kMax32},
-    {VI_ATTR_USER_DATA, Slot::kUserData, Type::kQuad, kW, true, 0, 0, kMax64},
-    {VI_ATTR_RD_BUF_OPER_MODE, Slot::kReadMode, Type::kWord, kW, false, 3, 1, 3, 2},
-    {VI_ATTR_WR_BUF_OPER_MODE, Slot::kWriteMode, Type::kWord, kW, false, VI_FLUSH_WHEN_FULL,
-     VI_FLUSH_ON_ACCESS, VI_FLUSH_WHEN_FULL},
-    {VI_ATTR_RD_BUF_SIZE, Slot::kReadBufferSize, Type::kLong, kR, false, kBufferSize},
-    {VI_ATTR_WR_BUF_SIZE, Slot::kWriteBufferSize, Type::kLong, kR, false, kBufferSize},
-    {VI_ATTR_FILE_APPEND_EN, Slot::kFileAppend, Type::kWord, kW, false, 0, 0, 1},
-    {VI_ATTR_DMA_ALLOW_EN, Slot::kDma, Type::kWord, kW, false, 0, 0, 1},
-    {VI_ATTR_TCPIP_ADDR, Slot::kAddress, Type::kText, kR, false},
-    {VI_ATTR_TCPIP_HOSTNAME, Slot::kHostName, Type::kText, kR, false},
-    {VI_ATTR_RSRC_NAME, Slot::kName, Type::kText, kR, true},
-    {VI_ATTR_RSRC_CLASS, Slot::kClass, Type::kText, kR, true},
-    {VI_ATTR_INTF_INST_NAME, Slot::kInterfaceName, Type::kText, kR, false},
-    {VI_ATTR_RSRC_MANF_NAME, Slot::kMakerName, Type::kText, kR, true},
-    {VI_ATTR_ZENTREL_LOCK_OWNER, Slot::kLockOwner, Type::kText, kR, false},
-    {VI_ATTR_ZENTREL_SETTINGS_FILE, Slot::kSettingsFile, Type::kText, kR, true},
-    {VI_ATTR_ZENTREL_SETTINGS_SECTION, Slot::kSettingsSection, Type::kText, kR, false},
+    {VI_ATTR_TMO_VALUE, "VI_ATTR_TMO_VALUE", Slot::kTimeout, Type::kLong, kW, false, 2000, 0,
+     kMax32},
+    {VI_ATTR_TERMCHAR, "VI_ATTR_TERMCHAR", Slot::kTermChar, Type::kByte, kW, false, '\n', 0, kMax8},
+    {VI_ATTR_TERMCHAR_EN, "VI_ATTR_TERMCHAR_EN", Slot::kTermCharEnabled, Type::kWord, kW, false, 0,
+     0, 1},
+    {VI_ATTR_SEND_END_EN, "VI_ATTR_SEND_END_EN", Slot::kSendEnd, Type::kWord, kW, false, 1, 0, 1},
+    {VI_ATTR_SUPPRESS_END_EN, "VI_ATTR_SUPPRESS_END_EN", Slot::kSuppressEnd, Type::kWord, kW, false,
+     1, 0, 1},
+    {VI_ATTR_IO_PROT, "VI_ATTR_IO_PROT", Slot::kIoProtocol, Type::kWord, kW, false, VI_PROT_NORMAL,
+     VI_PROT_NORMAL, VI_PROT_4882_STRS, VI_PROT_4882_STRS - VI_PROT_NORMAL},
+    {VI_ATTR_TCPIP_NODELAY, "VI_ATTR_TCPIP_NODELAY", Slot::kNoDelay, Type::kWord, kW, false, 1, 0,
+     1},
+    {VI_ATTR_TCPIP_KEEPALIVE, "VI_ATTR_TCPIP_KEEPALIVE", Slot::kKeepAlive, Type::kWord, kW, false,
+     0, 0, 1},
+    {VI_ATTR_TCPIP_PORT, "VI_ATTR_TCPIP_PORT", Slot::kPort, Type::kWord, kR, false},
+    {VI_ATTR_INTF_TYPE, "VI_ATTR_INTF_TYPE", Slot::kInterfaceType, Type::kWord, kR, false,
+     VI_INTF_TCPIP},
+    {VI_ATTR_INTF_NUM, "VI_ATTR_INTF_NUM", Slot::kInterfaceNumber, Type::kWord, kR, false},
+    {VI_ATTR_RSRC_SPEC_VERSION, "VI_ATTR_RSRC_SPEC_VERSION", Slot::kSpecVersion, Type::kLong, kR,
+     true, kSpecVersion},
+    {VI_ATTR_RSRC_IMPL_VERSION, "VI_ATTR_RSRC_IMPL_VERSION", Slot::kImplementationVersion,
+     Type::kLong, kR, true, kOurVersion},
+    {VI_ATTR_RSRC_MANF_ID, "VI_ATTR_RSRC_MANF_ID", Slot::kMakerId, Type::kWord, kR, true, kMakerId},
+    {VI_ATTR_RSRC_LOCK_STATE, "VI_ATTR_RSRC_LOCK_STATE", Slot::kLockState, Type::kLong, kR, true},
+    {VI_ATTR_RM_SESSION, "VI_ATTR_RM_SESSION", Slot::kManager, Type::kLong, kR, false},
+    {VI_ATTR_MAX_QUEUE_LENGTH, "VI_ATTR_MAX_QUEUE_LENGTH", Slot::kQueueLength, Type::kLong, kW,
+     true, 50, 1, kMax32},
+    {VI_ATTR_USER_DATA_32, "VI_ATTR_USER_DATA_32", Slot::kUserData, Type::kLong, kW, true, 0, 0,
+     kMax32},
+    {VI_ATTR_USER_DATA, "VI_ATTR_USER_DATA", Slot::kUserData, Type::kQuad, kW, true, 0, 0, kMax64},
+    {VI_ATTR_RD_BUF_OPER_MODE, "VI_ATTR_RD_BUF_OPER_MODE", Slot::kReadMode, Type::kWord, kW, false,
+     3, 1, 3, 2},
+    {VI_ATTR_WR_BUF_OPER_MODE, "VI_ATTR_WR_BUF_OPER_MODE", Slot::kWriteMode, Type::kWord, kW, false,
+     VI_FLUSH_WHEN_FULL, VI_FLUSH_ON_ACCESS, VI_FLUSH_WHEN_FULL},
+    {VI_ATTR_RD_BUF_SIZE, "VI_ATTR_RD_BUF_SIZE", Slot::kReadBufferSize, Type::kLong, kR, false,
+     kBufferSize},
+    {VI_ATTR_WR_BUF_SIZE, "VI_ATTR_WR_BUF_SIZE", Slot::kWriteBufferSize, Type::kLong, kR, false,
+     kBufferSize},
+    {VI_ATTR_FILE_APPEND_EN, "VI_ATTR_FILE_APPEND_EN", Slot::kFileAppend, Type::kWord, kW, false, 0,
+     0, 1},
+    {VI_ATTR_DMA_ALLOW_EN, "VI_ATTR_DMA_ALLOW_EN", Slot::kDma, Type::kWord, kW, false, 0, 0, 1},
+    {VI_ATTR_TCPIP_ADDR, "VI_ATTR_TCPIP_ADDR", Slot::kAddress, Type::kText, kR, false},
+    {VI_ATTR_TCPIP_HOSTNAME, "VI_ATTR_TCPIP_HOSTNAME", Slot::kHostName, Type::kText, kR, false},
+    {VI_ATTR_RSRC_NAME, "VI_ATTR_RSRC_NAME", Slot::kName, Type::kText, kR, true},
+    {VI_ATTR_RSRC_CLASS, "VI_ATTR_RSRC_CLASS", Slot::kClass, Type::kText, kR, true},
+    {VI_ATTR_INTF_INST_NAME, "VI_ATTR_INTF_INST_NAME", Slot::kInterfaceName, Type::kText, kR,
+     false},
+    {VI_ATTR_RSRC_MANF_NAME, "VI_ATTR_RSRC_MANF_NAME", Slot::kMakerName, Type::kText, kR, true},
+    {VI_ATTR_ZENTREL_LOCK_OWNER, "VI_ATTR_ZENTREL_LOCK_OWNER", Slot::kLockOwner, Type::kText, kR,
+     false},
+    {VI_ATTR_ZENTREL_SETTINGS_FILE, "VI_ATTR_ZENTREL_SETTINGS_FILE", Slot::kSettingsFile,
+     Type::kText, kR, true},
+    {VI_ATTR_ZENTREL_SETTINGS_SECTION, "VI_ATTR_ZENTREL_SETTINGS_SECTION", Slot::kSettingsSection,
+     Type::kText, kR, false},
 };
 
 const Row* FindRow(ViAttr attribute, Owner owner) {
@@ -84,6 +103,13 @@ const Row* FindRow(ViAttr attribute, Owner owner) {
 // Clients that know the value as 32 bits, as it is elsewhere, leave anything above them.
 std::uint64_t Narrowed(const Row& row, ViAttrState value) {
   return row.type == Type::kQuad ? value : value & kMax32;
+}
+
+/// What a Get of this type wrote; the low bytes come first on every machine that this runs on.
+std::uint64_t NumberIn(const void* value, Type type) {
+  std::uint64_t number = 0;
+  std::memcpy(&number, value, static_cast<std::size_t>(type));
+  return number;
 }
 
 std::size_t TextIndex(Slot slot) {
@@ -135,6 +161,22 @@ ViStatus Attributes::Set(ViAttr attribute, ViAttrState value) {
 void Attributes::SetText(Slot slot, std::string text) {
   text.resize(std::min<std::size_t>(text.size(), VI_FIND_BUFLEN - 1));
   texts_[TextIndex(slot)] = std::move(text);
+}
+
+void TellAttribute(TraceLine& line, ViAttr attribute) {
+  const Row* const row = FindRow(attribute, Owner::kSession);
+  line.Name("attribute", row != nullptr ? row->name : HexadecimalNumber(attribute));
+}
+
+void TellAttribute(TraceLine& line, ViAttr attribute, const void* value) {
+  TellAttribute(line, attribute);
+  const Row* const row = FindRow(attribute, Owner::kSession);
+  if (row == nullptr || !line.IsGood()) return;
+  if (row->type == Type::kText) {
+    line.Text("value", static_cast<const char*>(value));
+  } else {
+    line.Number("value", NumberIn(value, row->type));
+  }
 }
 
 }  // namespace zevisa

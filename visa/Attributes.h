@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "visa/TraceLine.h"
 #include "visa/Visa.h"
 
 namespace zevisa {
@@ -80,5 +81,10 @@ class Attributes {
   std::array<std::atomic<std::uint64_t>, kNumberCount> numbers_{};
   std::array<std::string, kTextCount> texts_;
 };
+
+/// Names an attribute in a line of the trace.
+void TellAttribute(TraceLine& line, ViAttr attribute);
+/// And the value, when a Get gave one.
+void TellAttribute(TraceLine& line, ViAttr attribute, const void* value);
 
 }  // namespace zevisa

@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "visa/MachineLock.h"
+#include "visa/Process.h"
 
 // An abstract local socket address is a name that the kernel gives to one socket at a time and
 // takes back when the socket goes: no file to leave behind, no folder to be allowed to write to, no
@@ -48,9 +49,9 @@ void Close(std::intptr_t fd) {
 }
 
 std::string ThisProcess() {
-  std::string program;
-  std::getline(std::ifstream("/proc/self/comm"), program);
-  return "process " + std::to_string(getpid()) + (program.empty() ? "" : " (" + program + ")");
+  const std::string program = ProgramName();
+  return "process " + std::to_string(ProcessNumber()) +
+         (program.empty() ? "" : " (" + program + ")");
 }
 
 }  // namespace

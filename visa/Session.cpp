@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <thread>
+#include <utility>
 
 namespace zevisa {
 namespace {
@@ -11,11 +12,10 @@ constexpr std::chrono::milliseconds kLockPause{2};
 
 }  // namespace
 
-Session::Session(ViSession id, ViSession manager) : id_(id), manager_(manager) {}
+Session::Session(ViSession id, ViSession manager, FoundSettings settings, Trace trace)
+    : id_(id), manager_(manager), settings_(std::move(settings)), trace_(std::move(trace)) {}
 
-ViStatus Session::Open(const ResourceName& name, ViAccessMode lock, std::uint32_t timeout,
-                       const FoundSettings& settings) {
-  settings_ = settings.values;
+ViStatus Session::Open(const ResourceName& name, ViAccessMode lock, std::uint32_t timeout) {
   Deadline deadline(timeout);
   deadline.Remaining();  // the clock starts before the look-up
   const std::vector<Address> addresses = Resolve(name.host, name.port);
@@ -29,10 +29,11 @@ ViStatus Session::Open(const ResourceName& name, ViAccessMode lock, std::uint32_
       const ViStatus locked = WaitForLock(lock, deadline, no_key);
       if (locked < 0) return locked;
     }
-    status = socket_.Connect(address, deadline.Share(attempts--).Capped(settings_.connect_ceiling));
+    status = socket_.Connect(address,
+                             deadline.Share(attempts--).Capped(settings_.values.connect_ceiling));
     if (status == VI_SUCCESS) {
       Describe(name, address);
-      Configure(settings);
+      Configure();
       return VI_SUCCESS;
     }
     lock_->ReleaseAll(id_);
@@ -52,14 +53,15 @@ void Session::Describe(const ResourceName& name, const Address& address) {
 }
 
 // What the system refuses stays as it is: a session that works comes first.
-void Session::Configure(const FoundSettings& settings) {
-  attributes_.SetText(Slot::kSettingsFile, settings.file);
-  attributes_.SetText(Slot::kSettingsSection, settings.section);
-  const bool keeps_alive = settings_.keep_alive && socket_.KeepAlive(settings_.keep_alive_idle,
-                                                                     settings_.keep_alive_interval,
-                                                                     settings_.keep_alive_probes);
+void Session::Configure() {
+  attributes_.SetText(Slot::kSettingsFile, settings_.file);
+  attributes_.SetText(Slot::kSettingsSection, settings_.section);
+  const Settings& values = settings_.values;
+  const bool keeps_alive =
+      values.keep_alive && socket_.KeepAlive(values.keep_alive_idle, values.keep_alive_interval,
+                                             values.keep_alive_probes);
   if (keeps_alive) attributes_.SetNumber(Slot::kKeepAlive, 1);
-  if (!settings_.no_delay) SetAttribute(VI_ATTR_TCPIP_NODELAY, 0);
+  if (!values.no_delay) SetAttribute(VI_ATTR_TCPIP_NODELAY, 0);
 }
 
 void Session::Close() {

@@ -15,6 +15,7 @@
 #include "visa/ResourceName.h"
 #include "visa/Settings.h"
 #include "visa/Socket.h"
+#include "visa/Trace.h"
 #include "visa/Visa.h"
 
 namespace zevisa {
@@ -25,17 +26,16 @@ class Session {
  public:
   static constexpr int kNoTerminator = -1;
 
-  Session(ViSession id, ViSession manager);
+  /// Settings and trace hold as long as the session.
+  Session(ViSession id, ViSession manager, FoundSettings settings, Trace trace);
   ~Session() { Close(); }
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
   /// Connects, and takes a lock of the given type first unless it is 0, within so many
   /// milliseconds; the look-up of a host name takes the time that the system's resolver takes.
-  /// VI_SUCCESS; VI_ERROR_RSRC_NFOUND, _RSRC_LOCKED or _TMO. The settings hold as long as the
-  /// session.
-  ViStatus Open(const ResourceName& name, ViAccessMode lock, std::uint32_t timeout,
-                const FoundSettings& settings);
+  /// VI_SUCCESS; VI_ERROR_RSRC_NFOUND, _RSRC_LOCKED or _TMO.
+  ViStatus Open(const ResourceName& name, ViAccessMode lock, std::uint32_t timeout);
 
   /// Ends the waits of other threads with an error and gives the locks back. The connection closes
   /// when the last operation under way has returned.
@@ -83,6 +83,7 @@ class Session {
   ViStatus Unlock();
 
   [[nodiscard]] ViSession manager() const { return manager_; }
+  [[nodiscard]] const Trace& trace() const { return trace_; }
 
  private:
   /// Runs a transfer when no other of its direction is under way and the locks let it.
@@ -104,16 +105,17 @@ class Session {
   ViStatus Tell(std::string_view command);
   ViStatus WaitForLock(ViAccessMode type, Deadline& deadline, std::string& key);
   void Describe(const ResourceName& name, const Address& address);
-  void Configure(const FoundSettings& settings);
+  void Configure();
   Transfer ReceiveChunk(std::span<ViByte> room, int terminator, Deadline& deadline);
   std::size_t TakeKept(std::span<ViByte> room, int terminator);
 
   const ViSession id_;
   const ViSession manager_;
-  Settings settings_;  // set before other threads see the session, like the lock
+  const FoundSettings settings_;
+  const Trace trace_;
   Attributes attributes_{Owner::kSession};
   Socket socket_;
-  std::shared_ptr<ResourceLock> lock_;
+  std::shared_ptr<ResourceLock> lock_;  // set before other threads see the session
   std::atomic<bool> closed_ = false;
   std::mutex lock_mutex_;  // an acquisition and the close do not cross
 

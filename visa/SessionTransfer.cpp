@@ -43,7 +43,7 @@ ViStatus Session::Fill(std::span<ViByte> buffer, int terminator, ViUInt32& retur
   returned = 0;
   const bool ends_at_pause = attributes_.Number(Slot::kSuppressEnd) == 0;
   const auto timeout = static_cast<std::uint32_t>(attributes_.Number(Slot::kTimeout));
-  Deadline deadline(std::min(timeout, settings_.read_ceiling));
+  Deadline deadline(std::min(timeout, settings_.values.read_ceiling));
   Deadline at_once(VI_TMO_IMMEDIATE);
   while (returned < buffer.size()) {
     const bool is_pause_an_end = ends_at_pause && returned > 0;
