@@ -80,16 +80,6 @@ Bytes IdentityText(const Options& options) {
   return {text.begin(), text.end()};
 }
 
-bool IsFileRead(const Message& request) {
-  return request.command == command::kRead && request.count == 2 && request.type == 0x40 &&
-         request.body.size() >= 2 && ReadWord(request.body, 0) == 10;
-}
-
-bool IsSerialNumberQuery(const Message& request) {
-  return request.command == command::kRead && request.count == 1 && request.type == 0x20 &&
-         request.body.size() >= 2 && ReadWord(request.body, 0) == 'S';
-}
-
 std::int16_t ReadFile(const Options& options, const Message& request, Bytes& answer) {
   const Bytes& body = request.body;
   const auto path_end =

@@ -13,12 +13,6 @@ namespace simulator {
 /// 100 bytes of Windows-1251: the three dates after their names, filled up with zeros.
 Bytes IdentityText(const Options& options);
 
-/// Two reads carry no parameter in the usual form: theirs is told by identifier, count and type.
-bool IsFileRead(const Message& request);
-bool IsSerialNumberQuery(const Message& request);
-
-inline constexpr std::size_t kPathAt = 10;  ///< of the path in the body of a file request
-
 /// Reads a file by its path. The request's body: 16-bit parameter, 32-bit offset, 32-bit most
 /// bytes, then the path with a zero at its end. The answer repeats all that before the content.
 std::int16_t ReadFile(const Options& options, const Message& request, Bytes& answer);

@@ -71,6 +71,16 @@ Bytes EncodeAnswer(const Message& answer) {
   return bytes;
 }
 
+bool IsFileRead(const Message& request) {
+  return request.command == command::kRead && request.count == 2 && request.type == 0x40 &&
+         request.body.size() >= 2 && ReadWord(request.body, 0) == 10;
+}
+
+bool IsSerialNumberQuery(const Message& request) {
+  return request.command == command::kRead && request.count == 1 && request.type == 0x20 &&
+         request.body.size() >= 2 && ReadWord(request.body, 0) == 'S';
+}
+
 std::optional<ElementFormat> ElementFormat::FromType(std::uint8_t type, bool is_signed) {
   const std::size_t size = type >> 4;
   const std::size_t fraction = type & 0x0F;

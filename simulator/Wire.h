@@ -59,6 +59,12 @@ class RequestParser {
 /// An answer's bytes; a body over kMaxBody is cut.
 Bytes EncodeAnswer(const Message& answer);
 
+/// Two reads carry no parameter in the usual form: theirs is told by identifier, count and type.
+bool IsFileRead(const Message& request);
+bool IsSerialNumberQuery(const Message& request);
+
+inline constexpr std::size_t kPathAt = 10;  ///< of the path in the body of a file request
+
 /// How the elements of a parameter lie in its body: little-endian fixed point.
 struct ElementFormat {
   std::size_t size = 1;      ///< bytes, 1 to 8
