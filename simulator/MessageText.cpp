@@ -16,9 +16,6 @@ ElementName NameOfElement(const ParameterForm& form, std::size_t index) {
     return form.elements[index];
   }
   index -= form.count;
-  if (form.entry.empty()) {
-    return {};
-  }
   return index < std::size(kChunk) ? kChunk[index]
                                    : form.entry[(index - std::size(kChunk)) % form.entry.size()];
 }
@@ -43,8 +40,11 @@ std::vector<NamedValue> ElementsOf(const Message& message) {
   if (!id || !format) {
     return {};
   }
-  const std::vector<double> values =
+  std::vector<double> values =
       DecodeElements(std::span(message.body).subspan(kIdentifierSize), *format);
+  if (form != nullptr && form->entry.empty() && values.size() > form->count) {
+    values.resize(form->count);  // what makes a request's length even is no element
+  }
   std::vector<NamedValue> elements;
   elements.reserve(values.size());
   for (std::size_t i = 0; i < values.size(); ++i) {

@@ -9,6 +9,7 @@ namespace {
 
 // Header fields by offset.
 constexpr std::size_t kCommandAt = 2;
+constexpr std::size_t kStatusAt = 4;
 constexpr std::size_t kLengthAt = 6;
 constexpr std::size_t kCountAt = 8;
 constexpr std::size_t kTypeAt = 9;
@@ -23,6 +24,18 @@ std::uint64_t ReadInteger(std::span<const std::uint8_t> bytes) {
 }
 
 }  // namespace
+
+Message DecodeHeader(std::span<const std::uint8_t> bytes) {
+  Message message;
+  message.command = ReadWord(bytes, kCommandAt);
+  message.status = static_cast<std::int16_t>(ReadWord(bytes, kStatusAt));
+  message.count = bytes[kCountAt];
+  message.type = bytes[kTypeAt];
+  message.sequence = ReadDoubleWord(bytes, kSequenceAt);
+  return message;
+}
+
+std::size_t BodyLength(std::span<const std::uint8_t> header) { return ReadWord(header, kLengthAt); }
 
 void RequestParser::Feed(std::span<const std::uint8_t> bytes) {
   buffer_.erase(buffer_.begin(), buffer_.begin() + static_cast<std::ptrdiff_t>(position_));
@@ -39,16 +52,12 @@ std::optional<Message> RequestParser::Next() {
   if (bytes.size() < kHeaderSize) {
     return std::nullopt;
   }
-  const std::size_t length = ReadWord(bytes, kLengthAt);
+  const std::size_t length = BodyLength(bytes);
   if (bytes.size() < kHeaderSize + length) {
     return std::nullopt;
   }
   const auto body = bytes.subspan(kHeaderSize, length);
-  Message request;
-  request.command = ReadWord(bytes, kCommandAt);
-  request.count = bytes[kCountAt];
-  request.type = bytes[kTypeAt];
-  request.sequence = ReadDoubleWord(bytes, kSequenceAt);
+  Message request = DecodeHeader(bytes);
   request.body.assign(body.begin(), body.end());
   position_ += kHeaderSize + length;
   return request;

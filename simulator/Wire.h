@@ -44,6 +44,11 @@ struct Message {
   Bytes body;
 };
 
+/// The header's fields, the body left empty; of at least kHeaderSize bytes.
+Message DecodeHeader(std::span<const std::uint8_t> bytes);
+/// Bytes of the body, as the header tells them.
+std::size_t BodyLength(std::span<const std::uint8_t> header);
+
 /// Cuts a stream of bytes into requests. Bytes before a header word are passed over.
 class RequestParser {
  public:

@@ -36,3 +36,6 @@ void AddSimulateCommand(CLI::App& app, int& status);
 
 /// `zk4n detector`: detector calibration files checked, asked, signed, converted and drawn.
 void AddDetectorCommand(CLI::App& app, int& status);
+
+/// `zk4n trace`: an I/O trace of the VISA library in words.
+void AddTraceCommand(CLI::App& app, int& status);

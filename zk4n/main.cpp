@@ -45,6 +45,7 @@ int Run(std::vector<std::string> arguments) {
   AddRegisterCommand(app, status);
   AddCheckCommand(app, status);
   AddDetectorCommand(app, status);
+  AddTraceCommand(app, status);
   try {
     // CLI11 takes them from the back; the program's name is not among them.
     arguments.erase(arguments.begin());
