@@ -8,6 +8,8 @@
 #include "K4NHardWare/CommandExchanger.h"
 #include "K4NHardWare/Event.h"
 
+using namespace k4n;
+
 D3THardWare::D3THardWare(CommandExchanger& exchanger)
     : exchanger_(exchanger), parameters_(kParameterTable.begin(), kParameterTable.end()) {
   exchanger_.SetManager(this);
@@ -73,7 +75,7 @@ Status D3THardWare::WriteElements(HardWareParametr& parameter,
 }
 
 StatusAnd<ReceivedBlock> D3THardWare::ReadDataBlock(std::span<std::uint8_t> buffer,
-                                                    ReadingFormat wanted) {
+                                                    measurement::ReadingFormat wanted) {
   ProtocolMessage message(buffer);
   message.Begin(Command::kReadData, 0, static_cast<std::uint8_t>(wanted));
   const std::array<ProtocolMessage*, 1> messages = {&message};
@@ -82,7 +84,7 @@ StatusAnd<ReceivedBlock> D3THardWare::ReadDataBlock(std::span<std::uint8_t> buff
 }
 
 StatusAnd<ReceivedBlock> D3THardWare::PollDataBlock(std::span<std::uint8_t> buffer,
-                                                    ReadingFormat wanted) {
+                                                    measurement::ReadingFormat wanted) {
   ProtocolMessage message(buffer);
   message.Begin(Command::kReadData, 0, static_cast<std::uint8_t>(wanted));
   const Status polled = exchanger_.StartRead(message);
@@ -91,14 +93,15 @@ StatusAnd<ReceivedBlock> D3THardWare::PollDataBlock(std::span<std::uint8_t> buff
 
 StatusAnd<ReceivedBlock> D3THardWare::FinishDataRead(const ProtocolMessage& message) {
   if (message.status() != Status::kOk) return {message.status()};
-  const std::optional<ReadingFormat> format = ReadingFormatOf(message.type());
+  const std::optional<measurement::ReadingFormat> format =
+      measurement::ReadingFormatOf(message.type());
   if (!format) {
     // A late answer to a setting may be as long as a block.
     exchanger_.RejectAnswer();
     return {Status::kVisaProtocolViolation};
   }
   const ReceivedBlock received{message.payload(), *format};
-  const std::optional<DataBlock> block = ParseBlock(received.body);
+  const std::optional<measurement::DataBlock> block = measurement::ParseBlock(received.body);
   if (!block || !IsNegative(block->word)) return {Status::kOk, received};
   std::unique_ptr<uIEvent::Event> event(
       uIEvent::MakeErrorEvent(this, "Data processing error", nullptr));

@@ -22,6 +22,8 @@
 
 class CommandExchanger;
 
+namespace k4n {
+
 /// The five elements of a trigger parameter, input and output alike.
 struct TriggerElements {
   std::uint32_t code = 0;
@@ -47,8 +49,10 @@ enum class ListAxis { kFrequency, kPower };
 /// A data answer, in the caller's buffer.
 struct ReceivedBlock {
   std::span<const std::uint8_t> body;  ///< points and status word, see ParseBlock
-  ReadingFormat format{};
+  measurement::ReadingFormat format{};
 };
+
+}  // namespace k4n
 
 /// One per session. It holds no lock: the manager calls one operation at a time. Every setting
 /// operation returns 0 or a negative status (after a negative answer the recovery command has been
@@ -73,31 +77,32 @@ class D3THardWare final : public uIEvent::EventProcessor {
   /// Writes a candidate kind and returns the instrument's own in its place.
   Status QueryInstrumentKind(std::uint32_t& kind);
   /// Reads the present output state: level (dBm) and the settings that go with it.
-  Status ReadOutputState(LevelSettings& settings, double& level);
+  Status ReadOutputState(k4n::LevelSettings& settings, double& level);
 
   /// Hz; clamped to the instrument's limits before it is written.
   Status SetCwFrequency(double& frequency);
   /// Hz.
-  Status SetFrequencySweep(StepSettings& sweep);
+  Status SetFrequencySweep(k4n::StepSettings& sweep);
   /// dBm. The first call in a session finds out which power commands the instrument knows; so do
   /// further ones until its answers have told.
-  Status SetOutputLevel(LevelSettings& settings, double& level);
+  Status SetOutputLevel(k4n::LevelSettings& settings, double& level);
   /// dBm, dB. -1 when the instrument's power commands have no sweep.
-  Status SetPowerSweep(LevelSettings& settings, StepSettings& sweep);
+  Status SetPowerSweep(k4n::LevelSettings& settings, k4n::StepSettings& sweep);
   /// Values in place: Hz, or dBm with the level settings' first two elements. 0 for no values.
-  Status TransferList(ListAxis axis, std::span<double> values, const LevelSettings& settings);
+  Status TransferList(k4n::ListAxis axis, std::span<double> values,
+                      const k4n::LevelSettings& settings);
   /// Nanoseconds, as the parameter carries them.
   Status SetDwell(double& nanoseconds);
   /// As SetDwell with the value in thousands of the parameter's unit.
   Status SetDwellThousands(double& thousands);
   /// Factor 1 to 14 (clamped); the feature mask is written first.
-  Status SetAveraging(std::int32_t& factor, const AveragingFeatures& features = {});
+  Status SetAveraging(std::int32_t& factor, const k4n::AveragingFeatures& features = {});
   /// Group 1 is the second trigger line; without it on the instrument nothing is sent and 0
   /// returned.
-  Status SetTriggerInput(unsigned group, TriggerElements& elements);
-  Status SetTriggerOutput(unsigned group, TriggerElements& elements);
+  Status SetTriggerInput(unsigned group, k4n::TriggerElements& elements);
+  Status SetTriggerOutput(unsigned group, k4n::TriggerElements& elements);
   /// Mode 2 starts the train, 0 stops it; nanoseconds. The two arrays have one length.
-  Status TransferPulseTrain(std::uint32_t mode, PulseSource& source, std::span<double> widths,
+  Status TransferPulseTrain(std::uint32_t mode, k4n::PulseSource& source, std::span<double> widths,
                             std::span<double> gaps, bool inverse);
   /// Nanoseconds; the second element carries the time from the end of a pulse to the next one.
   Status SetSyncGenerator(double& width, double& off_time, double& delay);
@@ -120,17 +125,17 @@ class D3THardWare final : public uIEvent::EventProcessor {
   /// Reads one data block into the buffer and waits for it. What is answered may be in the other
   /// format. 0xBFFF0037 for an answer that is marked with neither: no block. A negative status word
   /// of the block raises a "Data processing error" event and is the status.
-  [[nodiscard]] StatusAnd<ReceivedBlock> ReadDataBlock(std::span<std::uint8_t> buffer,
-                                                       ReadingFormat wanted);
+  [[nodiscard]] StatusAnd<k4n::ReceivedBlock> ReadDataBlock(std::span<std::uint8_t> buffer,
+                                                            measurement::ReadingFormat wanted);
   /// The same without waiting for the end: VI_ERROR_TMO while the block is not complete; call
   /// again, with the same buffer.
-  [[nodiscard]] StatusAnd<ReceivedBlock> PollDataBlock(std::span<std::uint8_t> buffer,
-                                                       ReadingFormat wanted);
+  [[nodiscard]] StatusAnd<k4n::ReceivedBlock> PollDataBlock(std::span<std::uint8_t> buffer,
+                                                            measurement::ReadingFormat wanted);
 
   /// The VISA library's text for one of its statuses.
   [[nodiscard]] std::string DescribeStatus(Status code);
 
-  [[nodiscard]] const IdentityRecord& identity() const { return identity_; }
+  [[nodiscard]] const k4n::IdentityRecord& identity() const { return identity_; }
   [[nodiscard]] double minimum_frequency() const { return minimum_frequency_; }
   [[nodiscard]] double maximum_frequency() const { return maximum_frequency_; }
   /// 1 for instruments up to 4 GHz, else 2; 0 before Initialize.
@@ -160,7 +165,7 @@ class D3THardWare final : public uIEvent::EventProcessor {
     double* value;
   };
 
-  HardWareParametr& At(Parameter parameter) {
+  HardWareParametr& At(k4n::Parameter parameter) {
     return parameters_[static_cast<std::size_t>(parameter)];
   }
   /// Sends the message and waits for its answer, which takes its place. The answer's code, or the
@@ -170,31 +175,31 @@ class D3THardWare final : public uIEvent::EventProcessor {
   /// Fills the elements from the values, writes, and on success copies the instrument's elements
   /// back.
   Status WriteElements(HardWareParametr& parameter, std::initializer_list<ElementValue> values);
-  StatusAnd<ReceivedBlock> FinishDataRead(const ProtocolMessage& message);
+  StatusAnd<k4n::ReceivedBlock> FinishDataRead(const ProtocolMessage& message);
 
   Status WriteFeatureMask(std::uint16_t mask);
   Status ReadIdentity();
   Status ProbeFrequencyRange();
-  Status ProbeFrequencyForm(Parameter form, double span);
+  Status ProbeFrequencyForm(k4n::Parameter form, double span);
   [[nodiscard]] double ClampFrequency(double frequency) const;
 
-  Status ProbePowerVariant(const LevelSettings& settings, double level);
-  Status ProbeWideSweep(const LevelSettings& settings, double level);
-  Status ProbeNarrowSweep(const LevelSettings& settings, double level);
-  Status WritePowerProbe(Parameter form, const LevelSettings& settings, double level);
-  [[nodiscard]] bool IsUsable(Parameter form);
-  [[nodiscard]] Parameter LevelParameter() const;
-  Status WriteTriggerGroup(Parameter one_group, Parameter two_groups, unsigned group,
-                           TriggerElements& elements);
+  Status ProbePowerVariant(const k4n::LevelSettings& settings, double level);
+  Status ProbeWideSweep(const k4n::LevelSettings& settings, double level);
+  Status ProbeNarrowSweep(const k4n::LevelSettings& settings, double level);
+  Status WritePowerProbe(k4n::Parameter form, const k4n::LevelSettings& settings, double level);
+  [[nodiscard]] bool IsUsable(k4n::Parameter form);
+  [[nodiscard]] k4n::Parameter LevelParameter() const;
+  Status WriteTriggerGroup(k4n::Parameter one_group, k4n::Parameter two_groups, unsigned group,
+                           k4n::TriggerElements& elements);
   /// Reads a parameter for one of its result codes: that code gives false and 0.
-  Status ReadStateCode(Parameter parameter, Status bad_code, bool& good);
+  Status ReadStateCode(k4n::Parameter parameter, Status bad_code, bool& good);
 
   CommandExchanger& exchanger_;
   ProtocolMessage message_;  // one for every transaction, so that none allocates a body
   std::vector<HardWareParametr> parameters_;  // in the order of kParameterTable
 
   std::uint32_t frequency_class_ = 0;
-  IdentityRecord identity_;
+  k4n::IdentityRecord identity_;
   static constexpr std::uint32_t kVariantUnprobed = 3;
   std::uint32_t power_variant_ = kVariantUnprobed;
   bool power_variant_settled_ = false;  // no further probe

@@ -1,6 +1,8 @@
 // What the model learns of its instrument at connection.
 #include "K4NHardWare/D3THardWare.h"
 
+using namespace k4n;
+
 namespace {
 
 constexpr double kWideSpan = 1e11;               // Hz, beyond every instrument

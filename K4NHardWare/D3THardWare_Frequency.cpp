@@ -5,6 +5,8 @@
 
 #include "K4NHardWare/D3THardWare.h"
 
+using namespace k4n;
+
 namespace {
 
 /// Number of points from `start` to `stop`; 1 when there is no step. Kept: a step that points away

@@ -6,6 +6,8 @@
 #include "K4NHardWare/D3THardWare.h"
 #include "platform/os/Sync.h"
 
+using namespace k4n;
+
 namespace {
 
 /// The checksum of the serial number: CRC-16 with the reflected polynomial 0xA001, initial value 0.

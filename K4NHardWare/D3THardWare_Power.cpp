@@ -7,6 +7,8 @@
 
 #include "K4NHardWare/D3THardWare.h"
 
+using namespace k4n;
+
 namespace {
 
 /// The forms of the parameters that one generation speaks.

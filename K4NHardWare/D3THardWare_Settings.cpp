@@ -4,6 +4,8 @@
 
 #include "K4NHardWare/D3THardWare.h"
 
+using namespace k4n;
+
 namespace {
 
 constexpr std::int32_t kSmallestAveraging = 1;

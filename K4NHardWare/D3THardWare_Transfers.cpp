@@ -5,6 +5,8 @@
 
 #include "K4NHardWare/D3THardWare.h"
 
+using namespace k4n;
+
 namespace {
 
 constexpr std::size_t kBlockBytes = 1006;  // of a list's elements in one message

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdio>
 
+namespace k4n {
+
 namespace {
 
 struct CodeText {
@@ -35,3 +37,5 @@ std::string ErrorText(Status code) {
                 static_cast<unsigned>(reduced));
   return text.data();
 }
+
+}  // namespace k4n

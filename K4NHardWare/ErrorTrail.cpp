@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <new>
 
+namespace k4n {
+
 std::string ErrorRecord::Location() const {
   return "File: .\\K4NHardWare\\K4NManager Line: " + std::to_string(static_cast<int>(site));
 }
@@ -42,3 +44,5 @@ std::optional<ErrorTrail::Run> ErrorTrail::RunAt(std::size_t index) const {
   if (index >= runs_.size()) return std::nullopt;
   return runs_[index];
 }
+
+}  // namespace k4n

@@ -10,6 +10,8 @@
 
 #include "status/Status.h"
 
+namespace k4n {
+
 /// Where a failure was noticed. The numbers are fixed: a trail read in the field is told by them.
 enum class Site : int {
   kInstrumentKind = 142,      ///< another kind of instrument answered
@@ -89,3 +91,5 @@ class ErrorTrail {
   mutable std::mutex mutex_;
   std::deque<Run> runs_;
 };
+
+}  // namespace k4n

@@ -5,6 +5,8 @@
 #include <limits>
 #include <stdexcept>
 
+using namespace k4n;
+
 namespace {
 
 constexpr std::size_t kIdentifierSize = 2;

@@ -6,6 +6,8 @@
 #include <span>
 #include <vector>
 
+namespace k4n {
+
 /// How a parameter's elements lie on the wire.
 struct ParameterLayout {
   std::uint16_t identifier = 0;
@@ -15,12 +17,14 @@ struct ParameterLayout {
   bool is_signed = false;              ///< two's complement; implied by fractional bytes
 };
 
+}  // namespace k4n
+
 /// Converts between engineering values and the wire image, which is its storage: identifier (low
 /// byte, then 0), then the elements, little-endian fixed point.
 class HardWareParametr {
  public:
   /// Elements are zero. Throws std::bad_alloc without memory for them.
-  explicit HardWareParametr(const ParameterLayout& layout);
+  explicit HardWareParametr(const k4n::ParameterLayout& layout);
   HardWareParametr(const HardWareParametr&) = default;
   HardWareParametr(HardWareParametr&&) = default;
   HardWareParametr& operator=(const HardWareParametr&) = delete;

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+namespace k4n {
+
 namespace {
 
 // Windows-1251.
@@ -99,3 +101,5 @@ IdentityRecord ParseIdentityRecord(std::string_view text) {
           .fpga_firmware = DateAfter(text, kFpgaKey),
           .dsp_program = DateAfter(text, kDspKey)};
 }
+
+}  // namespace k4n

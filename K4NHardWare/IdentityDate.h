@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+namespace k4n {
+
 /// Calendar date of the identity record; all zero when unknown.
 struct IdentityDate {
   std::uint16_t year = 0;
@@ -30,3 +32,5 @@ IdentityDate ParseIdentityDate(std::string_view text);
 /// Finds the dates in the text of the identity record, Windows-1251. A text that begins with a date
 /// is that of manufacture alone.
 IdentityRecord ParseIdentityRecord(std::string_view text);
+
+}  // namespace k4n

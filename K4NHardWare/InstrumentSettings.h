@@ -11,7 +11,9 @@
 #include "measurement/DataBlock.h"
 #include "measurement/TraceConversion.h"
 
-inline constexpr std::size_t kChannelCount = kTraceChannels;
+namespace k4n {
+
+inline constexpr std::size_t kChannelCount = measurement::kTraceChannels;
 
 /// What the axes of the generator do.
 enum class SweepMode : std::uint32_t {
@@ -113,7 +115,8 @@ struct InstrumentSettings {
   std::uint32_t compensation_mode = 0;  ///< any number: the instrument judges it
   TriggerOutputSettings trigger_output;
   SyncGeneratorSettings sync_generator;
-  std::array<ChannelTransform, kChannelCount> channels;  ///< offset 0, multiplier 1, divider 1
+  std::array<measurement::ChannelTransform, kChannelCount>
+      channels;  ///< offset 0, multiplier 1, divider 1
 };
 
 /// Where the pulse modulator takes its pulses from.
@@ -133,3 +136,5 @@ struct PulseSettings {
   bool modulation_inverse = false;
   bool modulation_available = true;
 };
+
+}  // namespace k4n

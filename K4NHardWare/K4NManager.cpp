@@ -3,6 +3,8 @@
 #include "K4NHardWare/Event.h"
 #include "K4NHardWare/K4NManagerOperation.h"
 
+using namespace k4n;
+
 CK4NManager::CK4NManager() = default;
 
 CK4NManager::~CK4NManager() { Discard(Close()); }
@@ -38,7 +40,8 @@ bool CK4NManager::MayMeasure() const {
       return false;
     }
     if (measurement_mode_ == SweepMode::kContinuousWave) return false;
-    return instrument_kind_ != InstrumentKind::kGenerator || live.level.level_control == 1;
+    return instrument_kind_ != measurement::InstrumentKind::kGenerator ||
+           live.level.level_control == 1;
   });
 }
 

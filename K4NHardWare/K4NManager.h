@@ -27,6 +27,8 @@
 
 class CommandExchanger;
 class D3THardWare;
+namespace k4n {
+
 enum class ListAxis;
 
 /// One record of the error trail in a client's terms.
@@ -34,6 +36,8 @@ struct ErrorReport {
   Status status = Status::kOk;
   std::optional<std::string> message;
 };
+
+}  // namespace k4n
 
 /// One per root object. Operations may be called from any thread; those that talk to the instrument
 /// run one at a time, each pausing the measurement worker first and resuming it at the end. All of
@@ -58,9 +62,9 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   [[nodiscard]] bool IsConnected() const;
   /// Takes the oldest record from the error trail: its status, and its text (VISA library, protocol
   /// library or decimal number). 0 and no text when the trail is empty. Needs no session.
-  [[nodiscard]] ErrorReport ErrorQuery();
+  [[nodiscard]] k4n::ErrorReport ErrorQuery();
   /// What the error trail holds; nothing is removed.
-  [[nodiscard]] const ErrorTrail& error_trail() const { return trail_; }
+  [[nodiscard]] const k4n::ErrorTrail& error_trail() const { return trail_; }
   /// Whether the instrument's DSP program is dated at all. Kept: the reference date that it is
   /// compared with lies in December, which is not read as a date, so that every date is later.
   [[nodiscard]] bool IsFirmwareNewer() const { return firmware_newer_; }
@@ -75,14 +79,14 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   [[nodiscard]] bool GetOutputEnabled();
 
   // --- Sweep
-  Status SetSweepMode(SweepMode mode);
-  [[nodiscard]] SweepMode GetSweepMode() const;
-  Status SetFrequencyStep(const StepSettings& step);  ///< Hz
-  [[nodiscard]] StepSettings GetFrequencyStep() const;
-  Status SetPowerStep(const StepSettings& step);  ///< dBm, dB
-  [[nodiscard]] StepSettings GetPowerStep() const;
-  Status SetSweepTrigger(const SweepTriggerSettings& trigger);
-  [[nodiscard]] SweepTriggerSettings GetSweepTrigger() const;
+  Status SetSweepMode(k4n::SweepMode mode);
+  [[nodiscard]] k4n::SweepMode GetSweepMode() const;
+  Status SetFrequencyStep(const k4n::StepSettings& step);  ///< Hz
+  [[nodiscard]] k4n::StepSettings GetFrequencyStep() const;
+  Status SetPowerStep(const k4n::StepSettings& step);  ///< dBm, dB
+  [[nodiscard]] k4n::StepSettings GetPowerStep() const;
+  Status SetSweepTrigger(const k4n::SweepTriggerSettings& trigger);
+  [[nodiscard]] k4n::SweepTriggerSettings GetSweepTrigger() const;
   /// Kept: the instrument's parameter has 32 bits, and what a longer time has beyond them is lost:
   /// 10 s read back as 1.410065408 s.
   Status SetDwell(double nanoseconds);
@@ -108,15 +112,15 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   /// Widths and delays in seconds; written back as the instrument set them.
   Status ConfigurePacket(bool enabled, SAFEARRAY* widths, SAFEARRAY* delays);
   Status SetPulseModEnabled(bool enabled);
-  Status SetPulseModSource(PulseSource source);
+  Status SetPulseModSource(k4n::PulseSource source);
   Status SetPulseModPolarity(bool inverse);
-  [[nodiscard]] PulseSettings GetPulseSettings() const;
+  [[nodiscard]] k4n::PulseSettings GetPulseSettings() const;
 
   // --- Trigger output, sync generator
-  Status SetTriggerOutput(const TriggerOutputSettings& settings);
-  [[nodiscard]] TriggerOutputSettings GetTriggerOutput() const;
-  Status SetSyncGenerator(const SyncGeneratorSettings& settings);
-  [[nodiscard]] SyncGeneratorSettings GetSyncGenerator() const;
+  Status SetTriggerOutput(const k4n::TriggerOutputSettings& settings);
+  [[nodiscard]] k4n::TriggerOutputSettings GetTriggerOutput() const;
+  Status SetSyncGenerator(const k4n::SyncGeneratorSettings& settings);
+  [[nodiscard]] k4n::SyncGeneratorSettings GetSyncGenerator() const;
 
   // --- System
   [[nodiscard]] StatusAnd<std::string> GetSerialNumber();
@@ -125,10 +129,10 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   [[nodiscard]] StatusAnd<bool> GetPllState();    ///< locked
   [[nodiscard]] StatusAnd<bool> GetErgState();    ///< good
   [[nodiscard]] StatusAnd<bool> GetLevelState();  ///< settled
-  Status SetAttenMode(AttenMode mode);
-  [[nodiscard]] AttenMode GetAttenMode() const;
-  Status SetExtRefGen(const ReferenceSettings& reference);
-  [[nodiscard]] ReferenceSettings GetExtRefGen() const;
+  Status SetAttenMode(k4n::AttenMode mode);
+  [[nodiscard]] k4n::AttenMode GetAttenMode() const;
+  Status SetExtRefGen(const k4n::ReferenceSettings& reference);
+  [[nodiscard]] k4n::ReferenceSettings GetExtRefGen() const;
   Status SetExtRefPhaseDelay(std::int32_t delay);
   [[nodiscard]] std::int32_t GetExtRefPhaseDelay() const;
   Status SetExtPwrCtrl(bool enabled);
@@ -151,7 +155,7 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status SetChannelOffset(std::size_t channel, double offset);
   Status SetChannelMultiplier(std::size_t channel, double multiplier);
   Status SetChannelDivider(std::size_t channel, double divider);  ///< below 1.0: 0x80047010
-  [[nodiscard]] ChannelTransform GetChannel(std::size_t channel) const;
+  [[nodiscard]] measurement::ChannelTransform GetChannel(std::size_t channel) const;
 
   // --- IEventProcessor: the top of the chain, events are only remembered
   void ProcessEvent(uIEvent::Event* event) override;
@@ -174,10 +178,10 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   template <typename Body>
   Status Guarded(Body&& body);
   /// Puts the result of an exchange into the trail when it is a failure; returns it.
-  Status Record(Site site, Status result);
+  Status Record(k4n::Site site, Status result);
   /// One of the cached settings.
   template <typename T>
-  [[nodiscard]] T Cached(T InstrumentSettings::*setting) const;
+  [[nodiscard]] T Cached(T k4n::InstrumentSettings::*setting) const;
 
   void AbandonExchange();
   // The rest is called within an operation.
@@ -189,36 +193,36 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status Identify();
   [[nodiscard]] bool MayMeasure() const;
 
-  Status ApplyFrequencyAxis(std::optional<SweepMode> request);
-  Status ApplyPowerAxis(std::optional<SweepMode> request);
-  Status ProgramFrequencyAxis(SweepMode mode);
-  Status ProgramPowerAxis(SweepMode mode, bool trial);
-  Status ProgramList(ListAxis axis, Synchronized<SweepList>& list, double stand_in,
-                     const LevelSettings& level);
+  Status ApplyFrequencyAxis(std::optional<k4n::SweepMode> request);
+  Status ApplyPowerAxis(std::optional<k4n::SweepMode> request);
+  Status ProgramFrequencyAxis(k4n::SweepMode mode);
+  Status ProgramPowerAxis(k4n::SweepMode mode, bool trial);
+  Status ProgramList(k4n::ListAxis axis, k4n::Synchronized<k4n::SweepList>& list, double stand_in,
+                     const k4n::LevelSettings& level);
   Status SwitchOutputOff();
-  Outcome ProgramSweepMode(SweepMode mode);
-  Outcome ProgramSweepTrigger(SweepTriggerSettings trigger);
+  Outcome ProgramSweepMode(k4n::SweepMode mode);
+  Outcome ProgramSweepTrigger(k4n::SweepTriggerSettings trigger);
   template <typename Apply>
-  Status ReplaceList(SAFEARRAY* array, Synchronized<SweepList>& list, Apply&& apply);
+  Status ReplaceList(SAFEARRAY* array, k4n::Synchronized<k4n::SweepList>& list, Apply&& apply);
 
   template <typename Change>
   Status ChangePulse(Change&& change);
   Status ProgramPulseModulation();
-  Status ProgramSinglePulse(PulseSettings& pulse);
-  Status ProgramDoublePulse(PulseSettings& pulse);
-  Status ProgramPacket(PulseSettings& pulse);
+  Status ProgramSinglePulse(k4n::PulseSettings& pulse);
+  Status ProgramDoublePulse(k4n::PulseSettings& pulse);
+  Status ProgramPacket(k4n::PulseSettings& pulse);
   Status SwitchPulseModulationOff();
 
-  Status ProgramTriggerOutput(TriggerOutputSettings settings);
+  Status ProgramTriggerOutput(k4n::TriggerOutputSettings settings);
   Status RouteSyncGenerator(bool routed);
   Status ProgramAveraging(std::int32_t count);
   /// 0x80047010 for a value that is not valid.
-  Status SetChannel(std::size_t channel, double ChannelTransform::*element, double value,
-                    bool is_valid);
+  Status SetChannel(std::size_t channel, double measurement::ChannelTransform::*element,
+                    double value, bool is_valid);
   /// Whether a state counts as good again once it has been told.
   enum class Told { kAlways, kOnce };
   template <typename Read>
-  StatusAnd<bool> ReadState(std::atomic<bool>& state, Site site, Read&& read,
+  StatusAnd<bool> ReadState(std::atomic<bool>& state, k4n::Site site, Read&& read,
                             Told told = Told::kAlways);
 
   // Lock order: operation lock, data lock (in the measurement block), session lock; the locks
@@ -230,22 +234,25 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   std::atomic<bool> connected_ = false;  // what everybody else asks
   std::unique_ptr<CommandExchanger> exchanger_;
   std::unique_ptr<D3THardWare> model_;  // null: no session
-  ProtocolLibrary protocol_;
+  k4n::ProtocolLibrary protocol_;
 
-  ErrorTrail trail_;
-  Synchronized<InstrumentSettings> settings_;
-  Synchronized<PulseSettings> pulse_;
-  Synchronized<SweepList> frequency_list_;
-  Synchronized<SweepList> power_list_;
-  Synchronized<std::array<std::shared_ptr<const DetectorTable>, kChannelCount>> detector_tables_;
-  std::atomic<InstrumentKind> instrument_kind_ = InstrumentKind::kAnalyser;
+  k4n::ErrorTrail trail_;
+  k4n::Synchronized<k4n::InstrumentSettings> settings_;
+  k4n::Synchronized<k4n::PulseSettings> pulse_;
+  k4n::Synchronized<k4n::SweepList> frequency_list_;
+  k4n::Synchronized<k4n::SweepList> power_list_;
+  k4n::Synchronized<
+      std::array<std::shared_ptr<const measurement::DetectorTable>, k4n::kChannelCount>>
+      detector_tables_;
+  std::atomic<measurement::InstrumentKind> instrument_kind_ =
+      measurement::InstrumentKind::kAnalyser;
   std::atomic<bool> firmware_newer_ = false;
   // The mode last programmed as a whole; guarded by the operation lock.
-  SweepMode measurement_mode_ = SweepMode::kContinuousWave;
+  k4n::SweepMode measurement_mode_ = k4n::SweepMode::kContinuousWave;
   std::atomic<bool> sweep_armed_ = false;  // kept: set once and for all
 
-  MeasurementBlock block_;
-  MeasurementWorker worker_{trail_, settings_, block_};
+  k4n::MeasurementBlock block_;
+  k4n::MeasurementWorker worker_{trail_, settings_, block_};
 
   std::unique_ptr<uIEvent::Event> last_event_;
   uIEvent::IEventProcessor* manager_ = nullptr;

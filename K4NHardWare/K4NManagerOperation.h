@@ -37,6 +37,6 @@ Status CK4NManager::Guarded(Body&& body) {
 }
 
 template <typename T>
-T CK4NManager::Cached(T InstrumentSettings::*setting) const {
-  return settings_.With([setting](const InstrumentSettings& live) { return live.*setting; });
+T CK4NManager::Cached(T k4n::InstrumentSettings::*setting) const {
+  return settings_.With([setting](const k4n::InstrumentSettings& live) { return live.*setting; });
 }

@@ -2,6 +2,8 @@
 #include "K4NHardWare/K4NManagerOperation.h"
 #include "K4NHardWare/RealArray.h"
 
+using namespace k4n;
+
 /// Kept: an array that cannot be locked leaves the worker paused until the next operation.
 template <typename Apply>
 Status CK4NManager::ReplaceList(SAFEARRAY* array, Synchronized<SweepList>& list, Apply&& apply) {

@@ -4,6 +4,8 @@
 #include "K4NHardWare/K4NManagerOperation.h"
 #include "measurement/DetectorFile.h"
 
+using namespace k4n;
+
 namespace {
 
 constexpr double kLargestOffset = 1e11;  // Hz
@@ -12,7 +14,8 @@ constexpr double kSmallestDivider = 1.0;
 }  // namespace
 
 Status CK4NManager::SetAveraging(std::int32_t count) {
-  if (instrument_kind_ == InstrumentKind::kGenerator) return Status::kPropertyNotSupported;
+  if (instrument_kind_ == measurement::InstrumentKind::kGenerator)
+    return Status::kPropertyNotSupported;
   return Guarded([&] { return ProgramAveraging(count); });
 }
 
@@ -32,16 +35,17 @@ Status CK4NManager::ProgramAveraging(std::int32_t count) {
 }
 
 std::optional<std::int32_t> CK4NManager::GetAveraging() const {
-  if (instrument_kind_ == InstrumentKind::kGenerator) return std::nullopt;
+  if (instrument_kind_ == measurement::InstrumentKind::kGenerator) return std::nullopt;
   return Cached(&InstrumentSettings::averaging);
 }
 
 Status CK4NManager::LoadDetectorData(std::size_t channel, const std::filesystem::path& file) {
-  if (instrument_kind_ == InstrumentKind::kGenerator) return Status::kMethodNotSupported;
+  if (instrument_kind_ == measurement::InstrumentKind::kGenerator)
+    return Status::kMethodNotSupported;
   if (channel >= kChannelCount) return Status::kOk;
   return Guarded([&] {
-    std::shared_ptr<const DetectorTable> table;
-    const Status result = LoadDetectorTable(file, table);
+    std::shared_ptr<const measurement::DetectorTable> table;
+    const Status result = measurement::LoadDetectorTable(file, table);
     if (result == Status::kOk) {
       detector_tables_.With([&](auto& tables) { tables[channel] = std::move(table); });
     }
@@ -50,8 +54,8 @@ Status CK4NManager::LoadDetectorData(std::size_t channel, const std::filesystem:
 }
 
 Status CK4NManager::FetchData(TraceMatrix& trace) {
-  const InstrumentKind kind = instrument_kind_;
-  if (kind == InstrumentKind::kGenerator) return Status::kMethodNotSupported;
+  const measurement::InstrumentKind kind = instrument_kind_;
+  if (kind == measurement::InstrumentKind::kGenerator) return Status::kMethodNotSupported;
   if (!connected_) return Status::kNoSession;
   // Before any sweep was programmed a fetch measures by itself.
   if (!sweep_armed_) {
@@ -61,33 +65,36 @@ Status CK4NManager::FetchData(TraceMatrix& trace) {
   const auto transforms =
       settings_.With([](const InstrumentSettings& live) { return live.channels; });
   const auto tables = detector_tables_.Copy();
-  std::array<ChannelCalibration, kTraceChannels> channels;
-  for (std::size_t c = 0; c < kTraceChannels; ++c) channels[c] = {transforms[c], tables[c]};
+  std::array<measurement::ChannelCalibration, measurement::kTraceChannels> channels;
+  for (std::size_t c = 0; c < measurement::kTraceChannels; ++c)
+    channels[c] = {transforms[c], tables[c]};
   return block_.Convert(kind, frequency_list_.Copy(), channels, trace) ? Status::kOk
                                                                        : Status::kVisaTimeout;
 }
 
-Status CK4NManager::SetChannel(std::size_t channel, double ChannelTransform::*element, double value,
-                               bool is_valid) {
+Status CK4NManager::SetChannel(std::size_t channel, double measurement::ChannelTransform::*element,
+                               double value, bool is_valid) {
   if (channel >= kChannelCount) return Status::kOk;
   if (!is_valid) return Status::kInvalidValue;
   settings_.With([&](InstrumentSettings& live) { live.channels[channel].*element = value; });
   return Status::kOk;
 }
 
-ChannelTransform CK4NManager::GetChannel(std::size_t channel) const {
+measurement::ChannelTransform CK4NManager::GetChannel(std::size_t channel) const {
   return channel < kChannelCount ? Cached(&InstrumentSettings::channels)[channel]
-                                 : ChannelTransform{};
+                                 : measurement::ChannelTransform{};
 }
 
 Status CK4NManager::SetChannelOffset(std::size_t channel, double offset) {
-  return SetChannel(channel, &ChannelTransform::offset, offset, std::abs(offset) <= kLargestOffset);
+  return SetChannel(channel, &measurement::ChannelTransform::offset, offset,
+                    std::abs(offset) <= kLargestOffset);
 }
 
 Status CK4NManager::SetChannelMultiplier(std::size_t channel, double multiplier) {
-  return SetChannel(channel, &ChannelTransform::multiplier, multiplier, true);
+  return SetChannel(channel, &measurement::ChannelTransform::multiplier, multiplier, true);
 }
 
 Status CK4NManager::SetChannelDivider(std::size_t channel, double divider) {
-  return SetChannel(channel, &ChannelTransform::divider, divider, divider >= kSmallestDivider);
+  return SetChannel(channel, &measurement::ChannelTransform::divider, divider,
+                    divider >= kSmallestDivider);
 }

@@ -8,6 +8,8 @@
 #include "K4NHardWare/RealArray.h"
 #include "K4NHardWare/Units.h"
 
+using namespace k4n;
+
 namespace {
 
 // What the instrument does with a pulse train.

@@ -1,6 +1,8 @@
 // The RF output.
 #include "K4NHardWare/K4NManagerOperation.h"
 
+using namespace k4n;
+
 Status CK4NManager::SetFrequency(double frequency) {
   return Guarded([&] {
     settings_.With([&](InstrumentSettings& live) { live.cw_frequency = frequency; });

@@ -5,6 +5,8 @@
 #include "K4NHardWare/K4NManagerOperation.h"
 #include "platform/os/Sync.h"
 
+using namespace k4n;
+
 namespace {
 
 constexpr std::chrono::milliseconds kSettleTime{20};
@@ -12,8 +14,9 @@ constexpr const char* kGeneratorOption = "GENERATOR";
 constexpr const char* kReferenceDate = "28.12.2005";
 
 /// The kinds in the order in which an instrument is asked whether it is one.
-constexpr std::array kKindCandidates = {InstrumentKind::kAnalyser, InstrumentKind::kDetectors,
-                                        InstrumentKind::kGenerator};
+constexpr std::array kKindCandidates = {measurement::InstrumentKind::kAnalyser,
+                                        measurement::InstrumentKind::kDetectors,
+                                        measurement::InstrumentKind::kGenerator};
 
 bool IsNotSupported(Status result) {
   return result == Status::kInstrumentNotSupported || result == Status::kInstrumentFormUnknown;
@@ -69,7 +72,8 @@ Status CK4NManager::OpenSession(const std::string& resource_name) {
 Status CK4NManager::StartSession(bool generator_only) {
   const Status initialized = Record(Site::kInitializeModel, model_->Initialize());
   if (IsNotSupported(initialized)) return Status::kUnknownResource;
-  instrument_kind_ = generator_only ? InstrumentKind::kGenerator : InstrumentKind::kAnalyser;
+  instrument_kind_ = generator_only ? measurement::InstrumentKind::kGenerator
+                                    : measurement::InstrumentKind::kAnalyser;
   // Other failures than this one are left in the trail: the steps below decide.
   if (IsNotSupported(ResetAndIdentify())) return Status::kIdentificationFailed;
 
@@ -119,7 +123,7 @@ Status CK4NManager::ResetAndIdentify() {
     live.cw_level = settings.cw_level;
   });
 
-  if (instrument_kind_ != InstrumentKind::kGenerator) {
+  if (instrument_kind_ != measurement::InstrumentKind::kGenerator) {
     Discard(ProgramAveraging(settings.averaging));  // kept: a refusal is told by the trail alone
   }
   return ProgramSweepMode(SweepMode::kContinuousWave).status;
@@ -143,9 +147,9 @@ void CK4NManager::LoadDefaults() {
 /// Without an answer the chosen one stands.
 Status CK4NManager::Identify() {
   Status result = Status::kOk;
-  const InstrumentKind chosen = instrument_kind_;
+  const measurement::InstrumentKind chosen = instrument_kind_;
   bool reached = false;
-  for (const InstrumentKind candidate : kKindCandidates) {
+  for (const measurement::InstrumentKind candidate : kKindCandidates) {
     reached = reached || candidate == chosen;
     if (!reached) continue;
     auto kind = static_cast<std::uint32_t>(candidate);

@@ -3,6 +3,8 @@
 
 #include "K4NHardWare/K4NManagerOperation.h"
 
+using namespace k4n;
+
 namespace {
 
 // What a list sweep runs on along an axis that has no list.

@@ -3,6 +3,8 @@
 
 #include "K4NHardWare/K4NManagerOperation.h"
 
+using namespace k4n;
+
 namespace {
 
 // The lines that a trigger parameter is for.

@@ -1,16 +1,18 @@
 #include "K4NHardWare/MeasurementBlock.h"
 
+namespace k4n {
+
 namespace {
 
-FrequencyPlan PlanOf(const InstrumentSettings& settings, const SweepList& list) {
-  FrequencyPlan plan;
+measurement::FrequencyPlan PlanOf(const InstrumentSettings& settings, const SweepList& list) {
+  measurement::FrequencyPlan plan;
   plan.cw = settings.cw_frequency;
   if (settings.sweep_mode == SweepMode::kFrequencyStep) {
-    plan.mode = FrequencyPlan::Mode::kStep;
+    plan.mode = measurement::FrequencyPlan::Mode::kStep;
     plan.start = settings.frequency_step.start;
     plan.step = settings.frequency_step.step;
   } else if (settings.sweep_mode == SweepMode::kList && list != nullptr) {
-    plan.mode = FrequencyPlan::Mode::kList;
+    plan.mode = measurement::FrequencyPlan::Mode::kList;
     plan.list = *list;
   }
   return plan;
@@ -18,7 +20,8 @@ FrequencyPlan PlanOf(const InstrumentSettings& settings, const SweepList& list) 
 
 }  // namespace
 
-void MeasurementBlock::Store(std::span<const std::uint8_t> points, ReadingFormat format,
+void MeasurementBlock::Store(std::span<const std::uint8_t> points,
+                             measurement::ReadingFormat format,
                              const Synchronized<InstrumentSettings>& settings) {
   const std::lock_guard lock(mutex_);
   points_.assign(points.begin(), points.end());
@@ -32,12 +35,15 @@ void MeasurementBlock::Discard() {
   ready_ = false;
 }
 
-bool MeasurementBlock::Convert(InstrumentKind kind, const SweepList& list,
-                               const std::array<ChannelCalibration, kTraceChannels>& channels,
-                               TraceMatrix& trace) {
+bool MeasurementBlock::Convert(
+    measurement::InstrumentKind kind, const SweepList& list,
+    const std::array<measurement::ChannelCalibration, measurement::kTraceChannels>& channels,
+    TraceMatrix& trace) {
   const std::lock_guard lock(mutex_);
   if (!ready_) return false;
-  ConvertBlock({points_, format_, kind}, PlanOf(settings_, list), channels, trace);
+  measurement::ConvertBlock({points_, format_, kind}, PlanOf(settings_, list), channels, trace);
   ready_ = false;
   return true;
 }
+
+}  // namespace k4n

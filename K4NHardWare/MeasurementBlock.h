@@ -13,6 +13,8 @@
 #include "measurement/TraceConversion.h"
 #include "measurement/TraceMatrix.h"
 
+namespace k4n {
+
 /// The longest answer that a 16-bit length can announce, rounded up.
 inline constexpr std::size_t kLongestBlock = 65536;
 
@@ -27,19 +29,23 @@ class MeasurementBlock {
 
   /// Replaces the block. `settings` are those in force now: the points' frequencies are computed
   /// from them.
-  void Store(std::span<const std::uint8_t> points, ReadingFormat format,
+  void Store(std::span<const std::uint8_t> points, measurement::ReadingFormat format,
              const Synchronized<InstrumentSettings>& settings);
   /// Forgets a block that nobody has fetched.
   void Discard();
   /// Converts the block into the trace and forgets it. `list` gives the frequencies of a list
   /// sweep. False, leaving the trace alone, when there is no block.
-  bool Convert(InstrumentKind kind, const SweepList& list,
-               const std::array<ChannelCalibration, kTraceChannels>& channels, TraceMatrix& trace);
+  bool Convert(
+      measurement::InstrumentKind kind, const SweepList& list,
+      const std::array<measurement::ChannelCalibration, measurement::kTraceChannels>& channels,
+      TraceMatrix& trace);
 
  private:
   std::mutex mutex_;
   bool ready_ = false;
-  ReadingFormat format_{};
+  measurement::ReadingFormat format_{};
   std::vector<std::uint8_t> points_;
   InstrumentSettings settings_;  // as they were when the block was stored
 };
+
+}  // namespace k4n

@@ -8,6 +8,8 @@
 
 #include "K4NHardWare/D3THardWare.h"
 
+namespace k4n {
+
 namespace {
 
 constexpr std::chrono::milliseconds kIdleWait{1000};
@@ -128,7 +130,7 @@ void MeasurementWorker::FinishRead(Status read, const ReceivedBlock& block) {
 
 StatusAnd<ReceivedBlock> MeasurementWorker::Poll(Site site) {
   const StatusAnd<ReceivedBlock> answer =
-      model_->PollDataBlock(receive_buffer_, ReadingFormat::kFractional);
+      model_->PollDataBlock(receive_buffer_, measurement::ReadingFormat::kFractional);
   NoteState(answer.status);
   if (answer.status != Status::kVisaTimeout && !Succeeded(answer.status)) {
     trail_.Append(answer.status, site);
@@ -140,7 +142,7 @@ StatusAnd<ReceivedBlock> MeasurementWorker::Poll(Site site) {
 void MeasurementWorker::KeepBlock(const ReceivedBlock& received) {
   const bool wanted =
       settings_.With([](const InstrumentSettings& live) { return live.averaging_enabled; });
-  const std::optional<DataBlock> block = ParseBlock(received.body);
+  const std::optional<measurement::DataBlock> block = measurement::ParseBlock(received.body);
   if (!wanted || !block || !block->IsWhole()) return;
   block_.Store(block->points, received.format, settings_);
   if (!Succeeded(block->word)) trail_.Append(block->word, Site::kBlockStatus);
@@ -148,9 +150,10 @@ void MeasurementWorker::KeepBlock(const ReceivedBlock& received) {
 }
 
 Status MeasurementWorker::ReadSingleBlock() {
-  const auto [read, received] = model_->ReadDataBlock(receive_buffer_, ReadingFormat::kInteger);
+  const auto [read, received] =
+      model_->ReadDataBlock(receive_buffer_, measurement::ReadingFormat::kInteger);
   if (IsNotice(read)) return Status::kVisaTimeout;
-  const std::optional<DataBlock> block = ParseBlock(received.body);
+  const std::optional<measurement::DataBlock> block = measurement::ParseBlock(received.body);
   const bool is_whole = block && block->IsWhole();
   const Status result = read == Status::kOk && !is_whole ? Status::kVisaProtocolViolation : read;
   if (result == Status::kOk) {
@@ -189,3 +192,5 @@ void MeasurementWorker::PollRfButton() {
   }
   button_polled_ = os::TickCount();
 }
+
+}  // namespace k4n

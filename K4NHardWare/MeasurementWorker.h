@@ -14,6 +14,8 @@
 #include "status/Status.h"
 
 class D3THardWare;
+namespace k4n {
+
 struct ReceivedBlock;
 
 /// What the instrument last said of itself, kept current by the worker while it measures.
@@ -97,3 +99,5 @@ class MeasurementWorker {
 
   std::thread thread_;  // last: it uses everything above
 };
+
+}  // namespace k4n

@@ -6,6 +6,8 @@
 
 #include "K4NHardWare/HardWareParametr.h"
 
+namespace k4n {
+
 /// Index into kParameterTable.
 enum class Parameter : std::size_t {
   kPulseTrainFixed,
@@ -126,3 +128,5 @@ struct SyncElement {
 struct OnlyElement {
   enum : std::size_t { kValue };
 };
+
+}  // namespace k4n

@@ -1,5 +1,7 @@
 #include "K4NHardWare/ProtocolLibrary.h"
 
+namespace k4n {
+
 ProtocolLibrary::~ProtocolLibrary() { Close(); }
 
 std::optional<Status> ProtocolLibrary::Open() {
@@ -32,3 +34,5 @@ std::optional<std::string> ProtocolLibrary::Describe(Status code) const {
   if (text == nullptr) return std::nullopt;
   return text;
 }
+
+}  // namespace k4n

@@ -8,6 +8,8 @@
 #include "platform/os/Module.h"
 #include "status/Status.h"
 
+namespace k4n {
+
 /// One session of the library at a time. Used under the owner's lock.
 class ProtocolLibrary {
  public:
@@ -37,3 +39,5 @@ class ProtocolLibrary {
   DescribeFunction* describe_ = nullptr;
   CloseSessionFunction* close_session_ = nullptr;
 };
+
+}  // namespace k4n

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+using namespace k4n;
+
 namespace {
 
 // Offsets in the header.

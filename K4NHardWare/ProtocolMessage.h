@@ -9,6 +9,8 @@
 
 #include "status/Status.h"
 
+namespace k4n {
+
 /// What a request asks for.
 enum class Command : std::uint16_t {
   kRecover = 1,  ///< ends the error state after a negative answer
@@ -16,6 +18,8 @@ enum class Command : std::uint16_t {
   kReadParameter = 4,
   kReadData = 6,
 };
+
+}  // namespace k4n
 
 /// The same object carries a request out and its answer back. All header fields are little-endian
 /// on the wire.
@@ -36,7 +40,7 @@ class ProtocolMessage {
 
   /// Starts a new request with an empty body. `count` and `type` describe the parameter's elements;
   /// `reserved` carries the identifier in read transactions and is 0 otherwise.
-  void Begin(Command command, std::uint8_t count = 0, std::uint8_t type = 0,
+  void Begin(k4n::Command command, std::uint8_t count = 0, std::uint8_t type = 0,
              std::uint16_t reserved = 0);
   /// Adds bytes to the body. Throws std::length_error when the buffer is full: a mistake of the
   /// caller.

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace k4n {
+
 namespace {
 
 // What a lower bound may add to an array; one beyond is no index that anybody means.
@@ -54,3 +56,5 @@ void RealArray::Write(std::span<const double> values) const {
   std::ranges::copy(values.first(std::min({values.size(), count_, elements_.size()})),
                     elements_.begin());
 }
+
+}  // namespace k4n

@@ -6,6 +6,8 @@
 
 #include "platform/com/Com.h"
 
+namespace k4n {
+
 /// Locks a SAFEARRAY for its life time. The array must outlive it.
 class RealArray {
  public:
@@ -38,3 +40,5 @@ class RealArray {
   std::span<double> elements_;
   std::size_t count_ = 0;  // as if the array started at 0
 };
+
+}  // namespace k4n

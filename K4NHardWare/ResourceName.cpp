@@ -4,6 +4,8 @@
 #include <limits>
 #include <utility>
 
+namespace k4n {
+
 namespace {
 
 constexpr std::string_view kDigits = "0123456789";
@@ -69,3 +71,5 @@ void SplitHostPort(std::string_view text, std::string& host, std::uint32_t& port
   host = text.substr(0, colon);
   port = colon == std::string_view::npos ? kDefaultPort : LeadingNumber(text.substr(colon + 1));
 }
+
+}  // namespace k4n

@@ -4,6 +4,8 @@
 #include <mutex>
 #include <utility>
 
+namespace k4n {
+
 /// The lock is held only while the value is copied or a function looks at it. It is a leaf: such a
 /// function takes no other lock and never waits for the instrument.
 template <typename T>
@@ -35,3 +37,5 @@ class Synchronized {
   mutable std::mutex mutex_;
   T value_{};
 };
+
+}  // namespace k4n

@@ -2,5 +2,9 @@
 // in microseconds.
 #pragma once
 
+namespace k4n {
+
 inline constexpr double kNanosecondsPerSecond = 1e9;
 inline constexpr double kMicrosecondsPerSecond = 1e6;
+
+}  // namespace k4n

@@ -3,6 +3,8 @@
 #include "driver/ErrorMessage.h"
 #include "platform/com/Raii.h"
 
+namespace driver {
+
 namespace {
 
 constexpr std::string_view kPutPrefix = "put_";
@@ -68,3 +70,5 @@ HRESULT CallFrame::GetInterface(IUnknown* target, REFIID wanted, REFIID declarin
     return BuiltError(declaring, Status::kPropertyNotSupported, wanted_name);
   });
 }
+
+}  // namespace driver

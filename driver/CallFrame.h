@@ -13,6 +13,8 @@
 #include "platform/os/Text.h"
 #include "status/Status.h"
 
+namespace driver {
+
 /// Runs a member's body: a failed allocation is E_OUTOFMEMORY, any other exception E_FAIL. The body
 /// returns an HRESULT or a status of the manager, which reaches the client unchanged: instrument
 /// notices 1 to 6 and 10057 therefore arrive as success codes.
@@ -96,3 +98,5 @@ class CallFrame {
 
   const CLSID class_id_;
 };
+
+}  // namespace driver

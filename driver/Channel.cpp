@@ -4,6 +4,8 @@
 
 #include "driver/WideText.h"
 
+using namespace driver;
+
 void CZentrelK4NChannel::SetOwner(std::shared_ptr<OwnerLink> owner, std::size_t index) {
   Child::SetOwner(std::move(owner));
   index_ = index;
@@ -30,7 +32,7 @@ STDMETHODIMP CZentrelK4NChannel::FetchData(SAFEARRAY** data_array, double* initi
 }
 
 STDMETHODIMP CZentrelK4NChannel::get_FrequencyOffset(double* value) {
-  return Read(&ChannelTransform::offset, value);
+  return Read(&measurement::ChannelTransform::offset, value);
 }
 
 STDMETHODIMP CZentrelK4NChannel::put_FrequencyOffset(double offset) {
@@ -39,7 +41,7 @@ STDMETHODIMP CZentrelK4NChannel::put_FrequencyOffset(double offset) {
 }
 
 STDMETHODIMP CZentrelK4NChannel::get_FrequencyMultiplier(double* value) {
-  return Read(&ChannelTransform::multiplier, value);
+  return Read(&measurement::ChannelTransform::multiplier, value);
 }
 
 STDMETHODIMP CZentrelK4NChannel::put_FrequencyMultiplier(double multiplier) {
@@ -48,7 +50,7 @@ STDMETHODIMP CZentrelK4NChannel::put_FrequencyMultiplier(double multiplier) {
 }
 
 STDMETHODIMP CZentrelK4NChannel::get_FrequencyDivider(double* value) {
-  return Read(&ChannelTransform::divider, value);
+  return Read(&measurement::ChannelTransform::divider, value);
 }
 
 STDMETHODIMP CZentrelK4NChannel::put_FrequencyDivider(double divider) {
@@ -56,7 +58,7 @@ STDMETHODIMP CZentrelK4NChannel::put_FrequencyDivider(double divider) {
       [&](CK4NManager& manager) { return manager.SetChannelDivider(index_, divider); });
 }
 
-HRESULT CZentrelK4NChannel::Read(double ChannelTransform::*element, double* value) {
+HRESULT CZentrelK4NChannel::Read(double measurement::ChannelTransform::*element, double* value) {
   return ManagerFrame({value}, [&](const CK4NManager& manager) {
     *value = manager.GetChannel(index_).*element;
     return S_OK;

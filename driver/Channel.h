@@ -8,10 +8,10 @@
 
 /// Hands a channel's calls on to its root, with the channel's index (0 to 2). Frequency transform:
 /// hertz.
-class CZentrelK4NChannel : public Child<IZentrelK4NChannel> {
+class CZentrelK4NChannel : public driver::Child<IZentrelK4NChannel> {
  public:
   CZentrelK4NChannel() : Child(__uuidof(ZentrelK4NChannel)) {}
-  void SetOwner(std::shared_ptr<OwnerLink> owner, std::size_t index);
+  void SetOwner(std::shared_ptr<driver::OwnerLink> owner, std::size_t index);
 
   STDMETHODIMP get_Enabled(VARIANT_BOOL* value) override;
   STDMETHODIMP put_Enabled(VARIANT_BOOL value) override;
@@ -28,7 +28,7 @@ class CZentrelK4NChannel : public Child<IZentrelK4NChannel> {
   ~CZentrelK4NChannel() = default;
 
  private:
-  HRESULT Read(double ChannelTransform::*element, double* value);
+  HRESULT Read(double measurement::ChannelTransform::*element, double* value);
 
   std::size_t index_ = 0;
 };

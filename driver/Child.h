@@ -12,6 +12,8 @@
 #include "platform/com/Com.h"
 #include "platform/com/Raii.h"
 
+namespace driver {
+
 /// Base of a child class with its one interface. A child acts on the manager of its root. One
 /// without a root (created by a client on its own, or kept after the root's last release) has no
 /// instrument to act on and answers as if no session were open: 0x8004701D with its text.
@@ -92,3 +94,5 @@ void CreateChild(const std::shared_ptr<OwnerLink>& owner, ComPtr<Interface>& pla
     place.Reset();
   }
 }
+
+}  // namespace driver

@@ -8,6 +8,8 @@
 #include "driver/ModuleLock.h"
 #include "platform/com/Com.h"
 
+namespace driver {
+
 /// The interfaces that a class answers, in look-up order.
 template <typename First, typename... Others>
 struct InterfaceList {
@@ -125,3 +127,5 @@ class ComObject final : public Class {
   Inner inner_;
   IUnknown* const controlling_;
 };
+
+}  // namespace driver

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <optional>
 
+namespace driver {
+
 template <typename Value, typename Code>
 struct EnumPair {
   Value value;
@@ -45,3 +47,5 @@ constexpr void PutValueOf(const EnumMap<Value, Code, kSize>& map, Code code, Val
     *out = *value;
   }
 }
+
+}  // namespace driver

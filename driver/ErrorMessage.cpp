@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <span>
 
+namespace driver {
+
 namespace {
 
 struct MessageTemplate {
@@ -104,3 +106,5 @@ std::string UnsupportedParameterValue(std::int32_t value, std::string_view param
   text += method;
   return text + ".";
 }
+
+}  // namespace driver

@@ -9,6 +9,8 @@
 #include "platform/os/Text.h"
 #include "status/Status.h"
 
+namespace driver {
+
 /// The name that every built message starts with.
 inline constexpr std::string_view kLibraryName = "ZentrelK4NLib";
 
@@ -36,3 +38,5 @@ std::string UnsupportedPropertyValue(std::int32_t value, std::string_view proper
 /// The text for an enumeration value that a parameter of a method does not take.
 std::string UnsupportedParameterValue(std::int32_t value, std::string_view parameter,
                                       std::string_view method);
+
+}  // namespace driver

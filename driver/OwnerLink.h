@@ -6,6 +6,8 @@
 
 class CZentrelK4N;
 
+namespace driver {
+
 /// Shared by a root object and its children. A client may keep a child longer than the root; the
 /// tie is cut when the root goes, and waits until the calls that are under way have left the root.
 /// Any thread.
@@ -34,3 +36,5 @@ class OwnerLink {
   std::shared_mutex mutex_;
   CZentrelK4N* root_;
 };
+
+}  // namespace driver

@@ -5,7 +5,7 @@
 
 /// Levels in dBm, the step in dB, the dwell in seconds. Kept: no setter reports what the instrument
 /// refuses; that is heard of in ErrorQuery only.
-class CZentrelK4NPowerStep : public Child<IZentrelK4NPowerStep> {
+class CZentrelK4NPowerStep : public driver::Child<IZentrelK4NPowerStep> {
  public:
   CZentrelK4NPowerStep() : Child(__uuidof(ZentrelK4NPowerStep)) {}
 
@@ -27,6 +27,6 @@ class CZentrelK4NPowerStep : public Child<IZentrelK4NPowerStep> {
   ~CZentrelK4NPowerStep() = default;
 
  private:
-  HRESULT Replace(double StepSettings::*element, double value);
-  HRESULT Read(double StepSettings::*element, double* value);
+  HRESULT Replace(double k4n::StepSettings::*element, double value);
+  HRESULT Read(double k4n::StepSettings::*element, double* value);
 };

@@ -5,6 +5,8 @@
 #include "driver/PulseGeneratorOutput.h"
 #include "driver/PulsePacketGenerator.h"
 
+using namespace driver;
+
 void CZentrelK4NPulseGenerator::SetOwner(const std::shared_ptr<OwnerLink>& owner) {
   Child::SetOwner(owner);
   CreateChild<CZentrelK4NPulseGeneratorDouble>(owner, double_);
@@ -37,25 +39,27 @@ STDMETHODIMP CZentrelK4NPulseGenerator::ConfigureExternalTrigger(
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::put_InternalTriggerPeriod(double period) {
-  return ManagerFrame(
-      [&](CK4NManager& manager) { return manager.SetPulsePeriod(period * kNanosecondsPerSecond); });
+  return ManagerFrame([&](CK4NManager& manager) {
+    return manager.SetPulsePeriod(period * k4n::kNanosecondsPerSecond);
+  });
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_InternalTriggerPeriod(double* value) {
   return ManagerFrame({value}, [&](const CK4NManager& manager) {
-    *value = manager.GetPulseSettings().period / kNanosecondsPerSecond;
+    *value = manager.GetPulseSettings().period / k4n::kNanosecondsPerSecond;
     return S_OK;
   });
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::put_Width(double width) {
-  return ManagerFrame(
-      [&](CK4NManager& manager) { return manager.SetPulseWidth(width * kNanosecondsPerSecond); });
+  return ManagerFrame([&](CK4NManager& manager) {
+    return manager.SetPulseWidth(width * k4n::kNanosecondsPerSecond);
+  });
 }
 
 STDMETHODIMP CZentrelK4NPulseGenerator::get_Width(double* value) {
   return ManagerFrame({value}, [&](const CK4NManager& manager) {
-    *value = manager.GetPulseSettings().width / kNanosecondsPerSecond;
+    *value = manager.GetPulseSettings().width / k4n::kNanosecondsPerSecond;
     return S_OK;
   });
 }

@@ -7,14 +7,14 @@
 
 /// Times in seconds. The settings are kept without a session, too; they are sent while the
 /// modulator is on. Owns the objects of the double pulse, the output and the packet.
-class CZentrelK4NPulseGenerator : public Child<IZentrelK4NPulseGenerator> {
+class CZentrelK4NPulseGenerator : public driver::Child<IZentrelK4NPulseGenerator> {
  public:
   CZentrelK4NPulseGenerator() : Child(__uuidof(ZentrelK4NPulseGenerator)) {}
   /// One without a root has the three objects, too.
   void FinalConstruct() { SetOwner(nullptr); }
   /// Makes the three objects anew, for this root. One that cannot be made is missing: its getter
   /// fails.
-  void SetOwner(const std::shared_ptr<OwnerLink>& owner);
+  void SetOwner(const std::shared_ptr<driver::OwnerLink>& owner);
 
   STDMETHODIMP get_Double(IZentrelK4NPulseGeneratorDouble** value) override;
   STDMETHODIMP get_Output(IZentrelK4NPulseGeneratorOutput** value) override;

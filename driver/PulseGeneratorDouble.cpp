@@ -2,10 +2,12 @@
 
 #include "K4NHardWare/Units.h"
 
+using namespace driver;
+
 // Kept: a refused delay does not stop the switch, whose result is the member's.
 STDMETHODIMP CZentrelK4NPulseGeneratorDouble::Configure(VARIANT_BOOL enabled, double delay) {
   return ManagerFrame([&](CK4NManager& manager) {
-    Discard(manager.SetDoublePulseDelay(delay * kNanosecondsPerSecond));
+    Discard(manager.SetDoublePulseDelay(delay * k4n::kNanosecondsPerSecond));
     return manager.SetDoublePulseEnabled(enabled != VARIANT_FALSE);
   });
 }
@@ -27,14 +29,14 @@ STDMETHODIMP CZentrelK4NPulseGeneratorDouble::get_Enabled(VARIANT_BOOL* value) {
 // new one is refused.
 STDMETHODIMP CZentrelK4NPulseGeneratorDouble::put_Delay(double delay) {
   return ManagerFrame([&](CK4NManager& manager) {
-    Discard(manager.SetDoublePulseDelay(delay * kNanosecondsPerSecond));
+    Discard(manager.SetDoublePulseDelay(delay * k4n::kNanosecondsPerSecond));
     return manager.SetDoublePulseEnabled(manager.GetPulseSettings().double_enabled);
   });
 }
 
 STDMETHODIMP CZentrelK4NPulseGeneratorDouble::get_Delay(double* value) {
   return ManagerFrame({value}, [&](const CK4NManager& manager) {
-    *value = manager.GetPulseSettings().double_delay / kNanosecondsPerSecond;
+    *value = manager.GetPulseSettings().double_delay / k4n::kNanosecondsPerSecond;
     return S_OK;
   });
 }

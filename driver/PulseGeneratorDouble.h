@@ -4,7 +4,7 @@
 #include "driver/Child.h"
 
 /// Switches the double pulse; the delay, in seconds, is the off time between its two pulses.
-class CZentrelK4NPulseGeneratorDouble : public Child<IZentrelK4NPulseGeneratorDouble> {
+class CZentrelK4NPulseGeneratorDouble : public driver::Child<IZentrelK4NPulseGeneratorDouble> {
  public:
   CZentrelK4NPulseGeneratorDouble() : Child(__uuidof(ZentrelK4NPulseGeneratorDouble)) {}
 

@@ -6,7 +6,7 @@
 #include "driver/Child.h"
 
 /// Every member is not supported; the root reports so, under names of its own.
-class CZentrelK4NPulseGeneratorOutput : public Child<IZentrelK4NPulseGeneratorOutput> {
+class CZentrelK4NPulseGeneratorOutput : public driver::Child<IZentrelK4NPulseGeneratorOutput> {
  public:
   CZentrelK4NPulseGeneratorOutput() : Child(__uuidof(ZentrelK4NPulseGeneratorOutput)) {}
 

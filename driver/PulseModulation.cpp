@@ -2,11 +2,13 @@
 
 #include "driver/EnumMap.h"
 
+using namespace driver;
+
 namespace {
 
-constexpr EnumMap<ZentrelK4NPulseModulationSourceEnum, PulseSource, 2> kSources{{
-    {ZentrelK4NPulseModulationSourceInternal, PulseSource::kInternal},
-    {ZentrelK4NPulseModulationSourceExternal, PulseSource::kExternal},
+constexpr EnumMap<ZentrelK4NPulseModulationSourceEnum, k4n::PulseSource, 2> kSources{{
+    {ZentrelK4NPulseModulationSourceInternal, k4n::PulseSource::kInternal},
+    {ZentrelK4NPulseModulationSourceExternal, k4n::PulseSource::kExternal},
 }};
 
 }  // namespace
@@ -18,7 +20,7 @@ STDMETHODIMP CZentrelK4NPulseModulation::put_Enabled(VARIANT_BOOL enabled) {
 
 STDMETHODIMP CZentrelK4NPulseModulation::get_Enabled(VARIANT_BOOL* value) {
   return ManagerFrame({value}, [&](const CK4NManager& manager) {
-    const PulseSettings pulse = manager.GetPulseSettings();
+    const k4n::PulseSettings pulse = manager.GetPulseSettings();
     if (!pulse.modulation_available) {
       return Status::kPropertyNotSupported;
     }
@@ -30,7 +32,8 @@ STDMETHODIMP CZentrelK4NPulseModulation::get_Enabled(VARIANT_BOOL* value) {
 // Kept: every value but External means Internal.
 STDMETHODIMP CZentrelK4NPulseModulation::put_Source(ZentrelK4NPulseModulationSourceEnum source) {
   return ManagerFrame([&](CK4NManager& manager) {
-    return manager.SetPulseModSource(CodeOf(kSources, source).value_or(PulseSource::kInternal));
+    return manager.SetPulseModSource(
+        CodeOf(kSources, source).value_or(k4n::PulseSource::kInternal));
   });
 }
 
@@ -53,7 +56,7 @@ STDMETHODIMP CZentrelK4NPulseModulation::put_ExternalPolarity(
 STDMETHODIMP CZentrelK4NPulseModulation::get_ExternalPolarity(
     ZentrelK4NPulseModulationExternalPolarityEnum* value) {
   return ManagerFrame({value}, [&](const CK4NManager& manager) {
-    const PulseSettings pulse = manager.GetPulseSettings();
+    const k4n::PulseSettings pulse = manager.GetPulseSettings();
     if (!pulse.modulation_available) {
       return Status::kPropertyNotSupported;
     }

@@ -5,7 +5,7 @@
 
 /// Kept: without a modulator on the instrument, the switch and the polarity fail with a bare
 /// 0x80047012 when they are read, while they can be set and the source reads as ever.
-class CZentrelK4NPulseModulation : public Child<IZentrelK4NPulseModulation> {
+class CZentrelK4NPulseModulation : public driver::Child<IZentrelK4NPulseModulation> {
  public:
   CZentrelK4NPulseModulation() : Child(__uuidof(ZentrelK4NPulseModulation)) {}
 

@@ -2,6 +2,8 @@
 
 #include "driver/ArrayArgument.h"
 
+using namespace driver;
+
 STDMETHODIMP CZentrelK4NPulsePacketGenerator::put_Enabled(VARIANT_BOOL enabled) {
   return ManagerFrame(
       [&](CK4NManager& manager) { return manager.SetPacketEnabled(enabled != VARIANT_FALSE); });

@@ -5,7 +5,7 @@
 
 /// Widths and delays in seconds; the arrays come back as the instrument set them, the last delay
 /// filling the period.
-class CZentrelK4NPulsePacketGenerator : public Child<IZentrelK4NPulsePacketGenerator> {
+class CZentrelK4NPulsePacketGenerator : public driver::Child<IZentrelK4NPulsePacketGenerator> {
  public:
   CZentrelK4NPulsePacketGenerator() : Child(__uuidof(ZentrelK4NPulsePacketGenerator)) {}
 

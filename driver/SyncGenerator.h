@@ -5,7 +5,7 @@
 
 /// Width, period and delay in seconds. Without a session setting one gives 10057, which clients see
 /// as success, and those of the last session are read.
-class CZentrelK4NSyncGenerator : public Child<IZentrelK4NSyncGenerator> {
+class CZentrelK4NSyncGenerator : public driver::Child<IZentrelK4NSyncGenerator> {
  public:
   CZentrelK4NSyncGenerator() : Child(__uuidof(ZentrelK4NSyncGenerator)) {}
 
@@ -20,6 +20,6 @@ class CZentrelK4NSyncGenerator : public Child<IZentrelK4NSyncGenerator> {
   ~CZentrelK4NSyncGenerator() = default;
 
  private:
-  HRESULT Replace(double SyncGeneratorSettings::*element, double seconds);
-  HRESULT Read(double SyncGeneratorSettings::*element, double* seconds);
+  HRESULT Replace(double k4n::SyncGeneratorSettings::*element, double seconds);
+  HRESULT Read(double k4n::SyncGeneratorSettings::*element, double* seconds);
 };

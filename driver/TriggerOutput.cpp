@@ -3,16 +3,18 @@
 #include "K4NHardWare/Units.h"
 #include "driver/EnumMap.h"
 
+using namespace driver;
+
 namespace {
 
-constexpr EnumMap<ZentrelK4NTriggerOutputModeEnum, TriggerOutputMode, 7> kOutputModes{{
-    {ZentrelK4NTriggerOutputModeNone, TriggerOutputMode::kNone},
-    {ZentrelK4NTriggerOutputModeInput, TriggerOutputMode::kInput},
-    {ZentrelK4NTriggerOutputModeSweep, TriggerOutputMode::kSweep},
-    {ZentrelK4NTriggerOutputModeNextStep, TriggerOutputMode::kNextStep},
-    {ZentrelK4NTriggerOutputModeSingleStep, TriggerOutputMode::kSingleStep},
-    {ZentrelK4NTriggerOutputModeSoftware, TriggerOutputMode::kSoftware},
-    {ZentrelK4NTriggerOutputModeSyncGen, TriggerOutputMode::kSyncGenerator},
+constexpr EnumMap<ZentrelK4NTriggerOutputModeEnum, k4n::TriggerOutputMode, 7> kOutputModes{{
+    {ZentrelK4NTriggerOutputModeNone, k4n::TriggerOutputMode::kNone},
+    {ZentrelK4NTriggerOutputModeInput, k4n::TriggerOutputMode::kInput},
+    {ZentrelK4NTriggerOutputModeSweep, k4n::TriggerOutputMode::kSweep},
+    {ZentrelK4NTriggerOutputModeNextStep, k4n::TriggerOutputMode::kNextStep},
+    {ZentrelK4NTriggerOutputModeSingleStep, k4n::TriggerOutputMode::kSingleStep},
+    {ZentrelK4NTriggerOutputModeSoftware, k4n::TriggerOutputMode::kSoftware},
+    {ZentrelK4NTriggerOutputModeSyncGen, k4n::TriggerOutputMode::kSyncGenerator},
 }};
 
 }  // namespace
@@ -20,7 +22,7 @@ constexpr EnumMap<ZentrelK4NTriggerOutputModeEnum, TriggerOutputMode, 7> kOutput
 template <typename Change>
 HRESULT CZentrelK4NTriggerOutput::Set(Change change) const {
   return ManagerFrame([&](CK4NManager& manager) {
-    TriggerOutputSettings settings = manager.GetTriggerOutput();
+    k4n::TriggerOutputSettings settings = manager.GetTriggerOutput();
     change(settings);
     Discard(manager.SetTriggerOutput(settings));
     return S_OK;
@@ -36,11 +38,12 @@ HRESULT CZentrelK4NTriggerOutput::Read(Out* value, Pick pick) const {
 }
 
 STDMETHODIMP CZentrelK4NTriggerOutput::put_Width(double width) {
-  return Set([&](auto& settings) { settings.width = width * kMicrosecondsPerSecond; });
+  return Set([&](auto& settings) { settings.width = width * k4n::kMicrosecondsPerSecond; });
 }
 
 STDMETHODIMP CZentrelK4NTriggerOutput::get_Width(double* value) {
-  return Read(value, [](const auto& settings) { return settings.width / kMicrosecondsPerSecond; });
+  return Read(value,
+              [](const auto& settings) { return settings.width / k4n::kMicrosecondsPerSecond; });
 }
 
 // Kept: a value that is none of the modes sends the present one again.

@@ -6,7 +6,7 @@
 /// The width is in seconds (whole microseconds on the instrument). Kept: every member succeeds,
 /// with or without a session; a refusal is seen in ErrorQuery and in what reads back. Without a
 /// session nothing is set, and the settings of the last one are read.
-class CZentrelK4NTriggerOutput : public Child<IZentrelK4NTriggerOutput> {
+class CZentrelK4NTriggerOutput : public driver::Child<IZentrelK4NTriggerOutput> {
  public:
   CZentrelK4NTriggerOutput() : Child(__uuidof(ZentrelK4NTriggerOutput)) {}
 

@@ -6,6 +6,8 @@
 #include "platform/com/Com.h"
 #include "platform/os/Text.h"
 
+namespace driver {
+
 /// The text of a BSTR, which stays the caller's; a null one is empty text.
 inline os::WideView ViewOf(BSTR text) { return {text, SysStringLen(text)}; }
 
@@ -17,3 +19,5 @@ inline BSTR NewBstr(os::WideView text) {
   }
   return copy;
 }
+
+}  // namespace driver

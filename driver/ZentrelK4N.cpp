@@ -13,6 +13,8 @@
 #include "driver/WideText.h"
 #include "platform/os/Sync.h"
 
+using namespace driver;
+
 namespace {
 
 constexpr os::WideView kDefaultDetectorFile = OLESTR("calibr20.det");
@@ -67,7 +69,7 @@ STDMETHODIMP CZentrelK4N::InterfaceSupportsErrorInfo(REFIID iid) {
 
 STDMETHODIMP CZentrelK4N::GetRun(ULONG number, LONG* status, BSTR* location, std::uint64_t* count) {
   return Frame({status, location, count}, [&]() -> HRESULT {
-    const std::optional<ErrorTrail::Run> run = manager_.error_trail().RunAt(number);
+    const std::optional<k4n::ErrorTrail::Run> run = manager_.error_trail().RunAt(number);
     if (!run) {
       return S_FALSE;
     }
@@ -100,7 +102,7 @@ STDMETHODIMP CZentrelK4N::get_PulseModulation(IZentrelK4NPulseModulation** value
 
 STDMETHODIMP CZentrelK4N::SendSoftwareTrigger() {
   return SessionFrame(__uuidof(IZentrelK4N), [&] {
-    if (manager_.GetSweepTrigger().source == TriggerSource::kSoftware) {
+    if (manager_.GetSweepTrigger().source == k4n::TriggerSource::kSoftware) {
       // Kept: the mode is sent again first; if it is refused, the trigger comes all the same.
       Discard(manager_.SetSweepMode(manager_.GetSweepMode()));
       manager_.RequestSoftwareTrigger();
@@ -135,7 +137,7 @@ STDMETHODIMP CZentrelK4N::Initialize(BSTR resource_name, VARIANT_BOOL id_query, 
     if (opened != Status::kOk) {
       return BuiltError(IID_IIviDriver, Status::kUnknownResource, resource);
     }
-    for (std::size_t channel = 0; channel < kChannelCount; ++channel) {
+    for (std::size_t channel = 0; channel < k4n::kChannelCount; ++channel) {
       LoadDetectorDataFromFile(channel, kDefaultDetectorFile);
     }
     if (id_query != VARIANT_FALSE) {

@@ -27,7 +27,7 @@
 /// but the one of the trace, and the manager lets one operation at a time reach the instrument.
 /// Units are hertz, seconds, dBm and dB. Members that need the instrument fail with 0x8004701D
 /// while no session is open.
-class CZentrelK4N : public CallFrame,
+class CZentrelK4N : public driver::CallFrame,
                     public IProvideClassInfo2,
                     public ISupportErrorInfo,
                     public IZentrelK4N,
@@ -44,11 +44,11 @@ class CZentrelK4N : public CallFrame,
                     public IErrorTrail {
  public:
   using Interfaces =
-      InterfaceList<IZentrelK4N, IProvideClassInfo, IProvideClassInfo2, ISupportErrorInfo,
-                    IIviDriverIdentity, IIviDriverOperation, IIviDriverUtility,
-                    IIviComponentIdentity, IZentrelK4NRF, IZentrelK4NSweep,
-                    IZentrelK4NFrequencyStep, IZentrelK4NChannels, IZentrelK4NList,
-                    IZentrelK4NAcquisition, IZentrelK4NSystem, IErrorTrail>;
+      driver::InterfaceList<IZentrelK4N, IProvideClassInfo, IProvideClassInfo2, ISupportErrorInfo,
+                            IIviDriverIdentity, IIviDriverOperation, IIviDriverUtility,
+                            IIviComponentIdentity, IZentrelK4NRF, IZentrelK4NSweep,
+                            IZentrelK4NFrequencyStep, IZentrelK4NChannels, IZentrelK4NList,
+                            IZentrelK4NAcquisition, IZentrelK4NSystem, IErrorTrail>;
 
   CZentrelK4N();
   /// Creates the children. One that cannot be made is missing: its getter fails.
@@ -62,17 +62,17 @@ class CZentrelK4N : public CallFrame,
   /// Frame for a member that needs an open session: otherwise 0x8004701D against `iid`.
   template <typename Body>
   HRESULT SessionFrame(REFIID iid, Body&& body) const noexcept {
-    return Frame([&]() -> HRESULT {
+    return driver::Frame([&]() -> HRESULT {
       if (!manager_.IsConnected()) {
-        return Error(kNotConnectedText, iid, Status::kNotConnected);
+        return Error(driver::kNotConnectedText, iid, Status::kNotConnected);
       }
       return static_cast<HRESULT>(std::forward<Body>(body)());
     });
   }
   /// The same for a member with out pointers.
   template <typename Body>
-  HRESULT SessionFrame(REFIID iid, OutPointers out, Body&& body) const noexcept {
-    return AreGiven(out) ? SessionFrame(iid, std::forward<Body>(body)) : E_POINTER;
+  HRESULT SessionFrame(REFIID iid, driver::OutPointers out, Body&& body) const noexcept {
+    return driver::AreGiven(out) ? SessionFrame(iid, std::forward<Body>(body)) : E_POINTER;
   }
 
   // --- Operations of the class itself, which no COM interface exposes
@@ -266,8 +266,8 @@ class CZentrelK4N : public CallFrame,
 
   Acquisition acquisition_;
   CK4NManager manager_;
-  std::shared_ptr<OwnerLink> link_;
-  std::array<ComPtr<IZentrelK4NChannel>, kChannelCount> channels_;
+  std::shared_ptr<driver::OwnerLink> link_;
+  std::array<ComPtr<IZentrelK4NChannel>, k4n::kChannelCount> channels_;
   ComPtr<IZentrelK4NPowerStep> power_step_;
   ComPtr<IZentrelK4NPulseGenerator> pulse_generator_;
   ComPtr<IZentrelK4NPulseModulation> pulse_modulation_;

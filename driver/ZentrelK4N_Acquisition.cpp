@@ -7,6 +7,8 @@
 #include "driver/ZentrelK4N.h"
 #include "platform/os/Sync.h"
 
+using namespace driver;
+
 namespace {
 
 const IID& kAcquisition = __uuidof(IZentrelK4NAcquisition);
@@ -26,11 +28,11 @@ SAFEARRAY* NewArray(std::span<const double> values) {
 }
 
 /// The axis of the present sweep; zeros when none is stepped.
-StepSettings SweptAxis(const CK4NManager& manager) {
+k4n::StepSettings SweptAxis(const CK4NManager& manager) {
   switch (manager.GetSweepMode()) {
-    case SweepMode::kPowerStep:
+    case k4n::SweepMode::kPowerStep:
       return manager.GetPowerStep();
-    case SweepMode::kFrequencyStep:
+    case k4n::SweepMode::kFrequencyStep:
       return manager.GetFrequencyStep();
     default:
       return {};
@@ -123,7 +125,7 @@ HRESULT CZentrelK4N::FetchData(std::size_t channel, SAFEARRAY** data, double* in
 }
 
 Status CZentrelK4N::UpdateAcquisition() {
-  const StepSettings axis = SweptAxis(manager_);
+  const k4n::StepSettings axis = SweptAxis(manager_);
   const Status fetched = manager_.FetchData(acquisition_.trace);
   switch (fetched) {
     case Status::kMethodNotSupported:

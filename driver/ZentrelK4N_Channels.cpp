@@ -9,6 +9,8 @@
 #include "measurement/DetectorFile.h"
 #include "platform/os/Files.h"
 
+using namespace driver;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -16,8 +18,8 @@ namespace fs = std::filesystem;
 const IID& kChannels = __uuidof(IZentrelK4NChannels);
 const IID& kChannel = __uuidof(IZentrelK4NChannel);
 
-constexpr std::array<os::WideView, kChannelCount> kNames{OLESTR("ChannelA"), OLESTR("ChannelB"),
-                                                         OLESTR("ChannelR")};
+constexpr std::array<os::WideView, k4n::kChannelCount> kNames{
+    OLESTR("ChannelA"), OLESTR("ChannelB"), OLESTR("ChannelR")};
 
 /// A client's name for a detector file as it reads in two code pages, in the order in which they
 /// are tried: the calling thread's, and Windows-1251, as the maker's files carry Russian names. A
@@ -92,7 +94,7 @@ HRESULT CZentrelK4N::LoadDetectorDataFromFile(std::size_t channel, os::WideView 
 
 HRESULT CZentrelK4N::LoadFromDetectorFolder(std::size_t channel, os::WideView file_name) {
   const FileNames names(file_name);
-  for (const fs::path& folder : GetDetectorFolders()) {
+  for (const fs::path& folder : measurement::GetDetectorFolders()) {
     // A name that a code page has no letters for leaves the folder alone, which is no file.
     Status loaded = manager_.LoadDetectorData(channel, fs::path(folder) += names.ansi);
     if (loaded == Status::kCannotOpenFile) {

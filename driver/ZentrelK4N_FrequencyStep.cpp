@@ -3,6 +3,8 @@
 #include "K4NHardWare/Units.h"
 #include "driver/ZentrelK4N.h"
 
+using namespace driver;
+
 namespace {
 
 const IID& kFrequencyStep = __uuidof(IZentrelK4NFrequencyStep);
@@ -25,7 +27,7 @@ STDMETHODIMP CZentrelK4N::ConfigureStartStop(double start, double stop,
 
 STDMETHODIMP CZentrelK4N::put_Start(double start) {
   return SessionFrame(kFrequencyStep, [&] {
-    const StepSettings axis = manager_.GetFrequencyStep();
+    const k4n::StepSettings axis = manager_.GetFrequencyStep();
     return ConfigureStartStop(start, axis.stop, ZentrelK4NFrequencyStepScalingLinear, axis.step);
   });
 }
@@ -39,7 +41,7 @@ STDMETHODIMP CZentrelK4N::get_Start(double* value) {
 
 STDMETHODIMP CZentrelK4N::put_Stop(double stop) {
   return SessionFrame(kFrequencyStep, [&] {
-    const StepSettings axis = manager_.GetFrequencyStep();
+    const k4n::StepSettings axis = manager_.GetFrequencyStep();
     return ConfigureStartStop(axis.start, stop, ZentrelK4NFrequencyStepScalingLinear, axis.step);
   });
 }
@@ -85,7 +87,7 @@ STDMETHODIMP CZentrelK4N::ConfigureDwell(VARIANT_BOOL /*single_step_enabled*/, d
 
 STDMETHODIMP CZentrelK4N::put_SingleStepEnabled(VARIANT_BOOL enabled) {
   return SessionFrame(kFrequencyStep, [&] {
-    SweepTriggerSettings trigger = manager_.GetSweepTrigger();
+    k4n::SweepTriggerSettings trigger = manager_.GetSweepTrigger();
     trigger.single_step = enabled != VARIANT_FALSE;
     return manager_.SetSweepTrigger(trigger);
   });
@@ -101,12 +103,12 @@ STDMETHODIMP CZentrelK4N::get_SingleStepEnabled(VARIANT_BOOL* value) {
 
 STDMETHODIMP CZentrelK4N::put_Dwell(double dwell) {
   return SessionFrame(kFrequencyStep,
-                      [&] { return manager_.SetDwell(dwell * kNanosecondsPerSecond); });
+                      [&] { return manager_.SetDwell(dwell * k4n::kNanosecondsPerSecond); });
 }
 
 STDMETHODIMP CZentrelK4N::get_Dwell(double* value) {
   return SessionFrame(kFrequencyStep, {value}, [&] {
-    *value = manager_.GetDwell() / kNanosecondsPerSecond;
+    *value = manager_.GetDwell() / k4n::kNanosecondsPerSecond;
     return S_OK;
   });
 }

@@ -6,6 +6,8 @@
 #include "driver/WideText.h"
 #include "driver/ZentrelK4N.h"
 
+using namespace driver;
+
 namespace {
 
 const IID& kIdentityBase = __uuidof(IIviComponentIdentity);
@@ -146,7 +148,7 @@ STDMETHODIMP CZentrelK4N::SelfTest(LONG* /*test_result*/, BSTR* /*test_message*/
 // Takes the oldest failure off the list; a text that the client passes in is left alone.
 STDMETHODIMP CZentrelK4N::ErrorQuery(LONG* error_code, BSTR* error_message) {
   return SessionFrame(kUtility, {error_code, error_message}, [&] {
-    const ErrorReport report = manager_.ErrorQuery();
+    const k4n::ErrorReport report = manager_.ErrorQuery();
     *error_message = report.message ? NewBstr(os::ToWide(*report.message)) : nullptr;
     *error_code = ToCode(report.status);
     return S_OK;

@@ -4,6 +4,8 @@
 #include "driver/ArrayArgument.h"
 #include "driver/ZentrelK4N.h"
 
+using namespace driver;
+
 namespace {
 
 const IID& kList = __uuidof(IZentrelK4NList);

@@ -1,6 +1,8 @@
 // IZentrelK4NRF: continuous-wave frequency and level, output switch.
 #include "driver/ZentrelK4N.h"
 
+using namespace driver;
+
 namespace {
 
 const IID& kRf = __uuidof(IZentrelK4NRF);

@@ -2,21 +2,23 @@
 #include "driver/EnumMap.h"
 #include "driver/ZentrelK4N.h"
 
+using namespace driver;
+
 namespace {
 
 const IID& kSweep = __uuidof(IZentrelK4NSweep);
 
-constexpr EnumMap<ZentrelK4NSweepModeEnum, SweepMode, 4> kSweepModes{{
-    {ZentrelK4NSweepModeNone, SweepMode::kContinuousWave},
-    {ZentrelK4NSweepModeFrequencyStep, SweepMode::kFrequencyStep},
-    {ZentrelK4NSweepModePowerStep, SweepMode::kPowerStep},
-    {ZentrelK4NSweepModeList, SweepMode::kList},
+constexpr EnumMap<ZentrelK4NSweepModeEnum, k4n::SweepMode, 4> kSweepModes{{
+    {ZentrelK4NSweepModeNone, k4n::SweepMode::kContinuousWave},
+    {ZentrelK4NSweepModeFrequencyStep, k4n::SweepMode::kFrequencyStep},
+    {ZentrelK4NSweepModePowerStep, k4n::SweepMode::kPowerStep},
+    {ZentrelK4NSweepModeList, k4n::SweepMode::kList},
 }};
 
-constexpr EnumMap<ZentrelK4NSweepTriggerSourceEnum, TriggerSource, 3> kTriggerSources{{
-    {ZentrelK4NSweepTriggerSourceImmediate, TriggerSource::kImmediate},
-    {ZentrelK4NSweepTriggerSourceExternal, TriggerSource::kExternal},
-    {ZentrelK4NSweepTriggerSourceSoftware, TriggerSource::kSoftware},
+constexpr EnumMap<ZentrelK4NSweepTriggerSourceEnum, k4n::TriggerSource, 3> kTriggerSources{{
+    {ZentrelK4NSweepTriggerSourceImmediate, k4n::TriggerSource::kImmediate},
+    {ZentrelK4NSweepTriggerSourceExternal, k4n::TriggerSource::kExternal},
+    {ZentrelK4NSweepTriggerSourceSoftware, k4n::TriggerSource::kSoftware},
 }};
 
 // Mode and trigger source are carried in a byte: 259 acts as 3.
@@ -78,11 +80,12 @@ STDMETHODIMP CZentrelK4N::get_Mode(ZentrelK4NSweepModeEnum* value) {
 
 STDMETHODIMP CZentrelK4N::put_TriggerSource(ZentrelK4NSweepTriggerSourceEnum source) {
   return SessionFrame(kSweep, [&]() -> HRESULT {
-    SweepTriggerSettings trigger = manager_.GetSweepTrigger();
-    trigger.source = CodeOf(kTriggerSources, LowByte(source)).value_or(TriggerSource::kUnknown);
+    k4n::SweepTriggerSettings trigger = manager_.GetSweepTrigger();
+    trigger.source =
+        CodeOf(kTriggerSources, LowByte(source)).value_or(k4n::TriggerSource::kUnknown);
     // Kept: single steps come from the external trigger; the software source is then silently not
     // taken.
-    if (trigger.single_step && trigger.source == TriggerSource::kSoftware) {
+    if (trigger.single_step && trigger.source == k4n::TriggerSource::kSoftware) {
       return S_OK;
     }
     return ToCode(manager_.SetSweepTrigger(trigger));
@@ -98,17 +101,17 @@ STDMETHODIMP CZentrelK4N::get_TriggerSource(ZentrelK4NSweepTriggerSourceEnum* va
 
 STDMETHODIMP CZentrelK4N::put_TriggerAction(ZentrelK4NSweepTriggerActionEnum action) {
   return SessionFrame(kSweep, [&] {
-    SweepTriggerSettings trigger = manager_.GetSweepTrigger();
+    k4n::SweepTriggerSettings trigger = manager_.GetSweepTrigger();
     // Kept: every value but Measure means Switch.
-    trigger.action = action == ZentrelK4NSweepTriggerActionMeasure ? TriggerAction::kMeasure
-                                                                   : TriggerAction::kSwitch;
+    trigger.action = action == ZentrelK4NSweepTriggerActionMeasure ? k4n::TriggerAction::kMeasure
+                                                                   : k4n::TriggerAction::kSwitch;
     return manager_.SetSweepTrigger(trigger);
   });
 }
 
 STDMETHODIMP CZentrelK4N::get_TriggerAction(ZentrelK4NSweepTriggerActionEnum* value) {
   return SessionFrame(kSweep, {value}, [&] {
-    *value = manager_.GetSweepTrigger().action == TriggerAction::kMeasure
+    *value = manager_.GetSweepTrigger().action == k4n::TriggerAction::kMeasure
                  ? ZentrelK4NSweepTriggerActionMeasure
                  : ZentrelK4NSweepTriggerActionSwitch;
     return S_OK;

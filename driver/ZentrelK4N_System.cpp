@@ -5,15 +5,17 @@
 #include "driver/WideText.h"
 #include "driver/ZentrelK4N.h"
 
+using namespace driver;
+
 namespace {
 
 const IID& kSystem = __uuidof(IZentrelK4NSystem);
 
-constexpr EnumMap<ZentrelK4NSystemAttenEnum, AttenMode, 4> kAttenModes{{
-    {ZentrelK4NSystemAttenMinHarm, AttenMode::kMinHarmonics},
-    {ZentrelK4NSystemAttenOptSWR, AttenMode::kOptimumSwr},
-    {ZentrelK4NSystemAttenOptimum, AttenMode::kOptimum},
-    {ZentrelK4NSystemAttenCare, AttenMode::kCare},
+constexpr EnumMap<ZentrelK4NSystemAttenEnum, k4n::AttenMode, 4> kAttenModes{{
+    {ZentrelK4NSystemAttenMinHarm, k4n::AttenMode::kMinHarmonics},
+    {ZentrelK4NSystemAttenOptSWR, k4n::AttenMode::kOptimumSwr},
+    {ZentrelK4NSystemAttenOptimum, k4n::AttenMode::kOptimum},
+    {ZentrelK4NSystemAttenCare, k4n::AttenMode::kCare},
 }};
 
 // The instrument lacks the file that the text stands in: the client gets the file-not-found code,
@@ -81,8 +83,8 @@ STDMETHODIMP CZentrelK4N::get_LevelState(VARIANT_BOOL* value) {
 
 STDMETHODIMP CZentrelK4N::put_Atten(ZentrelK4NSystemAttenEnum mode) {
   return SessionFrame(kSystem, [&] {
-    const AttenMode present = manager_.GetAttenMode();
-    if (present == AttenMode::kNone) {
+    const k4n::AttenMode present = manager_.GetAttenMode();
+    if (present == k4n::AttenMode::kNone) {
       return Status::kPropertyNotSupported;
     }
     // Kept: a value that is none of the four sends the present mode again.
@@ -92,8 +94,8 @@ STDMETHODIMP CZentrelK4N::put_Atten(ZentrelK4NSystemAttenEnum mode) {
 
 STDMETHODIMP CZentrelK4N::get_Atten(ZentrelK4NSystemAttenEnum* value) {
   return SessionFrame(kSystem, {value}, [&] {
-    const AttenMode mode = manager_.GetAttenMode();
-    if (mode == AttenMode::kNone) {
+    const k4n::AttenMode mode = manager_.GetAttenMode();
+    if (mode == k4n::AttenMode::kNone) {
       return Status::kPropertyNotSupported;
     }
     PutValueOf(kAttenModes, mode, value);
@@ -103,7 +105,7 @@ STDMETHODIMP CZentrelK4N::get_Atten(ZentrelK4NSystemAttenEnum* value) {
 
 STDMETHODIMP CZentrelK4N::put_ExtRefGenEnabled(VARIANT_BOOL enabled) {
   return SessionFrame(kSystem, [&] {
-    ReferenceSettings reference = manager_.GetExtRefGen();
+    k4n::ReferenceSettings reference = manager_.GetExtRefGen();
     reference.external = enabled != VARIANT_FALSE;
     return manager_.SetExtRefGen(reference);
   });
@@ -118,7 +120,7 @@ STDMETHODIMP CZentrelK4N::get_ExtRefGenEnabled(VARIANT_BOOL* value) {
 
 STDMETHODIMP CZentrelK4N::put_ExtRefGenFrequency(double frequency) {
   return SessionFrame(kSystem, [&] {
-    ReferenceSettings reference = manager_.GetExtRefGen();
+    k4n::ReferenceSettings reference = manager_.GetExtRefGen();
     reference.frequency = frequency;
     return manager_.SetExtRefGen(reference);
   });
@@ -133,7 +135,7 @@ STDMETHODIMP CZentrelK4N::get_ExtRefGenFrequency(double* value) {
 
 STDMETHODIMP CZentrelK4N::put_SyncSourceDetection(ZentrelK4NSystemSyncSourceDetectorEnum edge) {
   return SessionFrame(kSystem, [&] {
-    SweepTriggerSettings trigger = manager_.GetSweepTrigger();
+    k4n::SweepTriggerSettings trigger = manager_.GetSweepTrigger();
     // Kept: every value but Rise means Fall.
     trigger.falling_edge = edge != ZentrelK4NSystemSyncSourceDetectorRise;
     return manager_.SetSweepTrigger(trigger);

@@ -1,6 +1,9 @@
 // Answers on the wire: any operation of the model against any bytes.
 #include "fuzz/Model.h"
 
+using namespace k4n;
+using namespace measurement;
+
 namespace {
 
 using Values = std::array<double, 200>;

@@ -7,6 +7,8 @@
 #include "fuzz/Fuzz.h"
 #include "measurement/DetectorFile.h"
 
+using namespace measurement;
+
 namespace {
 
 /// A file for the length of the process.

@@ -1,6 +1,8 @@
 // Dates, and the identity text that holds them.
 #include "fuzz/Model.h"
 
+using namespace k4n;
+
 namespace {
 
 void RequireDate(const IdentityDate& date) {

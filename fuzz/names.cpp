@@ -3,6 +3,8 @@
 #include "fuzz/Fuzz.h"
 #include "visa/ResourceName.h"
 
+using namespace k4n;
+
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text = fuzz::Input(data, size).text();
   ResourceName name;

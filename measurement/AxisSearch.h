@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstddef>
 
+namespace measurement {
+
 /// The two neighbours of a value on an axis and the share of the first one (the second has the
 /// rest).
 struct AxisPosition {
@@ -65,3 +67,5 @@ double Bilinear(const AxisPosition& x, const AxisPosition& y, const At& at) {
          (1 - x.weight) *
              (y.weight * at(x.second, y.first) + (1 - y.weight) * at(x.second, y.second));
 }
+
+}  // namespace measurement

@@ -8,6 +8,8 @@
 
 #include "status/Status.h"
 
+namespace measurement {
+
 /// Channels A, B and R.
 inline constexpr std::size_t kTraceChannels = 3;
 /// Three signed 32-bit little-endian readings a point.
@@ -45,3 +47,5 @@ constexpr std::optional<DataBlock> ParseBlock(std::span<const std::uint8_t> body
   const auto word = static_cast<std::int16_t>(body[end] | body[end + 1] << 8);
   return DataBlock{body.first(end), Status{word}};
 }
+
+}  // namespace measurement

@@ -8,6 +8,8 @@
 #include "measurement/NewDetectorMatrixConvertor.h"
 #include "platform/os/Files.h"
 
+namespace measurement {
+
 namespace {
 
 /// The number at the start of a version text; 0 when there is none, nothing when no integer can
@@ -124,3 +126,5 @@ Status LoadDetectorTable(const std::filesystem::path& path,
   }
   return result;
 }
+
+}  // namespace measurement

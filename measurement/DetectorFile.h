@@ -14,6 +14,8 @@
 #include "measurement/SimpleMatrix.h"
 #include "status/Status.h"
 
+namespace measurement {
+
 /// The folders that all programs of the instrument family share, each with a trailing separator,
 /// the one that prevails first: each common files folder followed by "\Zentrel Shared\Detectors\".
 /// Kept: the suffix stands alone when the system tells no common files folder.
@@ -74,3 +76,5 @@ void ConvertLevelAxisToLog10(CSimpleMatrix& matrix);
 /// what it has when that fails. Returns as LoadDetectorFile.
 Status LoadDetectorTable(const std::filesystem::path& path,
                          std::shared_ptr<const DetectorTable>& table);
+
+}  // namespace measurement

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdint>
 
+namespace measurement {
+
 namespace {
 
 // 1 / ln 10 and log10 2, each as a sum. The first parts are short enough for exact products.
@@ -82,3 +84,5 @@ void DetectorLevels(std::span<double> readings) {
   }
   for (double& reading : readings.subspan(first)) reading = DetectorLevel(reading);
 }
+
+}  // namespace measurement

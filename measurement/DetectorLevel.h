@@ -3,6 +3,8 @@
 
 #include <span>
 
+namespace measurement {
+
 /// The base-10 logarithm, within one unit in the last place and exact for powers of ten. Unlike the
 /// standard library's it is the same to the last bit on every system. -infinity for 0, NaN for
 /// negative values.
@@ -14,3 +16,5 @@ double DetectorLevel(double reading);
 
 /// Replaces every reading by its level.
 void DetectorLevels(std::span<double> readings);
+
+}  // namespace measurement

@@ -7,6 +7,8 @@
 
 #include "measurement/AxisSearch.h"
 
+namespace measurement {
+
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -133,3 +135,5 @@ void DetectorTable::Interpolate(std::span<const double> frequencies_mhz,
     });
   }
 }
+
+}  // namespace measurement

@@ -7,6 +7,8 @@
 
 #include "measurement/SimpleMatrix.h"
 
+namespace measurement {
+
 /// The calibrated value for a frequency (MHz) and a level (base-10 logarithm), bilinear between the
 /// table's points and clamped at its edges. The axes may ascend or descend. NaN for a matrix
 /// without an axis (less than two columns or rows); no argument makes it read outside the matrix.
@@ -66,3 +68,5 @@ class DetectorTable {
   // there depends on where it starts. The default object has one without an axis.
   CSimpleMatrix irregular_;
 };
+
+}  // namespace measurement

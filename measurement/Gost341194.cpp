@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstring>
 
+namespace measurement {
+
 namespace {
 
 constexpr std::size_t kBlockBytes = 32;
@@ -220,3 +222,5 @@ std::string ToHexText(const Gost341194::Digest& digest) {
   }
   return text;
 }
+
+}  // namespace measurement

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+namespace measurement {
+
 /// The substitution table of the underlying cipher GOST 28147-89: eight rows of sixteen 4-bit
 /// entries, the first row for the most significant 4 bits of a word.
 using GostSubstitution = std::array<std::array<std::uint8_t, 16>, 8>;
@@ -43,3 +45,5 @@ class Gost341194 {
 
 /// 64 uppercase hexadecimal digits, two a byte, from the first byte on.
 std::string ToHexText(const Gost341194::Digest& digest);
+
+}  // namespace measurement

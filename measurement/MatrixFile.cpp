@@ -9,6 +9,8 @@
 #include "measurement/MatrixText.h"
 #include "platform/os/Files.h"
 
+namespace measurement {
+
 namespace {
 
 bool AllFinite(const ICustomMatrix<double>& matrix) {
@@ -123,3 +125,5 @@ std::string GetHeaderValue(std::string_view header, std::string_view key,
   }
   return std::string(default_value);
 }
+
+}  // namespace measurement

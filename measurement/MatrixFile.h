@@ -14,6 +14,8 @@
 #include "measurement/ICustomMatrix.h"
 #include "status/Status.h"
 
+namespace measurement {
+
 /// Bits of the `flags` arguments.
 inline constexpr std::uint32_t kMatrixFileDigest = 1;  ///< check, or write, the digest line
 inline constexpr std::uint32_t kMatrixFileExact = 2;   ///< write what reads back to the last bit
@@ -43,3 +45,5 @@ Status SaveMatrixFile(const ICustomMatrix<double>& matrix, const std::filesystem
 /// of the line, trimmed. `default_value` when there is none.
 std::string GetHeaderValue(std::string_view header, std::string_view key,
                            std::string_view default_value);
+
+}  // namespace measurement

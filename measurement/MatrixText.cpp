@@ -11,6 +11,8 @@
 #include "measurement/Gost341194.h"
 #include "platform/os/Files.h"
 
+namespace measurement {
+
 namespace {
 
 constexpr std::size_t kLargestFile = std::size_t{1} << 30;
@@ -192,3 +194,5 @@ Status MatrixText::Fill(ICustomMatrix<double>& matrix) const {
   }
   return result;
 }
+
+}  // namespace measurement

@@ -11,6 +11,8 @@
 #include "measurement/ICustomMatrix.h"
 #include "status/Status.h"
 
+namespace measurement {
+
 /// The characters that surround the content of a line.
 inline constexpr std::string_view kLineMargin = " \r\n";
 /// What a digest line begins with; the digest follows behind one more character.
@@ -92,3 +94,5 @@ class MatrixText {
   std::size_t signed_header_size_ = 0;  // of header_, when there is a digest line
   bool data_follows_digest_ = false;
 };
+
+}  // namespace measurement

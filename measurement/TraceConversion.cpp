@@ -5,6 +5,8 @@
 
 #include "measurement/DetectorLevel.h"
 
+namespace measurement {
+
 namespace {
 
 /// Points are worked on in pieces that stay in the first-level cache.
@@ -106,3 +108,5 @@ void ConvertBlock(const RawBlock& block, const FrequencyPlan& plan,
     }
   }
 }
+
+}  // namespace measurement

@@ -11,6 +11,8 @@
 #include "measurement/DetectorTable.h"
 #include "measurement/TraceMatrix.h"
 
+namespace measurement {
+
 /// The frequency that a detector sees, from the generator's: F x multiplier / divider + offset, Hz.
 struct ChannelTransform {
   double offset = 0.0;
@@ -55,3 +57,5 @@ struct ChannelCalibration {
 void ConvertBlock(const RawBlock& block, const FrequencyPlan& plan,
                   const std::array<ChannelCalibration, kTraceChannels>& channels,
                   TraceMatrix& trace);
+
+}  // namespace measurement

@@ -7,6 +7,8 @@
 
 #include "measurement/AxisSearch.h"
 
+using namespace measurement;
+
 namespace {
 
 /// The indices 0 .. keys.size() - 1 with the first one in its place and the others ordered by their

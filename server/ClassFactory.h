@@ -26,12 +26,12 @@ class ClassFactory final : public IClassFactory {
   /// An object inside `outer` must first be asked for its own IUnknown: CLASS_E_NOAGGREGATION for
   /// any other interface.
   STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
-    return Frame({out}, [&]() -> HRESULT {
+    return driver::Frame({out}, [&]() -> HRESULT {
       *out = nullptr;
       if (outer != nullptr && !IsEqualGUID(iid, __uuidof(IUnknown))) {
         return CLASS_E_NOAGGREGATION;
       }
-      IUnknown& object = ComObject<Class>::Create(outer)->Unknown();
+      IUnknown& object = driver::ComObject<Class>::Create(outer)->Unknown();
       const HRESULT result = object.QueryInterface(iid, out);
       object.Release();
       return result;

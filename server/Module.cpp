@@ -53,7 +53,7 @@ STDAPI DllGetClassObject(REFCLSID class_id, REFIID iid, void** out) ZK_EXPORT;
 STDAPI DllCanUnloadNow() { return module_lock::IsHeld() ? S_FALSE : S_OK; }
 
 STDAPI DllGetClassObject(REFCLSID class_id, REFIID iid, void** out) {
-  return Frame({out}, [&]() -> HRESULT {
+  return driver::Frame({out}, [&]() -> HRESULT {
     *out = nullptr;
     for (const auto& entry : ObjectMap()) {
       if (IsEqualGUID(entry.class_id, class_id)) {

@@ -84,7 +84,7 @@ class ModuleRegistration {
 };
 
 HRESULT RunRegistration(RegistrationScope scope, bool install) {
-  return Frame([&] {
+  return driver::Frame([&] {
     const ModuleRegistration registration(scope);
     return install ? registration.Register() : registration.Remove();
   });

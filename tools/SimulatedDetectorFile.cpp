@@ -47,6 +47,6 @@ CSimpleMatrix ToMatrix(const simulator::DetectorTable& table) {
 }  // namespace
 
 Status WriteSimulatedDetectorFile(const std::string& path) {
-  return SaveMatrixFile(ToMatrix(simulator::DetectorTable::Make()), path, kHeader,
-                        kMatrixFileDigest);
+  return measurement::SaveMatrixFile(ToMatrix(simulator::DetectorTable::Make()), path, kHeader,
+                                     measurement::kMatrixFileDigest);
 }

@@ -49,9 +49,9 @@ int Check(const DetectorOptions& options) {
 }
 
 /// The input file, which can be opened; good or not.
-DetectorFile ReadInput(const DetectorOptions& options) {
-  DetectorFile file;
-  if (file.Read(PathArgument(options.input)) == DetectorFile::Fault::kCannotOpen) {
+measurement::DetectorFile ReadInput(const DetectorOptions& options) {
+  measurement::DetectorFile file;
+  if (file.Read(PathArgument(options.input)) == measurement::DetectorFile::Fault::kCannotOpen) {
     throw UsageError("cannot read " + options.input);
   }
   return file;
@@ -59,7 +59,7 @@ DetectorFile ReadInput(const DetectorOptions& options) {
 
 /// The table of an input file that the driver takes; levels are linear.
 CSimpleMatrix LoadInput(const DetectorOptions& options) {
-  const DetectorFile file = ReadInput(options);
+  const measurement::DetectorFile file = ReadInput(options);
   CSimpleMatrix matrix;
   Status status = file.ReadStatus();
   if (status == Status::kOk) status = file.Fill(matrix);
@@ -84,8 +84,8 @@ int Value(const DetectorOptions& options) {
                   DecimalArgument("--level", options.level)};
   }
   CSimpleMatrix matrix = LoadInput(options);
-  ConvertLevelAxisToLog10(matrix);
-  const DetectorTable table(matrix);
+  measurement::ConvertLevelAxisToLog10(matrix);
+  const measurement::DetectorTable table(matrix);
   const auto answer = [&](const DetectorPoint& point) {
     Print(ValueText(options, point, DetectorValue(table, point)));
   };
@@ -102,20 +102,21 @@ void WriteOutput(const DetectorOptions& options, const std::string& content) {
 }
 
 /// Writes the table of a file as version 3 with its digest.
-int WriteSigned(const DetectorOptions& options, const DetectorFile& file,
+int WriteSigned(const DetectorOptions& options, const measurement::DetectorFile& file,
                 const std::string& header) {
   CSimpleMatrix matrix;
   std::string content;
   Status status = file.Fill(matrix);
   if (status == Status::kOk) {
-    status = ComposeMatrixFile(matrix, header, kMatrixFileDigest | kMatrixFileExact, content);
+    status = measurement::ComposeMatrixFile(
+        matrix, header, measurement::kMatrixFileDigest | measurement::kMatrixFileExact, content);
   }
   if (status != Status::kOk) Refuse(options.input, status, "too many levels");
   WriteOutput(options, content);
   return exit_status::kOk;
 }
 
-void RequireTable(const DetectorOptions& options, const DetectorFile& file) {
+void RequireTable(const DetectorOptions& options, const measurement::DetectorFile& file) {
   if (!file.HasTable()) Refuse(options.input, file.ReadStatus(), FaultText(file));
 }
 
@@ -129,10 +130,10 @@ void RequireNewOutput(const DetectorOptions& options) {
 
 int Sign(const DetectorOptions& options) {
   RequireNewOutput(options);
-  const DetectorFile file = ReadInput(options);
+  const measurement::DetectorFile file = ReadInput(options);
   RequireTable(options, file);
   // A file that does not state its version is of version 0: whether it has levels cannot be told.
-  if (file.Version() != kVersionSigned) {
+  if (file.Version() != measurement::kVersionSigned) {
     throw std::runtime_error(options.input + " is of version 0: convert makes a version 3 of it");
   }
   return WriteSigned(options, file, file.Text().Header());
@@ -141,7 +142,7 @@ int Sign(const DetectorOptions& options) {
 /// The header lines with the version changed.
 std::string HeaderOfVersion3(const std::string& header) {
   std::string changed = "#VERSION 3";
-  LineReader lines(header);
+  measurement::LineReader lines(header);
   std::string_view line;
   while (lines.Next(line)) {
     const bool is_version = line == "#VERSION" || line.starts_with("#VERSION ");
@@ -152,9 +153,9 @@ std::string HeaderOfVersion3(const std::string& header) {
 
 int Convert(const DetectorOptions& options) {
   RequireNewOutput(options);
-  const DetectorFile file = ReadInput(options);
+  const measurement::DetectorFile file = ReadInput(options);
   RequireTable(options, file);
-  if (file.Version() != kVersionWithoutLevels) {
+  if (file.Version() != measurement::kVersionWithoutLevels) {
     throw std::runtime_error(options.input + " is of version 3 already");
   }
   return WriteSigned(options, file, HeaderOfVersion3(file.Text().Header()));

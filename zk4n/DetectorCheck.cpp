@@ -34,8 +34,8 @@ std::string AxisText(const std::vector<double>& axis, const std::string& unit) {
 
 }  // namespace
 
-std::string FaultText(const DetectorFile& file) {
-  using Fault = DetectorFile::Fault;
+std::string FaultText(const measurement::DetectorFile& file) {
+  using Fault = measurement::DetectorFile::Fault;
   switch (file.ReadFault()) {
     case Fault::kNone:
       return "";
@@ -80,7 +80,7 @@ std::string DetectorCheck::AxisFault() const {
 }
 
 std::string DetectorCheck::AsText() const {
-  const MatrixText& text = file_.Text();
+  const measurement::MatrixText& text = file_.Text();
   const Status status = file_.ReadStatus();
   std::ostringstream lines;
   lines << name_ << ": ";
@@ -97,7 +97,7 @@ std::string DetectorCheck::AsText() const {
   if (file_.HasTable()) {
     lines << "  frequency  " << AxisText(frequencies_, " MHz") << '\n'
           << "  level      " << AxisText(levels_, "")
-          << (file_.Version() == kVersionWithoutLevels ? ", not in the file\n" : "\n");
+          << (file_.Version() == measurement::kVersionWithoutLevels ? ", not in the file\n" : "\n");
   }
   lines << "  digest     " << text.ComputedDigest() << '\n'
         << "  stored     " << (text.HasDigest() ? text.StoredDigest() : "none") << '\n';
@@ -105,7 +105,7 @@ std::string DetectorCheck::AsText() const {
 }
 
 std::string DetectorCheck::AsJson() const {
-  const MatrixText& text = file_.Text();
+  const measurement::MatrixText& text = file_.Text();
   ordered_json object{{"file", name_}, {"status", HresultText(ToCode(file_.ReadStatus()))}};
   const auto add = [&object](const char* key, bool is_there, const auto& value) {
     object[key] = is_there ? ordered_json(value) : ordered_json(nullptr);

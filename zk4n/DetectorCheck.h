@@ -8,7 +8,7 @@
 #include "measurement/SimpleMatrix.h"
 
 /// Why a file is not good, in a few words; empty for none.
-std::string FaultText(const DetectorFile& file);
+std::string FaultText(const measurement::DetectorFile& file);
 
 /// A file read, and taken apart.
 class DetectorCheck {
@@ -29,7 +29,7 @@ class DetectorCheck {
   [[nodiscard]] std::string AxisFault() const;
 
   std::string name_;
-  DetectorFile file_;
+  measurement::DetectorFile file_;
   std::vector<double> frequencies_;  // MHz
   std::vector<double> levels_;       // linear
 };

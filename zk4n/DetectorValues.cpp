@@ -33,8 +33,8 @@ std::string_view TakeWord(std::string_view& text) {
 
 }  // namespace
 
-double DetectorValue(const DetectorTable& table, const DetectorPoint& point) {
-  return table.Interpolate(point.frequency_mhz, DetectorLevel(point.level));
+double DetectorValue(const measurement::DetectorTable& table, const DetectorPoint& point) {
+  return table.Interpolate(point.frequency_mhz, measurement::DetectorLevel(point.level));
 }
 
 double DecimalArgument(const std::string& what, const std::string& text) {

@@ -14,7 +14,7 @@ struct DetectorPoint {
 };
 
 /// The value at a point; NaN for a table without an axis.
-double DetectorValue(const DetectorTable& table, const DetectorPoint& point);
+double DetectorValue(const measurement::DetectorTable& table, const DetectorPoint& point);
 
 /// A finite decimal and nothing else; throws UsageError, which begins with `what`.
 double DecimalArgument(const std::string& what, const std::string& text);

@@ -18,6 +18,8 @@
 #include "platform/os/Module.h"
 #include "visa/Visa.h"
 
+using namespace k4n;
+
 namespace {
 
 constexpr double kLevel = -10.0;

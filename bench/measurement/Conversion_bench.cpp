@@ -14,6 +14,8 @@
 #include "measurement/DetectorFile.h"
 #include "measurement/TraceConversion.h"
 
+using namespace measurement;
+
 namespace {
 
 struct Place {

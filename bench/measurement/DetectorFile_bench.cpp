@@ -12,6 +12,8 @@
 #include "measurement/Gost341194.h"
 #include "measurement/MatrixFile.h"
 
+using namespace measurement;
+
 namespace {
 
 /// A table of 2,001 frequencies and 401 levels in a file of the given version.

@@ -13,6 +13,8 @@
 
 #include "measurement/Gost341194.h"
 
+using namespace measurement;
+
 extern char** environ;  // NOLINT(readability-redundant-declaration): POSIX wants it declared
 
 namespace {

@@ -11,6 +11,8 @@
 #include "tests/platform/EnvironmentVariable.h"
 #include "tests/platform/TemporaryFolder.h"
 
+using namespace measurement;
+
 namespace driver_test {
 namespace {
 

@@ -10,6 +10,8 @@
 #include "tests/driver/DriverModule.h"
 #include "zk4n/members/MemberTable.h"
 
+using namespace driver;
+
 namespace {
 bool out_of_memory = false;
 }

@@ -4,6 +4,8 @@
 
 #include "platform/com/Com.h"
 
+using namespace driver;
+
 namespace {
 
 struct BuilderCase {

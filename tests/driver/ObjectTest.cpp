@@ -7,6 +7,8 @@
 #include "driver/ZentrelK4N.h"
 #include "tests/driver/DriverModule.h"
 
+using namespace driver;
+
 namespace driver_test {
 namespace {
 
@@ -202,7 +204,7 @@ TEST(Objects, TheRootHandsOutTheInterfacesWithoutAProperty) {
 
 TEST(Objects, ACodeThatIsNoValueLeavesTheClientsVariableAlone) {
   const auto root = ComPtr<ComObject<CZentrelK4N>>::Adopt(ComObject<CZentrelK4N>::Create());
-  EXPECT_EQ(root->manager().SetPulseModSource(PulseSource{7}), Status::kOk);
+  EXPECT_EQ(root->manager().SetPulseModSource(k4n::PulseSource{7}), Status::kOk);
   ComPtr<IZentrelK4NPulseModulation> modulation;
   EXPECT_EQ(root->get_PulseModulation(modulation.Put()), S_OK);
   using Source = ZentrelK4NPulseModulationSourceEnum;

@@ -4,6 +4,8 @@
 #include "K4NHardWare/ErrorTrail.h"
 #include "tests/hostile/Heap.h"
 
+using namespace k4n;
+
 namespace {
 
 constexpr Status kLost{SignedBits(0xBFFF00A6)};

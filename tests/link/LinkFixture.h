@@ -17,6 +17,9 @@
 #include "K4NHardWare/Event.h"
 #include "tests/link/ScriptedVisa.h"
 #include "tests/platform/ResultCode.h"
+using namespace measurement;
+
+using namespace k4n;
 
 constexpr const char* kResource = "TCPIP0::hostA::5025::SOCKET";
 constexpr Status kViolation{SignedBits(0xBFFF0037)};

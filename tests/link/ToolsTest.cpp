@@ -8,6 +8,8 @@
 #include "K4NHardWare/ResourceName.h"
 #include "tests/link/LinkFixture.h"
 
+using namespace k4n;
+
 namespace {
 
 TEST(HardWareParametrTest, RoundTrips) {

@@ -17,6 +17,8 @@
 #include "tests/link/LinkFixture.h"
 #include "tests/platform/WaitUntil.h"
 
+using namespace k4n;
+
 /// How gtest names a trail's records: "0x80047060@1002", "-6@691".
 inline void PrintTo(const ErrorRecord& record, std::ostream* stream) {
   PrintTo(record.status, stream);

@@ -13,6 +13,8 @@
 #include "tests/measurement/TempFile.h"
 #include "tests/platform/ResultCode.h"
 
+using namespace measurement;
+
 namespace {
 
 std::string Signed(const std::string& lines) {

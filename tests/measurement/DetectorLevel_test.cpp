@@ -9,6 +9,8 @@
 #include <random>
 #include <vector>
 
+using namespace measurement;
+
 namespace {
 
 TEST(Log10, IsTheNearestNumberOrItsNeighbour) {

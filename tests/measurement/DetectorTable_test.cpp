@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+using namespace measurement;
+
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();

@@ -4,6 +4,8 @@
 
 #include <string>
 
+using namespace measurement;
+
 namespace {
 
 // The example set of the standard's own annex, and CryptoPro's for hashing: both have published

@@ -14,6 +14,8 @@
 #include "tests/measurement/TempFile.h"
 #include "tests/platform/ResultCode.h"
 
+using namespace measurement;
+
 namespace {
 
 using testing::ElementsAre;

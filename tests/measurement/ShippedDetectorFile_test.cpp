@@ -12,6 +12,8 @@
 #include "tests/platform/ResultCode.h"
 #include "tools/SimulatedDetectorFile.h"
 
+using namespace measurement;
+
 namespace {
 
 const std::string kShipped = std::filesystem::path(SHIPPED_DETECTOR_FILE).string();

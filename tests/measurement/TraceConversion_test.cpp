@@ -13,6 +13,8 @@
 #include "measurement/DetectorLevel.h"
 #include "tests/platform/ResultCode.h"
 
+using namespace measurement;
+
 namespace {
 
 using enum InstrumentKind;

@@ -18,6 +18,8 @@
 #include "zk4n/DetectorValues.h"
 #include "zk4n/Quantity.h"
 
+using namespace measurement;
+
 namespace {
 
 namespace fs = std::filesystem;
