@@ -50,7 +50,7 @@ void Close(std::intptr_t fd) {
 
 std::string ThisProcess() {
   const std::string program = ProgramName();
-  return "process " + std::to_string(ProcessNumber()) +
+  return "process " + std::to_string(WhoCalls().process) +
          (program.empty() ? "" : " (" + program + ")");
 }
 

@@ -8,8 +8,12 @@ namespace zevisa {
 
 /// The program's name, for people; empty when the system does not tell.
 std::string ProgramName();
-std::uint64_t ProcessNumber();
-/// Of the calling thread.
-std::uint64_t ThreadNumber();
+
+struct Caller {
+  std::uint64_t process;
+  std::uint64_t thread;
+};
+/// The calling thread.
+Caller WhoCalls();
 
 }  // namespace zevisa

@@ -14,8 +14,6 @@ std::string ProgramName() {
   return {name.begin(), name.end()};
 }
 
-std::uint64_t ProcessNumber() { return GetCurrentProcessId(); }
-
-std::uint64_t ThreadNumber() { return GetCurrentThreadId(); }
+Caller WhoCalls() { return {GetCurrentProcessId(), GetCurrentThreadId()}; }
 
 }  // namespace zevisa

@@ -11,44 +11,39 @@
 namespace zevisa {
 namespace {
 
-constexpr char kDigits[] = "0123456789abcdef";
-
 void AppendNumber(std::string& text, std::uint64_t number) {
   std::array<char, 20> digits;
   const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
   text.append(digits.data(), end);
 }
 
-/// With zeros in front.
-void AppendPadded(std::string& text, std::uint64_t number, std::size_t width) {
-  for (std::size_t i = 0; i < width; ++i) text += '0';
-  for (std::size_t i = text.size(); number != 0 && i-- > text.size() - width; number /= 10) {
-    text[i] = static_cast<char>('0' + number % 10);
-  }
+/// Puts the last digits of a number so that they end before this place.
+void PutDigits(char* end, unsigned count, std::uint64_t number) {
+  for (; count > 0; --count, number /= 10) *--end = static_cast<char>('0' + number % 10);
 }
 
-/// "2026-11-25T16:18:50.123456Z"
 void AppendTime(std::string& text, std::chrono::system_clock::time_point time) {
   using namespace std::chrono;
   const auto day = floor<days>(time);
   const year_month_day date(day);
-  const hh_mm_ss clock(floor<microseconds>(time - day));
-  const auto part = [&](auto number, std::size_t width, char behind) {
-    AppendPadded(text, static_cast<std::uint64_t>(number), width);
-    text += behind;
-  };
-  part(static_cast<int>(date.year()), 4, '-');
-  part(static_cast<unsigned>(date.month()), 2, '-');
-  part(static_cast<unsigned>(date.day()), 2, 'T');
-  part(clock.hours().count(), 2, ':');
-  part(clock.minutes().count(), 2, ':');
-  part(clock.seconds().count(), 2, '.');
-  part(clock.subseconds().count(), 6, 'Z');
+  const auto of_day = static_cast<std::uint64_t>(floor<microseconds>(time - day).count());
+  const std::uint64_t seconds = of_day / 1000000;
+  const std::size_t begin = text.size();
+  text += "0000-00-00T00:00:00.000000Z";
+  char* const place = text.data() + begin;
+  PutDigits(place + 4, 4, static_cast<std::uint64_t>(static_cast<int>(date.year())));
+  PutDigits(place + 7, 2, static_cast<unsigned>(date.month()));
+  PutDigits(place + 10, 2, static_cast<unsigned>(date.day()));
+  PutDigits(place + 13, 2, seconds / 3600);
+  PutDigits(place + 16, 2, seconds / 60 % 60);
+  PutDigits(place + 19, 2, seconds % 60);
+  PutDigits(place + 26, 6, of_day);
 }
 
-void AppendByte(std::string& text, unsigned char byte) {
-  text += kDigits[byte >> 4];
-  text += kDigits[byte & 15];
+void PutByte(char* place, unsigned char byte) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  place[0] = kDigits[byte >> 4];
+  place[1] = kDigits[byte & 15];
 }
 
 }  // namespace
@@ -82,8 +77,8 @@ void TraceLine::Text(std::string_view key, std::string_view value) {
     if (is_printable) {
       details_ += c;
     } else {
-      details_ += "\\x";
-      AppendByte(details_, static_cast<unsigned char>(c));
+      details_ += "\\x00";
+      PutByte(details_.data() + details_.size() - 2, static_cast<unsigned char>(c));
     }
   }
   details_ += '"';
@@ -102,8 +97,9 @@ void TraceLine::Name(std::string_view key, std::string_view value) {
 void TraceLine::Data(const ViByte* bytes, std::size_t size) {
   Key("data");
   const std::size_t shown = std::min(size, shown_data_);
-  details_.reserve(details_.size() + 2 * shown + 4);
-  for (std::size_t i = 0; i < shown; ++i) AppendByte(details_, bytes[i]);
+  const std::size_t begin = details_.size();
+  details_.resize(begin + 2 * shown);
+  for (std::size_t i = 0; i < shown; ++i) PutByte(details_.data() + begin + 2 * i, bytes[i]);
   if (shown < size) details_ += "...";
 }
 
@@ -111,7 +107,8 @@ std::string TraceLine::Finish() const {
   std::string line;
   line.reserve(128 + details_.size());
   AppendTime(line, time_);
-  for (const std::uint64_t number : {ProcessNumber(), ThreadNumber()}) {
+  const Caller caller = WhoCalls();
+  for (const std::uint64_t number : {caller.process, caller.thread}) {
     line += ' ';
     AppendNumber(line, number);
   }

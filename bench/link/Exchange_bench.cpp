@@ -2,12 +2,18 @@
 // library, the instrument model, the COM member. The bytes on the wire are the same everywhere.
 #include <benchmark/benchmark.h>
 #include <sched.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <memory>
+#include <optional>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "K4NHardWare/CommandExchanger.h"
@@ -56,8 +62,8 @@ class BareLayer {
 /// The same four calls, to the VISA library.
 class VisaLayer {
  public:
-  explicit VisaLayer(const EchoInstrument& instrument) {
-    Require(module_.Load(ZK_VISA_MODULE), "no VISA library");
+  explicit VisaLayer(const EchoInstrument& instrument, const char* module = ZK_VISA_MODULE) {
+    Require(module_.Load(module), "no VISA library");
     read_ = module_.FunctionOf<decltype(viRead)>("viRead");
     write_ = module_.FunctionOf<decltype(viWrite)>("viWrite");
     module_.FunctionOf<decltype(viOpenDefaultRM)>("viOpenDefaultRM")(&manager_);
@@ -92,6 +98,35 @@ class VisaLayer {
   ViSession manager_ = 0;
   ViSession session_ = 0;
   LevelMessage message_;
+};
+
+/// As above, and each call is a line of a trace. It has a copy of the library for itself: one that
+/// traces anything looks for each call whether it is to be traced.
+class TracedLayer {
+ public:
+  explicit TracedLayer(const EchoInstrument& instrument) {
+    const std::string settings = File("zevisa.ini");
+    std::ofstream(settings) << "[*]\ntrace = " << File("visa.trace") << '\n';
+    setenv("ZEVISA_CONFIG", settings.c_str(), 1);
+    layer_.emplace(instrument, ZK_VISA_MODULE_COPY);
+    unsetenv("ZEVISA_CONFIG");
+    (*this)();
+    Require(std::filesystem::file_size(File("visa.trace")) > 0, "no trace");
+  }
+  void operator()() { (*layer_)(); }
+
+ private:
+  /// Removed with its folder.
+  struct Folder {
+    Folder() { std::filesystem::create_directories(path); }
+    ~Folder() { std::filesystem::remove_all(path); }
+    const std::filesystem::path path =
+        std::filesystem::temp_directory_path() / ("zk4n-bench-" + std::to_string(getpid()));
+  };
+  [[nodiscard]] std::string File(const char* name) const { return folder_.path / name; }
+
+  Folder folder_;
+  std::optional<VisaLayer> layer_;
 };
 
 class ModelLayer {
@@ -165,9 +200,10 @@ std::array<int, 2> TwoProcessors() {
   return found;
 }
 
-std::unique_ptr<std::array<EchoInstrument, 4>> InstrumentsOn(int processor) {
+using Instruments = std::array<EchoInstrument, 5>;
+std::unique_ptr<Instruments> InstrumentsOn(int processor) {
   const Placement there(processor);
-  return std::make_unique<std::array<EchoInstrument, 4>>();
+  return std::make_unique<Instruments>();
 }
 
 /// The layers take turns, so that whatever else the machine does meets them all; each has an
@@ -181,17 +217,20 @@ void Exchange(benchmark::State& state) {
   VisaLayer visa((*instruments)[1]);
   ModelLayer model((*instruments)[2]);
   ComLayer com((*instruments)[3]);
-  std::array<bench::Samples, 4> times;
+  TracedLayer traced((*instruments)[4]);
+  std::array<bench::Samples, 5> times;
   for ([[maybe_unused]] auto _ : state) {
     times[0].Add(Time(bare));
     times[1].Add(Time(visa));
     times[2].Add(Time(model));
     times[3].Add(Time(com));
+    times[4].Add(Time(traced));
   }
   state.counters["bare_us"] = times[0].Median();
   state.counters["visa_us"] = times[1].Median();
   state.counters["model_us"] = times[2].Median();
   state.counters["com_us"] = times[3].Median();
+  state.counters["traced_us"] = times[4].Median();
 }
 BENCHMARK(Exchange)->Arg(1)->Arg(2)->Iterations(200)->UseRealTime();
 
