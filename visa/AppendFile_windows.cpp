@@ -62,6 +62,7 @@ std::string AppendFile::Identity() const { return IdentityOf(HandleOf(handle_));
 // A file that is open gives its name to no other: it is put aside first, and goes when the last
 // process closes it.
 bool AppendFile::Replace(const std::filesystem::path& from, const std::filesystem::path& to) {
+  if (std::filesystem::is_directory(to)) return false;
   const std::wstring aside = to.native() + L"-" + std::to_wstring(GetCurrentProcessId());
   if (MoveFileExW(to.c_str(), aside.c_str(), MOVEFILE_REPLACE_EXISTING)) {
     DeleteFileW(aside.c_str());

@@ -1,0 +1,95 @@
+// Traces where only some systems let a test make trouble: several processes, a full disk.
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "tests/visa/TraceFixture.h"
+
+namespace {
+
+class VisaTraceProcesses : public VisaTrace {
+ protected:
+  static constexpr int kProcesses = 4;
+  static constexpr int kCalls = 2000;
+  /// All of them write at the same time.
+  void CountInProcesses() {
+    std::array<pid_t, kProcesses> children{};
+    for (int i = 0; i < kProcesses; ++i) {
+      children[static_cast<std::size_t>(i)] = fork();
+      if (children[static_cast<std::size_t>(i)] != 0) continue;
+      Count(i * kCalls, (i + 1) * kCalls);
+      _exit(HasFailure() ? 1 : 0);
+    }
+    for (const pid_t child : children) {
+      int status = 1;
+      EXPECT_EQ(waitpid(child, &status, 0), child);
+      EXPECT_EQ(status, 0);
+    }
+  }
+};
+
+TEST_F(VisaTraceProcesses, WriteWholeLinesIntoOneFile) {
+  CountInProcesses();
+  std::vector<int> numbers = Numbers(trace_file_);
+  std::ranges::sort(numbers);
+  ASSERT_EQ(numbers.size(), std::size_t{kProcesses} * kCalls);
+  EXPECT_EQ(std::ranges::adjacent_find(numbers), numbers.end());
+}
+
+// Two that rename the same file would lose a whole one.
+TEST_F(VisaTraceProcesses, PutOneFullFileAsideTogether) {
+  EXPECT_STATUS(visa.viClose(OpenWith("[*]\ntrace-size = 64")), VI_SUCCESS);
+  CountInProcesses();
+  EXPECT_GE(std::filesystem::file_size(Before()), 64 * 1024U);
+  EXPECT_LT(std::filesystem::file_size(Before()), 80 * 1024U);
+  EXPECT_LT(std::filesystem::file_size(trace_file_), 80 * 1024U);
+  std::vector<int> numbers = Numbers(Before());
+  const std::vector<int> newer = Numbers(trace_file_);
+  EXPECT_FALSE(newer.empty());
+  numbers.insert(numbers.end(), newer.begin(), newer.end());
+  std::ranges::sort(numbers);
+  EXPECT_EQ(std::ranges::adjacent_find(numbers), numbers.end());
+}
+
+TEST_F(VisaTrace, AFullDiskLosesLinesAndNothingElse) {
+  // To the library a full disk is what the limit of a file's size is.
+  const auto ignored = signal(SIGXFSZ, SIG_IGN);
+  rlimit usual{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &usual), 0);
+  rlimit full = usual;
+  full.rlim_cur = std::filesystem::file_size(trace_file_) + 40;
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
+  Count(0, 3);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &usual), 0);
+  signal(SIGXFSZ, ignored);
+  Count(3, 5);
+  std::ifstream stream(trace_file_);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  ASSERT_EQ(lines.size(), 6U);
+  EXPECT_EQ(lines[2].size(), 40U) << "what the disk took of the first of three";
+  EXPECT_EQ(Core(lines[3]), "- note - - text=\"3 lines could not be written\"");
+  EXPECT_THAT(lines[4], testing::EndsWith(" value=3"));
+  EXPECT_THAT(lines[5], testing::EndsWith(" value=4"));
+}
+
+TEST_F(VisaTrace, WhatIsNoFileHoldsUpNoCall) {
+  const std::string fifo = folder_.path() / "fifo";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+  for (const std::string& path : {fifo, std::string("/dev/full"), std::string("/proc/version")}) {
+    const EnvironmentVariable variable("ZEVISA_TRACE", path);
+    ViSession other = 0;
+    EXPECT_STATUS(visa.viOpenDefaultRM(&other), VI_SUCCESS) << path;
+    Count(0, 3);
+  }
+  char byte = 0;
+  EXPECT_EQ(read(reader, &byte, 1), 0) << "nothing is written into what has a reader";
+  close(reader);
+}
+
+}  // namespace
