@@ -5,6 +5,9 @@
 #include <memory>
 #include <optional>
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/os/Text.h"
 #include "zk4n/Arguments.h"
@@ -61,9 +64,19 @@ class Checks {
         "neither zevisa64 nor zevisa is found by the system, nor ZeVISA beside the driver");
   }
 
+  std::string Settings() {
+    const std::optional<std::string> file = visa_.SettingsFile();
+    if (!file) return "not of this VISA library";
+    ignored_ = visa_.SettingsProblems();
+    return file->empty() ? "no file, the defaults" : *file;
+  }
+
   std::string Connection() {
     const ViStatus opened = visa_.Open(options_.resource);
-    if (opened >= 0) return options_.resource;
+    if (opened >= 0) {
+      const std::string section = visa_.SettingsSection();
+      return options_.resource + (section.empty() ? "" : ", settings of [" + section + "]");
+    }
     throw std::runtime_error(options_.resource + ": " + visa_.Describe(opened));
   }
 
@@ -79,6 +92,9 @@ class Checks {
     visa_.Close();
     return "free";
   }
+
+  /// What the last step told beside its text; no failure, but worth a line each.
+  std::vector<std::string> TakeIgnored() { return std::exchange(ignored_, {}); }
 
   std::string Identity() {
     DriverClient& driver = *driver_;
@@ -101,6 +117,7 @@ class Checks {
   std::string driver_file_;
   std::optional<DriverClient> driver_;
   VisaProbe visa_;
+  std::vector<std::string> ignored_;
 };
 
 struct Step {
@@ -110,11 +127,9 @@ struct Step {
 };
 
 constexpr Step kSteps[] = {
-    {"bitness", &Checks::Bitness, false},
-    {"registration", &Checks::Registration, false},
-    {"VISA library", &Checks::VisaLibrary, false},
-    {"connection", &Checks::Connection, true},
-    {"lock", &Checks::Lock, true},
+    {"bitness", &Checks::Bitness, false},          {"registration", &Checks::Registration, false},
+    {"VISA library", &Checks::VisaLibrary, false}, {"settings", &Checks::Settings, false},
+    {"connection", &Checks::Connection, true},     {"lock", &Checks::Lock, true},
     {"identity", &Checks::Identity, true},
 };
 
@@ -131,6 +146,7 @@ int Check(const CheckOptions& options) {
     }
     try {
       print("ok", (checks.*step.run)());
+      for (const std::string& ignored : checks.TakeIgnored()) print("ignored", ignored);
     } catch (const std::runtime_error& error) {
       print("FAILED", error.what());
       return exit_status::kFailed;

@@ -34,9 +34,41 @@ bool VisaProbe::Bind() {
 
 std::string VisaProbe::File() const { return os::ToNarrow(module_.File(), os::kUtf8CodePage); }
 
+ViStatus VisaProbe::OpenManager() { return manager_ != 0 ? VI_SUCCESS : open_manager_(&manager_); }
+
+// The attributes of settings and of the lock's owner are our own library's; others answer that they
+// do not know them.
+std::optional<std::string> VisaProbe::TextOf(ViObject object, ViAttr attribute) const {
+  std::array<char, VI_FIND_BUFLEN> text{};
+  if (get_attribute_(object, attribute, text.data()) < 0) return std::nullopt;
+  return text.data();
+}
+
+std::optional<std::string> VisaProbe::SettingsFile() {
+  OpenManager();
+  return TextOf(manager_, VI_ATTR_ZENTREL_SETTINGS_FILE);
+}
+
+std::vector<std::string> VisaProbe::SettingsProblems() {
+  constexpr ViAttr kFirst = VI_ATTR_ZENTREL_SETTINGS_PROBLEM;
+  constexpr ViAttr kMost = 100;  // more than our library tells of
+  std::vector<std::string> problems;
+  for (ViAttr next = kFirst; next < kFirst + kMost; ++next) {
+    auto problem = TextOf(manager_, next);
+    if (!problem) break;
+    problems.push_back(*std::move(problem));
+  }
+  return problems;
+}
+
 ViStatus VisaProbe::Open(const std::string& resource) {
-  const ViStatus opened = open_manager_(&manager_);
-  return opened < 0 ? opened : open_(manager_, resource.c_str(), 0, kOpenTimeout, &session_);
+  const ViStatus opened = OpenManager();
+  return opened < 0 ? opened
+                    : open_(manager_, resource.c_str(), VI_LOAD_CONFIG, kOpenTimeout, &session_);
+}
+
+std::string VisaProbe::SettingsSection() const {
+  return TextOf(session_, VI_ATTR_ZENTREL_SETTINGS_SECTION).value_or("");
 }
 
 ViStatus VisaProbe::TryLock() {
@@ -45,10 +77,8 @@ ViStatus VisaProbe::TryLock() {
   return locked;
 }
 
-// An attribute of our own library; others answer that they do not know it.
 std::string VisaProbe::LockOwner() const {
-  std::array<char, VI_FIND_BUFLEN> text{};
-  return get_attribute_(session_, VI_ATTR_ZENTREL_LOCK_OWNER, text.data()) < 0 ? "" : text.data();
+  return TextOf(session_, VI_ATTR_ZENTREL_LOCK_OWNER).value_or("");
 }
 
 std::string VisaProbe::Describe(ViStatus status) const {

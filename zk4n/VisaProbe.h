@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/os/Module.h"
 #include "visa/Visa.h"
@@ -22,8 +24,16 @@ class VisaProbe {
   /// The loaded library's path.
   [[nodiscard]] std::string File() const;
 
-  /// Opens a session without a lock; the status.
+  /// The settings file that the library follows, empty when there is none; nothing when the library
+  /// knows of no such file.
+  [[nodiscard]] std::optional<std::string> SettingsFile();
+  /// What makes no sense in that file, a text a line.
+  [[nodiscard]] std::vector<std::string> SettingsProblems();
+
+  /// Opens a session without a lock, with the library's settings as the driver does; the status.
   ViStatus Open(const std::string& resource);
+  /// The section of the settings file that the session follows; empty when there is none.
+  [[nodiscard]] std::string SettingsSection() const;
   /// Takes the exclusive lock, without waiting, and gives it back; the status.
   ViStatus TryLock();
   /// Who holds the lock, "process 1234 (zk4n)"; empty when the library cannot tell.
@@ -36,6 +46,8 @@ class VisaProbe {
 
  private:
   [[nodiscard]] bool Bind();
+  ViStatus OpenManager();
+  [[nodiscard]] std::optional<std::string> TextOf(ViObject object, ViAttr attribute) const;
 
   os::Module module_;
   decltype(&viOpenDefaultRM) open_manager_ = nullptr;

@@ -3,7 +3,8 @@
 set -u
 zk4n=$1 driver=$2 lock_holder=$3 runner=${4:-}
 folder=$(mktemp -d)
-export ZENTREL_REGISTRY=$folder/registry
+export ZENTREL_REGISTRY=$folder/registry XDG_CONFIG_HOME=$folder/none XDG_CONFIG_DIRS=$folder/none
+unset ZEVISA_CONFIG
 children=()
 trap 'kill "${children[@]}" 2>/dev/null; wait; rm -rf "$folder"' EXIT
 failures=0
@@ -41,7 +42,7 @@ for class in ZentrelK4N ZentrelK4NPowerStep ZentrelK4N ZentrelK4N; do
   sources+="[^\n]*\"source\":\"ZentrelK4NLib.$class.1\"[^\n]*\n"
 done
 expect 0 "^$sources" shell --json --registered "$folder/errors.zk"
-expect 0 "ok +registration +ZentrelK4NLib.ZentrelK4N in [^\n]*$name\nok +VISA library +[^\n]*zevisa[^\n]*\nnot tried +connection +" check
+expect 0 "ok +registration +ZentrelK4NLib.ZentrelK4N in [^\n]*$name\nok +VISA library +[^\n]*zevisa[^\n]*\nok +settings +no file, the defaults\nnot tried +connection +" check
 expect 0 "^Registered for this user: [^\n]*$name\n" register --user
 expect 0 "^Registration removed for this user: [^\n]*$name\n" register --user --remove
 expect 2 '^zk4n: cannot read [^\n]*none.so\n' register --module "$folder/none.so"
@@ -57,7 +58,11 @@ expect 1 'FAILED +bitness +64-bit program, 32-bit driver [^\n]*: they cannot wor
 start "$folder/resource" "$zk4n" simulate --port 0 --serial 12345 --show
 for _ in $(seq 300); do [ -s "$folder/resource" ] && break; sleep 0.1; done
 resource=$(head -n 1 "$folder/resource" | tr -d '\r')
-expect 0 'ok +connection +TCPIP[^\n]*\nok +lock +free\nok +identity +K4N[^\n]*, serial number 12345' check --resource "$resource"
+expect 0 'ok +connection +TCPIP[^\n]*SOCKET\nok +lock +free\nok +identity +K4N[^\n]*, serial number 12345' check --resource "$resource"
+printf '[*]\nread-ceiling = 50\ncolour = red\nno-delay\n' >"$folder/visa.ini"
+ZEVISA_CONFIG=$folder/visa.ini \
+  expect 0 'ok +settings +[^\n]*visa.ini\nignored +settings +line 3: no such key: colour\nignored +settings +line 4: [^\n]*: no-delay\nok +connection +TCPIP[^\n]*, settings of \[\*\]\nok +lock' \
+    check --resource "$resource"
 # The simulator shows what it is asked for, and what that changes at it: the mask is written before and after.
 said=$(tr -d '\r' <"$folder/resource")
 pattern="\n   feature mask +0xFFFF\n(?s:.*)\n2: write feature mask #23 \[65531\] -> 0 \[65531\]\n   feature mask +0xFFFB\n2: "
