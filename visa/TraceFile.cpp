@@ -54,20 +54,23 @@ bool TraceFile::Append(const std::string& line) {
   return written == whole.size();
 }
 
-/// The name is looked at under a lock of the machine, so that of two processes one renames the
-/// file and the other finds the new one. A process that comes meanwhile writes this line and looks
-/// again at its next.
+/// Makes the file the one before, unless another process has done so, and goes to the new one.
 void TraceFile::Rotate() {
+  if (file_.IsAt(path_) && !PutAside()) return;
+  file_.Open(path_);
+}
+
+/// Looks at the name again under a lock of the machine, so that nobody renames the new file. A
+/// process that meets the lock does not wait: it looks again at its next line.
+bool TraceFile::PutAside() {
   MachineLock lock;
-  if (!lock.TryAcquire("trace-" + file_.Identity())) return;
+  if (!lock.TryAcquire("trace-" + file_.Identity())) return false;
   fs::path before = path_;
   before += ".1";
-  if (file_.IsAt(path_) && !AppendFile::Replace(path_, before)) {
-    Append(NoteLine("the trace ends: the file is full and cannot be renamed"));
-    file_.Close();
-    return;
-  }
-  file_.Open(path_);
+  if (!file_.IsAt(path_) || AppendFile::Replace(path_, before)) return true;
+  Append(NoteLine("the trace ends: the file is full and cannot be renamed"));
+  file_.Close();
+  return false;
 }
 
 }  // namespace zevisa

@@ -42,6 +42,7 @@ class TraceFile {
   void Renew();
   bool Append(const std::string& line);
   void Rotate();
+  bool PutAside();
 
   const std::filesystem::path path_;
   std::atomic<std::uint64_t> limit_ = std::uint64_t{Settings{}.trace_size} * 1024;
