@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <limits>
+#include <set>
 
 #include "tests/visa/TraceFixture.h"
 
@@ -42,10 +43,15 @@ TEST_F(VisaTraceProcesses, WriteWholeLinesIntoOneFile) {
   std::ranges::sort(numbers);
   ASSERT_EQ(numbers.size(), std::size_t{kProcesses} * kCalls);
   EXPECT_EQ(std::ranges::adjacent_find(numbers), numbers.end());
-  const std::regex first_thread("\\S+ (\\d+) \\1 .*");
+  // Each process has a number and a first thread of its own, also after a fork.
+  const std::regex first_thread(R"(\S+ (\d+) \1 .*)");
+  std::set<std::string> processes;
+  std::smatch found;
   for (const std::string& line : Lines(trace_file_)) {
-    EXPECT_TRUE(std::regex_match(line, first_thread)) << "a fork has a thread of its own: " << line;
+    EXPECT_TRUE(std::regex_match(line, found, first_thread)) << line;
+    processes.insert(found[1]);
   }
+  EXPECT_EQ(processes.size(), std::size_t{kProcesses} + 1);
 }
 
 // Each that comes to a full file may find that another has put it aside: one that renamed the new
