@@ -91,9 +91,9 @@ constexpr CommandName kCommandNames[] = {
 constexpr StatusName kStatusNames[] = {
     {status::kGood, "good"},
     {status::kLevelNotSettled, "level not settled"},
-    {status::kUnknownCommand, "unknown command"},
-    {status::kUnknownParameter, "unknown parameter"},
-    {status::kUnknownForm, "unknown form"},
+    {status::kUnknownCommand, "command not supported"},
+    {status::kUnknownParameter, "request not supported"},
+    {status::kUnknownForm, "form not supported"},
     {status::kPllUnlocked, "PLL unlocked"},
     {status::kErgFault, "ERG fault"},
     {status::kFileMissing, "no such file"},

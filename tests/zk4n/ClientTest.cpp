@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <span>
@@ -116,6 +117,8 @@ TEST_F(ClientTest, BadArgumentsGiveOneLineAndWriteNothing) {
       {"no such kind", {"simulate", "--kind", "sofa"}, "--kind"},
       {"no such script", {"shell", "@/none.zk"}, "cannot read"},
       {"two drivers", {"shell", "--registered", "--module", "x"}, "excludes"},
+      {"no trace", {"trace", "@/none"}, "cannot read"},
+      {"a folder as trace", {"trace", "@", "--follow"}, "cannot read"},
       {"no such fault", {"simulate", "--fault", "refuse:parameter=4"}, "status= is missing"},
       {"no such port", {"simulate", "--port", "99999"}, "--port"},
       {"no such delay", {"simulate", "--response-delay", "2h"}, "--response-delay"},
@@ -302,6 +305,41 @@ TEST_F(ClientTest, MeasuresOnASimulatorInAnotherProcess) {
   }
   simulator.Interrupt();
   EXPECT_EQ(simulator.Wait(), 0);
+}
+
+TEST_F(ClientTest, WhatIsNoTraceFails) {
+  std::ofstream(folder_ / "letter") << "Dear Sirs\n";
+  const Result result = Run({"trace", (folder_ / "letter").string()});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.output, HasSubstr("letter:1: not a line of an I/O trace\n"));
+  EXPECT_THAT(result.errors, testing::EndsWith("letter is no I/O trace\n"));
+}
+
+TEST_F(ClientTest, TraceFollowsAFileThatIsReplacedAndEndsWithItsSummary) {
+  const fs::path file = folder_ / "t.log";
+  const fs::path old = folder_ / "t.log.1";
+  const auto append = [](const fs::path& to, const std::string& text) {
+    std::ofstream(to, std::ios::app | std::ios::binary) << text;
+  };
+  const std::string beginning = "2026-11-25T16:18:50.000000Z 7 7 3 ";
+  append(file, beginning + "viClear - 10 VI_SUCCESS\n" + beginning + "viRe");
+  Program program(ZK_CLIENT, {"trace", file.string(), "--follow"}, folder_ / "output");
+  const auto tells = [&](const char* what) {
+    return WaitUntil([&] { return program.Output().find(what) != std::string::npos; });
+  };
+  ASSERT_TRUE(tells("viClear")) << program.Errors();
+  append(file, "ad 0/16 20 VI_ERROR_CONN_LOST data=\n");
+  ASSERT_TRUE(tells("7:3 viRead -> VI_ERROR_CONN_LOST, 20 us\n"));
+  fs::rename(file, old);  // as the writer does, also while it is read
+  append(old, beginning + "viLock - 30 VI_ERROR_TMO\n");
+  append(file, beginning + "viUnlock - 40 VI_ERROR_IO\n");
+  ASSERT_TRUE(tells("viUnlock"));
+  program.Interrupt();
+  EXPECT_EQ(program.Wait(), 0);
+  const std::string told = program.Output();
+  EXPECT_LT(told.find("viLock"), told.find("t.log: a new file from here on\n"));
+  EXPECT_THAT(told, HasSubstr("failures        3: 1 connection, 2 call\n"));
+  EXPECT_THAT(told, HasSubstr("damaged lines   0\n"));
 }
 
 TEST_F(ClientTest, CtrlCClosesTheSession) {

@@ -168,8 +168,8 @@ INSTANTIATE_TEST_SUITE_P(
                                           100, 0, 0, 0, 200, 0, 0, 0})
                 .Come(2, 3, -0x7FFE, 2, 0x40, {}),
             "70:3 2 write pulse train #31: mode 2, source 3, offset 0, count 1, width 100 ns, gap "
-            "200 ns -> 0x8002 unknown parameter, 300 us\n"
-            "    ! refused: 0x8002, unknown parameter\n"},
+            "200 ns -> 0x8002 request not supported, 300 us\n"
+            "    ! refused: 0x8002, request not supported\n"},
         Row{"an unknown form", Writer().Send(3, 3, 2, 0x21, {99, 0, 0, 1, 0, 0xFF})
                                    .Come(3, 3, 0, 2, 0x21, {99, 0, 0, 1, 0, 0xFF}),
             "70:3 3 write parameter #99: 1, -1 -> good, 400 us\n"},
