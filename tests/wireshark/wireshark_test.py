@@ -1,0 +1,120 @@
+#!/usr/bin/env python3
+"""The Wireshark dissector over kept captures: wireshark_test.py TREE MAKE_TABLES TSHARK [unittest's arguments].
+
+Each capture beside its expected text: a line a message, with every field that it has. With --write as the first
+argument of unittest, the texts are made anew: look at each line that differs.
+"""
+
+import concurrent.futures
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True
+import capture  # noqa: E402
+
+TREE, MAKE_TABLES, TSHARK = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
+DISSECTOR = TREE / "tools" / "wireshark" / "zk4n.lua"
+CAPTURES = pathlib.Path(__file__).resolve().parent / "captures"
+LONGEST_VALUE = 100
+
+
+def tshark(*arguments):
+    """Its output, with the dissector in the folder of personal plugins; a fault of the dissector's own is the test's."""
+    with tempfile.TemporaryDirectory() as home:
+        plugins = pathlib.Path(home, ".local", "lib", "wireshark", "plugins")
+        plugins.mkdir(parents=True)
+        shutil.copy(DISSECTOR, plugins)
+        environment = {name: value for name, value in os.environ.items() if not name.startswith(("XDG_", "WIRESHARK_"))}
+        ran = subprocess.run([TSHARK, *arguments], check=False, text=True, capture_output=True,
+                             env={**environment, "HOME": home})
+    if ran.returncode or "Lua Error:" in ran.stderr + ran.stdout:
+        raise AssertionError(ran.stderr + ran.stdout[-2000:])
+    return ran.stdout
+
+
+def all_fields():
+    columns = (line.split("\t") for line in tshark("-G", "fields").splitlines())
+    return sorted(column[2] for column in columns if column[0] == "F" and column[2].startswith("zk4n."))
+
+
+def told(path, fields):
+    """A line a message: the frame, its fields, and what the dissector finds wrong."""
+    names = ["frame.number", *fields, "_ws.expert.message"]
+    output = tshark("-n", "-2", "-r", str(path), "-Y", "zk4n || zk4n.bad_header_word", "-T", "fields", "-E", "occurrence=a",
+                    *(part for name in names for part in ("-e", name)))
+    lines = []
+    for line in output.splitlines():
+        frame, *values = line.split("\t")
+        pairs = [f"{name.removeprefix('zk4n.')}={shortened(value)}"
+                 for name, value in zip(names[1:], values) if value]
+        lines.append(" ".join([frame, *pairs]))
+    return "\n".join(lines) + "\n"
+
+
+def shortened(value):
+    return value if len(value) <= LONGEST_VALUE else value[:LONGEST_VALUE] + "..."
+
+
+def without_places(text):
+    """What does not depend on the frames."""
+    return re.sub(r"^\d+| (request_in|response_in|time)=\S+", "", text, flags=re.MULTILINE)
+
+
+@unittest.skipUnless(shutil.which(TSHARK), "tshark is not installed")
+class Captures(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.fields = all_fields()
+
+    def test_each_message_is_told(self):
+        self.assertGreater(len(self.fields), 60)
+        self.assertEqual(sorted(path.stem for path in CAPTURES.glob("*.pcap")), sorted(capture.CAPTURES))
+        with concurrent.futures.ThreadPoolExecutor(2) as pool:
+            texts = pool.map(lambda name: told(CAPTURES / f"{name}.pcap", self.fields), capture.CAPTURES)
+        for name, text in zip(capture.CAPTURES, texts):
+            file = CAPTURES / f"{name}.txt"
+            if WRITE:
+                file.write_text(text)
+            with self.subTest(name):
+                self.assertEqual(text, file.read_text())
+
+    def test_segments_of_any_size_give_the_same(self):
+        """Also on another port, where the first message is found by its header word once it is there as a whole."""
+        _, chunks = capture.read_capture(CAPTURES / "demo.pcap")
+        expected = without_places((CAPTURES / "demo.txt").read_text())
+        for size, port in ((7, capture.USUAL_PORT), (16, capture.OTHER_PORT)):
+            pieces = [(moment, from_client, data[at:at + size])
+                      for moment, from_client, data in chunks for at in range(0, len(data), size)]
+            with self.subTest(size), tempfile.TemporaryDirectory() as folder:
+                path = pathlib.Path(folder) / "pieces.pcap"
+                capture.write_capture(path, port, pieces)
+                self.assertEqual(without_places(told(path, self.fields)), expected)
+
+
+class Sources(unittest.TestCase):
+    def test_tables_are_those_of_the_console(self):
+        with tempfile.TemporaryDirectory() as folder:
+            made = pathlib.Path(folder) / "zk4n.lua"
+            shutil.copy(DISSECTOR, made)
+            subprocess.run([MAKE_TABLES, str(made)], check=True)
+            self.assertEqual(made.read_text(), DISSECTOR.read_text(),
+                             "make_dissector_tables tools/wireshark/zk4n.lua mends it")
+
+    def test_each_fault_of_the_simulator_has_its_capture(self):
+        source = (TREE / "simulator" / "FaultText.cpp").read_text()
+        kinds = re.findall(r'\{"([a-z-]+)", FaultKind::', source)
+        self.assertGreater(len(kinds), 8)
+        captured = {fault.split(":")[0] for _, _, fault in capture.CAPTURES.values() if fault}
+        self.assertEqual(sorted(kinds), sorted(captured))
+
+
+if __name__ == "__main__":
+    rest = sys.argv[4:]
+    WRITE = rest[:1] == ["--write"]
+    unittest.main(argv=[sys.argv[0], *rest[WRITE:]])
