@@ -152,6 +152,7 @@ local experts = {
   unpaired = ProtoExpert.new("zk4n.unpaired", "Answer without a request", expert.group.SEQUENCE, expert.severity.WARN),
   unanswered = ProtoExpert.new("zk4n.unanswered", "The request before has no answer", expert.group.SEQUENCE,
     expert.severity.NOTE),
+  late = ProtoExpert.new("zk4n.late", "The answer to an earlier request", expert.group.SEQUENCE, expert.severity.WARN),
   order = ProtoExpert.new("zk4n.bad_number", "Number out of order", expert.group.SEQUENCE, expert.severity.WARN),
 }
 local expert_list = {}
@@ -200,6 +201,7 @@ local function pair_answer(message, connection, pinfo)
   if not request and connection.last and not connection.last.answer then request = connection.last end
   if request and not request.answer then
     request.answer, message.request = message, request
+    message.late = request ~= connection.last and connection.last.number or nil
   end
 end
 
@@ -429,6 +431,9 @@ local function check_answer(tree, message)
   if not request then
     tree:add_proto_expert_info(experts.unpaired, "No request waits for this answer")
     return
+  end
+  if message.late then
+    tree:add_proto_expert_info(experts.late, "Request " .. message.late .. " was sent before this answer came")
   end
   if request.command ~= message.command then
     tree:add_proto_expert_info(experts.mismatch, "The request had command " .. request.command)
