@@ -42,11 +42,12 @@ constexpr ElementName kKind[] = {{"kind"}};
 constexpr ElementName kAveraging[] = {{"factor"}};
 constexpr ElementName kDwell[] = {{"selector"}, {"dwell", kNanosecond}};
 constexpr ElementName kTriggerInput[] = {
-    {"code"},   {"falling edge"},   {"value"},   {"flag"},   {"last"},
-    {"code 2"}, {"falling edge 2"}, {"value 2"}, {"flag 2"}, {"last 2"}};
+    {"code"},        {"falling edge"},        {"value"},        {"flag"},        {"last"},
+    {"second code"}, {"second falling edge"}, {"second value"}, {"second flag"}, {"second last"}};
 constexpr ElementName kTriggerOutput[] = {
-    {"code"},   {"inverse"},   {"width", kMicrosecond},   {"flag"},   {"last"},
-    {"code 2"}, {"inverse 2"}, {"width 2", kMicrosecond}, {"flag 2"}, {"last 2"}};
+    {"code"},        {"inverse"},     {"width", kMicrosecond}, {"flag"},
+    {"last"},        {"second code"}, {"second inverse"},      {"second width", kMicrosecond},
+    {"second flag"}, {"second last"}};
 constexpr ElementName kMode[] = {{"mode"}};
 constexpr ElementName kShortLevel[] = {
     {"output"}, {"level", kDecibelMilliwatt}, {"points"}, {"step", kDecibel}};

@@ -174,7 +174,7 @@ INSTANTIATE_TEST_SUITE_P(
                                    .Come(3, 3, 0, 2, 0x21, {99, 0, 0, 1, 0, 0xFF}),
             "70:3 3 write parameter #99: 1, -1 -> good, 400 us\n"},
         Row{"a file", Writer().Send(4, 4, 2, 0x40, {10, 0, 0, 0, 0, 0, 0, 250, 0, 0, 'T', 0})
-                          .Come(4, 4, 0, 2, 0x40, {10, 0, 0, 0, 0, 0, 0, 250, 0, 0, 'T', 0, 'K'}),
+                          .Come(4, 4, 0, 2, 0x40, {10, 0, 0, 0, 0, 0, 0, 250, 0, 0, 'T', 0, 'K', '\r', '\n'}),
             "70:3 4 read file #10: T -> good: K, 400 us\n"},
         Row{"a serial number", Writer().Send(5, 4, 1, 0x20, {'S', 0, 2, 0})
                                    .Come(5, 4, 0, 1, 0x20, {'S', 0, 0x1B, 0x80, 25, 0, 1, 1}),
@@ -185,7 +185,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"a block that the sweep delays", Writer().SendData(5).TimeOut().TimeOut().Come(5, 6, 0, 0, 'A', kBlock),
             "70:3 5 data -> good: 1 points, mark A, 6 level not settled, 2 s\n"},
         Row{"a block that is given up", Writer().SendData(5).TimeOut().Clear().SendFactor(6).ComeFactor(6),
-            "70:3 5 data -> given up before a clear\n"
+            "70:3 5 data -> given up after 1 s, before a clear\n"
             "70:3 viClear -> VI_SUCCESS, 100 us\n"
             "70:3 6 write averaging #4: factor 8 -> good, 400 us\n"},
         Row{"in one piece with what follows", Writer().SendFactor(5).Move("viRead", [] {
@@ -227,7 +227,7 @@ INSTANTIATE_TEST_SUITE_P(
             "    ! connection: viRead: VI_ERROR_CONN_LOST\n"},
         Row{"a lost connection on writing", Writer().SendFactor(5).ComeFactor(5).Move("viWrite", {}, 16, "0xBFFF00A6").Move("viWrite", {}, 4, "0xBFFF00A6").Move("viRead", {}, 16, "0xBFFF00A6"),
             "70:3 5 write averaging #4: factor 8 -> good, 400 us\n"
-            "70:3 unknown -> no answer\n"
+            "70:3 unknown request -> no answer\n"
             "    ! connection: viWrite: 0xBFFF00A6\n"
             "    ! connection: viRead: 0xBFFF00A6\n"},
         Row{"a wrong header word", Writer().SendFactor(5).Move("viRead", {0x34, 0x12, 3, 0}, 16).Move("viRead", {1, 2}, 2).Clear(),
@@ -245,7 +245,8 @@ INSTANTIATE_TEST_SUITE_P(
             "    ! length: a body of 3 bytes was announced, and not read\n"
             "70:3 viClear -> VI_SUCCESS, 100 us\n"},
         Row{"a block that is given up half", Writer().SendData(5).Move("viRead", FactorHeader(5), 16).Move("viRead", {4}, 3, "VI_ERROR_TMO", 1000).Clear(),
-            "70:3 5 data -> given up before a clear, 17 of 19 bytes came\n"
+            "70:3 5 data -> given up after 1 s, before a clear\n"
+            "    ! time-out: the block stopped, 17 of 19 bytes came\n"
             "70:3 viClear -> VI_SUCCESS, 100 us\n"},
         Row{"a wrong mark, a bad status", Writer().SendData(5).Come(5, 6, 0, 0, 0x42, {7, 0x80}),
             "70:3 5 data -> good: 0 points, mark ?, 0x8007 PLL unlocked, 400 us\n"
@@ -289,7 +290,7 @@ INSTANTIATE_TEST_SUITE_P(
             "    ! unpaired: no answer before the session was closed\n"
             "70:3 viClose -> VI_SUCCESS, 100 us\n"},
         Row{"half a request, and what is none", Writer().Move("viWrite", FactorHeader(5), 16).Clear().Move("viWrite", {0x2A, 0x49, 0x44}, 3),
-            "70:3 unknown -> no answer\n"
+            "70:3 unknown request -> no answer\n"
             "    ! unpaired: half a request\n"
             "70:3 viClear -> VI_SUCCESS, 100 us\n"
             "70:3 viWrite -> VI_SUCCESS, 100 us\n"

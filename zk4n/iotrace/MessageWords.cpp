@@ -16,8 +16,9 @@ constexpr std::size_t kShownElements = 10;
 constexpr std::uint16_t kIdentity = 15;
 constexpr std::size_t kIdentifierSize = 2;
 
-/// The instrument's texts are Windows-1251.
-std::string Utf8Of(const std::string& text) {
+/// The instrument's texts are Windows-1251; a line end behind them is no part of them.
+std::string Utf8Of(std::string text) {
+  text.erase(text.find_last_not_of(' ') + 1);
   return os::ToNarrow(os::ToWide(text, os::kCyrillicCodePage), os::kUtf8CodePage);
 }
 
@@ -82,7 +83,7 @@ Content AnswerContent(const Exchange& exchange) {
 }
 
 std::string TitleOf(const Exchange& exchange) {
-  if (!exchange.request) return "unknown";
+  if (!exchange.request) return "unknown request";
   const Message& request = exchange.request->message;
   std::string title(simulator::NameOfCommand(request.command));
   if (const auto parameter = simulator::ParameterOf(request)) {

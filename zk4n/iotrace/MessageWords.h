@@ -19,7 +19,7 @@ Content RequestContent(const Exchange& exchange);
 /// Empty unless there is an answer, and the request was carried out.
 Content AnswerContent(const Exchange& exchange);
 
-/// "write averaging #4", "data"; "unknown" for a request that the trace does not hold.
+/// "write averaging #4", "data"; "unknown request" for one that the trace does not hold.
 std::string TitleOf(const Exchange& exchange);
 
 /// "start 1 GHz, points 201"; of many elements the first ten and their number.

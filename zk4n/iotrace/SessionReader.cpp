@@ -71,7 +71,7 @@ void SessionReader::Begin(std::size_t line, const TraceLine& call) {
   pending_->line = line;
   pending_->process = process_;
   pending_->session = session_;
-  pending_->begin = call.time;
+  pending_->begin = last_read_ = call.time;
 }
 
 void SessionReader::TakeRequest(StreamMessage request) {
@@ -249,7 +249,9 @@ void SessionReader::GiveUp(const char* why) {
     Mark(Problem::kLength, "a body of " + Bytes(*in_.Announced() - simulator::kHeaderSize) +
                                " was announced, and not read");
   } else if (pending_->IsData()) {
-    pending_->open_end = std::string("given up ") + why + WhatCame();
+    pending_->open_end = "given up after " + SecondsText(last_read_ - pending_->begin) + ", " + why;
+    // A sweep may take long, its block comes at once.
+    if (in_.size() != 0) Mark(Problem::kTimeout, "the block stopped" + WhatCame());
   } else if (timeouts_ != 0) {
     Mark(Problem::kTimeout,
          "no answer in " + SecondsText(last_read_ - pending_->begin) + WhatCame());

@@ -46,7 +46,7 @@ class SessionReader {
   MessageStream out_;
   MessageStream in_;
   std::optional<Exchange> pending_;
-  TimePoint last_read_;                // its end, of the pending exchange
+  TimePoint last_read_;                // its end, of the pending exchange; else its beginning
   unsigned timeouts_ = 0;              // of the pending exchange
   bool body_asked_ = false;            // since the header of its answer came
   bool out_of_step_ = false;           // what is read is dropped up to the next request
