@@ -49,7 +49,7 @@ expect ';C:\\Program Files\\Zentrel\\K4N\\bin' wine reg query \
 cmp -s "$detector" "$root/data/calibr20.det" || fail "no detector file in $detector"
 
 for file in bin/IviZentrelK4N.chm doc/html/index.html doc/examples/csharp/ZentrelK4N.cs lib/ZentrelK4NLib.tlb \
-  include/ZentrelK4NLib.h 'python/zentrelk4n-*.whl'; do
+  include/ZentrelK4NLib.h 'python/zentrelk4n-*.whl' wireshark/zk4n.lua; do
   compgen -G "$drive/Program Files/Zentrel/K4N/$file" >/dev/null || fail "there is no $file"
 done
 for link in Console 'Detector files' Examples Help; do

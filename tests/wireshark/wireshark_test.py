@@ -84,6 +84,12 @@ class Captures(unittest.TestCase):
             with self.subTest(name):
                 self.assertEqual(text, file.read_text())
 
+    def test_filters_of_the_manual_are_ones(self):
+        rows = re.findall(r"^\| (`.*zk4n.*?) \|", (TREE / "docs/manual/protocol.md").read_text(), re.MULTILINE)
+        filters = re.findall(r"`([^`]+)`", " ".join(row.split(" | ")[0] for row in rows))
+        self.assertGreater(len(filters), 5)
+        tshark("-r", str(CAPTURES / "drop.pcap"), "-Y", " || ".join(f"({text})" for text in filters))
+
     def test_segments_of_any_size_give_the_same(self):
         """Also on another port, where the first message is found by its header word once it is there as a whole."""
         _, chunks = capture.read_capture(CAPTURES / "demo.pcap")
