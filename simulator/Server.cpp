@@ -5,17 +5,11 @@
 #include <asio/post.hpp>
 #include <utility>
 
+#include "simulator/MessageText.h"
+
 namespace simulator {
 
 namespace {
-
-std::optional<std::uint16_t> ParameterOf(const Message& request) {
-  const bool of_parameter = request.command == command::kWrite || request.command == command::kRead;
-  if (!of_parameter || request.body.size() < 2) {
-    return std::nullopt;
-  }
-  return ReadWord(request.body, 0);
-}
 
 bool Is(const std::optional<Fault>& fault, FaultKind kind) { return fault && fault->kind == kind; }
 
