@@ -1,5 +1,5 @@
-// make_dissector_tables FILE: writes the names of commands, statuses and parameters into a Wireshark
-// dissector (tools/wireshark/zk4n.lua), between its two marks.
+// make_dissector_tables FILE: writes the names of commands, statuses and parameters into a
+// Wireshark dissector (tools/wireshark/zk4n.lua), between its two marks.
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -16,7 +16,7 @@ constexpr std::string_view kEnd = "-- End of tables\n";
 
 /// A table of names by number; the names hold nothing that Lua would want escaped.
 template <typename Row, typename Key>
-void WriteNames(std::ostream& out, const char* name, std::span<const Row> rows, Key Row::* key) {
+void WriteNames(std::ostream& out, const char* name, std::span<const Row> rows, Key Row::*key) {
   out << "local " << name << " = {\n";
   for (const Row& row : rows) out << "  [" << row.*key << "] = \"" << row.name << "\",\n";
   out << "}\n";

@@ -30,8 +30,9 @@ std::string CutText(const StreamMessage& message) {
 
 std::string StatusWords(std::int16_t status) {
   const std::string name(simulator::NameOfStatus(status));
-  if (status == simulator::status::kGood) return name;
-  return simulator::StatusText(status) + (name.empty() ? "" : " " + name);
+  const std::string number =
+      status == simulator::status::kGood ? "" : simulator::StatusText(status);
+  return number + (number.empty() || name.empty() ? "" : " ") + name;
 }
 
 std::string BlockText(const StreamMessage& answer) {
