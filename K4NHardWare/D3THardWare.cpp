@@ -10,8 +10,9 @@
 
 using namespace k4n;
 
-D3THardWare::D3THardWare(CommandExchanger& exchanger)
-    : exchanger_(exchanger), parameters_(kParameterTable.begin(), kParameterTable.end()) {
+D3THardWare::D3THardWare(CommandExchanger& exchanger) : exchanger_(exchanger) {
+  parameters_.reserve(kParameterCount);
+  for (const ParameterRow& row : kParameterTable) parameters_.emplace_back(row.layout);
   exchanger_.SetManager(this);
 }
 

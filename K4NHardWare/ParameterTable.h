@@ -46,41 +46,60 @@ enum class Parameter : std::size_t {
 
 inline constexpr std::size_t kParameterCount = static_cast<std::size_t>(Parameter::kCount);
 
-/// Identifier, elements, bytes an element, fractional bytes, signed. One identifier has several
-/// layouts where generations of the instrument differ.
-inline constexpr std::array<ParameterLayout, kParameterCount> kParameterTable = {{
-    {31, 3, 4, 0, false},    // kPulseTrainFixed
-    {0, 3, 4, 0, false},     // kFrequencyNarrow
-    {0, 3, 6, 0, true},      // kFrequencyWide
-    {0, 4, 6, 0, true},      // kFrequencyFourElement
-    {4, 1, 1, 0, false},     // kAveraging
-    {5, 2, 4, 0, false},     // kDwell
-    {3, 1, 2, 0, false},     // kInstrumentKind
-    {12, 2, 2, 1, true},     // kPower0
-    {12, 2, 4, 2, true},     // kPower1
-    {79, 5, 4, 2, true},     // kPower2
-    {79, 5, 6, 2, true},     // kPower3
-    {8, 5, 1, 0, false},     // kTriggerOutput
-    {7, 5, 1, 0, false},     // kTriggerInput
-    {8, 10, 1, 0, false},    // kTriggerOutputTwoGroups
-    {7, 10, 1, 0, false},    // kTriggerInputTwoGroups
-    {23, 1, 2, 0, false},    // kFeatureMask
-    {9, 3, 2, 0, false},     // kSwitchSetting
-    {17, 1, 1, 0, false},    // kExternalReferenceShort
-    {17, 2, 4, 0, false},    // kExternalReference
-    {12, 4, 4, 2, true},     // kPowerSweep1
-    {79, 7, 4, 2, true},     // kPowerSweep2
-    {79, 7, 6, 2, true},     // kPowerSweep3
-    {79, 8, 4, 2, true},     // kPowerSweep4
-    {79, 8, 6, 2, true},     // kPowerSweep5
-    {27, 3, 4, 0, false},    // kScaledSetting
-    {28, 4, 1, 0, false},    // kFixedConfiguration
-    {15, 100, 1, 0, false},  // kIdentity
-    {34, 1, 2, 0, false},    // kRfButton
-    {92, 1, 4, 2, true},     // kPhaseDelay
-    {11, 1, 2, 0, false},    // kCompensationMode
-    {37, 3, 4, 0, false},    // kSyncGenerator
-}};
+/// A parameter and its layout: identifier, elements, bytes an element, fractional bytes, signed.
+struct ParameterRow {
+  Parameter parameter;
+  ParameterLayout layout;
+};
+
+/// One identifier has several layouts where generations of the instrument differ.
+inline constexpr auto kParameterTable = [] {
+  using enum Parameter;
+  return std::to_array<ParameterRow>({
+      {kPulseTrainFixed, {31, 3, 4, 0, false}},
+      {kFrequencyNarrow, {0, 3, 4, 0, false}},
+      {kFrequencyWide, {0, 3, 6, 0, true}},
+      {kFrequencyFourElement, {0, 4, 6, 0, true}},
+      {kAveraging, {4, 1, 1, 0, false}},
+      {kDwell, {5, 2, 4, 0, false}},
+      {kInstrumentKind, {3, 1, 2, 0, false}},
+      {kPower0, {12, 2, 2, 1, true}},
+      {kPower1, {12, 2, 4, 2, true}},
+      {kPower2, {79, 5, 4, 2, true}},
+      {kPower3, {79, 5, 6, 2, true}},
+      {kTriggerOutput, {8, 5, 1, 0, false}},
+      {kTriggerInput, {7, 5, 1, 0, false}},
+      {kTriggerOutputTwoGroups, {8, 10, 1, 0, false}},
+      {kTriggerInputTwoGroups, {7, 10, 1, 0, false}},
+      {kFeatureMask, {23, 1, 2, 0, false}},
+      {kSwitchSetting, {9, 3, 2, 0, false}},
+      {kExternalReferenceShort, {17, 1, 1, 0, false}},
+      {kExternalReference, {17, 2, 4, 0, false}},
+      {kPowerSweep1, {12, 4, 4, 2, true}},
+      {kPowerSweep2, {79, 7, 4, 2, true}},
+      {kPowerSweep3, {79, 7, 6, 2, true}},
+      {kPowerSweep4, {79, 8, 4, 2, true}},
+      {kPowerSweep5, {79, 8, 6, 2, true}},
+      {kScaledSetting, {27, 3, 4, 0, false}},
+      {kFixedConfiguration, {28, 4, 1, 0, false}},
+      {kIdentity, {15, 100, 1, 0, false}},
+      {kRfButton, {34, 1, 2, 0, false}},
+      {kPhaseDelay, {92, 1, 4, 2, true}},
+      {kCompensationMode, {11, 1, 2, 0, false}},
+      {kSyncGenerator, {37, 3, 4, 0, false}},
+  });
+}();
+
+static_assert(kParameterTable.size() == kParameterCount);
+static_assert(
+    [] {
+      std::size_t index = 0;
+      for (const ParameterRow& row : kParameterTable) {
+        if (row.parameter != Parameter{index++}) return false;
+      }
+      return true;
+    }(),
+    "rows in the order of the enumeration");
 
 // Element indices, by the parameters that have them.
 
