@@ -52,7 +52,7 @@ STDMETHODIMP CZentrelK4N::GetClassInfo(ITypeInfo** info) {
   return Frame({info}, [&]() -> HRESULT {
     *info = nullptr;
     ComPtr<ITypeLib> library;
-    const HRESULT result = LoadRegTypeLib(kTypeLibraryId, 1, 0, kLibraryLocale, library.Put());
+    const HRESULT result = LoadRegTypeLib(LIBID_ZentrelK4NLib, 1, 0, kLibraryLocale, library.Put());
     return FAILED(result) ? result : library->GetTypeInfoOfGuid(__uuidof(ZentrelK4N), info);
   });
 }

@@ -8,7 +8,7 @@
 #include "platform/com/RegKey.h"
 #include "platform/os/Module.h"
 #include "server/RegistryCopy_windows.h"
-#include "server/interface/Guids.h"
+#include "server/interface/ZentrelK4NLib.h"
 
 namespace {
 
@@ -29,7 +29,7 @@ class SharedInterfaceKey {
     if (opened != ERROR_SUCCESS || interfaces.Get() == nullptr) return opened;
     const LSTATUS read = copy_.Read(interfaces.Get(), Name());
     is_foreign_ = copy_.Exists() && RegistryText(interfaces.Get(), Name() + L"\\TypeLib") !=
-                                        RegistryName(kTypeLibraryId);
+                                        RegistryName(LIBID_ZentrelK4NLib);
     return read;
   }
 
@@ -112,7 +112,7 @@ constexpr std::string_view kRemainsScript =
     "HKCR { NoRemove TypeLib { %LIBRARY% { ForceRemove 1.2 } } }";
 
 Registrar LibraryKey(RegistrationScope scope, const os::WideString& module_file) {
-  return {scope, {{"LIBRARY", RegistryName(kTypeLibraryId)}, {"MODULE", module_file}}};
+  return {scope, {{"LIBRARY", RegistryName(LIBID_ZentrelK4NLib)}, {"MODULE", module_file}}};
 }
 
 /// A function of the automation library that systems before per-user registration lack; null there.
@@ -123,9 +123,10 @@ Function* OptionalFunction(os::Module& automation, const char* name) {
 
 LSTATUS OpenVersion(RegistrationScope scope, const std::wstring& subkey, RegKey& key) {
   const ClassesPlace classes = ClassesOf(scope);
-  return key.Open(classes.root,
-                  classes.path + L"\\TypeLib\\" + RegistryName(kTypeLibraryId) + L"\\1.2" + subkey,
-                  KEY_READ);
+  return key.Open(
+      classes.root,
+      classes.path + L"\\TypeLib\\" + RegistryName(LIBID_ZentrelK4NLib) + L"\\1.2" + subkey,
+      KEY_READ);
 }
 
 bool IsRegistered(RegistrationScope scope) {
@@ -188,14 +189,15 @@ HRESULT UnregisterTypeLibrary(RegistrationScope scope) {
   const bool was_registered = IsRegistered(scope);
   const HRESULT result = KeepingForeignInterface(scope, [&]() -> HRESULT {
     if (scope == RegistrationScope::kMachine) {
-      return UnRegisterTypeLib(kTypeLibraryId, kMajorVersion, kMinorVersion, kLocale, SYS_WIN64);
+      return UnRegisterTypeLib(LIBID_ZentrelK4NLib, kMajorVersion, kMinorVersion, kLocale,
+                               SYS_WIN64);
     }
     os::Module automation;
     auto* const for_user =
         OptionalFunction<decltype(UnRegisterTypeLib)>(automation, "UnRegisterTypeLibForUser");
     return for_user == nullptr
                ? S_OK
-               : for_user(kTypeLibraryId, kMajorVersion, kMinorVersion, kLocale, SYS_WIN64);
+               : for_user(LIBID_ZentrelK4NLib, kMajorVersion, kMinorVersion, kLocale, SYS_WIN64);
   });
   const HRESULT remains = LibraryKey(scope, {}).Remove(kRemainsScript);
   // A library that is not registered is refused with one code or another.

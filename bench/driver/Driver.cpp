@@ -5,7 +5,7 @@
 
 #include "platform/os/Module.h"
 #include "platform/os/Text.h"
-#include "server/interface/Guids.h"
+#include "server/interface/ZentrelK4NLib.h"
 
 namespace bench {
 namespace {

@@ -1,12 +1,10 @@
-// The identities of the library and of what is registered with it; fixed for ever. Those of the interfaces and classes
-// are in the generated header, as __uuidof(IZentrelK4N) or __uuidof(ZentrelK4N).
+// The identities of what is registered with the driver and not in its type library; fixed for ever. All others are in
+// the generated header: LIBID_ZentrelK4NLib, __uuidof(IZentrelK4N), __uuidof(ZentrelK4N).
 #pragma once
 
 #include "platform/com/Com.h"
 #include "server/interface/ZentrelK4NLib.h"
 
-/// The type library.
-inline constexpr GUID kTypeLibraryId = {0x389b1f24, 0x04da, 0x4e1d, {0x8d, 0xcf, 0xa0, 0xc9, 0x36, 0x77, 0xf2, 0xaf}};
 /// The application that the server module is registered as.
 inline constexpr GUID kApplicationId = {0x8774b5ea, 0x41db, 0x4c5b, {0xa0, 0x67, 0xfa, 0x67, 0xdb, 0x88, 0xb9, 0x85}};
 /// The IVI Foundation's component category that the root class implements.

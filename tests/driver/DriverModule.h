@@ -9,7 +9,6 @@
 #include "platform/com/Com.h"
 #include "platform/com/Raii.h"
 #include "platform/os/Module.h"
-#include "server/interface/Guids.h"
 #include "server/interface/IviInherent.h"
 #include "server/interface/ZentrelK4NLib.h"
 

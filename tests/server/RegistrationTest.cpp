@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "platform/com/Raii.h"
+#include "platform/com/RegKey.h"
 #include "platform/os/Module.h"
 #include "server/interface/Guids.h"
 #include "tests/platform/RegistryFixture.h"
@@ -18,11 +19,7 @@ using Entry = HRESULT STDAPICALLTYPE();
 
 const std::string kLibrary = "ZentrelK4NLib.";
 
-std::string GuidText(REFGUID guid) {
-  OLECHAR text[39] = {};
-  StringFromGUID2(guid, text, 39);
-  return os::ToNarrow(text, os::kUtf8CodePage);
-}
+std::string GuidText(REFGUID guid) { return os::ToNarrow(RegistryName(guid), os::kUtf8CodePage); }
 
 /// The class that reported the thread's last error.
 std::string TakeErrorSource() {
@@ -63,7 +60,7 @@ void AddClass(const RegisteredClass& entry, const std::string& module, ClassesLi
                 key + "\\ProgID =" + prog_id + ".1", key + "\\VersionIndependentProgID",
                 key + "\\VersionIndependentProgID =" + prog_id, key + "\\InprocServer32",
                 key + "\\InprocServer32 =" + module, key + "\\InprocServer32 ThreadingModel=Both",
-                key + "\\TypeLib", key + "\\TypeLib =" + GuidText(kTypeLibraryId)});
+                key + "\\TypeLib", key + "\\TypeLib =" + GuidText(LIBID_ZentrelK4NLib)});
 }
 
 /// All that the scripts write, but for the two keys that stay.

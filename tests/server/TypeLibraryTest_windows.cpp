@@ -9,7 +9,7 @@
 #include "platform/com/Raii.h"
 #include "platform/com/RegKey.h"
 #include "platform/os/Module.h"
-#include "server/interface/Guids.h"
+#include "server/interface/ZentrelK4NLib.h"
 #include "tests/server/ClassesDump.h"
 
 // After windows.h, which declares what it uses.
@@ -21,11 +21,11 @@ using Install = HRESULT STDAPICALLTYPE(BOOL, LPCWSTR);
 using std::literals::operator""sv;
 
 const std::wstring kInterfaces = L"Software\\Classes\\Interface";
-const std::wstring kSharedKey = L"{47ED5189-A398-11D4-BA58-000064657374}";
-const std::wstring kOwnInterface = L"{C63AE521-7C9B-4DF3-A6C6-6319D401488B}";
-const std::wstring kLibraryKey =
-    L"Software\\Classes\\TypeLib\\{389B1F24-04DA-4E1D-8DCF-A0C93677F2AF}";
-const std::string kOurLine = "\\TypeLib ={389B1F24-04DA-4E1D-8DCF-A0C93677F2AF}";
+const std::wstring kSharedKey = RegistryName(__uuidof(IIviDriverUtility));
+const std::wstring kOwnInterface = RegistryName(__uuidof(IZentrelK4N));
+const std::wstring kLibraryId = RegistryName(LIBID_ZentrelK4NLib);
+const std::wstring kLibraryKey = L"Software\\Classes\\TypeLib\\" + kLibraryId;
+const std::string kOurLine = "\\TypeLib =" + os::ToNarrow(kLibraryId, os::kUtf8CodePage);
 
 /// One of the places where an interface's key may stand: a scope's, for programs of one width.
 struct Place {
@@ -201,14 +201,14 @@ TEST_F(LibraryRegistrationTest, LibraryIsLoadedByItsIdentity) {
   ComPtr<ITypeLib> library;
   // Its own language, any, and a user's.
   for (const LCID language : {0x409, 0, 0x419}) {
-    ASSERT_EQ(LoadRegTypeLib(kTypeLibraryId, 1, 2, language, library.Put()), S_OK) << language;
+    ASSERT_EQ(LoadRegTypeLib(LIBID_ZentrelK4NLib, 1, 2, language, library.Put()), S_OK) << language;
   }
   ComPtr<ITypeInfo> info;
   EXPECT_EQ(library->GetTypeInfoOfGuid(__uuidof(IZentrelK4N), info.Put()), S_OK);
   library.Reset();
   info.Reset();
   EXPECT_EQ(Call(RegistrationScope::kMachine, false), S_OK);
-  EXPECT_NE(LoadRegTypeLib(kTypeLibraryId, 1, 2, 0x409, library.Put()), S_OK);
+  EXPECT_NE(LoadRegTypeLib(LIBID_ZentrelK4NLib, 1, 2, 0x409, library.Put()), S_OK);
 }
 
 TEST_F(LibraryRegistrationTest, ObjectTellsItsClassInAnyLanguage) {
@@ -332,7 +332,7 @@ TEST_P(TypeLibraryRegistration, SharedInterfaceStaysWithOthersThatCameLater) {
   {
     RegKey key;
     EXPECT_EQ(key.Create(Interfaces(kUser32).Get(), kSharedKey + L"\\TypeLib"), ERROR_SUCCESS);
-    SetRegistryText(key.Get(), {}, L"{389B1F24-04DA-4E1D-8DCF-A0C93677F2AF}");
+    SetRegistryText(key.Get(), {}, kLibraryId);
   }
   for (const Place& place : {kMachine64, kMachine32}) {
     RegDeleteTreeW(Interfaces(place).Get(), kSharedKey.c_str());

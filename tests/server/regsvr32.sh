@@ -1,9 +1,11 @@
-# regsvr32.sh DRIVER RUNNER - Windows' own registration program, in both directions, for all users and for one.
+# regsvr32.sh DRIVER SURFACE RUNNER - Windows' own registration program, in both directions, for all users and for one.
 set -u
-driver=$1 runner=$2
+driver=$1 surface=$2 runner=$3
 failures=0
-clsid='{D7E137EA-2C85-439A-9B34-4E7BFA67A024}'
-library='{389B1F24-04DA-4E1D-8DCF-A0C93677F2AF}'
+# identity WORDS - of the published surface's line that begins so.
+identity() { sed -n "s/^$1 \({[^}]*}\).*/\1/p" "$surface"; }
+clsid=$(identity 'coclass ZentrelK4N')
+library=$(identity 'library ZentrelK4NLib')
 
 # expect yes|no KEY - whether the registry has the key.
 expect() {
