@@ -105,6 +105,24 @@ function(zk_library name)
   target_link_libraries(${name} PUBLIC ${ARG_LIBS} PRIVATE zk_options ${ARG_PRIVATE_LIBS})
 endfunction()
 
+# zk_exports(module list.def) - the names in the list leave the module, and no others, on both systems: the module's own
+# sources are compiled with default visibility, so that the list alone decides.
+function(zk_exports module list)
+  cmake_path(ABSOLUTE_PATH list)
+  if(WIN32)
+    target_sources(${module} PRIVATE ${list})
+    return()
+  endif()
+  file(STRINGS ${list} names REGEX "^  ")
+  list(TRANSFORM names REPLACE "^  ([A-Za-z0-9_]+).*" "\\1")
+  list(JOIN names ";\n    " names)
+  set(version_script ${CMAKE_CURRENT_BINARY_DIR}/${module}.map)
+  file(CONFIGURE OUTPUT ${version_script} CONTENT "{\n  global:\n    @names@;\n  local:\n    *;\n};\n" @ONLY)
+  target_link_options(${module} PRIVATE LINKER:--version-script=${version_script})
+  set_target_properties(${module} PROPERTIES CXX_VISIBILITY_PRESET default LINK_DEPENDS ${version_script})
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+endfunction()
+
 # zk_test(name SOURCES... LIBS... [ENV NAME=VALUE...] [TIMEOUT s] [COST s]) - a GoogleTest program, one CTest entry; one
 # that takes long starts first, by its cost. Test programs live in bin/tests, away from the modules, so that a module is found only where a test puts it.
 set(ZK_TEST_DIR ${ZK_BIN_DIR}/tests)

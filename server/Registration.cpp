@@ -1,9 +1,7 @@
 // The entry points that register the module, and take the registration away.
-#include <array>
-
 #include "driver/CallFrame.h"
 #include "platform/os/Module.h"
-#include "server/Exports.h"
+#include "server/ObjectMap.h"
 #include "server/Registrar.h"
 #include "server/ScriptResource.h"
 #include "server/TypeLibraryRegistration.h"
@@ -12,26 +10,6 @@
 namespace {
 
 constexpr int kApplicationScript = 101;
-
-/// A class and what registers it; a class of no category has none.
-struct ClassScript {
-  int number;
-  CLSID class_id;
-  const GUID* category;
-};
-
-constexpr std::array kClassScripts{
-    ClassScript{103, __uuidof(ZentrelK4NChannel), nullptr},
-    ClassScript{207, __uuidof(ZentrelK4NPowerStep), nullptr},
-    ClassScript{209, __uuidof(ZentrelK4NPulseGeneratorOutput), nullptr},
-    ClassScript{213, __uuidof(ZentrelK4NTriggerOutput), nullptr},
-    ClassScript{214, __uuidof(ZentrelK4NSyncGenerator), nullptr},
-    ClassScript{210, __uuidof(ZentrelK4NPulseGeneratorDouble), nullptr},
-    ClassScript{211, __uuidof(ZentrelK4NPulseModulation), nullptr},
-    ClassScript{212, __uuidof(ZentrelK4NPulsePacketGenerator), nullptr},
-    ClassScript{208, __uuidof(ZentrelK4NPulseGenerator), nullptr},
-    ClassScript{102, __uuidof(ZentrelK4N), &kIviCategoryId},
-};
 
 /// A class says on its own key which categories it implements.
 constexpr std::string_view kCategoryScript =
@@ -48,10 +26,10 @@ class ModuleRegistration {
   /// Stops at the first failure.
   [[nodiscard]] HRESULT Register() const {
     HRESULT result = scripts_.Register(ScriptResource(kApplicationScript));
-    for (const ClassScript& script : kClassScripts) {
-      if (SUCCEEDED(result)) result = scripts_.Register(ScriptResource(script.number));
-      if (SUCCEEDED(result) && script.category != nullptr) {
-        result = Category(script).Register(kCategoryScript);
+    for (const ObjectMapEntry& entry : ObjectMap()) {
+      if (SUCCEEDED(result)) result = scripts_.Register(ScriptResource(entry.script));
+      if (SUCCEEDED(result) && entry.category != nullptr) {
+        result = Category(entry).Register(kCategoryScript);
       }
     }
     return FAILED(result) ? result : RegisterTypeLibrary(scope_, module_file_);
@@ -63,19 +41,19 @@ class ModuleRegistration {
     const auto keep = [&first](HRESULT result) {
       if (SUCCEEDED(first)) first = result;
     };
-    for (auto script = kClassScripts.rbegin(); script != kClassScripts.rend(); ++script) {
-      if (script->category != nullptr) keep(Category(*script).Remove(kCategoryScript));
-      keep(scripts_.Remove(ScriptResource(script->number)));
+    const auto map = ObjectMap();
+    for (auto entry = map.rbegin(); entry != map.rend(); ++entry) {
+      if (entry->category != nullptr) keep(Category(*entry).Remove(kCategoryScript));
+      keep(scripts_.Remove(ScriptResource(entry->script)));
     }
     keep(scripts_.Remove(ScriptResource(kApplicationScript)));
     return first;
   }
 
  private:
-  [[nodiscard]] Registrar Category(const ClassScript& script) const {
-    return {
-        scope_,
-        {{"CLASS", RegistryName(script.class_id)}, {"CATEGORY", RegistryName(*script.category)}}};
+  [[nodiscard]] Registrar Category(const ObjectMapEntry& entry) const {
+    return {scope_,
+            {{"CLASS", RegistryName(entry.class_id)}, {"CATEGORY", RegistryName(*entry.category)}}};
   }
 
   RegistrationScope scope_;
@@ -99,10 +77,6 @@ bool IsUser(const OLECHAR* arguments) {
 }
 
 }  // namespace
-
-STDAPI DllRegisterServer() ZK_EXPORT;
-STDAPI DllUnregisterServer() ZK_EXPORT;
-STDAPI DllInstall(BOOL install, LPCWSTR arguments) ZK_EXPORT;
 
 STDAPI DllRegisterServer() { return RunRegistration(RegistrationScope::kMachine, true); }
 

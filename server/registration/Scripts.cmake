@@ -1,24 +1,48 @@
-# What the module registers itself with. The list of scripts is the one of the Windows resources.
+# What the module registers itself with. The list of scripts is the one of the Windows resources. A class's script is made
+# from Class.rgs.in, with the identities that the type library's source gives; any other is checked in.
 set(registration_list ${CMAKE_CURRENT_LIST_DIR}/Registration.rc)
-file(GLOB registration_files CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*.rgs)
-list(APPEND registration_files ${registration_list} ${CMAKE_CURRENT_LIST_DIR}/ZentrelK4N.ico)
+set(class_template ${CMAKE_CURRENT_LIST_DIR}/Class.rgs.in)
+set(typelib_source ${CMAKE_CURRENT_SOURCE_DIR}/ZentrelK4NLib.idl)
+set(registration_files ${registration_list} ${CMAKE_CURRENT_LIST_DIR}/ZentrelK4N.ico)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${registration_list} ${class_template} ${typelib_source})
 
-if(WIN32)
-  target_sources(ZentrelK4NLib PRIVATE
-    Registration.cpp RegistryCopy_windows.cpp ScriptResource_windows.cpp TypeLibraryRegistration_windows.cpp)
-  return()
-endif()
+# Puts into `variable` the identity that the type library's source gives before these words.
+file(READ ${typelib_source} typelib_text)
+function(zk_identity variable words)
+  if(NOT typelib_text MATCHES "uuid\\(([0-9a-f-]+)\\)[^{}]*${words}[ \n]")
+    message(FATAL_ERROR "${typelib_source} has no ${words}.")
+  endif()
+  string(TOUPPER "{${CMAKE_MATCH_1}}" identity)
+  set(${variable} ${identity} PARENT_SCOPE)
+endfunction()
+zk_identity(library_id "library ZentrelK4NLib")
 
 set(script_cases)
 file(STRINGS ${registration_list} entries REGEX " REGISTRY ")
 foreach(entry IN LISTS entries)
   string(REGEX MATCH "^([0-9]+) REGISTRY \"(.*)\"" matched "${entry}")
-  file(READ ${CMAKE_SOURCE_DIR}/${CMAKE_MATCH_2} script)
-  string(APPEND script_cases "    case ${CMAKE_MATCH_1}:\n      return R\"rgs(${script})rgs\";\n")
+  set(number ${CMAKE_MATCH_1})
+  set(file ${CMAKE_SOURCE_DIR}/${CMAKE_MATCH_2})
+  if(NOT EXISTS ${file})
+    set(file ${CMAKE_BINARY_DIR}/${CMAKE_MATCH_2})
+    cmake_path(GET file STEM class)
+    zk_identity(class_id "coclass ${class}")
+    # The root's alone: the picture for the toolboxes of form designers.
+    set(toolbox_bitmap)
+    if(class STREQUAL ZentrelK4N)
+      set(toolbox_bitmap "      ToolboxBitmap32 = s '%MODULE%, 202'\n")
+    endif()
+    configure_file(${class_template} ${file} @ONLY)
+  endif()
+  list(APPEND registration_files ${file})
+  file(READ ${file} script)
+  string(APPEND script_cases "    case ${number}:\n      return R\"rgs(${script})rgs\";\n")
 endforeach()
-configure_file(ScriptResource_posix.cpp.in ScriptResource_posix.cpp @ONLY)
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${registration_files})
-target_sources(ZentrelK4NLib PRIVATE
-  Registration.cpp
-  TypeLibraryRegistration_posix.cpp
-  ${CMAKE_CURRENT_BINARY_DIR}/ScriptResource_posix.cpp)
+
+if(WIN32)
+  target_sources(ZentrelK4NLib PRIVATE ScriptResource_windows.cpp)
+else()
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${registration_files})
+  configure_file(ScriptResource_posix.cpp.in ScriptResource_posix.cpp @ONLY)
+  target_sources(ZentrelK4NLib PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/ScriptResource_posix.cpp)
+endif()
