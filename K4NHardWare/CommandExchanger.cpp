@@ -5,10 +5,9 @@
 
 namespace {
 
-/// Late answers that are reckoned with at most; a link may fail for months.
+/// Limit for the count of late answers: a link may fail for months.
 constexpr std::uint32_t kMostUnanswered = 16;
-/// Answers in a row that carry their requests' numbers before these are trusted: one may do so by
-/// chance.
+/// Sequence numbers are trusted after this many matching answers in a row: one may match by chance.
 constexpr std::uint32_t kProof = 2;
 
 }  // namespace
@@ -40,17 +39,17 @@ Status CommandExchanger::StartRead(ProtocolMessage& message) {
     }
     polled = PollMessage(message);
   } catch (...) {
-    // Whatever a VISA library throws ends here.
+    // No exception of a VISA library goes further.
     polled = Status::kVisaIo;
   }
   pending_.is_data_read = polled == Status::kVisaTimeout;
   return polled;
 }
 
-/// Before a new request: clears the session when the last exchange failed or was given up, so that
-/// nothing of its answer is taken for the next one. A clear that fails is made again before the
-/// request after this one. It is the result when it should have ended a data read; else the
-/// exchange itself shows whether the link is gone.
+/// Called before each request. Clears the device if the last exchange failed or was given up, so
+/// that the rest of its answer is not read as the next answer. A failed clear is repeated before
+/// the next request. Its status is returned only if a data read was pending; otherwise the exchange
+/// that follows shows whether the link is dead.
 Status CommandExchanger::GetInStep() {
   const Pending given_up = std::exchange(pending_, {});
   if (given_up.answers == 0 && !clear_first_) return Status::kOk;
@@ -64,23 +63,23 @@ Status CommandExchanger::GetInStep() {
 void CommandExchanger::Send(ProtocolMessage& message) {
   message.Finalize(++sequence_);
   ++pending_.answers;
-  // A broken connection shows up in the read that follows.
+  // A broken connection fails the read that follows.
   std::uint32_t written = 0;
   Discard(device_->Write(message.header(), written));
   Discard(device_->Write(message.payload(), written));
 }
 
-/// The answer to the request of this number.
+/// Receives the answer to the request with this sequence number.
 Status CommandExchanger::ReceiveMessage(ProtocolMessage& message, std::uint32_t number) {
   for (bool passed_over = false;; passed_over = true) {
     pending_.progress = {};
     Status received = ReceiveHeader(message);
     while (received == Status::kOk && pending_.progress.body_bytes != message.length()) {
-      // The rest of a body is waited for however long the instrument takes.
+      // No time limit: the instrument may take any time for the rest of a body.
       received = ReceiveBodyPart(message);
       if (received == Status::kVisaTimeout && !abandoned_) received = Status::kOk;
     }
-    // No further answer: the one that was passed over was the awaited one.
+    // No other answer came, so the one that was dropped was the right one.
     if (passed_over && received == Status::kVisaTimeout) numbers_disproved_ = true;
     if (received != Status::kOk) return received;
     if (!IsLeftOver(message, number)) break;
@@ -89,10 +88,10 @@ Status CommandExchanger::ReceiveMessage(ProtocolMessage& message, std::uint32_t 
   return Status::kOk;
 }
 
-/// Whether this answers an earlier request: it comes too late, or for the second time. Not every
-/// instrument repeats the numbers of the requests: some answer with none, with a count of their own
-/// or with fewer bits. So a number counts only where the numbers have been right so far, and only
-/// while an answer is missing or against the last answer's copy.
+/// True for the answer to an earlier request: late, or a duplicate. Not every instrument returns
+/// the request's sequence number: some send 0, a count of their own, or fewer bits. So a number is
+/// evaluated only if the numbers have matched so far, and only while an answer is missing or to
+/// detect a duplicate of the last one.
 bool CommandExchanger::IsLeftOver(const ProtocolMessage& message, std::uint32_t number) {
   if (message.sequence() == number) {
     ++numbers_repeated_;
@@ -109,8 +108,8 @@ bool CommandExchanger::IsLeftOver(const ProtocolMessage& message, std::uint32_t 
     --unanswered_;
     return true;
   }
-  // It may be left over all the same. Then the awaited one follows, and must not be taken for the
-  // next one.
+  // It may still be a late answer. Then the right one follows; the clear keeps it out of the next
+  // exchange.
   if (trusted || unanswered_ != 0) clear_first_ = true;
   numbers_repeated_ = 0;
   unanswered_ = 0;
@@ -133,7 +132,7 @@ Status CommandExchanger::PollMessage(ProtocolMessage& message) {
   return Status::kOk;
 }
 
-/// The bytes of the header that are missing; earlier ones may have come with an earlier poll.
+/// Reads the missing bytes of the header; an earlier poll may have received the first ones.
 Status CommandExchanger::ReceiveHeader(ProtocolMessage& message) {
   const std::span<std::uint8_t> missing =
       std::span(message.header()).subspan(pending_.progress.header_bytes);
@@ -147,14 +146,14 @@ Status CommandExchanger::ReceiveHeader(ProtocolMessage& message) {
 }
 
 Status CommandExchanger::ReceiveBodyPart(ProtocolMessage& message) {
-  // A poll may come with another buffer than the one that the header was measured by.
+  // The buffer may be another one than when the header was checked.
   if (message.length() > message.buffer().size()) return Status::kVisaProtocolViolation;
   const std::size_t remaining = message.length() - pending_.progress.body_bytes;
   std::uint32_t count = 0;
   const Status received = device_->ReadWithTimeout(
       message.buffer().subspan(pending_.progress.body_bytes, remaining), count);
   pending_.progress.body_bytes += std::min(count, static_cast<std::uint32_t>(remaining));
-  // A library that reports success without a byte would be asked for ever.
+  // A library that reports success with 0 bytes would keep this loop running for ever.
   if (received == Status::kOk && count == 0 && remaining != 0) return Status::kVisaIo;
   return received;
 }

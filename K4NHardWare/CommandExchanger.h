@@ -21,9 +21,9 @@ class CommandExchanger final : public uIEvent::EventProcessor {
 
   /// Sends the requests and waits for all answers, which replace the requests in place. A data read
   /// that is still pending is dropped first by clearing the session (the instrument restarts its
-  /// sweep). Returns 0, a VISA status, or 0xBFFF0037 for an answer that is no message of the
-  /// protocol or longer than its buffer. Failed writes show up in the read that follows. A body
-  /// whose rest never comes is waited for without limit, but see Abandon.
+  /// sweep). Returns 0, a VISA status, or 0xBFFF0037 for an answer that is not a protocol message
+  /// or is longer than its buffer. A failed write is not reported: the read that follows fails. The
+  /// wait for the rest of a body has no limit; Abandon ends it.
   Status SendMessages(std::span<ProtocolMessage* const> messages);
 
   /// The resumable exchange of the data reads: sends the request unless one is pending, then takes
@@ -31,18 +31,19 @@ class CommandExchanger final : public uIEvent::EventProcessor {
   /// buffer.
   Status StartRead(ProtocolMessage& message);
 
-  /// The answer just taken belongs to another request; the awaited one may come still.
+  /// Rejects the answer just received: it belongs to another request, and the right one may still
+  /// come.
   void RejectAnswer() { ++pending_.answers; }
-  /// The session is cleared before the next request.
+  /// Requests a device clear before the next request.
   void ClearBeforeNext() { clear_first_ = true; }
-  /// Ends a wait for the rest of a body, now and from now on, at its next time-out: the session
-  /// ends. May be called from any thread.
+  /// The session ends: from now on a wait for the rest of a body gives up at its next time-out. May
+  /// be called from any thread.
   void Abandon() { abandoned_ = true; }
 
   [[nodiscard]] uDevice::Interface& device() { return *device_; }
 
  private:
-  /// How much of the awaited answer is in.
+  /// How much of the awaited answer has been received.
   struct Progress {
     ProtocolMessage::Header header{};
     std::uint32_t header_bytes = 0;
@@ -51,9 +52,9 @@ class CommandExchanger final : public uIEvent::EventProcessor {
   };
   /// What the last exchange still waits for.
   struct Pending {
-    std::uint32_t answers = 0;  // to its requests
-    bool is_data_read = false;  // which is polled for
-    Progress progress;          // of the first of them
+    std::uint32_t answers = 0;  // not received yet
+    bool is_data_read = false;  // received by polling
+    Progress progress;          // of the first missing answer
   };
 
   Status GetInStep();
@@ -66,11 +67,11 @@ class CommandExchanger final : public uIEvent::EventProcessor {
 
   std::unique_ptr<uDevice::Interface> device_;
   Pending pending_;
-  std::uint32_t unanswered_ = 0;  // requests of earlier exchanges whose answers may come still
-  std::uint32_t sequence_ = 0;    // the last number used
-  bool clear_first_ = false;      // before the next request, in any case
-  std::uint32_t numbers_repeated_ = 0;  // answers in a row that carried their requests' numbers
-  bool copy_may_come_ = false;          // of the last answer
-  bool numbers_disproved_ = false;      // this instrument's answers cannot be told by them
+  std::uint32_t unanswered_ = 0;        // late answers of earlier exchanges that may still come
+  std::uint32_t sequence_ = 0;          // the last number used
+  bool clear_first_ = false;            // clear the device before the next request
+  std::uint32_t numbers_repeated_ = 0;  // answers in a row with the right sequence number
+  bool copy_may_come_ = false;          // the last answer may arrive twice
+  bool numbers_disproved_ = false;      // this instrument's sequence numbers are of no use
   std::atomic<bool> abandoned_ = false;
 };

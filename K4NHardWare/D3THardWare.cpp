@@ -25,7 +25,7 @@ Status D3THardWare::WriteParameter(HardWareParametr& parameter) {
 }
 
 Status D3THardWare::ReadParameter(HardWareParametr& parameter) {
-  // Without the high byte, which the last answer may have set to anything.
+  // Only the low byte: the last answer may have left anything in the high byte.
   message_.Begin(Command::kReadParameter, parameter.count_byte(), parameter.type_code(),
                  parameter.Serialise().front());
   return Transact(parameter);
@@ -41,11 +41,11 @@ Status D3THardWare::Transact(HardWareParametr& parameter) {
   const Status result = Exchange();
   if (!IsInstrumentCode(result)) return result;
   if (IsNegative(result)) {
-    Discard(Recover());  // what was refused is the result
+    Discard(Recover());  // the refusal is the result
     return result;
   }
-  // What another parameter holds must not become this one's values. The identifier's high byte
-  // tells nothing: requests carry 0 there, whatever it is.
+  // The answer must be for this parameter. Only the low byte of the identifier is compared:
+  // requests always carry 0 in the high byte.
   const std::span<const std::uint8_t> image = message_.payload();
   if (!image.empty() && image.front() != parameter.Serialise().front()) {
     exchanger_.RejectAnswer();
@@ -97,7 +97,7 @@ StatusAnd<ReceivedBlock> D3THardWare::FinishDataRead(const ProtocolMessage& mess
   const std::optional<measurement::ReadingFormat> format =
       measurement::ReadingFormatOf(message.type());
   if (!format) {
-    // A late answer to a setting may be as long as a block.
+    // Not a data answer but a late one to a setting, which may be as long as a block.
     exchanger_.RejectAnswer();
     return {Status::kVisaProtocolViolation};
   }

@@ -41,7 +41,7 @@ struct AveragingFeatures {
   bool bit_5 = true;
 };
 
-/// Whether a probe found a form that the instrument takes; it may add a notice of its own.
+/// True if the instrument accepts the probed form, with or without a notice.
 constexpr bool IsAccepted(Status result) { return ToCode(result) >= 0 && ToCode(result) <= 10000; }
 
 enum class ListAxis { kFrequency, kPower };
@@ -66,13 +66,12 @@ class D3THardWare final : public uIEvent::EventProcessor {
   D3THardWare(const D3THardWare&) = delete;
   D3THardWare& operator=(const D3THardWare&) = delete;
 
-  /// Learns the frequency limits, the command forms and the identity. Codes -32765 and -32766 mean
-  /// an instrument that does not know the requests.
+  /// Reads the frequency limits and the identity, and finds out which command forms the instrument
+  /// knows. -32765 and -32766: it does not know the requests.
   Status Initialize();
   /// Sends the recovery command (command 1) and returns the status of its answer.
   Status Recover();
-  /// The same after a failed data read: the session is cleared first, so that nothing is left of
-  /// it.
+  /// The same after a failed data read: a device clear first drops the rest of its answer.
   Status ClearAndRecover();
   /// Writes a candidate kind and returns the instrument's own in its place.
   Status QueryInstrumentKind(std::uint32_t& kind);
@@ -83,8 +82,8 @@ class D3THardWare final : public uIEvent::EventProcessor {
   Status SetCwFrequency(double& frequency);
   /// Hz.
   Status SetFrequencySweep(k4n::StepSettings& sweep);
-  /// dBm. The first call in a session finds out which power commands the instrument knows; so do
-  /// further ones until its answers have told.
+  /// dBm. The first call in a session finds out which power commands the instrument knows; if its
+  /// answers leave that open, the next call tries again.
   Status SetOutputLevel(k4n::LevelSettings& settings, double& level);
   /// dBm, dB. -1 when the instrument's power commands have no sweep.
   Status SetPowerSweep(k4n::LevelSettings& settings, k4n::StepSettings& sweep);
@@ -97,16 +96,16 @@ class D3THardWare final : public uIEvent::EventProcessor {
   Status SetDwellThousands(double& thousands);
   /// Factor 1 to 14 (clamped); the feature mask is written first.
   Status SetAveraging(std::int32_t& factor, const k4n::AveragingFeatures& features = {});
-  /// Group 1 is the second trigger line; without it on the instrument nothing is sent and 0
-  /// returned.
+  /// Group 1 is the second trigger line. If the instrument has none, nothing is sent and the result
+  /// is 0.
   Status SetTriggerInput(unsigned group, k4n::TriggerElements& elements);
   Status SetTriggerOutput(unsigned group, k4n::TriggerElements& elements);
-  /// Mode 2 starts the train, 0 stops it; nanoseconds. The two arrays have one length.
+  /// Mode 2 starts the train, 0 stops it; nanoseconds. Both arrays have the same length.
   Status TransferPulseTrain(std::uint32_t mode, k4n::PulseSource& source, std::span<double> widths,
                             std::span<double> gaps, bool inverse);
   /// Nanoseconds; the second element carries the time from the end of a pulse to the next one.
   Status SetSyncGenerator(double& width, double& off_time, double& delay);
-  /// Hz. An instrument that knows only the short form is given the switch alone.
+  /// Hz. An instrument that knows only the short form gets the switch without the frequency.
   Status SetExternalReference(bool& enabled, double& frequency);
   Status SetPhaseDelay(double& value);
   Status SetCompensationMode(std::uint32_t& mode);
@@ -122,9 +121,9 @@ class D3THardWare final : public uIEvent::EventProcessor {
   /// is wrong.
   Status QuerySerialNumber(std::string& serial_number);
 
-  /// Reads one data block into the buffer and waits for it. What is answered may be in the other
-  /// format. 0xBFFF0037 for an answer that is marked with neither: no block. A negative status word
-  /// of the block raises a "Data processing error" event and is the status.
+  /// Reads one data block into the buffer and waits for it. The instrument may answer in the other
+  /// format. 0xBFFF0037: the answer has no known format mark and is not a block. A negative status
+  /// word of the block raises a "Data processing error" event and is returned as the status.
   [[nodiscard]] StatusAnd<k4n::ReceivedBlock> ReadDataBlock(std::span<std::uint8_t> buffer,
                                                             measurement::ReadingFormat wanted);
   /// The same without waiting for the end: VI_ERROR_TMO while the block is not complete; call
@@ -153,8 +152,8 @@ class D3THardWare final : public uIEvent::EventProcessor {
   Status TransferFrequencyTable(std::span<double> values);
 
   // The transactions, for parameters that have no operation of their own.
-  /// Command 3. Returns 0 for every answer that is not negative; its code stays in the parameter's
-  /// status.
+  /// Command 3. Returns 0 for every answer that is not negative; the parameter's status keeps the
+  /// code.
   Status WriteParameter(HardWareParametr& parameter);
   /// Command 4. Returns the answer's code.
   Status ReadParameter(HardWareParametr& parameter);
@@ -168,8 +167,8 @@ class D3THardWare final : public uIEvent::EventProcessor {
   HardWareParametr& At(k4n::Parameter parameter) {
     return parameters_[static_cast<std::size_t>(parameter)];
   }
-  /// Sends the message and waits for its answer, which takes its place. The answer's code, or the
-  /// link's failure.
+  /// Sends the message and receives the answer into it. Returns the answer's code, or the failure
+  /// of the link.
   Status Exchange();
   Status Transact(HardWareParametr& parameter);
   /// Fills the elements from the values, writes, and on success copies the instrument's elements
@@ -191,11 +190,12 @@ class D3THardWare final : public uIEvent::EventProcessor {
   [[nodiscard]] k4n::Parameter LevelParameter() const;
   Status WriteTriggerGroup(k4n::Parameter one_group, k4n::Parameter two_groups, unsigned group,
                            k4n::TriggerElements& elements);
-  /// Reads a parameter for one of its result codes: that code gives false and 0.
+  /// Reads a parameter for its result code only: `bad_code` sets `good` to false, and the result is
+  /// 0.
   Status ReadStateCode(k4n::Parameter parameter, Status bad_code, bool& good);
 
   CommandExchanger& exchanger_;
-  ProtocolMessage message_;  // one for every transaction, so that none allocates a body
+  ProtocolMessage message_;                   // reused, so that no transaction allocates a body
   std::vector<HardWareParametr> parameters_;  // in the order of kParameterTable
 
   std::uint32_t frequency_class_ = 0;

@@ -5,9 +5,9 @@ using namespace k4n;
 
 namespace {
 
-constexpr double kWideSpan = 1e11;               // Hz, beyond every instrument
-constexpr double kNarrowSpan = 4'001'000'000.0;  // Hz, the most that the narrow form is asked for
-constexpr double kFirstClassLimit = 4e9;         // Hz
+constexpr double kWideSpan = 1e11;                       // Hz, beyond every instrument
+constexpr double kNarrowSpan = 4'001'000'000.0;          // Hz, the span for probing the narrow form
+constexpr double kFirstClassLimit = 4e9;                 // Hz
 constexpr std::uint16_t kFeaturesAtConnection = 0xFFFB;  // all but bit 2
 
 }  // namespace
@@ -30,8 +30,8 @@ Status D3THardWare::Initialize() {
 }
 
 Status D3THardWare::ProbeFrequencyRange() {
-  // A write answers 0 for every code that is not negative, so that the notices tested here never
-  // come; the tests are kept.
+  // WriteParameter returns 0 for every code that is not negative, so the notices tested for here
+  // never occur; the tests are kept.
   Parameter form = Parameter::kFrequencyFourElement;
   four_element_frequency_ = true;
   wide_frequency_ = false;

@@ -37,7 +37,8 @@ Status D3THardWare::ReadIdentity() {
     identity_ = {};
     return Recover();
   }
-  // A record that makes no sense costs the dates alone; the frequency limits come after it.
+  // Without a readable record only the dates are missing: go on, the frequency limits are read
+  // next.
   if (result == Status::kVisaProtocolViolation) {
     identity_ = {};
     return Status::kOk;
@@ -51,8 +52,8 @@ Status D3THardWare::ReadIdentity() {
 }
 
 Status D3THardWare::ReadInstrumentFile(std::string_view path, std::string& text) {
-  // Identifier 10, then 0 and the most bytes wanted, 32 bits each, then the path in whole 32-bit
-  // words.
+  // Identifier 10, then 0 and the maximum byte count (32 bits each), then the path, padded to whole
+  // 32-bit words.
   static constexpr std::array<std::uint8_t, 10> kRequest = {10, 0, 0, 0, 0, 0, 0x00, 0xFA, 0, 0};
   constexpr std::size_t kWord = 4;
   const std::size_t path_length = path.size() + 1;

@@ -14,11 +14,11 @@ namespace {
 /// The forms of the parameters that one generation speaks.
 struct PowerVariant {
   Parameter level;
-  Parameter state;  ///< by which an unsettled level shows
+  Parameter state;  ///< read for the level state (settled or not)
   std::optional<Parameter> sweep;
 };
 
-/// By number.
+/// Indexed by the variant number.
 constexpr std::array<PowerVariant, 6> kPowerVariants = {{
     {Parameter::kPower0, Parameter::kPower0, std::nullopt},
     {Parameter::kPower1, Parameter::kPower0, Parameter::kPowerSweep1},
@@ -28,8 +28,8 @@ constexpr std::array<PowerVariant, 6> kPowerVariants = {{
     {Parameter::kPower3, Parameter::kPower3, Parameter::kPowerSweep5},
 }};
 
-/// The instrument does not know the form. Any other refusal, such as an unlocked PLL, tells nothing
-/// of it.
+/// True if the instrument does not know the form. Any other refusal, such as an unlocked PLL, says
+/// nothing about the form.
 bool IsUnknown(Status result) {
   return result == Status::kInstrumentFormUnknown || result == Status::kInstrumentNotSupported;
 }
@@ -44,7 +44,7 @@ bool HasStop(Parameter form) {
   return form == Parameter::kPowerSweep4 || form == Parameter::kPowerSweep5;
 }
 
-/// Of the forms that are probed.
+/// Valid for the probed forms only.
 bool HasSweep(Parameter form) { return HasStop(form) || form == Parameter::kPowerSweep2; }
 
 void FillLevel(HardWareParametr& parameter, Parameter form, const LevelSettings& settings,
@@ -75,7 +75,7 @@ void TakeLevel(const HardWareParametr& parameter, Parameter form, LevelSettings&
   level = parameter.GetValue(PowerElement::kLevel);
 }
 
-/// Number of levels of a sweep, at most what an element of 16 integer bits holds.
+/// Number of levels of a sweep, limited to the 16 integer bits of the element.
 double LevelCount(const StepSettings& sweep) {
   constexpr double kMostLevels = 32767.0;
   const double steps =
@@ -130,8 +130,7 @@ Status D3THardWare::ReadOutputState(LevelSettings& settings, double& level) {
   Parameter form = LevelParameter();
   Status result = ReadParameter(At(form));
   if (!power_variant_settled_) {
-    // The state is read before the first level is set, when older instruments have not been told
-    // apart yet.
+    // Before the first level is set the variant is not known yet: try the older forms, too.
     for (const Parameter older : {Parameter::kPower2, Parameter::kPower0}) {
       if (!IsUnknown(result)) break;
       form = older;
@@ -147,9 +146,9 @@ Status D3THardWare::ReadLevelState(bool& settled) {
                        settled);
 }
 
-/// From the newest level form to the oldest, until one is accepted or the link fails. Settles the
-/// variant for the session unless a form was refused for another reason than that it is not known:
-/// then the next level is probed with again.
+/// Probes from the newest level form to the oldest, until one is accepted or the link fails. This
+/// settles the variant for the session, unless a form was refused for another reason than being
+/// unknown: then the next level setting probes again.
 Status D3THardWare::ProbePowerVariant(const LevelSettings& settings, double level) {
   Status result = Status::kOk;
   bool settles = true;

@@ -64,7 +64,7 @@ Status D3THardWare::WriteTriggerGroup(Parameter one_group, Parameter two_groups,
   if (!two_trigger_groups_ && group != 0) return Status::kOk;
   HardWareParametr& parameter = At(two_trigger_groups_ ? two_groups : one_group);
   if (two_trigger_groups_) {
-    // The other line keeps what the instrument has for it.
+    // Read first, so that the other line keeps its setting.
     if (const Status failed = ReadParameter(parameter); IsNegative(failed)) return failed;
   }
   const std::size_t first = std::size_t{group} * TriggerElement::kGroupSize;

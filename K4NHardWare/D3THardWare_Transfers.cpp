@@ -26,7 +26,7 @@ constexpr BlockFormat kFrequencyList = {2, 6, 0, 1};
 constexpr BlockFormat kPowerList = {76, 4, 2, 1};
 constexpr BlockFormat kPulseTrain = {31, 4, 0, 2};
 
-/// A block with everything but its entries.
+/// A block without its entries.
 HardWareParametr MakeBlock(const BlockFormat& format, std::span<const double> fixed,
                            std::size_t offset, std::size_t entries) {
   const std::size_t elements = fixed.size() + kBlockElements + entries * format.elements_per_entry;

@@ -72,7 +72,7 @@ Status Interface::Clear() { return Note(library_->viClear(session_)); }
 
 std::string Interface::StatusDescription(Status code) {
   std::array<char, 257> buffer{};  // VISA promises at most 256 characters
-  // A library gives a text for a status that it does not know, too.
+  // The status is ignored: a library gives a text for an unknown status, too.
   Discard(Note(library_->viStatusDesc(session_, ToCode(code), buffer.data())));
   buffer.back() = '\0';
   return buffer.data();

@@ -47,7 +47,7 @@ class Interface {
 
  private:
   void OpenSession();
-  /// Notes the status of a VISA call and returns it.
+  /// Stores the status of a VISA call in last_status and returns it.
   Status Note(ViStatus status);
 
   std::unique_ptr<VisaLibrary> library_;

@@ -15,13 +15,13 @@ void ErrorTrail::Append(Status status, Site site) noexcept {
   const bool full = runs_.size() >= kLongestTrail;
   if (CountInLast(full ? runs_.size() : 1, record)) return;
   try {
-    runs_.push_back({record});  // also in a full trail: there are only so many kinds of failures
+    runs_.push_back({record});  // in a full trail, too: the kinds of failures are few
   } catch (const std::bad_alloc&) {
     CountInLast(runs_.size(), record);
   }
 }
 
-/// Counts a failure in the newest of the last so many runs that is of its kind; false when none is.
+/// Adds a failure to the newest equal run among the last `runs`; false if there is none.
 bool ErrorTrail::CountInLast(std::size_t runs, const ErrorRecord& record) {
   const auto end = runs_.rbegin() + static_cast<std::ptrdiff_t>(std::min(runs, runs_.size()));
   const auto equal =

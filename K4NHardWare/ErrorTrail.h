@@ -12,7 +12,7 @@
 
 namespace k4n {
 
-/// Where a failure was noticed. The numbers are fixed: a trail read in the field is told by them.
+/// Where a failure was detected. The numbers are fixed: support staff identify a failure by them.
 enum class Site : int {
   kInstrumentKind = 142,      ///< another kind of instrument answered
   kKindProbe = 162,           ///< no kind was confirmed
@@ -58,18 +58,17 @@ struct ErrorRecord {
   Status status = Status::kOk;
   Site site{};
 
-  /// The place in words: the manager's source and the site's number.
+  /// The place as text: the manager's source and the site's number.
   [[nodiscard]] std::string Location() const;
 
   friend bool operator==(const ErrorRecord&, const ErrorRecord&) = default;
 };
 
-/// First in, first out: every record, one by one. A link that stays dead fails every few
-/// milliseconds, for months perhaps, so equal records that follow each other are kept once with
-/// their number. When kLongestTrail such runs wait unread, or there is no memory for another, a
-/// further failure is counted in the newest run of its kind: the order among these no longer tells,
-/// and nothing is lost but, without memory, the first of a kind. Every operation may be called from
-/// any thread.
+/// A queue of failure records, first in, first out. A dead link may fail every few milliseconds for
+/// months, so equal records in a row are stored once, as a run with a count. With kLongestTrail
+/// unread runs, or without memory for another, a new failure is added to the count of the newest
+/// run of its kind: its place in the order is lost, the failure is not. Only without memory the
+/// first failure of a kind is lost. Every operation may be called from any thread.
 class ErrorTrail {
  public:
   static constexpr std::size_t kLongestTrail = 16384;
@@ -77,12 +76,12 @@ class ErrorTrail {
   void Append(Status status, Site site) noexcept;
   /// Removes the oldest record; nothing when the trail is empty.
   std::optional<ErrorRecord> Take();
-  /// A record, and how many like it there are in a row.
+  /// Equal records in a row.
   struct Run {
     ErrorRecord record;
     std::uint64_t count = 1;
   };
-  /// Looks at one of the runs; 0 is the oldest. Nothing behind the newest.
+  /// Returns a run without removing it; 0 is the oldest. Nothing for an index behind the newest.
   [[nodiscard]] std::optional<Run> RunAt(std::size_t index) const;
 
  private:

@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::size_t kIdentifierSize = 2;
 
-/// The nearest 64-bit integer; what no 64 bits hold becomes the smallest one, as the processor
-/// converts it.
+/// Rounds to the nearest 64-bit integer. A value out of range becomes the smallest one, as the
+/// processor's own conversion does.
 std::int64_t ToInteger(double value) {
   constexpr double kLimit = 9223372036854775808.0;  // 2^63
   if (!(value >= -kLimit && value < kLimit)) return std::numeric_limits<std::int64_t>::min();

@@ -35,8 +35,8 @@ class HardWareParametr {
   [[nodiscard]] double GetValue(std::size_t element) const;
   /// An element's value as a code of 32 bits, without its fraction.
   [[nodiscard]] std::uint32_t GetCode(std::size_t element) const;
-  /// Rounds to the nearest step, halves away from zero. What does not fit is cut to the element's
-  /// width.
+  /// Rounds to the nearest step, halves away from zero. High bits that do not fit into the element
+  /// are cut off.
   void SetValue(double value, std::size_t element);
 
   [[nodiscard]] std::uint16_t identifier() const { return identifier_; }

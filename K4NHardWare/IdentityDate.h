@@ -12,7 +12,7 @@ struct IdentityDate {
   std::uint8_t month = 0;
   std::uint8_t day = 0;
   [[nodiscard]] bool IsKnown() const { return year != 0 || month != 0 || day != 0; }
-  /// The number by which dates compare: year x 65536 + month x 256 + day.
+  /// For comparing dates: year x 65536 + month x 256 + day.
   [[nodiscard]] std::uint32_t Ordinal() const {
     return (static_cast<std::uint32_t>(year) << 16) + (static_cast<std::uint32_t>(month) << 8) +
            day;
@@ -29,8 +29,8 @@ struct IdentityRecord {
 /// a date in December is never accepted.
 IdentityDate ParseIdentityDate(std::string_view text);
 
-/// Finds the dates in the text of the identity record, Windows-1251. A text that begins with a date
-/// is that of manufacture alone.
+/// Finds the dates in the text of the identity record, Windows-1251. If the text begins with a
+/// date, that is the date of manufacture and the only date.
 IdentityRecord ParseIdentityRecord(std::string_view text);
 
 }  // namespace k4n

@@ -1,6 +1,5 @@
-// The settings that the driver keeps for one instrument: what was last sent, in the instrument's
-// own codes and units. Getters answer from here; a snapshot of it travels with every measurement
-// block.
+// The settings that the driver keeps for one instrument: the values last sent, in the instrument's
+// own codes and units. Getters read them; each measurement block is stored with a copy of them.
 #pragma once
 
 #include <array>
@@ -23,7 +22,7 @@ enum class SweepMode : std::uint32_t {
   kList = 3,
 };
 
-/// The source of a sweep trigger. A client may ask for one that does not exist, which is refused.
+/// The source of a sweep trigger. A client may pass any number: an unknown one is refused.
 enum class TriggerSource { kImmediate, kExternal, kSoftware, kUnknown };
 
 /// What an external trigger does at each point.
@@ -95,8 +94,8 @@ struct ReferenceSettings {
   double frequency = 1e7;  ///< Hz
 };
 
-/// Everything that the getters answer from and that a block's snapshot copies. The initial values
-/// are the defaults that a new connection starts from.
+/// All settings that getters read and that are stored with a block. The initial values are the
+/// defaults of a new session.
 struct InstrumentSettings {
   SweepMode sweep_mode = SweepMode::kContinuousWave;
   double cw_frequency = 1e7;  ///< Hz
@@ -112,7 +111,7 @@ struct InstrumentSettings {
   std::int32_t averaging = 3;
   ReferenceSettings reference;
   std::int32_t ext_ref_phase_delay = 0;
-  std::uint32_t compensation_mode = 0;  ///< any number: the instrument judges it
+  std::uint32_t compensation_mode = 0;  ///< any number: the instrument checks it
   TriggerOutputSettings trigger_output;
   SyncGeneratorSettings sync_generator;
   std::array<measurement::ChannelTransform, kChannelCount>

@@ -43,8 +43,8 @@ struct ErrorReport {
 /// run one at a time, each pausing the measurement worker first and resuming it at the end. All of
 /// them return 10057 without a session (unless said otherwise), 0 to 6 on success and any other
 /// status on failure; a failure of the instrument also goes into the error trail. Getters of cached
-/// settings never wait for the instrument; they give what it made of the values that it was sent,
-/// and without a session what the last one left, or the defaults.
+/// settings never wait for the instrument. They return the values as the instrument accepted them;
+/// without a session those of the last one, or the defaults.
 class CK4NManager final : public uIEvent::IEventProcessor {
  public:
   CK4NManager();
@@ -65,8 +65,8 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   [[nodiscard]] k4n::ErrorReport ErrorQuery();
   /// What the error trail holds; nothing is removed.
   [[nodiscard]] const k4n::ErrorTrail& error_trail() const { return trail_; }
-  /// Whether the instrument's DSP program is dated at all. Kept: the reference date that it is
-  /// compared with lies in December, which is not read as a date, so that every date is later.
+  /// True if the instrument reports a date for its DSP program. Kept: the reference date for the
+  /// comparison lies in December, which is not accepted as a date, so every date counts as newer.
   [[nodiscard]] bool IsFirmwareNewer() const { return firmware_newer_; }
 
   // --- RF output
@@ -87,7 +87,7 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   [[nodiscard]] k4n::StepSettings GetPowerStep() const;
   Status SetSweepTrigger(const k4n::SweepTriggerSettings& trigger);
   [[nodiscard]] k4n::SweepTriggerSettings GetSweepTrigger() const;
-  /// Kept: the instrument's parameter has 32 bits, and what a longer time has beyond them is lost:
+  /// Kept: the instrument's parameter has 32 bits, and the higher bits of a longer time are lost:
   /// 10 s read back as 1.410065408 s.
   Status SetDwell(double nanoseconds);
   [[nodiscard]] double GetDwell() const;  ///< nanoseconds
@@ -157,7 +157,7 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   Status SetChannelDivider(std::size_t channel, double divider);  ///< below 1.0: 0x80047010
   [[nodiscard]] measurement::ChannelTransform GetChannel(std::size_t channel) const;
 
-  // --- IEventProcessor: the top of the chain, events are only remembered
+  // --- IEventProcessor: the top of the chain; the last event is kept, nothing else happens
   void ProcessEvent(uIEvent::Event* event) override;
   uIEvent::IEventProcessor* SetManager(uIEvent::IEventProcessor* manager) override;
   uIEvent::EventProcessor* GetProcessor() override;
@@ -165,7 +165,7 @@ class CK4NManager final : public uIEvent::IEventProcessor {
  private:
   /// One operation on the instrument: holds the operation lock and keeps the worker paused.
   class Operation;
-  /// What an operation came to, and whether the worker goes on behind it.
+  /// The result of an operation, and whether the worker stays paused after it.
   struct Outcome {
     Outcome(Status result, bool paused = false) : status(result), leaves_worker_paused(paused) {}
     Status status;
@@ -177,14 +177,14 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   /// session.
   template <typename Body>
   Status Guarded(Body&& body);
-  /// Puts the result of an exchange into the trail when it is a failure; returns it.
+  /// Adds the result of an exchange to the trail if it is a failure, and returns it.
   Status Record(k4n::Site site, Status result);
   /// One of the cached settings.
   template <typename T>
   [[nodiscard]] T Cached(T k4n::InstrumentSettings::*setting) const;
 
   void AbandonExchange();
-  // The rest is called within an operation.
+  // The functions below are called within an operation.
   Status OpenSession(const std::string& resource_name);
   Status StartSession(bool generator_only);
   Status EndSession(Output output);
@@ -219,7 +219,7 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   /// 0x80047010 for a value that is not valid.
   Status SetChannel(std::size_t channel, double measurement::ChannelTransform::*element,
                     double value, bool is_valid);
-  /// Whether a state counts as good again once it has been told.
+  /// Whether a fault is reported each time or only once.
   enum class Told { kAlways, kOnce };
   template <typename Read>
   StatusAnd<bool> ReadState(std::atomic<bool>& state, k4n::Site site, Read&& read,
@@ -228,10 +228,10 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   // Lock order: operation lock, data lock (in the measurement block), session lock; the locks
   // inside `trail_` and the Synchronized values are leaves.
   mutable std::recursive_mutex operation_mutex_;
-  // Held where the session's objects come and go, and by ErrorQuery, which needs them while an
-  // operation may be waiting for the instrument.
+  // Held while the session's objects are created or destroyed, and by ErrorQuery, which must not
+  // wait for an operation on the instrument.
   std::mutex session_mutex_;
-  std::atomic<bool> connected_ = false;  // what everybody else asks
+  std::atomic<bool> connected_ = false;  // for everybody else
   std::unique_ptr<CommandExchanger> exchanger_;
   std::unique_ptr<D3THardWare> model_;  // null: no session
   k4n::ProtocolLibrary protocol_;
@@ -249,7 +249,7 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   std::atomic<bool> firmware_newer_ = false;
   // The mode last programmed as a whole; guarded by the operation lock.
   k4n::SweepMode measurement_mode_ = k4n::SweepMode::kContinuousWave;
-  std::atomic<bool> sweep_armed_ = false;  // kept: set once and for all
+  std::atomic<bool> sweep_armed_ = false;  // kept: never reset, not even by a new session
 
   k4n::MeasurementBlock block_;
   k4n::MeasurementWorker worker_{trail_, settings_, block_};

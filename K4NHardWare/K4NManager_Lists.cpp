@@ -38,7 +38,7 @@ Status CK4NManager::SetPowerList(SAFEARRAY* levels) {
 }
 
 void CK4NManager::ClearFrequencyList() {
-  const std::lock_guard lock(operation_mutex_);  // not while the list is being sent
+  const std::lock_guard lock(operation_mutex_);  // wait until the list has been sent
   frequency_list_.Set(nullptr);
 }
 

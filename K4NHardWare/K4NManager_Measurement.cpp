@@ -19,7 +19,7 @@ Status CK4NManager::SetAveraging(std::int32_t count) {
   return Guarded([&] { return ProgramAveraging(count); });
 }
 
-/// The count is kept also when the instrument refuses it; an accepted one as the instrument set it.
+/// Stores the count as the instrument set it, or the given one if the instrument refuses it.
 Status CK4NManager::ProgramAveraging(std::int32_t count) {
   const bool is_sent = settings_.With([&](InstrumentSettings& live) {
     live.averaging = count;
@@ -57,7 +57,7 @@ Status CK4NManager::FetchData(TraceMatrix& trace) {
   const measurement::InstrumentKind kind = instrument_kind_;
   if (kind == measurement::InstrumentKind::kGenerator) return Status::kMethodNotSupported;
   if (!connected_) return Status::kNoSession;
-  // Before any sweep was programmed a fetch measures by itself.
+  // Before the first sweep is programmed, FetchData reads a block by itself.
   if (!sweep_armed_) {
     const Status read = Guarded([this] { return worker_.ReadSingleBlock(); });
     if (read != Status::kOk) return read;

@@ -18,8 +18,8 @@ constexpr std::uint32_t kTrainOn = 2;
 
 bool IsTime(double nanoseconds) { return nanoseconds >= 0.0; }
 
-/// The widths and delays of a packet as the client gave them, seconds. Kept: widths without an
-/// element stay locked.
+/// The widths and delays of a packet as the client gave them, seconds. Kept: an empty array of
+/// widths stays locked.
 Status ReadPacket(SAFEARRAY* widths, SAFEARRAY* delays, PulseSettings& pulse) {
   if (widths != nullptr) {
     RealArray elements(widths);
@@ -39,7 +39,7 @@ Status ReadPacket(SAFEARRAY* widths, SAFEARRAY* delays, PulseSettings& pulse) {
                                                                 : Status::kInvalidValue;
 }
 
-/// Stops at the first time that is none; what was converted before stays so (kept).
+/// Stops at the first invalid time. Kept: the times before it stay converted.
 Status ConvertPacket(PulseSettings& pulse) {
   for (std::size_t i = 0; i < pulse.packet_widths.size(); ++i) {
     double& width = pulse.packet_widths[i];
@@ -59,8 +59,7 @@ void WriteBack(std::vector<double> nanoseconds, SAFEARRAY* array) {
 
 }  // namespace
 
-/// Stores a setting, and sends the train while the modulator is on. Without a session the setting
-/// is stored all the same.
+/// Stores a setting, with or without a session, and sends the train if the modulator is on.
 template <typename Change>
 Status CK4NManager::ChangePulse(Change&& change) {
   const std::lock_guard lock(operation_mutex_);
@@ -136,7 +135,7 @@ Status CK4NManager::SetPulseModSource(PulseSource source) {
   return ChangePulse([&](PulseSettings& pulse) { pulse.modulation_source = source; });
 }
 
-/// An instrument whose modulator is off learns the polarity too.
+/// The polarity is sent even if the modulator is off.
 Status CK4NManager::SetPulseModPolarity(bool inverse) {
   const std::lock_guard lock(operation_mutex_);
   const bool enabled = pulse_.With([&](PulseSettings& pulse) {
@@ -196,7 +195,7 @@ Status CK4NManager::ProgramPacket(PulseSettings& pulse) {
                                            pulse.modulation_inverse));
 }
 
-/// The caller records a failure: at connection not every one is.
+/// The caller records a failure: at connection it may be none.
 Status CK4NManager::SwitchPulseModulationOff() {
   block_.Discard();
   PulseSettings pulse = pulse_.Copy();

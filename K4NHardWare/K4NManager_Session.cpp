@@ -1,4 +1,4 @@
-// Opening and closing a session: what happens on the wire between the first byte and the last.
+// Opening and closing a session, with everything that is sent for it.
 #include <array>
 #include <chrono>
 
@@ -13,7 +13,7 @@ constexpr std::chrono::milliseconds kSettleTime{20};
 constexpr const char* kGeneratorOption = "GENERATOR";
 constexpr const char* kReferenceDate = "28.12.2005";
 
-/// The kinds in the order in which an instrument is asked whether it is one.
+/// The kinds in the order in which they are probed.
 constexpr std::array kKindCandidates = {measurement::InstrumentKind::kAnalyser,
                                         measurement::InstrumentKind::kDetectors,
                                         measurement::InstrumentKind::kGenerator};
@@ -34,7 +34,7 @@ Status CK4NManager::Initialize(const std::string& resource_name, const std::stri
   if (started == Status::kOk) {
     connected_ = true;
   } else {
-    // The output is the instrument's own affair still.
+    // A session that did not start leaves the output as it is.
     Discard(EndSession(Output::kLeave));
   }
   return started;
@@ -74,7 +74,7 @@ Status CK4NManager::StartSession(bool generator_only) {
   if (IsNotSupported(initialized)) return Status::kUnknownResource;
   instrument_kind_ = generator_only ? measurement::InstrumentKind::kGenerator
                                     : measurement::InstrumentKind::kAnalyser;
-  // Other failures than this one are left in the trail: the steps below decide.
+  // Other failures are only recorded in the trail: the steps below decide.
   if (IsNotSupported(ResetAndIdentify())) return Status::kIdentificationFailed;
 
   firmware_newer_ =
@@ -97,7 +97,7 @@ Status CK4NManager::StartSession(bool generator_only) {
 Status CK4NManager::EndSession(Output output) {
   block_.Discard();
   if (model_ == nullptr) return Status::kNoSession;
-  // The session ends whether or not the instrument hears of it.
+  // The session ends even if the instrument cannot be reached.
   if (output == Output::kSwitchOff) Discard(SwitchOutputOff());
   worker_.Stop();
 
@@ -117,14 +117,14 @@ Status CK4NManager::ResetAndIdentify() {
   const Status read =
       Record(Site::kOutputState, model_->ReadOutputState(settings.level, settings.cw_level));
   if (!Succeeded(read)) return read;
-  // These alone: a caller may be setting up its channels meanwhile.
+  // Only these settings: another thread may be setting up its channels.
   settings_.With([&](InstrumentSettings& live) {
     live.level = settings.level;
     live.cw_level = settings.cw_level;
   });
 
   if (instrument_kind_ != measurement::InstrumentKind::kGenerator) {
-    Discard(ProgramAveraging(settings.averaging));  // kept: a refusal is told by the trail alone
+    Discard(ProgramAveraging(settings.averaging));  // kept: a refusal shows in the trail only
   }
   return ProgramSweepMode(SweepMode::kContinuousWave).status;
 }
@@ -143,8 +143,8 @@ void CK4NManager::LoadDefaults() {
   state.erg_good = true;
 }
 
-/// Asks for one kind after the other, from the chosen one on, until the instrument confirms one.
-/// Without an answer the chosen one stands.
+/// Probes the kinds, starting with the chosen one, until the instrument confirms one. If it
+/// confirms none, the chosen one is used.
 Status CK4NManager::Identify() {
   Status result = Status::kOk;
   const measurement::InstrumentKind chosen = instrument_kind_;

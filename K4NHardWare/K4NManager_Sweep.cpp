@@ -7,7 +7,7 @@ using namespace k4n;
 
 namespace {
 
-// What a list sweep runs on along an axis that has no list.
+// Fixed values of a list sweep for an axis without a list.
 constexpr double kStandInFrequency = 1e7;  // Hz
 constexpr double kStandInLevel = -60.0;    // dBm
 
@@ -36,7 +36,7 @@ std::optional<std::uint32_t> TriggerCodeOf(const SweepTriggerSettings& trigger, 
   }
 }
 
-/// What the instrument's code means for the settings; false for a code that it does not have.
+/// Translates the instrument's code into the settings; false for an unknown code.
 bool TakeTriggerCode(std::uint32_t code, SweepTriggerSettings& trigger) {
   switch (code) {
     case kFreeRun:
@@ -85,7 +85,7 @@ CK4NManager::Outcome CK4NManager::ProgramSweepMode(SweepMode mode) {
   measurement_mode_ = mode;
   sweep_armed_ = true;
 
-  // Kept: the mode stands without its trigger, whose failure the trail tells.
+  // Kept: the mode is set even if its trigger fails; that failure shows in the trail only.
   return {Status::kOk, ProgramSweepTrigger(GetSweepTrigger()).leaves_worker_paused};
 }
 
@@ -124,8 +124,8 @@ Status CK4NManager::SetSweepTrigger(const SweepTriggerSettings& trigger) {
   return Guarded([&] { return ProgramSweepTrigger(trigger); });
 }
 
-/// Kept: after a source or an answer that does not exist the worker stays paused until the next
-/// operation.
+/// Kept: after an unknown source, or an unknown code in the answer, the worker stays paused until
+/// the next operation.
 CK4NManager::Outcome CK4NManager::ProgramSweepTrigger(SweepTriggerSettings trigger) {
   block_.Discard();
   const bool ext_pwr_ctrl = GetExtPwrCtrl();
@@ -179,7 +179,8 @@ Status CK4NManager::ApplyFrequencyAxis(std::optional<SweepMode> request) {
   return trial != Status::kOk ? trial : programmed;
 }
 
-/// As above. Trials run with the output off; while it is off they are all that is sent.
+/// The same for the power axis. The trial is sent with the output off; while the output is off,
+/// nothing else is sent.
 Status CK4NManager::ApplyPowerAxis(std::optional<SweepMode> request) {
   const auto [mode, output_on] = settings_.With([](const InstrumentSettings& live) {
     return std::pair(live.sweep_mode, live.level.level_control == 1);
@@ -242,7 +243,8 @@ Status CK4NManager::ProgramPowerAxis(SweepMode mode, bool trial) {
   return Record(Site::kPowerAxis, result);
 }
 
-/// Sends a list, or one value in its place, and keeps what the instrument made of it.
+/// Sends a list, or a single value if it is empty, and stores the values as the instrument set
+/// them.
 Status CK4NManager::ProgramList(ListAxis axis, Synchronized<SweepList>& list, double stand_in,
                                 const LevelSettings& level) {
   const SweepList present = list.Copy();

@@ -22,7 +22,7 @@ StatusAnd<std::string> CK4NManager::GetSerialNumber() {
     } else if (read == Status::kInstrumentNotSupported || read == Status::kRefused) {
       read = model_->ReadInstrumentFile(kSerialNumberFile, text);
     }
-    if (IsNegative(read)) Discard(model_->Recover());  // what failed is the result
+    if (IsNegative(read)) Discard(model_->Recover());  // the failure is the result
     return read;
   });
   return {result, std::move(text)};
@@ -32,13 +32,13 @@ StatusAnd<std::string> CK4NManager::GetInstrumentType() {
   std::string text;
   const Status result = Guarded([&] {
     const Status read = model_->ReadInstrumentFile(kTypeFile, text);
-    if (IsNegative(read)) Discard(model_->Recover());  // what failed is the result
+    if (IsNegative(read)) Discard(model_->Recover());  // the failure is the result
     return read;
   });
   return {result, std::move(text)};
 }
 
-/// What the worker knows while it measures, otherwise what the instrument answers.
+/// Returns the worker's state while it measures; otherwise asks the instrument.
 template <typename Read>
 StatusAnd<bool> CK4NManager::ReadState(std::atomic<bool>& state, Site site, Read&& read,
                                        Told told) {
@@ -66,8 +66,9 @@ StatusAnd<bool> CK4NManager::GetPllState() {
                    [this](bool& answer) { return model_->ReadPllState(answer); });
 }
 
-/// Kept: a fault is told once, then the state counts as good until the next fault. The worker may
-/// note one at any moment, so that taking it is one exchange: none is lost and none told twice.
+/// Kept: a fault is reported once, then the state reads as good until the next fault. The worker
+/// may set it at any moment, so it is read and reset in one atomic exchange: no fault is lost or
+/// reported twice.
 StatusAnd<bool> CK4NManager::GetErgState() {
   return ReadState(
       worker_.state().erg_good, Site::kErgState,

@@ -7,11 +7,11 @@ using namespace k4n;
 
 namespace {
 
-// The lines that a trigger parameter is for.
+// The lines of a trigger parameter.
 constexpr unsigned kFirstLine = 0;
 constexpr unsigned kSecondLine = 1;
 
-/// Kept: whole microseconds, cut and not rounded but for the last twentieth; 0 for NaN or a
+/// Kept: truncated to whole microseconds; only the last twentieth of one rounds up. 0 for NaN or a
 /// negative width.
 std::uint8_t WholeMicroseconds(double width) {
   constexpr double kMost = 255.0;

@@ -15,7 +15,7 @@
 
 namespace k4n {
 
-/// The longest answer that a 16-bit length can announce, rounded up.
+/// The longest answer with a 16-bit length, rounded up.
 inline constexpr std::size_t kLongestBlock = 65536;
 
 /// A list of frequencies or levels; null when there is none.
@@ -27,14 +27,14 @@ class MeasurementBlock {
  public:
   MeasurementBlock() { points_.reserve(kLongestBlock); }
 
-  /// Replaces the block. `settings` are those in force now: the points' frequencies are computed
-  /// from them.
+  /// Replaces the block. `settings` are the present ones: the frequencies of the points are
+  /// computed from them.
   void Store(std::span<const std::uint8_t> points, measurement::ReadingFormat format,
              const Synchronized<InstrumentSettings>& settings);
-  /// Forgets a block that nobody has fetched.
+  /// Drops a block that nobody has fetched.
   void Discard();
-  /// Converts the block into the trace and forgets it. `list` gives the frequencies of a list
-  /// sweep. False, leaving the trace alone, when there is no block.
+  /// Converts the block into the trace and drops it. `list` has the frequencies of a list sweep.
+  /// Without a block: false, and the trace is unchanged.
   bool Convert(
       measurement::InstrumentKind kind, const SweepList& list,
       const std::array<measurement::ChannelCalibration, measurement::kTraceChannels>& channels,

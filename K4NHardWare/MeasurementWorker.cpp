@@ -82,15 +82,15 @@ bool MeasurementWorker::Measure() {
     Discard(Attempt([&] {
       FinishRead(read, block);
       return Status::kOk;
-    }));  // what it threw is in the trail
+    }));  // an exception is in the trail
     const bool triggered = trigger_pending_.exchange(false);
     if (stop_requested || triggered) return stop_requested;
   }
 }
 
-/// Runs a part of the reading. Whatever it throws, because there is no memory or because a VISA
-/// library does, ends neither the client's process nor the reading: it goes into the trail as a
-/// failed read. A stop request that was taken before is still acknowledged.
+/// Runs one step of the reading. An exception (no memory, or thrown by a VISA library) goes into
+/// the trail as a failed read; neither the client's process nor the reading ends. A stop request
+/// taken before it is still acknowledged.
 template <typename Step>
 Status MeasurementWorker::Attempt(Step&& step) noexcept {
   Status thrown = Status::kOk;
@@ -105,10 +105,9 @@ Status MeasurementWorker::Attempt(Step&& step) noexcept {
   return thrown;
 }
 
-/// Waits for the block of a whole sweep, which may take many time-outs, unless a stop is requested.
-/// A stop is looked for before the next read, not behind it: a read may wait for a whole time-out,
-/// and a caller who came during one must not wait for a second. Its 5 ms are the pause between the
-/// reads, too.
+/// Waits for the block of a whole sweep, which may take many time-outs, until a stop is requested.
+/// The stop request is tested after each read that timed out: a caller waits for one time-out at
+/// most, never for a second. The 5 ms of this test are also the pause between reads.
 StatusAnd<ReceivedBlock> MeasurementWorker::ReadBlock(bool& stop_requested) {
   StatusAnd<ReceivedBlock> answer = Poll(Site::kWorkerRead);
   while (answer.status == Status::kVisaTimeout) {
@@ -123,7 +122,7 @@ void MeasurementWorker::FinishRead(Status read, const ReceivedBlock& block) {
   if (read == Status::kOk) {
     KeepBlock(block);
   } else {
-    Discard(model_->ClearAndRecover());  // if it fails, so will the next read
+    Discard(model_->ClearAndRecover());  // if this fails, the next read fails, too
   }
   PollRfButton();
 }
@@ -138,7 +137,7 @@ StatusAnd<ReceivedBlock> MeasurementWorker::Poll(Site site) {
   return answer;
 }
 
-/// Drops a block that is not whole.
+/// Stores the block; an incomplete one is dropped.
 void MeasurementWorker::KeepBlock(const ReceivedBlock& received) {
   const bool wanted =
       settings_.With([](const InstrumentSettings& live) { return live.averaging_enabled; });

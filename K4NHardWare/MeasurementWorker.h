@@ -18,7 +18,7 @@ namespace k4n {
 
 struct ReceivedBlock;
 
-/// What the instrument last said of itself, kept current by the worker while it measures.
+/// The instrument's last known state, updated by the worker while it measures.
 struct InstrumentState {
   std::atomic<bool> rf_button = false;
   std::atomic<bool> pll_locked = false;
@@ -28,7 +28,7 @@ struct InstrumentState {
 
 /// Start, Stop, Pause and Resume are called by one thread at a time (the manager's operation lock
 /// sees to it); the rest from any thread. A caller may use the instrument only between Pause and
-/// Resume. What is thrown in the worker's thread counts as a failed read.
+/// Resume. An exception in the worker's thread counts as a failed read.
 class MeasurementWorker {
  public:
   MeasurementWorker(ErrorTrail& trail, const Synchronized<InstrumentSettings>& settings,
@@ -44,16 +44,15 @@ class MeasurementWorker {
   void Stop();
   [[nodiscard]] bool IsRunning() const { return thread_.joinable(); }
 
-  /// Waits until the worker leaves the instrument alone: one stop request, one acknowledgement,
-  /// also when it was paused already. A read that waits for the instrument ends first, at most one
-  /// VISA time-out later; the sweep that it belonged to is given up. Nothing to do when the thread
-  /// does not run.
+  /// Waits until the worker has released the instrument: one stop request, one acknowledgement,
+  /// even if it is paused already. A read in progress ends first, within one VISA time-out; its
+  /// sweep is given up. Does nothing if the thread does not run.
   void Pause();
   /// Lets the paused worker read blocks until the next Pause or, with a software trigger pending,
   /// until the sweep has ended.
   void Resume();
 
-  /// From Resume until the worker is seen to have ended its reading.
+  /// True from Resume until the worker has stopped reading.
   [[nodiscard]] bool IsMeasuring() const { return measuring_; }
 
   /// Makes the next run one sweep long.
@@ -62,8 +61,9 @@ class MeasurementWorker {
 
   [[nodiscard]] InstrumentState& state() { return state_; }
 
-  /// Reads one block and waits for it, in the caller's thread, while the worker is paused. A notice
-  /// in place of a block is VI_ERROR_TMO; other failures go into the trail, too.
+  /// Reads one block in the caller's thread and waits for it; the worker must be paused.
+  /// VI_ERROR_TMO if the instrument answers with a notice instead of a block; other failures also
+  /// go into the trail.
   Status ReadSingleBlock();
 
  private:
@@ -83,9 +83,9 @@ class MeasurementWorker {
   MeasurementBlock& block_;
   D3THardWare* model_ = nullptr;
 
-  // One release of `stopped_` answers each release of `stop_request_`, nothing else does. The end
-  // of a software-triggered sweep shows in `measuring_` alone, so that no acknowledgement can be
-  // left over for a later pause.
+  // Each release of `stop_request_` is answered by exactly one release of `stopped_`. The end of a
+  // software-triggered sweep is signalled by `measuring_` only, so that no acknowledgement is left
+  // over for a later pause.
   os::Semaphore run_;
   os::Semaphore stop_request_;
   os::Semaphore stopped_;

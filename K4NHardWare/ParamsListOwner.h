@@ -15,16 +15,15 @@ using ParamValue = std::variant<std::monostate, bool, std::int32_t, double, std:
 struct NamedParam {
   std::string name;
   ParamValue value;
-  std::function<void(const ParamValue&)> on_change;  ///< told the new value; may be empty
+  std::function<void(const ParamValue&)> on_change;  ///< called with the new value; may be empty
 };
 
-/// Looks values up by name; of several with one name the first counts.
+/// Looks values up by name; the first one of several with the same name is used.
 class ParamsListOwner {
  public:
   void Add(NamedParam param);
-  /// Stores the value and tells the item, unless it holds that value already. Throws
-  /// std::invalid_argument
-  /// ("Debug...") when there is no such name, GetValue too.
+  /// Stores the value and calls on_change, unless the item has that value already. Throws
+  /// std::invalid_argument ("Debug...") if there is no such name, as GetValue does.
   void SetValue(std::string_view name, const ParamValue& value);
   /// A copy of the stored value.
   [[nodiscard]] ParamValue GetValue(std::string_view name) const;

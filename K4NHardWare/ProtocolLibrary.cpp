@@ -17,7 +17,7 @@ std::optional<Status> ProtocolLibrary::Open() {
   }
   session_ = 0;
   const Status opened{open_session(&session_)};
-  // A library without its file still answers, with texts of its own making.
+  // The result is ignored: without its file the library still gives texts, of its own.
   load(session_, "Protocol.xml");
   return opened;
 }

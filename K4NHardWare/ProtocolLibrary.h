@@ -20,7 +20,7 @@ class ProtocolLibrary {
 
   /// With no session open: loads "ProtocolLib" by the system's search, opens a session and has it
   /// read "Protocol.xml". Returns what the library's OpenSession gave; nothing when there is no
-  /// such module or one of its four entry points is missing: errors are then told by number.
+  /// such module or one of its four entry points is missing: errors are then reported by number.
   std::optional<Status> Open();
   /// Ends the session and unloads the module; nothing to do when none is loaded.
   void Close();

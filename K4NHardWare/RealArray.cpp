@@ -8,10 +8,10 @@ namespace k4n {
 
 namespace {
 
-// What a lower bound may add to an array; one beyond is no index that anybody means.
+// Most values that a lower bound may add; no client means a larger lower bound.
 constexpr std::size_t kMostMissing = 0x10000;
 
-/// Features of elements that are no plain numbers.
+/// Feature flags of elements that are not plain numbers.
 constexpr unsigned kOwnedElements =
     FADF_BSTR | FADF_UNKNOWN | FADF_HAVEIID | FADF_DISPATCH | FADF_VARIANT | FADF_RECORD;
 
@@ -20,7 +20,7 @@ bool HoldsReals(SAFEARRAY* array) {
   return array->cbElements == sizeof(double) && (array->fFeatures & kOwnedElements) == 0;
 }
 
-/// A descriptor may be there without its elements.
+/// A descriptor may exist without data.
 bool IsRealVector(SAFEARRAY* array) {
   return SafeArrayGetDim(array) == 1 && HoldsReals(array) &&
          (array->pvData != nullptr || array->rgsabound[0].cElements == 0);

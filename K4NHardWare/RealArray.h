@@ -16,17 +16,18 @@ class RealArray {
   RealArray(const RealArray&) = delete;
   RealArray& operator=(const RealArray&) = delete;
 
-  /// Whether this is a one-dimensional array of doubles; nothing is locked otherwise. Without a
-  /// type mark, as clients make arrays by hand, eight bytes that are no pointers count as a double.
+  /// True for a one-dimensional array of doubles; only such an array is locked. In an array without
+  /// a VARTYPE, as clients build them by hand, elements of eight bytes that are not pointers count
+  /// as doubles.
   [[nodiscard]] bool HasRightType() const { return right_type_; }
   /// S_OK, or why the array could not be locked.
   [[nodiscard]] HRESULT locked() const { return locked_; }
 
-  /// As many elements as an array from 0 to the upper bound has, from the first one on. Kept: the
-  /// lower bound does not count, so that an array from 1 to n gives one more than it has, which is
-  /// its last one again, and an array from -1 loses its last one. None when the array has none.
+  /// The elements, from the first one on, as many as an array with the bounds 0 to the upper bound
+  /// has. Kept: the lower bound is ignored, so an array from 1 to n gives one value too many, its
+  /// last one again, and an array from -1 loses its last one. An empty array gives none.
   [[nodiscard]] std::vector<double> Read() const;
-  /// Puts values in the place of those that Read gives, as far as the array has them.
+  /// Writes values over those that Read gives, as far as the array has elements.
   void Write(std::span<const double> values) const;
 
   /// Leaves the array locked for good.

@@ -10,8 +10,8 @@
 
 namespace uDevice {
 
-/// What is called in place of an entry point that the library lacks: does nothing and returns
-/// VI_ERROR_LIBRARY_NFOUND where VISA returns a status.
+/// Stands in for an entry point that the library lacks: does nothing, and returns
+/// VI_ERROR_LIBRARY_NFOUND if the function returns a status.
 template <typename Signature>
 struct StandBy;
 

@@ -29,7 +29,7 @@ HRESULT Frame(Body&& body) noexcept {
   }
 }
 
-/// The out pointers of a member. One that is null is refused before anything else is looked at.
+/// The out pointers of a member. A null pointer is refused before anything else is tested.
 using OutPointers = std::initializer_list<const void*>;
 
 constexpr bool AreGiven(OutPointers out) {
@@ -50,8 +50,8 @@ constexpr std::string_view InterfaceName() {
   return name.substr(0, name.find_first_of(";]"));
 }
 
-/// Kept: what several members read for true, against VARIANT_TRUE of the others. A client that
-/// compares with True in VBA sees a difference.
+/// Kept: several members read 1 for true, the others VARIANT_TRUE. A VBA client that compares with
+/// True sees the difference.
 constexpr VARIANT_BOOL BoolAsOne(bool value) { return value ? 1 : 0; }
 constexpr VARIANT_BOOL BoolAsTrue(bool value) { return value ? VARIANT_TRUE : VARIANT_FALSE; }
 
@@ -62,15 +62,15 @@ class CallFrame {
   CallFrame(const CallFrame&) = delete;
   CallFrame& operator=(const CallFrame&) = delete;
 
-  /// Leaves error information with the thread (the interface, the class's ProgID when it is
-  /// registered, the text) and returns the code.
+  /// Sets the thread's error information (interface, the class's ProgID if it is registered, text)
+  /// and returns the code.
   HRESULT Error(std::string_view text, REFIID iid, Status code) const;
 
   /// Error with the text of the code's template, the library's name in front.
   HRESULT BuiltError(REFIID iid, Status code, std::string_view insert_1 = {},
                      std::string_view insert_2 = {}, std::string_view insert_3 = {}) const;
 
-  /// The same with a text of the client's, which comes back as it was given, with the letters that
+  /// The same with a text of the client, which is wide: it comes back unchanged, with letters that
   /// the code page lacks.
   HRESULT BuiltError(REFIID iid, Status code, os::WideView insert) const;
 

@@ -39,8 +39,8 @@ constexpr std::optional<Value> ValueOf(const EnumMap<Value, Code, kSize>& map, C
   return std::nullopt;
 }
 
-/// Writes the client's value for one of the manager's codes. For a code that the table does not
-/// list the client's variable, which may hold nothing yet, is neither read nor written.
+/// Writes the client's value for one of the manager's codes. For a code that is not in the table
+/// the client's variable, which may be uninitialised, is neither read nor written.
 template <typename Value, typename Code, std::size_t kSize>
 constexpr void PutValueOf(const EnumMap<Value, Code, kSize>& map, Code code, Value* out) {
   if (const std::optional<Value> value = ValueOf(map, code)) {

@@ -1,4 +1,4 @@
-// What keeps the module in its process: living objects and locked class factories.
+// The count that keeps the module loaded: existing objects and locked class factories.
 #pragma once
 
 namespace module_lock {

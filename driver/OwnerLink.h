@@ -1,4 +1,4 @@
-// The tie between a root object and its children.
+// The link between a root object and its children.
 #pragma once
 
 #include <mutex>
@@ -8,18 +8,18 @@ class CZentrelK4N;
 
 namespace driver {
 
-/// Shared by a root object and its children. A client may keep a child longer than the root; the
-/// tie is cut when the root goes, and waits until the calls that are under way have left the root.
-/// Any thread.
+/// Shared by a root object and its children. A client may keep a child longer than the root: when
+/// the root is destroyed, Cut waits for the calls in progress on the root, then breaks the link.
+/// May be used from any thread.
 class OwnerLink {
  public:
   explicit OwnerLink(CZentrelK4N& root) : root_(&root) {}
 
-  /// Keeps the root from going while it lives.
+  /// Keeps the root alive as long as the lease exists.
   class Lease {
    public:
     explicit Lease(OwnerLink& link) : lock_(link.mutex_), root_(link.root_) {}
-    /// Null once the tie is cut.
+    /// Null once the link is cut.
     [[nodiscard]] CZentrelK4N* root() const { return root_; }
 
    private:

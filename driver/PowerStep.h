@@ -3,8 +3,8 @@
 
 #include "driver/Child.h"
 
-/// Levels in dBm, the step in dB, the dwell in seconds. Kept: no setter reports what the instrument
-/// refuses; that is heard of in ErrorQuery only.
+/// Levels in dBm, the step in dB, the dwell in seconds. Kept: no setter reports a refusal of the
+/// instrument; it shows in ErrorQuery only.
 class CZentrelK4NPowerStep : public driver::Child<IZentrelK4NPowerStep> {
  public:
   CZentrelK4NPowerStep() : Child(__uuidof(ZentrelK4NPowerStep)) {}

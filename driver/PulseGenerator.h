@@ -10,7 +10,7 @@
 class CZentrelK4NPulseGenerator : public driver::Child<IZentrelK4NPulseGenerator> {
  public:
   CZentrelK4NPulseGenerator() : Child(__uuidof(ZentrelK4NPulseGenerator)) {}
-  /// One without a root has the three objects, too.
+  /// Without a root, too, it has the three objects.
   void FinalConstruct() { SetOwner(nullptr); }
   /// Makes the three objects anew, for this root. One that cannot be made is missing: its getter
   /// fails.

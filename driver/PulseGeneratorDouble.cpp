@@ -4,7 +4,8 @@
 
 using namespace driver;
 
-// Kept: a refused delay does not stop the switch, whose result is the member's.
+// Kept: the switch is set even if the delay is refused, and only the result of the switch is
+// returned.
 STDMETHODIMP CZentrelK4NPulseGeneratorDouble::Configure(VARIANT_BOOL enabled, double delay) {
   return ManagerFrame([&](CK4NManager& manager) {
     Discard(manager.SetDoublePulseDelay(delay * k4n::kNanosecondsPerSecond));
@@ -25,8 +26,8 @@ STDMETHODIMP CZentrelK4NPulseGeneratorDouble::get_Enabled(VARIANT_BOOL* value) {
   });
 }
 
-// Setting the switch as it stands is what sends the new delay, or, kept, the former one when the
-// new one is refused.
+// Setting the switch to its present value sends the new delay. Kept: if the new delay is refused,
+// the former one is sent again.
 STDMETHODIMP CZentrelK4NPulseGeneratorDouble::put_Delay(double delay) {
   return ManagerFrame([&](CK4NManager& manager) {
     Discard(manager.SetDoublePulseDelay(delay * k4n::kNanosecondsPerSecond));

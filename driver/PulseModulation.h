@@ -3,8 +3,8 @@
 
 #include "driver/Child.h"
 
-/// Kept: without a modulator on the instrument, the switch and the polarity fail with a bare
-/// 0x80047012 when they are read, while they can be set and the source reads as ever.
+/// Kept: if the instrument has no modulator, reading the switch or the polarity fails with
+/// 0x80047012 and no error text; both can be set all the same, and the source can be read.
 class CZentrelK4NPulseModulation : public driver::Child<IZentrelK4NPulseModulation> {
  public:
   CZentrelK4NPulseModulation() : Child(__uuidof(ZentrelK4NPulseModulation)) {}

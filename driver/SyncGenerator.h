@@ -3,8 +3,8 @@
 
 #include "driver/Child.h"
 
-/// Width, period and delay in seconds. Without a session setting one gives 10057, which clients see
-/// as success, and those of the last session are read.
+/// Width, period and delay in seconds. Without a session a setter returns 10057, which clients see
+/// as success, and a getter returns the value of the last session.
 class CZentrelK4NSyncGenerator : public driver::Child<IZentrelK4NSyncGenerator> {
  public:
   CZentrelK4NSyncGenerator() : Child(__uuidof(ZentrelK4NSyncGenerator)) {}

@@ -4,8 +4,8 @@
 #include "driver/Child.h"
 
 /// The width is in seconds (whole microseconds on the instrument). Kept: every member succeeds,
-/// with or without a session; a refusal is seen in ErrorQuery and in what reads back. Without a
-/// session nothing is set, and the settings of the last one are read.
+/// with or without a session; a refusal shows in ErrorQuery and in the values read back. Without a
+/// session setters do nothing, and getters return the settings of the last one.
 class CZentrelK4NTriggerOutput : public driver::Child<IZentrelK4NTriggerOutput> {
  public:
   CZentrelK4NTriggerOutput() : Child(__uuidof(ZentrelK4NTriggerOutput)) {}

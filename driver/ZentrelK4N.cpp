@@ -124,7 +124,7 @@ STDMETHODIMP CZentrelK4N::get_SyncGenerator(IZentrelK4NSyncGenerator** value) {
   return Getter(sync_generator_.Get(), __uuidof(IZentrelK4NSweep), value);
 }
 
-// Kept: whatever went wrong with an instrument that is there, the client hears of an unknown
+// Kept: every failure at opening but a missing VISA library reaches the client as an unknown
 // resource.
 STDMETHODIMP CZentrelK4N::Initialize(BSTR resource_name, VARIANT_BOOL id_query, VARIANT_BOOL reset,
                                      BSTR option_string) {
@@ -157,7 +157,7 @@ STDMETHODIMP CZentrelK4N::get_Initialized(VARIANT_BOOL* value) {
 
 STDMETHODIMP CZentrelK4N::Close() {
   return SessionFrame(IID_IIviDriver, [&] {
-    Discard(manager_.Close());  // no session any more: another thread was first
+    Discard(manager_.Close());  // fails if another thread has closed it already
     os::Sleep(kPauseAfterClose);
     return S_OK;
   });

@@ -52,7 +52,7 @@ class CZentrelK4N : public driver::CallFrame,
   CZentrelK4N();
   /// Creates the children. One that cannot be made is missing: its getter fails.
   void FinalConstruct();
-  /// Cuts the tie to the children that clients keep.
+  /// Cuts the link to the children that clients still hold.
   void FinalRelease() { link_->Cut(); }
 
   // --- For the children
@@ -84,8 +84,8 @@ class CZentrelK4N : public driver::CallFrame,
   virtual HRESULT FetchData(std::size_t channel, SAFEARRAY** data, double* initial_x,
                             double* x_increment);
   /// Loads a detector file into the table of one channel: the name as given, then in the Cyrillic
-  /// code page, then in the shared detector folder. Kept: whatever the second attempt finds wrong
-  /// with a file that it could open is not reported.
+  /// code page, then in the shared detector folder. Kept: if the second attempt can open a file, an
+  /// error in its content is not reported.
   virtual HRESULT LoadDetectorDataFromFile(std::size_t channel, os::WideView file_name);
 
   // --- IProvideClassInfo2, ISupportErrorInfo
@@ -246,7 +246,7 @@ class CZentrelK4N : public driver::CallFrame,
   ~CZentrelK4N() = default;
 
  private:
-  /// The newest trace and how the measurement that it belongs to stands.
+  /// The newest trace and the status of its measurement.
   struct Acquisition {
     std::mutex lock;  ///< held for a conversion, and for the copy of a row
     ZentrelK4NAcquisitionStatusEnum status = ZentrelK4NAcquisitionStatusUnknown;
@@ -256,7 +256,7 @@ class CZentrelK4N : public driver::CallFrame,
   };
 
   IUnknown* Self() { return static_cast<IZentrelK4N*>(this); }
-  /// Writes 1 or 0; nothing when the manager has a failure to report, which is returned.
+  /// Writes 1 or 0. If the manager fails, the value is unchanged and the failure is returned.
   Status ReadStateBit(VARIANT_BOOL& value, StatusAnd<bool> (CK4NManager::*read)());
   /// Takes the newest block into the trace; needs the acquisition's lock.
   Status UpdateAcquisition();

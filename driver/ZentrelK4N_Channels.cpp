@@ -21,11 +21,11 @@ const IID& kChannel = __uuidof(IZentrelK4NChannel);
 constexpr std::array<os::WideView, k4n::kChannelCount> kNames{
     OLESTR("ChannelA"), OLESTR("ChannelB"), OLESTR("ChannelR")};
 
-/// A client's name for a detector file as it reads in two code pages, in the order in which they
-/// are tried: the calling thread's, and Windows-1251, as the maker's files carry Russian names. A
-/// name with letters that a page lacks is no file's name there: with letters that both lack it is
-/// not found even where the system has such a file. The locale of the process has no part in it: a
-/// switch would reach the client's other threads.
+/// A client's name for a detector file, converted to two code pages in the order in which they are
+/// tried: the calling thread's, and Windows-1251, because the maker's files have Russian names. A
+/// name with letters that a code page lacks is not tried there; if both lack them, the file is not
+/// found even if it exists. The process locale is not switched: that would affect the client's
+/// other threads.
 struct FileNames {
   explicit FileNames(os::WideView name)
       : ansi(os::PathOf(name, os::ThreadAnsiCodePage())),
@@ -44,8 +44,8 @@ STDMETHODIMP CZentrelK4N::get_Count(LONG* value) {
   });
 }
 
-// Kept: the text that the client's variable holds is freed, so that it must be a text or null. A
-// client out of memory keeps it.
+// Kept: the text in the client's variable is freed, so the variable must hold a BSTR or null.
+// Without memory for the new text it is left unchanged.
 STDMETHODIMP CZentrelK4N::get_Name(LONG index, BSTR* name) {
   return Frame({name}, [&]() -> HRESULT {
     if (index < 1 || index > static_cast<LONG>(kNames.size())) {
@@ -70,8 +70,8 @@ STDMETHODIMP CZentrelK4N::get_Item(BSTR name, IZentrelK4NChannel** item) {
   });
 }
 
-// Kept: whatever stands in a file that only the second reading of its name finds, it is taken for
-// loaded.
+// Kept: a file that is found only by the second form of its name counts as loaded, whatever its
+// content.
 HRESULT CZentrelK4N::LoadDetectorDataFromFile(std::size_t channel, os::WideView file_name) {
   return SessionFrame(kChannel, [&]() -> HRESULT {
     const FileNames names(file_name);
@@ -95,7 +95,7 @@ HRESULT CZentrelK4N::LoadDetectorDataFromFile(std::size_t channel, os::WideView 
 HRESULT CZentrelK4N::LoadFromDetectorFolder(std::size_t channel, os::WideView file_name) {
   const FileNames names(file_name);
   for (const fs::path& folder : measurement::GetDetectorFolders()) {
-    // A name that a code page has no letters for leaves the folder alone, which is no file.
+    // If the name cannot be converted, the path is only the folder, which is not a file.
     Status loaded = manager_.LoadDetectorData(channel, fs::path(folder) += names.ansi);
     if (loaded == Status::kCannotOpenFile) {
       loaded = manager_.LoadDetectorData(channel, fs::path(folder) += names.cyrillic);

@@ -1,5 +1,5 @@
-// IZentrelK4NFrequencyStep. Single step and dwell are one setting for all kinds of sweep; the
-// list's members of these names are these very members.
+// IZentrelK4NFrequencyStep. Single step and dwell are one setting for all kinds of sweep:
+// IZentrelK4NList shares these member functions.
 #include "K4NHardWare/Units.h"
 #include "driver/ZentrelK4N.h"
 
@@ -11,7 +11,7 @@ const IID& kFrequencyStep = __uuidof(IZentrelK4NFrequencyStep);
 
 }  // namespace
 
-// Kept: an instrument that refuses the values is heard of in ErrorQuery only.
+// Kept: a refusal of the instrument shows in ErrorQuery only.
 STDMETHODIMP CZentrelK4N::ConfigureStartStop(double start, double stop,
                                              ZentrelK4NFrequencyStepScalingEnum scaling,
                                              double step_size) {

@@ -1,4 +1,4 @@
-// The IVI inherent interfaces. Of all their members one works, ErrorQuery; the others say that they
+// The IVI inherent interfaces. Only ErrorQuery is implemented; all other members report that they
 // are not supported.
 #include <optional>
 #include <string>
@@ -145,7 +145,7 @@ STDMETHODIMP CZentrelK4N::SelfTest(LONG* /*test_result*/, BSTR* /*test_message*/
   return NotSupported(__func__, kUtility);
 }
 
-// Takes the oldest failure off the list; a text that the client passes in is left alone.
+// Removes the oldest failure from the error trail; a text that the client passes in is not freed.
 STDMETHODIMP CZentrelK4N::ErrorQuery(LONG* error_code, BSTR* error_message) {
   return SessionFrame(kUtility, {error_code, error_message}, [&] {
     const k4n::ErrorReport report = manager_.ErrorQuery();

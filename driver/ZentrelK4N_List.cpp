@@ -18,7 +18,7 @@ STDMETHODIMP CZentrelK4N::get_SelectedName(BSTR* /*value*/) {
 
 STDMETHODIMP CZentrelK4N::put_SelectedName(BSTR /*name*/) { return NotSupported(__func__, kList); }
 
-// Works without a session; the instrument keeps what it has until it is programmed again.
+// Works without a session. The instrument keeps its list until it is programmed again.
 STDMETHODIMP CZentrelK4N::ClearAll() {
   return Frame([&] {
     manager_.ClearPowerList();
@@ -41,7 +41,7 @@ STDMETHODIMP CZentrelK4N::CreatePower(BSTR /*name*/, SAFEARRAY** power) {
   });
 }
 
-// Kept: refused frequencies are heard of in ErrorQuery only.
+// Kept: a refusal of the frequencies shows in ErrorQuery only.
 STDMETHODIMP CZentrelK4N::CreateFrequencyPower(BSTR /*name*/, SAFEARRAY** frequency,
                                                SAFEARRAY** power) {
   return SessionFrame(kList, [&] {

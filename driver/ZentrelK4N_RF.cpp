@@ -16,7 +16,7 @@ STDMETHODIMP CZentrelK4N::Configure(double frequency, double power_level) {
   });
 }
 
-// Kept: neither frequency nor level makes a sweep over a list end.
+// Kept: setting frequency or level does not end a list sweep.
 STDMETHODIMP CZentrelK4N::put_Frequency(double frequency) {
   return SessionFrame(kRf, [&] { return manager_.SetFrequency(frequency); });
 }
@@ -57,8 +57,8 @@ STDMETHODIMP CZentrelK4N::WaitUntilSettled(LONG /*max_time_milliseconds*/) {
   return NotSupported(__func__, kRf);
 }
 
-// Pulse modulation is the only one. Kept: without a session this is 10057, which clients see as
-// success.
+// Pulse modulation is the only modulation. Kept: without a session this is 10057, which clients see
+// as success.
 STDMETHODIMP CZentrelK4N::DisableAllModulation() {
   return Frame([&] { return manager_.SetPulseModEnabled(false); });
 }

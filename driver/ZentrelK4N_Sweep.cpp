@@ -21,7 +21,7 @@ constexpr EnumMap<ZentrelK4NSweepTriggerSourceEnum, k4n::TriggerSource, 3> kTrig
     {ZentrelK4NSweepTriggerSourceSoftware, k4n::TriggerSource::kSoftware},
 }};
 
-// Mode and trigger source are carried in a byte: 259 acts as 3.
+// Mode and trigger source are truncated to a byte: 259 acts as 3.
 template <typename Enumeration>
 constexpr Enumeration LowByte(Enumeration value) {
   return static_cast<Enumeration>(static_cast<std::uint8_t>(value));
@@ -83,8 +83,8 @@ STDMETHODIMP CZentrelK4N::put_TriggerSource(ZentrelK4NSweepTriggerSourceEnum sou
     k4n::SweepTriggerSettings trigger = manager_.GetSweepTrigger();
     trigger.source =
         CodeOf(kTriggerSources, LowByte(source)).value_or(k4n::TriggerSource::kUnknown);
-    // Kept: single steps come from the external trigger; the software source is then silently not
-    // taken.
+    // Kept: single steps need the external trigger; a software source is then ignored without an
+    // error.
     if (trigger.single_step && trigger.source == k4n::TriggerSource::kSoftware) {
       return S_OK;
     }

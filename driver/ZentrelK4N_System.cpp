@@ -18,15 +18,14 @@ constexpr EnumMap<ZentrelK4NSystemAttenEnum, k4n::AttenMode, 4> kAttenModes{{
     {ZentrelK4NSystemAttenCare, k4n::AttenMode::kCare},
 }};
 
-// The instrument lacks the file that the text stands in: the client gets the file-not-found code,
-// without a text.
+// If the instrument has no file with the text, the client gets the file-not-found code and no text.
 Status PutIdentityText(const StatusAnd<std::string>& text, BSTR* value) {
   if (text.status == Status::kInstrumentFileMissing) {
     return Status::kFileNotFound;
   }
   if (text.status == Status::kOk) {
-    // Kept: the text ends at its first NUL, so that a padded serial number shows neither its
-    // padding nor the mark behind it.
+    // Kept: the text ends at its first NUL, so a padded serial number loses its padding and the "*"
+    // behind it.
     *value = NewBstr(os::ToWide(text.value.substr(0, text.value.find('\0'))));
   }
   return text.status;
@@ -44,8 +43,8 @@ STDMETHODIMP CZentrelK4N::get_Type(BSTR* value) {
                       [&] { return PutIdentityText(manager_.GetInstrumentType(), value); });
 }
 
-// Kept: the state bits read 1 for true, not VARIANT_TRUE. The variable of a client whose instrument
-// does not answer stays as it was.
+// Kept: the state bits read 1 for true, not VARIANT_TRUE. If the instrument does not answer, the
+// client's variable is unchanged.
 Status CZentrelK4N::ReadStateBit(VARIANT_BOOL& value, StatusAnd<bool> (CK4NManager::*read)()) {
   const StatusAnd<bool> bit = (manager_.*read)();
   if (bit.status == Status::kOk) {
@@ -166,8 +165,8 @@ STDMETHODIMP CZentrelK4N::put_ExtPwrCtrl(VARIANT_BOOL enabled) {
   return SessionFrame(kSystem, [&] { return manager_.SetExtPwrCtrl(enabled != VARIANT_FALSE); });
 }
 
-// Kept: true marks a switching that failed on its way, and reads as VARIANT_TRUE, unlike its
-// neighbours.
+// Kept: true means that the last switching failed halfway; it reads as VARIANT_TRUE, unlike the
+// properties around it.
 STDMETHODIMP CZentrelK4N::get_ExtPwrCtrl(VARIANT_BOOL* value) {
   return SessionFrame(kSystem, {value}, [&] {
     *value = BoolAsTrue(manager_.GetExtPwrCtrl());
@@ -182,7 +181,7 @@ STDMETHODIMP CZentrelK4N::get_CompensMode(ZentrelK4NSystemCompensModeEnum* value
   });
 }
 
-// Kept: any number goes to the instrument, which is left to judge it.
+// Kept: any number is sent; the instrument checks it.
 STDMETHODIMP CZentrelK4N::put_CompensMode(ZentrelK4NSystemCompensModeEnum mode) {
   return SessionFrame(kSystem,
                       [&] { return manager_.SetCompensMode(static_cast<std::uint32_t>(mode)); });

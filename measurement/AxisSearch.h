@@ -15,7 +15,7 @@ struct AxisPosition {
   double weight = 0.5;
 };
 
-/// Weighs x between two points of an axis; 0.5 where the two are one or equal.
+/// The weight of the first of two points for x; 0.5 if they are the same point or equal.
 constexpr double AxisWeight(double x, double first, double second) {
   return first == second ? 0.5 : (second - x) / (second - first);
 }
@@ -28,9 +28,8 @@ constexpr std::size_t ClampToAxis(double steps, std::size_t count) {
 }
 
 /// Finds x on the axis at(0) .. at(count - 1), count >= 1, ascending or descending; beyond an end
-/// both neighbours are that end. NaN gives the weight NaN. On an axis that is neither, or has
-/// points that are no numbers, the answer has no meaning, but it is always a pair of points of the
-/// axis.
+/// both neighbours are that end. NaN gives the weight NaN. On an axis that is not monotonic or
+/// contains NaN the result has no meaning, but always is a pair of points of the axis.
 template <typename At>
 AxisPosition FindOnAxis(std::size_t count, const At& at, double x) {
   if (std::isnan(x)) {

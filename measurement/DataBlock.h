@@ -19,11 +19,11 @@ inline constexpr std::size_t kBytesPerPoint = 4 * kTraceChannels;
 /// that count in a unit of their own, or a scalar analyser.
 enum class InstrumentKind : std::uint32_t { kGenerator = 1, kDetectors = 2, kAnalyser = 18 };
 
-/// How readings are written: with 8 fractional bits, or as integers. The values are the marks by
-/// which a data request asks for one and its answer says which it is.
+/// The number format of readings: 8 fractional bits, or integers. The values are the format marks:
+/// a data request asks for one, its answer names the one used.
 enum class ReadingFormat : std::uint8_t { kFractional = 'A', kInteger = '@' };
 
-/// Nothing for a mark that no data answer carries.
+/// Nothing for an unknown mark.
 constexpr std::optional<ReadingFormat> ReadingFormatOf(std::uint8_t mark) {
   const ReadingFormat format{mark};
   if (format != ReadingFormat::kFractional && format != ReadingFormat::kInteger) {
@@ -39,8 +39,8 @@ struct DataBlock {
   [[nodiscard]] constexpr bool IsWhole() const { return points.size() % kBytesPerPoint == 0; }
 };
 
-/// Divides an answer's body into its points and its status word; nothing for one too short to have
-/// a word.
+/// Splits an answer's body into points and status word; nothing if it is too short for a status
+/// word.
 constexpr std::optional<DataBlock> ParseBlock(std::span<const std::uint8_t> body) {
   if (body.size() < sizeof(std::int16_t)) return std::nullopt;
   const std::size_t end = body.size() - sizeof(std::int16_t);

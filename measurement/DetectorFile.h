@@ -16,9 +16,9 @@
 
 namespace measurement {
 
-/// The folders that all programs of the instrument family share, each with a trailing separator,
-/// the one that prevails first: each common files folder followed by "\Zentrel Shared\Detectors\".
-/// Kept: the suffix stands alone when the system tells no common files folder.
+/// The folders that all programs of the instrument family share, in order of precedence, each with
+/// a trailing separator: each common files folder followed by "\Zentrel Shared\Detectors\". Kept:
+/// if the system has no common files folder, the suffix is used by itself.
 std::vector<std::filesystem::path> GetDetectorFolders();
 
 /// Versions of detector files.
@@ -31,7 +31,7 @@ class DetectorFile {
   enum class Fault {
     kNone,
     kCannotOpen,  ///< or no regular file
-    kNoNumbers,   ///< nothing at all, or more than a gibibyte, included
+    kNoNumbers,   ///< also an empty file, or one over 1 GiB
     kUnevenRows,
     kUnknownVersion,
     kNoDigest,
@@ -42,14 +42,15 @@ class DetectorFile {
   /// Reads a file. Once an object.
   Fault Read(const std::filesystem::path& path);
   [[nodiscard]] Fault ReadFault() const { return fault_; }
-  /// What the fault is to the driver: 0, 0x80047002 (cannot be opened) or 0x8004705C (bad content).
+  /// The fault as the driver's status: 0, 0x80047002 (cannot be opened) or 0x8004705C (bad
+  /// content).
   [[nodiscard]] Status ReadStatus() const;
 
-  /// Nothing when no integer can hold it, or the file has no content.
+  /// Nothing if it does not fit into an integer or the file is empty.
   [[nodiscard]] std::optional<int> Version() const { return version_; }
   /// What the file holds: its counts, digests and header lines.
   [[nodiscard]] const MatrixText& Text() const { return text_; }
-  /// True when the numbers are known to be a table, be the digest right or not.
+  /// True if the numbers form a table, even with a wrong digest.
   [[nodiscard]] bool HasTable() const;
   /// Stores the table, with a level column and linear levels in any version. Only with HasTable.
   Status Fill(ICustomMatrix<double>& matrix) const;

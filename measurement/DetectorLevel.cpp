@@ -25,8 +25,8 @@ double FirstBits(double x) {
   return std::bit_cast<double>(std::bit_cast<std::uint64_t>(x) & ~0x7ffffffULL);
 }
 
-/// The sum of 2 z^k / (2 k + 1) over k = 1 to 10, for z up to 0.03; odd and even terms apart, which
-/// a processor can work on side by side.
+/// The sum of 2 z^k / (2 k + 1) over k = 1 to 10, for z up to 0.03. Odd and even terms are summed
+/// apart, so that the processor computes both in parallel.
 double SeriesTail(double z) {
   const double w = z * z;
   const double odd = 2.0 / 3 + w * (2.0 / 7 + w * (2.0 / 11 + w * (2.0 / 15 + w * (2.0 / 19))));
@@ -34,8 +34,8 @@ double SeriesTail(double z) {
   return z * odd + w * even;
 }
 
-/// Log10 for normal positive numbers; any other gives a number without a meaning. Without branches
-/// and conversions that keep a compiler from working on several numbers at once.
+/// Log10 for normal positive numbers; meaningless for any other. No branches and no conversions, so
+/// that the compiler can vectorise it.
 inline double Log10OfNormal(double x) {
   // x is 2^octaves times a number from sqrt(0.5) to sqrt(2), which is 1 + f.
   const std::uint64_t bits = std::bit_cast<std::uint64_t>(x);
@@ -56,8 +56,7 @@ inline double Log10OfNormal(double x) {
   return sum + (lost + low * kPerNeperHigh + (high + low) * kPerNeperLow + octaves * kPerOctaveLow);
 }
 
-/// Readings up to this one have no logarithm worth having. Its own is the floor of all levels, -3,
-/// to the last bit.
+/// Readings up to this one get the lowest level, -3, which is its logarithm to the last bit.
 constexpr double kSmallestReading = 0.001;
 
 }  // namespace
@@ -74,7 +73,7 @@ double Log10(double x) {
 double DetectorLevel(double reading) { return Log10OfNormal(std::max(reading, kSmallestReading)); }
 
 void DetectorLevels(std::span<double> readings) {
-  // Plain loops of a fixed count are what a compiler makes to work on several numbers at once.
+  // Plain loops of a fixed count, so that the compiler vectorises them.
   constexpr std::size_t kGroup = 64;
   std::size_t first = 0;
   for (; first + kGroup <= readings.size(); first += kGroup) {

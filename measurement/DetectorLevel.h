@@ -10,8 +10,8 @@ namespace measurement {
 /// negative values.
 double Log10(double x);
 
-/// The level at which a channel's table is looked up: the logarithm of the scaled reading, which is
-/// finite, and -3 for a reading up to 0.001, of which the logarithm says nothing.
+/// The level for the look-up in a channel's table: log10 of the scaled reading, which must be
+/// finite; -3 for readings up to 0.001, whose logarithm means nothing.
 double DetectorLevel(double reading);
 
 /// Replaces every reading by its level.

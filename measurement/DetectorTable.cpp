@@ -43,7 +43,7 @@ bool DetectorTable::Axis::Assign(const std::vector<double>& points) {
   const double range = back - points.front();
   front_ = points.front();
   steps_per_unit_ = range > 0.0 ? static_cast<double>(last) / range : 0.0;
-  // The ends belong to what lies beyond them, the last point first.
+  // An end point belongs to the interval beyond it, the last point first.
   const double above_front = std::nextafter(front_, kInfinity);
   intervals_.reserve(points.size() + 1);
   intervals_.push_back({-kInfinity, std::min(above_front, back), 0.0, 0, 0});
@@ -80,8 +80,8 @@ DetectorTable::DetectorTable(const CSimpleMatrix& matrix) {
   if (columns < 2 || rows < 2) {
     return;
   }
-  // A descending axis is turned round together with its values: the search then meets the same pair
-  // of points, and gives the first of them the same weight.
+  // A descending axis is reversed together with its values: a search then finds the same pair of
+  // points with the same weights.
   const bool columns_descend = matrix.GetItem(columns - 1, 0) < matrix.GetItem(1, 0);
   const bool rows_descend = matrix.GetItem(0, rows - 1) < matrix.GetItem(0, 1);
   const auto column_of = [=](std::uint32_t i) { return columns_descend ? columns - 1 - i : i + 1; };

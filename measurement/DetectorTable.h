@@ -31,11 +31,11 @@ class DetectorTable {
                    std::span<double> values) const;
 
  private:
-  /// A stretch of an axis, from <= x < to, in which one pair of points decides.
+  /// A part of an axis, from <= x < to, that uses one pair of points.
   struct Interval {
     double from;
     double to;     // the axis value of the second point too, where the points differ
-    double width;  // between the two points; 0 beyond an end of the axis, where they are one
+    double width;  // between the two points; 0 beyond an end of the axis (one point)
     std::size_t first;
     std::size_t second;
 
@@ -49,7 +49,7 @@ class DetectorTable {
    public:
     /// Takes the points, at least one, when they are finite and ascend (equal neighbours allowed).
     [[nodiscard]] bool Assign(const std::vector<double>& points);
-    /// The interval that x lies in. It holds x but for NaN, for which its weight is NaN.
+    /// The interval that contains x; for NaN any interval, whose weight is NaN.
     [[nodiscard]] const Interval& Find(double x) const;
 
    private:
@@ -64,8 +64,8 @@ class DetectorTable {
   Axis levels_;       // log10
   std::size_t level_count_ = 0;
   std::vector<double> values_;  // one run of level values a frequency
-  // A matrix whose axes are not both monotonic and finite is kept as it is: where a search ends
-  // there depends on where it starts. The default object has one without an axis.
+  // Used if an axis is not monotonic or not finite: there the result of a search depends on its
+  // start, so the matrix is searched as it is. Empty in the default object.
   CSimpleMatrix irregular_;
 };
 

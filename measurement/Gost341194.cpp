@@ -14,7 +14,7 @@ constexpr std::size_t kBlockBytes = 32;
 constexpr std::array<std::uint64_t, 4> kThirdKeyConstant = {0xff00ff00ff00ff00, 0x00ff00ff00ff00ff,
                                                             0xff0000ff00ffff00, 0xff00ffff000000ff};
 
-// What follows is all for one function, Compress, in which it belongs into registers: hence
+// The helpers below serve one function, Compress, which must keep its state in registers: hence
 // `inline` and the unrolled loops.
 using Block = std::array<std::uint64_t, 4>;
 using Key = std::array<std::uint32_t, 8>;

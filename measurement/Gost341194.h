@@ -25,7 +25,7 @@ class Gost341194 {
   explicit Gost341194(const GostSubstitution& substitution = kDetectorFileSubstitution);
 
   void Update(std::string_view bytes);
-  /// The digest of everything so far; the object is used up.
+  /// The digest of all bytes so far. The object cannot be used afterwards.
   [[nodiscard]] Digest Finish();
 
  private:

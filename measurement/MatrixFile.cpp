@@ -24,7 +24,7 @@ bool AllFinite(const ICustomMatrix<double>& matrix) {
   return true;
 }
 
-/// The value with 13 significant digits; if it is to be exact, and needs them, with 17.
+/// The value with 13 significant digits, or with 17 if it must be exact and needs them.
 void AppendNumber(std::string& text, double value, bool exact) {
   std::array<char, 32> digits;
   char* const begin = digits.data();

@@ -18,7 +18,7 @@ namespace measurement {
 
 /// Bits of the `flags` arguments.
 inline constexpr std::uint32_t kMatrixFileDigest = 1;  ///< check, or write, the digest line
-inline constexpr std::uint32_t kMatrixFileExact = 2;   ///< write what reads back to the last bit
+inline constexpr std::uint32_t kMatrixFileExact = 2;   ///< write numbers that read back exactly
 
 /// Reads a file into a matrix. `matrix` may be null: the file is only checked; `header` may be
 /// null, else it receives the header lines, joined by "\n" (with the digest check only those in

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kLargestFile = std::size_t{1} << 30;
 constexpr std::string_view kLineStartsOfHeaders = "!#[";
-/// Digesting so much takes longer by far than starting a thread.
+/// From this size on, digesting takes far longer than starting a thread.
 constexpr std::size_t kWorthAThread = 256 << 10;
 
 /// White space within a line.
@@ -124,8 +124,8 @@ Status MatrixText::Read(const std::filesystem::path& path,
     return Status::kCannotOpenFile;
   }
   text_ = std::move(*content);
-  // The digest takes several times as long as the numbers: that of a large file is worked out
-  // beside them.
+  // The digest takes several times as long as reading the numbers: for a large file both run in
+  // parallel.
   std::future<std::string> digest;
   Parse([&] {
     if (is_signed != nullptr && text_.size() >= kWorthAThread && is_signed(header_)) {

@@ -44,12 +44,12 @@ class MatrixText {
  public:
   /// Reads a whole file. Returns 0, 0x80047002 when it cannot be opened or is no regular file, or
   /// 0x8004705C when it has no numbers, rows of different lengths, or more than a gibibyte.
-  /// `is_signed` tells from the header in front of the numbers whether the digest will be asked
-  /// for, which then is worked out meanwhile.
+  /// `is_signed` decides by the header in front of the numbers whether the digest will be needed;
+  /// it is then computed in parallel.
   Status Read(const std::filesystem::path& path,
               bool (*is_signed)(const std::string& header) = nullptr);
 
-  // What follows can be asked of any file, good or not.
+  // The functions below are valid for any file, good or not.
 
   /// False for a file that is empty, too large, or cannot be opened.
   [[nodiscard]] bool HasContent() const { return !text_.empty(); }
@@ -57,7 +57,7 @@ class MatrixText {
   [[nodiscard]] std::uint32_t Columns() const { return columns_; }
   /// The count of data lines.
   [[nodiscard]] std::uint32_t Rows() const { return rows_; }
-  /// The first data line, from 1, that has another count of numbers than the one before it; 0 when
+  /// The first data line (counted from 1) with another count of numbers than the line before; 0 if
   /// there is none.
   [[nodiscard]] std::uint32_t UnevenRow() const { return uneven_row_; }
   [[nodiscard]] bool HasDigest() const { return has_digest_; }
@@ -66,8 +66,7 @@ class MatrixText {
   [[nodiscard]] const std::string& StoredDigest() const { return stored_digest_; }
   /// The digest of the lines in front of the digest line, or of all lines without one.
   [[nodiscard]] std::string ComputedDigest() const;
-  /// True when the digest line is that of the lines in front of it, and only header lines follow
-  /// it.
+  /// True if the digest is right for the lines in front of it, and only header lines follow.
   [[nodiscard]] bool IsSigned() const;
   /// All header lines, joined by "\n".
   [[nodiscard]] const std::string& Header() const { return header_; }
@@ -89,7 +88,7 @@ class MatrixText {
   std::uint32_t rows_ = 0;
   std::uint32_t uneven_row_ = 0;
   std::string stored_digest_;
-  std::string early_digest_;  // empty: worked out when it is asked for
+  std::string early_digest_;  // empty: computed when it is needed
   bool has_digest_ = false;
   std::size_t signed_header_size_ = 0;  // of header_, when there is a digest line
   bool data_follows_digest_ = false;

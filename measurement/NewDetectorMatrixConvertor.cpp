@@ -7,7 +7,7 @@ namespace {
 
 /// The level of a row, counted from 1, in files that do not carry it.
 double SynthesisedLevel(std::uint32_t row) {
-  // 2^(k / 16); a system's own powers differ in the last bit.
+  // 2^(k / 16) as constants: std::pow differs between systems in the last bit.
   constexpr std::array<double, 16> kSixteenthsOfAnOctave{1.0,
                                                          1.0442737824274138,
                                                          1.0905077326652577,

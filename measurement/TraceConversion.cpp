@@ -12,7 +12,7 @@ namespace {
 /// Points are worked on in pieces that stay in the first-level cache.
 constexpr std::size_t kPiece = 512;
 
-/// What a reading is multiplied by, one after the other.
+/// Two factors for a reading, applied one after the other.
 struct ReadingScale {
   double unit = 1.0;
   double fraction = 1.0;  // a power of two: exact

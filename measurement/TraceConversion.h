@@ -38,7 +38,7 @@ struct FrequencyPlan {
 
 /// The readings of one sweep, as they came from the instrument.
 struct RawBlock {
-  std::span<const std::uint8_t> points;  ///< a part of a point at the end is not looked at
+  std::span<const std::uint8_t> points;  ///< an incomplete point at the end is ignored
   ReadingFormat format = ReadingFormat::kFractional;
   InstrumentKind kind = InstrumentKind::kAnalyser;  ///< the older detectors count in their own unit
 

@@ -6,8 +6,8 @@
 #include "driver/ModuleLock.h"
 #include "platform/com/Com.h"
 
-/// The factory of one class. There is one in the module, for as long as the module is loaded:
-/// references are not counted, only LockServer and the objects made hold the module.
+/// The factory of one class; it exists once, as long as the module is loaded. References are not
+/// counted: only LockServer and existing objects keep the module loaded.
 template <typename Class>
 class ClassFactory final : public IClassFactory {
  public:
@@ -23,8 +23,8 @@ class ClassFactory final : public IClassFactory {
   STDMETHODIMP_(ULONG) AddRef() override { return kForever; }
   STDMETHODIMP_(ULONG) Release() override { return kForever; }
 
-  /// An object inside `outer` must first be asked for its own IUnknown: CLASS_E_NOAGGREGATION for
-  /// any other interface.
+  /// With an `outer` object only IUnknown may be requested: CLASS_E_NOAGGREGATION for any other
+  /// interface.
   STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
     return driver::Frame({out}, [&]() -> HRESULT {
       *out = nullptr;

@@ -13,8 +13,8 @@ enum class RegistrationScope {
 };
 
 /// The part of the registry whose keys HKCR shows for the scope: HKEY_LOCAL_MACHINE's or
-/// HKEY_CURRENT_USER's Software\Classes. Writing to HKCR itself would not do: where a user has a
-/// key of that name already, the machine's registration would end in the user's part.
+/// HKEY_CURRENT_USER's Software\Classes. HKCR itself must not be written to: if a user already has
+/// a key of that name, the machine's registration would go into the user's part.
 struct ClassesPlace {
   HKEY root;
   os::WideString path;
@@ -30,13 +30,13 @@ class Registrar {
   Registrar(RegistrationScope scope, Replacements replacements)
       : scope_(scope), replacements_(std::move(replacements)) {}
 
-  /// Makes the script's keys and values. Gives the first failing result: kScriptUnreadable, or the
-  /// registry's code as an HRESULT (E_INVALIDARG for other values than texts where the registry
-  /// holds texts alone, as it does elsewhere than on Windows).
+  /// Makes the script's keys and values. Returns the first failure: kScriptUnreadable, or the
+  /// registry's code as an HRESULT. On Linux, where the registry holds texts only, any other value
+  /// gives E_INVALIDARG.
   HRESULT Register(std::string_view script) const;
 
-  /// Takes away the script's values and its keys, as each key's removal says. What is not there is
-  /// no failure; after one, the rest is taken away all the same, and the first one is given.
+  /// Removes the script's values and its keys, each as its KeyRemoval says. A missing key or value
+  /// is not a failure. After a failure the rest is still removed; returns the first failure.
   HRESULT Remove(std::string_view script) const;
 
   /// ERROR_BAD_FORMAT of Windows.

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kApplicationScript = 101;
 
-/// A class says on its own key which categories it implements.
+/// The key of a class lists the categories that it implements.
 constexpr std::string_view kCategoryScript =
     "HKCR { NoRemove CLSID { NoRemove %CLASS% { 'Implemented Categories' { %CATEGORY% } } } }";
 
@@ -35,7 +35,7 @@ class ModuleRegistration {
     return FAILED(result) ? result : RegisterTypeLibrary(scope_, module_file_);
   }
 
-  /// Takes away as much as can be, last things first; gives the first failure.
+  /// Removes as much as possible, in reverse order; returns the first failure.
   [[nodiscard]] HRESULT Remove() const {
     HRESULT first = UnregisterTypeLibrary(scope_);
     const auto keep = [&first](HRESULT result) {

@@ -1,4 +1,4 @@
-// A copy of a part of the registry, to put back what a change by others' code did there.
+// A copy of a part of the registry, to undo what the system's code changes there.
 #pragma once
 
 #include <map>
@@ -7,8 +7,7 @@
 
 #include "platform/com/Com.h"
 
-/// A key with all that is in and below it, as it was when it was read. The key may have been
-/// absent.
+/// A key with its values and subkeys at the time of reading. The key may have been absent.
 class RegistryCopy {
  public:
   /// Reads the key of that name below `parent`. A key that cannot be read whole is a failure, since
@@ -17,10 +16,10 @@ class RegistryCopy {
 
   [[nodiscard]] bool Exists() const { return exists_; }
 
-  /// Makes the key below `parent` what it was; only for one that existed. Only what differs is
-  /// written, so that keys keep their security settings and nobody needs rights for what is as it
-  /// was. A key that is gone is made anew with the access rights that it had; its owner is then who
-  /// runs this. Goes on after a failure, and gives the first.
+  /// Restores the key below `parent`; only for a key that existed. Only differences are written, so
+  /// that keys keep their security settings and unchanged keys need no rights. A deleted key is
+  /// created again with its former access rights; its owner is then the current user. Continues
+  /// after a failure and returns the first one.
   [[nodiscard]] LSTATUS Restore(HKEY parent) const;
 
  private:

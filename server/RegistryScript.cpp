@@ -82,7 +82,7 @@ class Words {
       if (end == rest_.npos) Fail(word.line, "the closing apostrophe is missing");
       word.text += rest_.substr(1, end - 1);
       Skip(end + 1);
-      // Another apostrophe at once stands for itself; the text goes on behind it.
+      // A doubled apostrophe stands for one; the text continues.
       if (rest_.starts_with('\'')) word.text += '\'';
     } while (rest_.starts_with('\''));
     return word;
@@ -106,13 +106,13 @@ struct RootName {
 constexpr RootName kRoots[] = {
     {"HKCR", "HKEY_CLASSES_ROOT"}, {"HKCU", "HKEY_CURRENT_USER"}, {"HKLM", "HKEY_LOCAL_MACHINE"}};
 
-/// The bytes of a text with its end.
+/// The bytes of a text with its terminator.
 std::vector<std::uint8_t> TextData(const os::WideString& text) {
   const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.c_str());
   return {bytes, bytes + (text.size() + 1) * sizeof(os::WideChar)};
 }
 
-/// Texts with \0 between them; one more end follows the last one's.
+/// Texts separated by \0; the last one has two terminators.
 std::vector<std::uint8_t> TextsData(os::WideString texts) {
   constexpr os::WideChar kSeparator[] = {'\\', '0', 0};
   for (std::size_t at = 0; (at = texts.find(kSeparator, at)) != texts.npos; ++at) {
@@ -148,7 +148,7 @@ std::optional<std::vector<std::uint8_t>> BinaryData(std::string_view text) {
   return data;
 }
 
-/// No registry holds keys below more keys than these.
+/// The deepest nesting of keys that a registry allows.
 constexpr int kDeepest = 512;
 
 class Parser {
@@ -197,7 +197,7 @@ class Parser {
     const Word name = words_.TakeText("a key's name");
     if (name.Is("val")) Fail(name.line, "no value can stand here");
     key.name = Replaced(name);
-    // An empty path would be the key above, and a forced removal take that.
+    // An empty path would name the parent key, and ForceRemove would remove that.
     if (key.name.find_first_not_of('\\') == key.name.npos) Fail(name.line, "a key without a name");
     if (words_.NextIs("=")) key.values.push_back(Value({}));
     if (depth == kDeepest) Fail(name.line, "keys are nested too deep");

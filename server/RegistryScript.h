@@ -18,10 +18,10 @@ class ScriptError : public std::runtime_error {
 
 /// What becomes of a key when the script is run in the removing direction.
 enum class KeyRemoval {
-  kWhenEmpty,  ///< it goes unless others have put keys below it
-  kNever,      ///< NoRemove: it stays, what the script has below it goes
-  kForced,  ///< ForceRemove: it goes with all that is below it, also before it is registered anew
-  kBefore,  ///< Delete: it goes when the script is run in the registering direction, for good
+  kWhenEmpty,  ///< removed unless others have put keys below it
+  kNever,      ///< NoRemove: stays; what the script has below it is removed
+  kForced,     ///< ForceRemove: removed with everything below it, also before registering
+  kBefore,     ///< Delete: removed when registering, and not made again
 };
 
 /// Types of values, numbered as in the registry.

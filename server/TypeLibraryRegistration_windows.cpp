@@ -16,9 +16,9 @@ constexpr WORD kMajorVersion = 1;
 constexpr WORD kMinorVersion = 2;
 constexpr LCID kLocale = 0x409;
 
-/// The key of the interface that the library redeclares from the IVI Foundation, in one scope and
-/// for programs of one width: other makers' components rely on it. Its parent is opened for each
-/// use, since the system may make it meanwhile.
+/// The key of the IVI Foundation's interface that the library redeclares, in one scope and for
+/// 32-bit or 64-bit programs. Other makers' components rely on it. The parent key is opened for
+/// each use, because the system may create it in between.
 class SharedInterfaceKey {
  public:
   SharedInterfaceKey(RegistrationScope scope, REGSAM width) : scope_(scope), width_(width) {}
@@ -33,7 +33,7 @@ class SharedInterfaceKey {
     return read;
   }
 
-  /// Whether it stood there, and was not made by our own registration.
+  /// True if the key existed and does not come from our own registration.
   [[nodiscard]] bool IsForeign() const { return is_foreign_; }
 
   [[nodiscard]] LSTATUS Restore() const {
@@ -63,15 +63,14 @@ class SharedInterfaceKey {
   bool is_foreign_ = false;
 };
 
-/// Lets the system register the library or take it away, and keeps what other makers have of the
-/// shared interface as it was. Registering points the keys of all the library's interfaces to the
-/// library, for programs of both widths, and deletes none of them. What removing does with a key
-/// that names another library, as this one does since it was put back, is documented nowhere: Wine
-/// deletes its subkeys all the same, and with them the key where it has no others, so that they may
-/// have to be made anew. All places are looked after in either scope, since Wine registers for the
-/// machine when asked for the user. A key that we made ourselves is left to the system: a
-/// marshaller needs it where nobody else has one. But a user's comes before the machine's for that
-/// user, and goes where the machine's is foreign.
+/// Lets the system register or remove the library, and keeps other makers' registration of the
+/// shared interface. Registering makes the keys of all interfaces name this library, for 32-bit and
+/// 64-bit programs, and deletes none. What removing does with a key that names another library
+/// (this one, once restored) is not documented. Wine deletes its subkeys, and the key if it has no
+/// others; they are then created again. Both scopes are always saved and restored, because Wine
+/// registers for the machine even when asked for the user. A key that we made ourselves is left to
+/// the system: marshalling needs it if nobody else has one. But for its user, a user's key hides
+/// the machine's; so it is removed if the machine's is another maker's.
 template <typename Act>
 HRESULT KeepingForeignInterface(RegistrationScope scope, Act act) {
   struct Keys {
@@ -99,15 +98,15 @@ HRESULT KeepingForeignInterface(RegistrationScope scope, Act act) {
   return FAILED(result) ? result : HRESULT_FROM_WIN32(first);
 }
 
-/// Makes the library known under the neutral locale, too. Its own locale is English: whoever asks
-/// in another language, or in none as a marshaller of interfaces may do, would not find it.
+/// Registers the library under the neutral locale, too. Its own locale is English, so a look-up in
+/// another language, or in none as marshalling may do, would not find it.
 constexpr std::string_view kNeutralLocaleScript =
     "HKCR { NoRemove TypeLib { %LIBRARY% { 1.2 { 0 { win64 = s '%MODULE%' } } } } }";
-/// What is ours of the library's version where others use it, too.
+/// Our part of the library's version if others use that version, too.
 constexpr std::string_view kOwnPartScript =
     "HKCR { NoRemove TypeLib { %LIBRARY% { 1.2 { 0 { win64 } 409 { win64 } } } } }";
-/// Takes away what the system leaves of the library's version: the neutral locale, and all of it
-/// where the library's own locale is gone already.
+/// Removes what the system leaves of the library's version: the neutral locale, or everything if
+/// the library's own locale is missing already.
 constexpr std::string_view kRemainsScript =
     "HKCR { NoRemove TypeLib { %LIBRARY% { ForceRemove 1.2 } } }";
 
@@ -115,7 +114,7 @@ Registrar LibraryKey(RegistrationScope scope, const os::WideString& module_file)
   return {scope, {{"LIBRARY", RegistryName(LIBID_ZentrelK4NLib)}, {"MODULE", module_file}}};
 }
 
-/// A function of the automation library that systems before per-user registration lack; null there.
+/// A function of the automation library; null on systems without registration per user.
 template <typename Function>
 Function* OptionalFunction(os::Module& automation, const char* name) {
   return automation.Load("OLEAUT32.DLL") ? automation.FunctionOf<Function>(name) : nullptr;
@@ -183,8 +182,8 @@ HRESULT RegisterTypeLibrary(RegistrationScope scope, const os::WideString& modul
 }
 
 HRESULT UnregisterTypeLibrary(RegistrationScope scope) {
-  // The version's flags and the keys of its interfaces stay with whoever else uses it. The system
-  // would take the interfaces away.
+  // The version's flags and the keys of its interfaces stay for its other users. The system would
+  // remove the interfaces.
   if (OthersUseTheVersion(scope)) return LibraryKey(scope, {}).Remove(kOwnPartScript);
   const bool was_registered = IsRegistered(scope);
   const HRESULT result = KeepingForeignInterface(scope, [&]() -> HRESULT {
@@ -200,6 +199,6 @@ HRESULT UnregisterTypeLibrary(RegistrationScope scope) {
                : for_user(LIBID_ZentrelK4NLib, kMajorVersion, kMinorVersion, kLocale, SYS_WIN64);
   });
   const HRESULT remains = LibraryKey(scope, {}).Remove(kRemainsScript);
-  // A library that is not registered is refused with one code or another.
+  // For a library that is not registered the system's failure code varies; it is not reported.
   return FAILED(result) && was_registered ? result : remains;
 }
