@@ -51,6 +51,7 @@ const Case kBothWays[] = {
 const Case kToNarrowOnly[] = {
     {"WesternLacksCyrillic", kWesternCodePage, OLESTR("a\u0414b"), "a?b"},
     {"WesternNoBestFit", kWesternCodePage, OLESTR("\u0101\uFF21"), "??"},
+    {"WesternLacksTheFirstOfItsUpperHalf", kWesternCodePage, Units({0x80}), "?"},
     {"CyrillicLacksUmlaut", kCyrillicCodePage, OLESTR("\u00FC"), "?"},
     {"WesternUnpairedSurrogate", kWesternCodePage, Units({'a', 0xD800, 'b'}), "a?b"},
     {"Utf8HighSurrogateAlone", kUtf8CodePage, Units({'a', 0xD800, 'b'}), "a?b"},
