@@ -207,6 +207,9 @@ TEST(MatrixFile, SavedBytes) {
   CSimpleMatrix read_back;
   EXPECT_EQ(LoadMatrixFile(&read_back, file.Path(), nullptr, kMatrixFileDigest), Status::kOk);
   EXPECT_EQ(RowsOf(read_back), (Rows{{0.3333333333333, -2e-9}, {20000, 1e15}}));
+  std::string exact;
+  EXPECT_EQ(ComposeMatrixFile(matrix, "", kMatrixFileExact, exact), Status::kOk);
+  EXPECT_EQ(exact, "0.33333333333333331\t-2e-09\n20000\t1e+15\n");
 }
 
 TEST(MatrixFile, ValuesThatCouldNotBeReadBackAreNotWritten) {
