@@ -146,6 +146,8 @@ TEST(Objects, UnknownClassesAndInterfacesOfTheFactoryAreRefused) {
   EXPECT_EQ(get(root, __uuidof(IZentrelK4N), &out), E_NOINTERFACE);
   EXPECT_EQ(get(root, __uuidof(IUnknown), nullptr), E_POINTER);
   const auto factory = SharedModule().Factory(root);
+  EXPECT_EQ(factory->AddRef(), 1U) << "one for ever";
+  EXPECT_EQ(factory->Release(), 1U);
   EXPECT_EQ(factory->CreateInstance(nullptr, __uuidof(IUnknown), nullptr), E_POINTER);
   EXPECT_EQ(factory->QueryInterface(__uuidof(IUnknown), nullptr), E_POINTER);
   Outer outer;
