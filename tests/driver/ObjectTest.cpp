@@ -167,6 +167,12 @@ TEST(Objects, ObjectsAndLocksKeepTheModule) {
   EXPECT_EQ(driver.CanUnloadNow(), S_OK);
 
   auto root = driver.Create(__uuidof(ZentrelK4N)).As<IZentrelK4N>();
+  for (const BOOL lock : {TRUE, FALSE}) {
+    for (int i = 0; i < 20; ++i) {
+      factory->LockServer(lock);
+      EXPECT_EQ(driver.CanUnloadNow(), S_FALSE) << "locks do not outweigh objects";
+    }
+  }
   ComPtr<IZentrelK4NSyncGenerator> child;
   EXPECT_EQ(root->get_SyncGenerator(child.Put()), S_OK);
   const Bstr nobody = Text("TCPIP0::127.0.0.1::9::SOCKET");  // the discard port
