@@ -55,11 +55,11 @@ LSTATUS RemoveKey(HKEY parent, const ScriptKey& script) {
   RegKey key;
   const LSTATUS opened = key.Open(parent, script.name);
   if (opened != ERROR_SUCCESS) return Removed(opened);
-  const LSTATUS emptied = RemoveContent(key.Get(), script);
-  if (script.removal == KeyRemoval::kNever || HasSubkeys(key.Get())) return emptied;
-  key.Close();
-  const LSTATUS removed = Removed(RegDeleteKeyW(parent, name));
-  return emptied != ERROR_SUCCESS ? emptied : removed;
+  LSTATUS first = RemoveContent(key.Get(), script);
+  if (script.removal != KeyRemoval::kNever && !HasSubkeys(key.Get())) {
+    KeepFirst(first, Removed(RegDeleteKeyW(parent, name)));
+  }
+  return first;
 }
 
 LSTATUS RemoveContent(HKEY key, const ScriptKey& content) {

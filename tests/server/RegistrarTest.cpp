@@ -129,4 +129,12 @@ TEST_F(RegistrarTest, StopsAtTheFirstFailureOfTheRegistry) {
   EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk\\A"}));
 }
 
+#ifndef _WIN32
+TEST_F(RegistrarTest, KeyThatCannotBeRemovedIsTold) {
+  EXPECT_EQ(registrar_.Register("HKCR { Zk }"), S_OK);
+  std::filesystem::create_directory(File().string() + ".new");  // nothing can be written any more
+  EXPECT_EQ(registrar_.Remove("HKCR { Zk }"), HRESULT_FROM_WIN32(ERROR_WRITE_FAULT));
+}
+#endif
+
 }  // namespace
