@@ -86,7 +86,7 @@ TEST_F(RegistrarTest, NumbersNeedARegistryThatHoldsThem) {
 
 TEST_F(RegistrarTest, BadScriptChangesNothing) {
   constexpr auto kScript = "HKCR { Zk { A } } HKCR { Zk { B = s %NOTHING% } }";
-  EXPECT_EQ(registrar_.Register(kScript), Registrar::kScriptUnreadable);
+  EXPECT_EQ(registrar_.Register(kScript), HRESULT_FROM_WIN32(11)) << "a bad format";
   EXPECT_EQ(registrar_.Remove(kScript), Registrar::kScriptUnreadable);
   EXPECT_EQ(registrar_.Register({}), Registrar::kScriptUnreadable);
   EXPECT_EQ(ZkLines(), Lines{});

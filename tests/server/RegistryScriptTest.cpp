@@ -78,6 +78,8 @@ constexpr ScriptCase kScripts[] = {
     {"BraceTooMany", "HKCR { } }", "line 1: a root key should be where } is"},
     {"OpenApostrophe", "HKCR {\n K = s 'abc }", "line 2: the closing apostrophe is missing"},
     {"BareText", "HKCR { K = s abc }", "line 1: a text in apostrophes should be where abc is"},
+    {"TypeMissing", "HKCR { K =", "line 1: the script ends where a value's type should be"},
+    {"TextMissing", "HKCR { K = s", "line 1: the script ends where a text should be"},
     {"OtherValueType", "HKCR { K = x '1' }", "line 1: x is no type of a value"},
     {"NoNumber", "HKCR { K = d '4294967296' }", "line 1: 4294967296 is no value of its type"},
     {"NoBytes", "HKCR { K = b '0g' }", "line 1: 0g is no value of its type"},
