@@ -149,6 +149,7 @@ TEST(Objects, UnknownClassesAndInterfacesOfTheFactoryAreRefused) {
   EXPECT_EQ(factory->AddRef(), 1U) << "one for ever";
   EXPECT_EQ(factory->Release(), 1U);
   EXPECT_EQ(factory->CreateInstance(nullptr, __uuidof(IUnknown), nullptr), E_POINTER);
+  EXPECT_EQ(factory->CreateInstance(nullptr, __uuidof(IClassFactory), &out), E_NOINTERFACE);
   EXPECT_EQ(factory->QueryInterface(__uuidof(IUnknown), nullptr), E_POINTER);
   Outer outer;
   out = &out;
