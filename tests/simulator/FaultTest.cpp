@@ -91,6 +91,7 @@ TEST(FaultText, SaysWhatStrikesWhat) {
       {"refuse:status=-1", "0 - - 0 0 -1 0 0 0"},
       {"pieces:command=6,bytes=5,pause=20", "3 6 - 0 0 0 0 5 20"},
       {"delay:pause=250", "5 - - 0 0 0 0 0 250"},
+      {"delay:pause=3600000,command=65535", "5 65535 - 0 0 0 0 0 3600000"},
   };
   for (const auto& [text, expected] : cases) {
     EXPECT_EQ(Show(ParseFault(text)), expected) << text;
@@ -108,6 +109,9 @@ TEST(FaultText, RefusesWhatIsNoFaultInOneLine) {
       {"refuse:parameter=79", "fault: status= is missing: refuse:parameter=79"},
       {"refuse:status=0x18003", "fault: out of range: status=0x18003"},
       {"delay:pause=1s", "fault: not a number: 1s"},
+      {"header:word=65536", "fault: out of range: word=65536"},
+      {"delay:pause=3600001", "fault: out of range: pause=3600001"},
+      {"pieces:pause=1", "fault: bytes= is missing: pieces:pause=1"},
   };
   for (const auto& [text, expected] : cases) {
     try {

@@ -194,15 +194,62 @@ TEST(Settings, SmallSettingsAnswerWithWhatWasSet) {
       << "no identifier";
 }
 
-TEST(Settings, ChangesAreToldWithTheFirstEntries) {
-  Settings settings(Options{});
-  const InstrumentState before = settings.state();
-  Check(settings, {{"frequencies", 2, 0x60, {0, 2, 1e9, 2e9}, {}, 0, 0},
-                   {"pulses", 31, 0x40, {2, 2, 0, 1, 100, 200}, {}, 0, 2}});
+TEST(InstrumentState, ChangesAreToldWithTheFirstEntries) {
+  const InstrumentState before;
+  InstrumentState after;
+  after.output_enabled = after.reference_enabled = after.rf_button = true;
+  after.pll_locked = after.erg_good = after.level_settled = false;
+  after.frequency = {AxisMode::kList, 0, 0, 1, Values(9, 2e9)};
+  after.level = {AxisMode::kSweep, -10, 0.5, 21, {}};
+  after.attenuator_mode = 3;
+  after.level_settings = {1.5, 2};
+  after.dwell = 1000;
+  after.averaging = 4;
+  after.feature_mask = 0x0AB;
+  after.trigger_input = {{{1, 0, 0, 0, 2}, {5, 1, 0, 0, 3}}};
+  after.trigger_output = {{{4, 1, 8, 1, 0}, {}}};
+  after.pulses = {2, 2, true, std::vector<Pulse>(8, {100, 200})};
+  after.sync_width = 1;
+  after.sync_off_time = 2;
+  after.sync_delay = 3;
+  after.reference_frequency = 2.5e8;
+  after.phase_delay = -1.5;
+  after.compensation_mode = 4;
+  after.sweeps = 7;
+  std::string lists[] = {"list of 9 Hz: ",
+                         "on, external, inverse, 8 pulses of width + gap in ns: "};
+  for (int i = 0; i < 8; ++i) {
+    lists[0] += i == 0 ? "2000000000" : ", 2000000000";
+    lists[1] += i == 0 ? "100 + 200" : ", 100 + 200";
+  }
   const std::vector<StateLine> expected{
-      {"frequency", "list of 2 Hz: 1000000000, 2000000000"},
-      {"pulse train", "on, external, normal, 1 pulses of width + gap in ns: 100 + 200"}};
-  EXPECT_EQ(DescribeChanges(before, settings.state()), expected);
+      {"output", "on"},
+      {"frequency", lists[0] + " ..."},
+      {"level", "sweep from -10 dBm by 0.5, 21 points"},
+      {"attenuator mode", "3"},
+      {"level settings", "1.5, 2"},
+      {"dwell", "1000 ns"},
+      {"averaging", "4"},
+      {"feature mask", "0x00AB"},
+      {"trigger input", "code 1, edge 0, width 0, flags 0 2; code 5, edge 1, width 0, flags 0 3"},
+      {"trigger output", "code 4, edge 1, width 8, flags 1 0; code 0, edge 0, width 0, flags 0 0"},
+      {"pulse train", lists[1]},
+      {"sync generator", "width 1 ns, off time 2 ns, delay 3 ns"},
+      {"reference", "on, 250000000 Hz"},
+      {"phase delay", "-1.5"},
+      {"compensation mode", "4"},
+      {"RF button", "pressed"},
+      {"PLL", "unlocked"},
+      {"ERG", "fault"},
+      {"level state", "not settled"},
+      {"sweeps", "7"}};
+  EXPECT_EQ(DescribeChanges(before, after), expected);
+  after.pulses.pulses.clear();
+  after.level = {AxisMode::kFixed, -3, 0, 1, {}};
+  EXPECT_EQ(DescribeState(after).at(2).value, "-3 dBm");
+  EXPECT_EQ(DescribeState(after).at(10).value,
+            "on, external, inverse, 0 pulses of width + gap in ns");
+  EXPECT_EQ(DescribeState(before).at(19).value, "0");
 }
 
 }  // namespace
