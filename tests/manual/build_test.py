@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
-"""The built manual: build_test.py TREE CLIENT WORK_FOLDER. Two builds are the same, every link and every entry of the
-indexes leads somewhere, and the checked-in pictures are those that the client draws. 77, with the reason, where a program
-is missing.
+"""The built manual: build_test.py TREE WORK_FOLDER. Two builds are the same, and every link and every entry of the
+indexes leads somewhere. 77, with the reason, where a program is missing.
 """
 
 import filecmp
@@ -15,9 +14,7 @@ import sys
 import unittest
 
 sys.dont_write_bytecode = True
-TREE, CLIENT, WORK = pathlib.Path(sys.argv[1]).resolve(), sys.argv[2], pathlib.Path(sys.argv[3]).resolve()
-sys.path.insert(0, str(TREE / "tools" / "manual"))
-import pictures  # noqa: E402
+TREE, WORK = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]).resolve()
 
 PROGRAMS = ["pandoc", "chmcmd", "chmls", "rsvg-convert"]
 HELP = "IviZentrelK4N.chm"
@@ -96,16 +93,6 @@ class Built(unittest.TestCase):
             text = (self.output / "man" / "man1" / page).read_text()
             self.assertRegex(text, rf'\.TH "{page[:-2]}" "1"')
             self.assertRegex(text, r"\.SH NAME\n\.PP\n\S+ \\?- ")
-
-    def test_the_pictures_are_current(self):
-        drawn = WORK / "pictures"
-        drawn.mkdir(parents=True, exist_ok=True)
-        pictures.draw(CLIENT, drawn)
-        kept = TREE / "docs" / "manual" / "pictures"
-        self.assertEqual(files_of(drawn), files_of(kept))
-        for name in files_of(kept):
-            self.assertTrue(filecmp.cmp(drawn / name, kept / name, shallow=False),
-                            f"{name}: run tools/manual/pictures.py ZK4N docs/manual/pictures")
 
 
 if __name__ == "__main__":

@@ -2,8 +2,9 @@
 """The manual against what it describes: manual_test.py TREE CLIENT [unittest's arguments].
 
 Each member, parameter and enumeration value of the surface, each result that has a name, each command of the client
-with its options has its entry, and there is no other; links lead somewhere; the examples answer as they stand; and
-members return without a session, with one, from a generator and from an instrument that refuses what their entries say.
+with its options has its entry, and there is no other; links lead somewhere; the examples answer and the pictures are
+drawn as they stand; and members return without a session, with one, from a generator and from an instrument that
+refuses what their entries say.
 """
 
 import inspect
@@ -20,6 +21,7 @@ sys.path.insert(0, str(TREE / "tools" / "manual"))
 import book as source  # noqa: E402
 import calls  # noqa: E402
 import examples  # noqa: E402
+import pictures  # noqa: E402
 
 BOOK = source.Book()
 MEMBER_PAGES = [page for page in BOOK.pages if page.interface]
@@ -158,6 +160,18 @@ class Links(unittest.TestCase):
                         name = str(file.resolve().relative_to(BOOK.folder))[:-3]
                         self.assertIn(anchor, anchors[name])
         self.assertGreater(count, 300)
+
+
+class Pictures(unittest.TestCase):
+    def test_are_those_that_the_client_draws(self):
+        kept = TREE / "docs" / "manual" / "pictures"
+        with tempfile.TemporaryDirectory() as folder:
+            pictures.draw(CLIENT, pathlib.Path(folder))
+            drawn = {file.name: file.read_bytes() for file in pathlib.Path(folder).iterdir()}
+        self.assertEqual({file.name for file in kept.iterdir()}, set(drawn))
+        for name, content in drawn.items():
+            self.assertTrue((kept / name).read_bytes() == content,
+                            f"{name}: run tools/manual/pictures.py ZK4N docs/manual/pictures")
 
 
 class Client(unittest.TestCase):
