@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "platform/os/Text.h"
+#include "status/HresultName.h"
 #include "zk4n/Arguments.h"
 #include "zk4n/Commands.h"
 #include "zk4n/DriverClient.h"
 #include "zk4n/DriverFile.h"
-#include "zk4n/HresultName.h"
 #include "zk4n/VisaProbe.h"
 
 namespace {

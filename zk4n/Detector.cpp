@@ -10,12 +10,12 @@
 
 #include "measurement/DetectorFile.h"
 #include "measurement/MatrixFile.h"
+#include "status/HresultName.h"
 #include "zk4n/Arguments.h"
 #include "zk4n/Commands.h"
 #include "zk4n/DetectorCheck.h"
 #include "zk4n/DetectorSvg.h"
 #include "zk4n/DetectorValues.h"
-#include "zk4n/HresultName.h"
 #include "zk4n/OutputFile.h"
 
 namespace {

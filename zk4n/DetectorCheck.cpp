@@ -7,8 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "status/HresultName.h"
 #include "zk4n/Arguments.h"
-#include "zk4n/HresultName.h"
 #include "zk4n/Quantity.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/os/Text.h"
+#include "status/HresultName.h"
 #include "zk4n/Arguments.h"
-#include "zk4n/HresultName.h"
 
 namespace {
 

@@ -6,11 +6,11 @@
 
 #include "platform/com/Com.h"
 #include "platform/os/Module.h"
+#include "status/HresultName.h"
 #include "zk4n/Arguments.h"
 #include "zk4n/Commands.h"
 #include "zk4n/DriverClient.h"
 #include "zk4n/DriverFile.h"
-#include "zk4n/HresultName.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-# Generated from zk4n/ResultNames.inc by server/interface/generate - Do not edit.
+# Generated from status/ResultNames.inc by server/interface/generate - Do not edit.
 """What results are called, made from the client's table: see server/interface/emit_python.py."""
 
 RESULT_NAMES = {

@@ -211,15 +211,19 @@ def published():
     return Reader((HERE.parent / "ZentrelK4NLib.idl").read_text()).library()
 
 
-def inherent():
+def inherent_with_bases():
     """The interfaces that the root answers a query for, but that the type library leaves out."""
-    interfaces = Reader((HERE / "IviInherent.idl").read_text()).library().interfaces
-    return [interface for interface in interfaces if interface.name != "IIviComponentIdentity"]
+    return Reader((HERE / "IviInherent.idl").read_text()).library().interfaces
+
+
+def inherent():
+    """The same without the one whose members another one has, too."""
+    return [interface for interface in inherent_with_bases() if interface.name != "IIviComponentIdentity"]
 
 
 def result_names():
     """What results are called, from the client's table of them: the codes as written, "0x........", and their names."""
-    rows = (HERE.parent.parent / "zk4n/ResultNames.inc").read_text()
+    rows = (HERE.parent.parent / "status/ResultNames.inc").read_text()
     found = re.findall(r'^\{(0x[0-9A-F]{8}), "([^"]+)"\},$', rows, re.MULTILINE)
     if len(found) != rows.count("{"):
         raise SyntaxError('a row of the result names is not {0x........, "..."},')

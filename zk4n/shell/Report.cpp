@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <span>
 
-#include "zk4n/HresultName.h"
+#include "status/HresultName.h"
 #include "zk4n/Quantity.h"
 
 namespace shell {

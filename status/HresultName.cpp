@@ -1,4 +1,4 @@
-#include "zk4n/HresultName.h"
+#include "status/HresultName.h"
 
 #include <array>
 #include <cstdio>
@@ -11,7 +11,7 @@ struct NamedResult {
 };
 
 constexpr NamedResult kNames[] = {
-#include "zk4n/ResultNames.inc"
+#include "status/ResultNames.inc"
 };
 
 }  // namespace
