@@ -11,17 +11,15 @@
 
 namespace {
 
-std::string LocalTime(const char* format) {
-  const std::time_t now = std::time(nullptr);
+std::string Now(const char* format) {
+  const std::tm local = os::LocalTime(std::time(nullptr));
   std::array<char, 32> text{};
-  if (const std::tm* local = std::localtime(&now)) {
-    std::strftime(text.data(), text.size(), format, local);
-  }
+  std::strftime(text.data(), text.size(), format, &local);
   return text.data();
 }
 
-std::string TimeOfDay() { return LocalTime("%H:%M:%S"); }
-std::string Date() { return LocalTime("%m/%d/%y"); }
+std::string TimeOfDay() { return Now("%H:%M:%S"); }
+std::string Date() { return Now("%m/%d/%y"); }
 
 }  // namespace
 
@@ -30,7 +28,8 @@ DriverLog::DriverLog(const std::string& file_name) {
   path += "\\zentrel lumigraf\\";
   path += os::ToWide(file_name, os::kCyrillicCodePage);
   last_tick_ = os::TickCount();
-  file_ = os::OpenForWriting(path);
+  // Truncated, then appended to: whoever opens the same log beside this one parts no line.
+  if (os::OpenForWriting(path).is_open()) file_ = os::OpenForAppending(path);
   // Kept: a process that opens a log goes on in English.
   os::SetProcessLocale("English");
   if (!file_.is_open()) {

@@ -1,4 +1,5 @@
-// A plain-text log in the user's documents folder. Nothing in the driver opens one by itself.
+// A plain-text log in the user's documents folder. The driver opens one only for who asks for it:
+// see CallLog.h.
 #pragma once
 
 #include <cstdint>
@@ -17,6 +18,8 @@ class DriverLog {
   ~DriverLog();
   DriverLog(const DriverLog&) = delete;
   DriverLog& operator=(const DriverLog&) = delete;
+
+  [[nodiscard]] bool IsOpen() const { return file_.is_open(); }
 
   /// Adds a line with the time of day. Kept: the milliseconds since the line before are measured,
   /// but their place in the line stays empty. A null message writes nothing, here and below.

@@ -3,15 +3,32 @@
 #include <algorithm>
 #include <new>
 
+#include "K4NHardWare/CallLog.h"
+#include "status/HresultName.h"
+
 namespace k4n {
+
+namespace {
+
+void LogRecord(const ErrorRecord& record) noexcept {
+  try {
+    const std::int32_t code = ToCode(record.status);
+    call_log::Write("error trail: " + HresultText(code) + " (" + std::string(HresultName(code)) +
+                    "), " + record.Location());
+  } catch (const std::bad_alloc&) {  // the trail has it
+  }
+}
+
+}  // namespace
 
 std::string ErrorRecord::Location() const {
   return "File: .\\K4NHardWare\\K4NManager Line: " + std::to_string(static_cast<int>(site));
 }
 
 void ErrorTrail::Append(Status status, Site site) noexcept {
-  const std::lock_guard lock(mutex_);
   const ErrorRecord record{status, site};
+  if (call_log::IsOn()) LogRecord(record);
+  const std::lock_guard lock(mutex_);
   const bool full = runs_.size() >= kLongestTrail;
   if (CountInLast(full ? runs_.size() : 1, record)) return;
   try {

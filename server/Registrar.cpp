@@ -1,7 +1,5 @@
 #include "server/Registrar.h"
 
-#include <array>
-
 #include "platform/com/RegKey.h"
 
 namespace {
@@ -105,12 +103,6 @@ HRESULT Run(std::string_view script, const Replacements& replacements, Registrat
 ClassesPlace ClassesOf(RegistrationScope scope) {
   return {scope == RegistrationScope::kUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE,
           OLESTR("Software\\Classes")};
-}
-
-os::WideString RegistryName(REFGUID guid) {
-  std::array<OLECHAR, 39> text{};
-  StringFromGUID2(guid, text.data(), static_cast<int>(text.size()));
-  return text.data();
 }
 
 HRESULT Registrar::Register(std::string_view script) const {

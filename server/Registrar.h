@@ -21,9 +21,6 @@ struct ClassesPlace {
 };
 ClassesPlace ClassesOf(RegistrationScope scope);
 
-/// A GUID as keys and values have it: "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}".
-os::WideString RegistryName(REFGUID guid);
-
 /// Runs scripts for one scope. A script is read whole before anything is changed.
 class Registrar {
  public:

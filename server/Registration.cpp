@@ -1,5 +1,6 @@
 // The entry points that register the module, and take the registration away.
 #include "driver/CallFrame.h"
+#include "platform/com/RegKey.h"
 #include "platform/os/Module.h"
 #include "server/ObjectMap.h"
 #include "server/Registrar.h"

@@ -1,6 +1,7 @@
-// An owner for keys of the registry, and short forms for its texts and results.
+// An owner for keys of the registry, and short forms for its names, texts and results.
 #pragma once
 
+#include <array>
 #include <utility>
 
 #include "platform/com/Com.h"
@@ -51,20 +52,28 @@ inline LSTATUS SetRegistryText(HKEY key, const os::WideString& name, const os::W
                         static_cast<DWORD>((text.size() + 1) * sizeof(OLECHAR)));
 }
 
-/// The default text of a key below HKEY_CLASSES_ROOT or another; empty when it has none, or is no
-/// text.
-inline os::WideString RegistryText(HKEY parent, const os::WideString& name) {
+/// A GUID as keys and values have it: "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}".
+inline os::WideString RegistryName(REFGUID guid) {
+  std::array<OLECHAR, 39> text{};
+  StringFromGUID2(guid, text.data(), static_cast<int>(text.size()));
+  return text.data();
+}
+
+/// A text of a key below HKEY_CLASSES_ROOT or another, by default the default one; empty when it
+/// has none, or is no text.
+inline os::WideString RegistryText(HKEY parent, const os::WideString& name,
+                                   const os::WideString& value = {}) {
   RegKey key;
   DWORD type = 0;
   DWORD size = 0;
   if (key.Open(parent, name, KEY_READ) != ERROR_SUCCESS ||
-      RegQueryValueExW(key.Get(), nullptr, nullptr, &type, nullptr, &size) != ERROR_SUCCESS ||
+      RegQueryValueExW(key.Get(), value.c_str(), nullptr, &type, nullptr, &size) != ERROR_SUCCESS ||
       type != REG_SZ) {
     return {};
   }
   os::WideString text(size / sizeof(OLECHAR), 0);
-  if (RegQueryValueExW(key.Get(), nullptr, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()),
-                       &size) != ERROR_SUCCESS) {
+  if (RegQueryValueExW(key.Get(), value.c_str(), nullptr, nullptr,
+                       reinterpret_cast<BYTE*>(text.data()), &size) != ERROR_SUCCESS) {
     return {};
   }
   return text.c_str();

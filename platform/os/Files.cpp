@@ -21,4 +21,8 @@ std::ofstream OpenForWriting(const std::filesystem::path& path) {
   return std::ofstream(NativePath(path), std::ios::binary | std::ios::trunc);
 }
 
+std::ofstream OpenForAppending(const std::filesystem::path& path) {
+  return std::ofstream(NativePath(path), std::ios::binary | std::ios::app);
+}
+
 }  // namespace os

@@ -34,6 +34,10 @@ std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, std:
 /// Creates or truncates a file for writing in binary mode; other processes may read it meanwhile.
 std::ofstream OpenForWriting(const std::filesystem::path& path);
 
+/// Opens a file that exists, or a new one, for writing at its end in binary mode, also behind what
+/// others have added meanwhile.
+std::ofstream OpenForAppending(const std::filesystem::path& path);
+
 /// Where common files lie, without a trailing separator, the folder that prevails first. Windows
 /// has one such folder, empty when it does not tell. Elsewhere: ZENTREL_COMMON_FILES alone, or the
 /// user's XDG data home and then the system's XDG data folders.

@@ -53,4 +53,7 @@ WideString ThisModuleFile();
 /// does not tell or the path of the module is longer than 260 characters.
 std::filesystem::path ThisModuleFolder();
 
+/// Keeps the module that holds this code in the process until that ends, whoever unloads it.
+void KeepThisModule();
+
 }  // namespace os

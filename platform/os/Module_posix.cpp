@@ -73,4 +73,6 @@ std::filesystem::path ThisModuleFolder() {
   return file.parent_path() / "";
 }
 
+void KeepThisModule() { dlopen(ThisModulePath().c_str(), RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE); }
+
 }  // namespace os

@@ -15,6 +15,14 @@ std::wstring FileOf(HMODULE module) {
   return path;
 }
 
+/// The module that holds this code; null when the system does not tell.
+HMODULE ThisModule(DWORD flags) {
+  HMODULE module = nullptr;
+  const auto address = reinterpret_cast<LPCWSTR>(&ThisModule);
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | flags, address, &module);
+  return module;
+}
+
 }  // namespace
 
 bool Module::Load(const std::filesystem::path& name) {
@@ -42,11 +50,8 @@ WideString Module::File() const {
 }
 
 WideString ThisModuleFile() {
-  HMODULE module = nullptr;
-  constexpr DWORD kFlags =
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-  const auto address = reinterpret_cast<LPCWSTR>(&ThisModuleFile);
-  return GetModuleHandleExW(kFlags, address, &module) ? FileOf(module) : WideString();
+  const HMODULE module = ThisModule(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT);
+  return module == nullptr ? WideString() : FileOf(module);
 }
 
 std::filesystem::path ThisModuleFolder() {
@@ -55,5 +60,7 @@ std::filesystem::path ThisModuleFolder() {
   if (path.size() > MAX_PATH || separator == std::wstring::npos) return {};
   return path.substr(0, separator + 1);
 }
+
+void KeepThisModule() { ThisModule(GET_MODULE_HANDLE_EX_FLAG_PIN); }
 
 }  // namespace os
