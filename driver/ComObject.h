@@ -1,10 +1,12 @@
 // IUnknown for every COM class of the driver: interface map, reference count, aggregation, module
-// lock.
+// lock, and the way into the call log.
 #pragma once
 
 #include <atomic>
 #include <utility>
 
+#include "K4NHardWare/CallLog.h"
+#include "driver/LoggedInterfaces.h"
 #include "driver/ModuleLock.h"
 #include "platform/com/Com.h"
 
@@ -85,6 +87,7 @@ class ComObject final : public Class {
         return E_NOINTERFACE;
       }
       found->AddRef();
+      if (call_log::IsOn()) *out = Logged(iid, found, object_.Identity());
       return S_OK;
     }
 

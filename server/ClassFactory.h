@@ -1,10 +1,12 @@
 // Class factories: how COM makes the module's objects.
 #pragma once
 
+#include "K4NHardWare/CallLog.h"
 #include "driver/CallFrame.h"
 #include "driver/ComObject.h"
 #include "driver/ModuleLock.h"
 #include "platform/com/Com.h"
+#include "server/interface/ZentrelK4NLib.h"
 
 /// The factory of one class; it exists once, as long as the module is loaded. References are not
 /// counted: only LockServer and existing objects keep the module loaded.
@@ -31,6 +33,7 @@ class ClassFactory final : public IClassFactory {
       if (outer != nullptr && !IsEqualGUID(iid, __uuidof(IUnknown))) {
         return CLASS_E_NOAGGREGATION;
       }
+      call_log::Start(__uuidof(ZentrelK4N));
       IUnknown& object = driver::ComObject<Class>::Create(outer)->Unknown();
       const HRESULT result = object.QueryInterface(iid, out);
       object.Release();
