@@ -1,0 +1,323 @@
+// The call log as somebody reads it: each test has a module of its own, since a module opens one
+// log.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <limits>
+#include <map>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "K4NHardWare/CallLog.h"
+#include "driver/ZentrelK4N.h"
+#include "platform/com/RegKey.h"
+#include "platform/os/Files.h"
+#include "platform/os/Notice.h"
+#include "platform/os/Process.h"
+#include "server/ClassFactory.h"
+#include "simulator/Simulator.h"
+#include "tests/driver/DriverModule.h"
+#include "tests/platform/Arrays.h"
+
+namespace driver_test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+void SetLogName(const std::string& name) {
+#ifdef _WIN32
+  SetEnvironmentVariableA("ZENTREL_LOG", name.empty() ? nullptr : name.c_str());
+#else
+  setenv("ZENTREL_LOG", name.c_str(), 1);
+#endif
+}
+
+/// The logs of one test, in the documents folder.
+class CallLogTest : public testing::Test {
+ protected:
+  CallLogTest() {
+    fs::create_directories(folder_);
+    for (const auto& file : fs::directory_iterator(folder_)) fs::remove(file);
+  }
+  ~CallLogTest() override { SetLogName({}); }
+
+  [[nodiscard]] std::string Content(const std::string& name) const {
+    std::ifstream file(folder_ / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  /// The lines since the last look, each "[date and time] thread what", without what is another
+  /// each time: of this thread no number, for identities "@", and no microseconds.
+  std::vector<std::string> NewLines(const std::string& name) {
+    static const std::regex shape(
+        R"(\d\d/\d\d/\d\d \[\d\d:\d\d:\d\d\] (\d+) (?:0x([0-9a-f]+) (.*), \d+ us|(error trail: .*)))");
+    const std::string content = Content(name);
+    std::vector<std::string> lines;
+    for (std::size_t at = content.find("\r\n", std::max<std::size_t>(seen_, 4));
+         at != std::string::npos;) {
+      const std::size_t begin = at + 2;
+      at = content.find("\r\n", begin);
+      const std::string line = content.substr(begin, at - begin);
+      std::smatch found;
+      EXPECT_TRUE(std::regex_match(line, found, shape)) << line;
+      const std::string thread = found[1];
+      lines.push_back((thread == std::to_string(os::ThreadNumber()) ? "" : thread + " ") +
+                      (found[4].matched ? found[4].str() : "@ " + found[3].str()));
+    }
+    seen_ = content.size();
+    return lines;
+  }
+
+  const fs::path folder_ = os::DocumentsFolder() / "zentrel lumigraf";
+  std::size_t seen_ = 0;
+};
+
+/// A module that has opened the log of this name.
+class LoggedModule : public DriverModule {
+ public:
+  explicit LoggedModule(const std::string& name) : DriverModule(Company::kVisaLibrary) {
+    SetLogName(name);
+    Create(__uuidof(ZentrelK4N));
+    SetLogName({});
+  }
+};
+
+struct Row {
+  std::function<HRESULT(Surface&)> call;
+  std::string line;  ///< without "@ I"
+};
+
+/// A text without a length before it, as some C clients pass one.
+struct NoBstr {
+  alignas(8) std::uint32_t padding = 0;
+  std::uint32_t length = 0x7FFFFFFE;
+  OLECHAR text[4] = {'a', 'b', 'c', 0};
+};
+
+TEST_F(CallLogTest, TellsArgumentsAndResultsAsTheyAre) {
+  simulator::Simulator instrument{simulator::Options()};
+  instrument.Start();
+  LoggedModule driver("calls-*.log");
+  const std::string name = "calls-" + std::to_string(os::ProcessNumber()) + ".log";
+  Surface surface(driver);
+  NewLines(name);
+  const SafeArrayOwner two = Doubles({1e9, 2e9}, 1);
+  SAFEARRAYBOUND bounds[2] = {{3, -1}, {2, 0}};
+  const SafeArrayOwner table(SafeArrayCreate(VT_I4, 2, bounds));
+  SAFEARRAY* arrays[] = {two.Get(), table.Get(), nullptr};
+  NoBstr no_bstr;
+  ComPtr<IZentrelK4NChannel> channel;
+  const auto kOdd = static_cast<ZentrelK4NSweepModeEnum>(77);
+  const auto kNan = std::numeric_limits<double>::quiet_NaN();
+  ZentrelK4NSweepModeEnum mode{};
+  Bstr text;
+  const Row rows[] = {
+      {[](auto& s) { return s.rf->put_Frequency(1e9); },
+       "ZentrelK4NRF.put_Frequency(1e+09) = 0x8004701D (not connected)"},
+      {[&](auto& s) {
+         return s.root->Initialize(Text(instrument.ResourceName()).Get(), 2, VARIANT_FALSE,
+                                   nullptr);
+       },
+       "ZentrelK4N.Initialize(ResourceName=\"" + instrument.ResourceName() +
+           "\", IdQuery=2, Reset=false, OptionString=null) = "
+           "0x00047065 (identification query not supported)"},
+      {[](auto& s) { return s.rf->Configure(2400000000.5, -0.1); },
+       "ZentrelK4NRF.Configure(Frequency=2400000000.5, PowerLevel=-0.1) = S_OK"},
+      {[](auto& s) { return s.rf->get_Frequency(&s.number); },
+       "ZentrelK4NRF.get_Frequency() = S_OK (2.4e+09)"},
+      {[](auto& s) { return s.rf->get_Frequency(nullptr); },
+       "ZentrelK4NRF.get_Frequency() = 0x80004003 (E_POINTER)"},
+      {[](auto& s) { return s.rf->put_OutputEnabled(VARIANT_TRUE); },
+       "ZentrelK4NRF.put_OutputEnabled(true) = S_OK"},
+      {[&](auto& s) { return s.system->get_Type(text.Put()); },
+       "ZentrelK4NSystem.get_Type() = S_OK (\"K4N-20\")"},
+      {[](auto& s) { return s.sweep->put_Mode(ZentrelK4NSweepModePowerStep); },
+       "ZentrelK4NSweep.put_Mode(ZentrelK4NSweepModePowerStep) = S_OK"},
+      {[&](auto& s) { return s.sweep->get_Mode(&mode); },
+       "ZentrelK4NSweep.get_Mode() = S_OK (ZentrelK4NSweepModePowerStep)"},
+      {[=](auto& s) { return s.sweep->put_Mode(kOdd); },
+       "ZentrelK4NSweep.put_Mode(77) = 0x80047013 (enumeration value not supported)"},
+      {[&](auto& s) {
+         return s.list->CreateFrequencyPower(Text("a\"b\\c\nd\u0444").Get(), &arrays[0],
+                                             &arrays[2]);
+       },
+       "ZentrelK4NList.CreateFrequencyPower(Name=\"a\\\"b\\\\c\\x0ad\u0444\", "
+       "Frequency=2 of double [1..2], Power=null) = S_OK"},
+      {[&](auto& s) { return s.list->CreatePower(Text(std::string(300, 'x')).Get(), &arrays[1]); },
+       "ZentrelK4NList.CreatePower(Name=\"" + std::string(200, 'x') +
+           "...\", Power=6 of type 3 [-1..1][0..1]) = 0x80070057 (E_INVALIDARG)"},
+      {[&](auto& s) { return s.list->CreatePower(no_bstr.text, nullptr); },
+       "ZentrelK4NList.CreatePower(Name=\"abc...\", Power=null) = S_OK"},
+      {[&](auto& s) { return s.channels->get_Item(Text("ChannelB").Get(), channel.Put()); },
+       "ZentrelK4NChannels.get_Item(Name=\"ChannelB\") = S_OK (Item=IZentrelK4NChannel)"},
+      {[=](auto& s) { return s.rf->put_Level(kNan); }, "ZentrelK4NRF.put_Level(nan) = S_OK"},
+      {[&](auto& s) { return s.utility->ErrorQuery(&s.integer, text.Put()); },
+       "IviDriverUtility.ErrorQuery() = S_OK (ErrorCode=0, ErrorMessage=null)"},
+      {[](auto& s) { return s.root->Close(); }, "ZentrelK4N.Close() = S_OK"},
+  };
+  for (const auto& row : rows) {
+    row.call(surface);
+    EXPECT_THAT(NewLines(name), ElementsAre("@ I" + row.line));
+  }
+}
+
+TEST_F(CallLogTest, TellsAFailureBeforeTheCallThatMetIt) {
+  LoggedModule driver("calls.log");
+  Surface surface(driver);
+  NewLines("calls.log");
+  const HRESULT result = surface.root->Initialize(Text("no name").Get(), 0, 0, nullptr);
+  const ErrorInfo info = TakeErrorInfo();
+  EXPECT_EQ(result, Code(0x80047060));
+  EXPECT_THAT(info.description, HasSubstr("no name")) << "the log leaves error information alone";
+  EXPECT_THAT(NewLines("calls.log"),
+              ElementsAre("error trail: 0xBFFF0012 (VI_ERROR_INV_RSRC_NAME), "
+                          "File: .\\K4NHardWare\\K4NManager Line: 991",
+                          "@ IZentrelK4N.Initialize(ResourceName=\"no name\", IdQuery=false, "
+                          "Reset=false, OptionString=null) = 0x80047060 (unknown resource)"));
+}
+
+/// Hands what it is asked for on to the inner object, and counts the references.
+class OuterObject final : public IUnknown {
+ public:
+  STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
+    if (!IsEqualGUID(iid, __uuidof(IUnknown))) return inner->QueryInterface(iid, out);
+    *out = this;
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
+  STDMETHODIMP_(ULONG) Release() override { return --references; }
+
+  IUnknown* inner = nullptr;
+  ULONG references = 1;
+};
+
+TEST_F(CallLogTest, KeepsIdentityAndReferences) {
+  const LoggedModule driver("calls.log");
+  OuterObject outer;
+  for (IUnknown* const controlling :
+       {static_cast<IUnknown*>(nullptr), static_cast<IUnknown*>(&outer)}) {
+    const auto object = driver.Create(__uuidof(ZentrelK4N), controlling);
+    outer.inner = object.Get();
+    IUnknown* const identity = controlling == nullptr ? object.Get() : controlling;
+    const auto root = object.As<IZentrelK4N>();
+    EXPECT_NE(static_cast<IUnknown*>(root.Get()), object.Get()) << "a forwarder";
+    for (const auto& rf : {object.As<IZentrelK4NRF>(), root.As<IZentrelK4NRF>(),
+                           root.As<ISupportErrorInfo>().As<IZentrelK4NRF>()}) {
+      NewLines("calls.log");
+      EXPECT_EQ(rf->put_Level(0), kNotConnectedCode);
+      EXPECT_THAT(NewLines("calls.log"), ElementsAre(HasSubstr("put_Level(0)")));
+      EXPECT_EQ(rf.As<IUnknown>().Get(), identity);
+    }
+    void* out = &out;
+    EXPECT_EQ(root->QueryInterface(__uuidof(IIviDriver), &out), E_NOINTERFACE);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(driver.CanUnloadNow(), S_FALSE);
+  }
+  EXPECT_EQ(outer.references, 1U);
+  EXPECT_EQ(driver.CanUnloadNow(), S_OK);
+}
+
+TEST_F(CallLogTest, SixteenThreadsOfTwoDriversWriteWholeLines) {
+  constexpr int kThreads = 16;
+  constexpr int kCalls = 250;
+  LoggedModule driver("calls.log");
+  const Surface surfaces[] = {Surface(driver), Surface(driver)};
+  NewLines("calls.log");
+  std::vector<std::jthread> threads;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([rf = surfaces[thread % 2].rf.Get(), thread] {
+      for (int call = 0; call < kCalls; ++call) rf->put_Level(thread * kCalls + call);
+    });
+  }
+  threads.clear();
+  std::map<std::string, int> counts;  // by what was called with what
+  for (const auto& line : NewLines("calls.log")) ++counts[line.substr(line.find('@'))];
+  for (int value = 0; value < kThreads * kCalls; ++value) {
+    EXPECT_EQ(counts["@ IZentrelK4NRF.put_Level(" + std::to_string(value) +
+                     ") = 0x8004701D (not connected)"],
+              1)
+        << value;
+  }
+  EXPECT_EQ(counts.size(), std::size_t{kThreads * kCalls});
+}
+
+TEST_F(CallLogTest, GoesOnWhenTheModuleWasUnloadedAndWhenItIsOpenedAgain) {
+  { const LoggedModule driver("calls.log"); }
+  EXPECT_THAT(Content("calls.log"), testing::Not(HasSubstr("Log closed")));
+  LoggedModule first("calls.log");
+  Surface surface(first);
+  EXPECT_GT(NewLines("calls.log").size(), 10U);
+  const LoggedModule second("calls.log");
+  seen_ = 0;
+  EXPECT_TRUE(NewLines("calls.log").empty()) << "truncated";
+  surface.rf->put_Level(1);
+  second.Create(__uuidof(ZentrelK4N)).As<IZentrelK4NRF>()->put_Level(2);
+  EXPECT_THAT(NewLines("calls.log"),
+              ElementsAre(HasSubstr("put_Level(1)"), HasSubstr("put_Level(2)")));
+}
+
+TEST_F(CallLogTest, IsNamedByTheRegistrationUnlessTheEnvironmentNamesOne) {
+  const os::WideString name =
+      OLESTR("Software\\Classes\\CLSID\\") + RegistryName(__uuidof(ZentrelK4N));
+  RegKey key;
+  ASSERT_EQ(key.Create(HKEY_CURRENT_USER, name), ERROR_SUCCESS);
+  ASSERT_EQ(SetRegistryText(key.Get(), OLESTR("CallLog"), OLESTR("registered.log")), ERROR_SUCCESS);
+  const LoggedModule named("named.log");
+  EXPECT_FALSE(fs::exists(folder_ / "registered.log"));
+  const LoggedModule registered("");
+  EXPECT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, name.c_str()), ERROR_SUCCESS);
+  EXPECT_THAT(Content("named.log"), HasSubstr("Log started"));
+  EXPECT_THAT(Content("registered.log"), HasSubstr("Log started"));
+}
+
+TEST_F(CallLogTest, OffMakesNoFileAndPutsNothingBeforeTheInterfaces) {
+  const LoggedModule driver("");
+  const auto object = driver.Create(__uuidof(ZentrelK4N));
+  EXPECT_EQ(object.As<IZentrelK4N>().Get(), object.Get());
+  EXPECT_TRUE(fs::is_empty(folder_));
+}
+
+// Here the driver is the program's own, so that the warning can be seen.
+TEST_F(CallLogTest, OneThatCannotBeOpenedWarnsOnceAndTheDriverWorks) {
+  ClassFactory<CZentrelK4N> factory;
+  const auto create = [&factory] {
+    ComPtr<IZentrelK4N> root;
+    EXPECT_EQ(factory.CreateInstance(nullptr, __uuidof(IZentrelK4N), root.PutVoid()), S_OK);
+    EXPECT_EQ(root.As<IUnknown>().Get(), root.Get()) << "no forwarder";
+  };
+  std::vector<std::string> notices;
+  os::SetNoticeHook([&](const std::string& text, const std::string& caption) {
+    notices.push_back(caption + ": " + text);
+    create();  // as a client's timer may while the box waits
+  });
+  SetLogName("no such folder\\calls.log");
+  create();
+  create();
+  os::SetNoticeHook({});
+  EXPECT_THAT(notices, ElementsAre("ZeVISA Error: Error creating logfile!"));
+  EXPECT_TRUE(fs::is_empty(folder_));
+}
+
+#ifndef _WIN32
+TEST_F(CallLogTest, AFullDiskLosesLinesAndNothingElse) {
+  fs::create_symlink("/dev/full", folder_ / "full.log");
+  LoggedModule driver("full.log");
+  Surface surface(driver);
+  ExpectReported(surface.rf->put_Level(1), kNotConnectedCode, kNotConnected,
+                 __uuidof(IZentrelK4NRF));
+  fs::remove(folder_ / "full.log");
+}
+#endif
+
+}  // namespace
+}  // namespace driver_test
