@@ -88,7 +88,7 @@ std::string CanonicalPattern(std::string_view text) {
   std::erase_if(pattern, [](char c) { return c == '[' || c == ']'; });
   constexpr std::string_view kInterface = "TCPIP::";
   if (EqualsIgnoringCase(std::string_view(pattern).substr(0, kInterface.size()), kInterface)) {
-    pattern.insert(kInterface.find(':'), "0");
+    pattern.insert(kInterface.find(':'), 1, '0');
   }
   return pattern;
 }

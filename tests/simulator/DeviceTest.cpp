@@ -42,7 +42,7 @@ TEST(DeviceUnderTest, FlatAndOpenDoNotDependOnTheFrequency) {
 }
 
 constexpr const char* kFrequency = "frequency limits: 1 Hz to 1 THz, the lower not above the upper";
-constexpr const char* kLevel = "level limits: -127 to 127 dBm, the lower not above the upper";
+constexpr const char* kLevelLimits = "level limits: -127 to 127 dBm, the lower not above the upper";
 constexpr const char* kReference = "reference limits: 0 to 4.29 GHz, the lower not above the upper";
 constexpr const char* kDecibels = "device loss, isolation and return loss: 0 to 300 dB";
 using std::chrono::hours;
@@ -58,9 +58,9 @@ const Refused kRefused[] = {
     {kFrequency, [](Options& o) { o.min_frequency = 3e10; }},
     {kFrequency, [](Options& o) { o.min_frequency = 0.9; }},
     {kFrequency, [](Options& o) { o.max_frequency = 1.1e12; }},
-    {kLevel, [](Options& o) { o.max_level = -80.0; }},
-    {kLevel, [](Options& o) { o.min_level = -127.5; }},
-    {kLevel, [](Options& o) { o.max_level = 127.5; }},
+    {kLevelLimits, [](Options& o) { o.max_level = -80.0; }},
+    {kLevelLimits, [](Options& o) { o.min_level = -127.5; }},
+    {kLevelLimits, [](Options& o) { o.max_level = 127.5; }},
     {"level resolution: 0 to 127 dB", [](Options& o) { o.level_resolution = -0.1; }},
     {"initial level: a number", [](Options& o) { o.initial_level = std::nan(""); }},
     {"power variant: 0 to 5", [](Options& o) { o.power_variant = 6; }},
