@@ -16,15 +16,14 @@ namespace {
 class VisaTraceProcesses : public VisaTrace {
  protected:
   static constexpr int kProcesses = 4;
-  static constexpr int kCalls = 800;
-  /// All of them write at the same time, until whose end the observer looks at the files.
+  /// Each makes so many calls, all at the same time; the observer looks at the files meanwhile.
   template <typename Observer>
-  void CountInProcesses(const Observer& observe) {
+  void CountInProcesses(int calls, const Observer& observe) {
     std::vector<pid_t> children;
     for (int i = 0; i < kProcesses; ++i) {
       children.push_back(fork());
       if (children.back() != 0) continue;
-      Count(i * kCalls, (i + 1) * kCalls);
+      Count(i * calls, (i + 1) * calls);
       _exit(HasFailure() ? 1 : 0);
     }
     while (!children.empty()) {
@@ -38,7 +37,8 @@ class VisaTraceProcesses : public VisaTrace {
 };
 
 TEST_F(VisaTraceProcesses, WriteWholeLinesIntoOneFile) {
-  CountInProcesses([] { usleep(1000); });
+  constexpr int kCalls = 200;
+  CountInProcesses(kCalls, [] { usleep(1000); });
   std::vector<int> numbers = Numbers(trace_file_);
   std::ranges::sort(numbers);
   ASSERT_EQ(numbers.size(), std::size_t{kProcesses} * kCalls);
@@ -59,7 +59,7 @@ TEST_F(VisaTraceProcesses, WriteWholeLinesIntoOneFile) {
 TEST_F(VisaTraceProcesses, PutOneFullFileAsideTogether) {
   EXPECT_STATUS(visa.viClose(OpenWith("[*]\ntrace-size = 64")), VI_SUCCESS);
   std::uintmax_t smallest = std::numeric_limits<std::uintmax_t>::max();
-  CountInProcesses([&] {
+  CountInProcesses(800, [&] {
     std::error_code none;
     const auto size = std::filesystem::file_size(Before(), none);
     if (!none) smallest = std::min(smallest, size);
