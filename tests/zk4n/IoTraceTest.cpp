@@ -207,6 +207,8 @@ INSTANTIATE_TEST_SUITE_P(
             "70:3 5 data -> good: 1 points, mark A, 400 us\n"},
         Row{"cut elements", Writer().SendFactor(5).Come(5, 3, 0, 1, 0x10, {4, 0, 8}, 2),
             "70:3 5 write averaging #4: factor 8 -> good (2 of 3 bytes in the trace), 400 us\n"},
+        Row{"cut in the middle", Writer().SendFactor(5).Move("viRead", FactorHeader(5), 16).Move("viRead", {4, 0}, 3, "VI_SUCCESS", 0, 1).Move("viRead", {8}, 1),
+            "70:3 5 write averaging #4: factor 8 -> good (1 of 3 bytes in the trace), 500 us\n"},
         Row{"the trace ends", Writer().SendFactor(5),
             "70:3 5 write averaging #4: factor 8 -> the trace ends\n"},
         Row{"a time-out", Writer().SendFactor(5).TimeOut().Clear(),
