@@ -61,9 +61,7 @@ Status D3THardWare::ProbeFrequencyForm(Parameter form, double span) {
   parameter.SetValue(0.0, FrequencyElement::kStart);
   parameter.SetValue(2.0, FrequencyElement::kPoints);
   parameter.SetValue(span, FrequencyElement::kStep);
-  if (form == Parameter::kFrequencyFourElement) {
-    parameter.SetValue(span, FrequencyElement::kStop);
-  }
+  if (form == Parameter::kFrequencyFourElement) parameter.SetValue(span, FrequencyElement::kStop);
   return WriteParameter(parameter);
 }
 

@@ -167,6 +167,7 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   class Operation;
   /// The result of an operation, and whether the worker stays paused after it.
   struct Outcome {
+    // NOLINTNEXTLINE(google-explicit-constructor)
     Outcome(Status result, bool paused = false) : status(result), leaves_worker_paused(paused) {}
     Status status;
     bool leaves_worker_paused;

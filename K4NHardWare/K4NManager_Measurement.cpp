@@ -28,9 +28,7 @@ Status CK4NManager::ProgramAveraging(std::int32_t count) {
   if (!is_sent) return Status::kOk;
   block_.Discard();
   const Status result = Record(Site::kAveraging, model_->SetAveraging(count));
-  if (Succeeded(result)) {
-    settings_.With([&](InstrumentSettings& live) { live.averaging = count; });
-  }
+  if (Succeeded(result)) settings_.With([&](InstrumentSettings& live) { live.averaging = count; });
   return result;
 }
 

@@ -36,9 +36,7 @@ RealArray::RealArray(SAFEARRAY* array) : array_(array), right_type_(IsRealVector
   const auto [size, lower] = array_->rgsabound[0];
   elements_ = {static_cast<double*>(data), size};
   const std::int64_t end = std::int64_t{lower} + size;
-  if (end > 0 && size != 0) {
-    count_ = std::min(static_cast<std::size_t>(end), size + kMostMissing);
-  }
+  if (end > 0 && size != 0) count_ = std::min(static_cast<std::size_t>(end), size + kMostMissing);
 }
 
 RealArray::~RealArray() {

@@ -23,16 +23,12 @@ void SetSource(ICreateErrorInfo& info, const CLSID& class_id) {
 
 HRESULT CallFrame::WideError(os::WideString text, REFIID iid, Status code) const {
   ComPtr<ICreateErrorInfo> info;
-  if (FAILED(CreateErrorInfo(info.Put()))) {
-    return ToCode(code);
-  }
+  if (FAILED(CreateErrorInfo(info.Put()))) return ToCode(code);
   info->SetGUID(iid);
   SetSource(*info, class_id_);
   info->SetDescription(text.data());
   info->SetHelpContext(0);
-  if (const auto finished = info.As<IErrorInfo>()) {
-    SetErrorInfo(0, finished.Get());
-  }
+  if (const auto finished = info.As<IErrorInfo>()) SetErrorInfo(0, finished.Get());
   return ToCode(code);
 }
 
@@ -64,9 +60,7 @@ HRESULT CallFrame::GetInterface(IUnknown* target, REFIID wanted, REFIID declarin
                                 std::string_view wanted_name, void** out) const noexcept {
   return Frame({out}, [&]() -> HRESULT {
     *out = nullptr;
-    if (target != nullptr && target->QueryInterface(wanted, out) == S_OK) {
-      return S_OK;
-    }
+    if (target != nullptr && target->QueryInterface(wanted, out) == S_OK) return S_OK;
     return BuiltError(declaring, Status::kPropertyNotSupported, wanted_name);
   });
 }

@@ -33,9 +33,7 @@ struct InterfaceList {
  private:
   template <typename Interface, typename Class>
   static bool Answers(Class* object, REFIID iid, IUnknown*& found) {
-    if (!IsEqualGUID(iid, __uuidof(Interface))) {
-      return false;
-    }
+    if (!IsEqualGUID(iid, __uuidof(Interface))) return false;
     found = static_cast<Interface*>(object);
     return true;
   }
@@ -76,16 +74,12 @@ class ComObject final : public Class {
     explicit Inner(ComObject& object) : object_(object) {}
 
     STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
-      if (out == nullptr) {
-        return E_POINTER;
-      }
+      if (out == nullptr) return E_POINTER;
       IUnknown* const found = IsEqualGUID(iid, __uuidof(IUnknown))
                                   ? object_.Identity()
                                   : Class::Interfaces::Find(&object_, iid);
       *out = found;
-      if (found == nullptr) {
-        return E_NOINTERFACE;
-      }
+      if (found == nullptr) return E_NOINTERFACE;
       found->AddRef();
       if (call_log::IsOn()) *out = Logged(iid, found, object_.Identity());
       return S_OK;
@@ -95,9 +89,7 @@ class ComObject final : public Class {
 
     STDMETHODIMP_(ULONG) Release() override {
       const ULONG left = --references_;
-      if (left == 0) {
-        object_.Destroy();
-      }
+      if (left == 0) object_.Destroy();
       return left;
     }
 

@@ -20,9 +20,7 @@ using EnumMap = std::array<EnumPair<Value, Code>, kSize>;
 template <typename Value, typename Code, std::size_t kSize>
 constexpr std::optional<Code> CodeOf(const EnumMap<Value, Code, kSize>& map, Value value) {
   for (const auto& pair : map) {
-    if (pair.value == value) {
-      return pair.code;
-    }
+    if (pair.value == value) return pair.code;
   }
   return std::nullopt;
 }
@@ -32,9 +30,7 @@ constexpr std::optional<Code> CodeOf(const EnumMap<Value, Code, kSize>& map, Val
 template <typename Value, typename Code, std::size_t kSize>
 constexpr std::optional<Value> ValueOf(const EnumMap<Value, Code, kSize>& map, Code code) {
   for (const auto& pair : map) {
-    if (pair.code == code) {
-      return pair.value;
-    }
+    if (pair.code == code) return pair.value;
   }
   return std::nullopt;
 }
@@ -43,9 +39,7 @@ constexpr std::optional<Value> ValueOf(const EnumMap<Value, Code, kSize>& map, C
 /// the client's variable, which may be uninitialised, is neither read nor written.
 template <typename Value, typename Code, std::size_t kSize>
 constexpr void PutValueOf(const EnumMap<Value, Code, kSize>& map, Code code, Value* out) {
-  if (const std::optional<Value> value = ValueOf(map, code)) {
-    *out = *value;
-  }
+  if (const std::optional<Value> value = ValueOf(map, code)) *out = *value;
 }
 
 }  // namespace driver

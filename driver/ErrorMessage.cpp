@@ -53,9 +53,7 @@ os::WideString Format(std::string_view text, Status code, std::span<const os::Wi
   while (!text.empty()) {
     const std::size_t mark = text.find('%');
     result += os::ToWide(text.substr(0, mark));
-    if (mark == std::string_view::npos || mark + 1 == text.size()) {
-      break;
-    }
+    if (mark == std::string_view::npos || mark + 1 == text.size()) break;
     const auto index = static_cast<std::size_t>(text[mark + 1] - '1');
     text.remove_prefix(mark + 2);
     if (text.starts_with(kHexadecimalMark)) {

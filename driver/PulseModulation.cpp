@@ -21,9 +21,7 @@ STDMETHODIMP CZentrelK4NPulseModulation::put_Enabled(VARIANT_BOOL enabled) {
 STDMETHODIMP CZentrelK4NPulseModulation::get_Enabled(VARIANT_BOOL* value) {
   return ManagerFrame({value}, [&](const CK4NManager& manager) {
     const k4n::PulseSettings pulse = manager.GetPulseSettings();
-    if (!pulse.modulation_available) {
-      return Status::kPropertyNotSupported;
-    }
+    if (!pulse.modulation_available) return Status::kPropertyNotSupported;
     *value = BoolAsTrue(pulse.modulation_enabled);
     return Status::kOk;
   });
@@ -57,9 +55,7 @@ STDMETHODIMP CZentrelK4NPulseModulation::get_ExternalPolarity(
     ZentrelK4NPulseModulationExternalPolarityEnum* value) {
   return ManagerFrame({value}, [&](const CK4NManager& manager) {
     const k4n::PulseSettings pulse = manager.GetPulseSettings();
-    if (!pulse.modulation_available) {
-      return Status::kPropertyNotSupported;
-    }
+    if (!pulse.modulation_available) return Status::kPropertyNotSupported;
     *value = pulse.modulation_inverse ? ZentrelK4NPulseModulationExternalPolarityInverse
                                       : ZentrelK4NPulseModulationExternalPolarityNormal;
     return Status::kOk;

@@ -14,9 +14,7 @@ inline os::WideView ViewOf(BSTR text) { return {text, SysStringLen(text)}; }
 /// A new BSTR, the client's to free. Throws std::bad_alloc.
 inline BSTR NewBstr(os::WideView text) {
   const BSTR copy = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
-  if (copy == nullptr) {
-    throw std::bad_alloc();
-  }
+  if (copy == nullptr) throw std::bad_alloc();
   return copy;
 }
 

@@ -70,9 +70,7 @@ STDMETHODIMP CZentrelK4N::InterfaceSupportsErrorInfo(REFIID iid) {
 STDMETHODIMP CZentrelK4N::GetRun(ULONG number, LONG* status, BSTR* location, std::uint64_t* count) {
   return Frame({status, location, count}, [&]() -> HRESULT {
     const std::optional<k4n::ErrorTrail::Run> run = manager_.error_trail().RunAt(number);
-    if (!run) {
-      return S_FALSE;
-    }
+    if (!run) return S_FALSE;
     *location = NewBstr(os::ToWide(run->record.Location()));
     *status = ToCode(run->record.status);
     *count = run->count;
@@ -140,9 +138,7 @@ STDMETHODIMP CZentrelK4N::Initialize(BSTR resource_name, VARIANT_BOOL id_query, 
     for (std::size_t channel = 0; channel < k4n::kChannelCount; ++channel) {
       LoadDetectorDataFromFile(channel, kDefaultDetectorFile);
     }
-    if (id_query != VARIANT_FALSE) {
-      return ToCode(Status::kIdQueryNotSupported);
-    }
+    if (id_query != VARIANT_FALSE) return ToCode(Status::kIdQueryNotSupported);
     return reset != VARIANT_FALSE ? ToCode(Status::kResetNotSupported) : S_OK;
   });
 }

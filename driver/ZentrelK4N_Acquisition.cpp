@@ -20,9 +20,7 @@ constexpr auto kPauseWhileInProgress = std::chrono::milliseconds(1);
 SAFEARRAY* NewArray(std::span<const double> values) {
   SafeArrayOwner array(SafeArrayCreateVector(VT_R8, 0, static_cast<ULONG>(values.size())));
   const SafeArrayAccess<double> access(array.Get());
-  if (FAILED(access.Result())) {
-    return nullptr;
-  }
+  if (FAILED(access.Result())) return nullptr;
   std::memcpy(access.Values().data(), values.data(), values.size_bytes());
   return array.Detach();
 }
@@ -44,9 +42,7 @@ k4n::StepSettings SweptAxis(const CK4NManager& manager) {
 STDMETHODIMP CZentrelK4N::get_Averaging(LONG* value) {
   return SessionFrame(kAcquisition, {value}, [&]() -> HRESULT {
     const std::optional<std::int32_t> count = manager_.GetAveraging();
-    if (!count) {
-      return BuiltError(kAcquisition, Status::kPropertyNotSupported, "Averaging");
-    }
+    if (!count) return BuiltError(kAcquisition, Status::kPropertyNotSupported, "Averaging");
     *value = *count;
     return S_OK;
   });
@@ -70,9 +66,7 @@ STDMETHODIMP CZentrelK4N::get_Status(ZentrelK4NAcquisitionStatusEnum* value) {
       }
       *value = acquisition_.status;
     }
-    if (updated == Status::kOperationInProgress) {
-      os::Sleep(kPauseWhileInProgress);
-    }
+    if (updated == Status::kOperationInProgress) os::Sleep(kPauseWhileInProgress);
     if (updated == Status::kMethodNotSupported) {
       return BuiltError(kAcquisition, Status::kPropertyNotSupported, "Status");
     }
@@ -110,13 +104,9 @@ HRESULT CZentrelK4N::FetchData(std::size_t channel, SAFEARRAY** data, double* in
       }
     }
     const std::span<const double> row = acquisition_.trace.Row(static_cast<std::int32_t>(channel));
-    if (row.empty()) {
-      return BuiltError(__uuidof(IZentrelK4NChannel), Status::kCannotRecover);
-    }
+    if (row.empty()) return BuiltError(__uuidof(IZentrelK4NChannel), Status::kCannotRecover);
     SAFEARRAY* const array = NewArray(row);
-    if (array == nullptr) {
-      return BuiltError(__uuidof(IZentrelK4NChannel), Status::kOutOfMemory);
-    }
+    if (array == nullptr) return BuiltError(__uuidof(IZentrelK4NChannel), Status::kOutOfMemory);
     *data = array;
     *initial_x = acquisition_.initial_x;
     *x_increment = acquisition_.x_increment;

@@ -79,15 +79,11 @@ HRESULT CZentrelK4N::LoadDetectorDataFromFile(std::size_t channel, os::WideView 
     if (loaded == Status::kMethodNotSupported) {
       return BuiltError(kChannel, loaded, "LoadDetectorDataFromFile");
     }
-    if (loaded == Status::kOk) {
-      return S_OK;
-    }
+    if (loaded == Status::kOk) return S_OK;
     if (loaded != Status::kCannotOpenFile) {
       return BuiltError(kChannel, Status::kCannotReadFile, file_name);
     }
-    if (manager_.LoadDetectorData(channel, names.cyrillic) != Status::kCannotOpenFile) {
-      return S_OK;
-    }
+    if (manager_.LoadDetectorData(channel, names.cyrillic) != Status::kCannotOpenFile) return S_OK;
     return LoadFromDetectorFolder(channel, file_name);
   });
 }
@@ -100,9 +96,7 @@ HRESULT CZentrelK4N::LoadFromDetectorFolder(std::size_t channel, os::WideView fi
     if (loaded == Status::kCannotOpenFile) {
       loaded = manager_.LoadDetectorData(channel, fs::path(folder) += names.cyrillic);
     }
-    if (loaded == Status::kOk) {
-      return S_OK;
-    }
+    if (loaded == Status::kOk) return S_OK;
     if (loaded != Status::kCannotOpenFile) {
       return BuiltError(kChannel, Status::kCannotReadFile, os::WideOf(folder).append(file_name));
     }

@@ -70,9 +70,7 @@ STDMETHODIMP CZentrelK4N::put_Mode(ZentrelK4NSweepModeEnum mode) {
 STDMETHODIMP CZentrelK4N::get_Mode(ZentrelK4NSweepModeEnum* value) {
   return Frame({value}, [&]() -> HRESULT {
     const auto mode = ValueOf(kSweepModes, manager_.GetSweepMode());
-    if (!mode) {
-      return Error(kUnexpectedResponseText, kSweep, Status::kUnexpectedResponse);
-    }
+    if (!mode) return Error(kUnexpectedResponseText, kSweep, Status::kUnexpectedResponse);
     *value = *mode;
     return S_OK;
   });
@@ -85,9 +83,7 @@ STDMETHODIMP CZentrelK4N::put_TriggerSource(ZentrelK4NSweepTriggerSourceEnum sou
         CodeOf(kTriggerSources, LowByte(source)).value_or(k4n::TriggerSource::kUnknown);
     // Kept: single steps need the external trigger; a software source is then ignored without an
     // error.
-    if (trigger.single_step && trigger.source == k4n::TriggerSource::kSoftware) {
-      return S_OK;
-    }
+    if (trigger.single_step && trigger.source == k4n::TriggerSource::kSoftware) return S_OK;
     return ToCode(manager_.SetSweepTrigger(trigger));
   });
 }

@@ -20,9 +20,7 @@ constexpr EnumMap<ZentrelK4NSystemAttenEnum, k4n::AttenMode, 4> kAttenModes{{
 
 // If the instrument has no file with the text, the client gets the file-not-found code and no text.
 Status PutIdentityText(const StatusAnd<std::string>& text, BSTR* value) {
-  if (text.status == Status::kInstrumentFileMissing) {
-    return Status::kFileNotFound;
-  }
+  if (text.status == Status::kInstrumentFileMissing) return Status::kFileNotFound;
   if (text.status == Status::kOk) {
     // Kept: the text ends at its first NUL, so a padded serial number loses its padding and the "*"
     // behind it.
@@ -47,9 +45,7 @@ STDMETHODIMP CZentrelK4N::get_Type(BSTR* value) {
 // client's variable is unchanged.
 Status CZentrelK4N::ReadStateBit(VARIANT_BOOL& value, StatusAnd<bool> (CK4NManager::*read)()) {
   const StatusAnd<bool> bit = (manager_.*read)();
-  if (bit.status == Status::kOk) {
-    value = BoolAsOne(bit.value);
-  }
+  if (bit.status == Status::kOk) value = BoolAsOne(bit.value);
   return bit.status;
 }
 
@@ -83,9 +79,7 @@ STDMETHODIMP CZentrelK4N::get_LevelState(VARIANT_BOOL* value) {
 STDMETHODIMP CZentrelK4N::put_Atten(ZentrelK4NSystemAttenEnum mode) {
   return SessionFrame(kSystem, [&] {
     const k4n::AttenMode present = manager_.GetAttenMode();
-    if (present == k4n::AttenMode::kNone) {
-      return Status::kPropertyNotSupported;
-    }
+    if (present == k4n::AttenMode::kNone) return Status::kPropertyNotSupported;
     // Kept: a value that is none of the four sends the present mode again.
     return manager_.SetAttenMode(CodeOf(kAttenModes, mode).value_or(present));
   });
@@ -94,9 +88,7 @@ STDMETHODIMP CZentrelK4N::put_Atten(ZentrelK4NSystemAttenEnum mode) {
 STDMETHODIMP CZentrelK4N::get_Atten(ZentrelK4NSystemAttenEnum* value) {
   return SessionFrame(kSystem, {value}, [&] {
     const k4n::AttenMode mode = manager_.GetAttenMode();
-    if (mode == k4n::AttenMode::kNone) {
-      return Status::kPropertyNotSupported;
-    }
+    if (mode == k4n::AttenMode::kNone) return Status::kPropertyNotSupported;
     PutValueOf(kAttenModes, mode, value);
     return Status::kOk;
   });

@@ -32,19 +32,13 @@ constexpr std::size_t ClampToAxis(double steps, std::size_t count) {
 /// contains NaN the result has no meaning, but always is a pair of points of the axis.
 template <typename At>
 AxisPosition FindOnAxis(std::size_t count, const At& at, double x) {
-  if (std::isnan(x)) {
-    return {0, 0, x};
-  }
+  if (std::isnan(x)) return {0, 0, x};
   const std::size_t last = count - 1;
   const double head = at(0);
   const double tail = at(last);
   const bool ascending = tail >= head;
-  if (ascending ? x >= tail : x <= tail) {
-    return {last, last, 0.5};
-  }
-  if (ascending ? x <= head : x >= head) {
-    return {0, 0, 0.5};
-  }
+  if (ascending ? x >= tail : x <= tail) return {last, last, 0.5};
+  if (ascending ? x <= head : x >= head) return {0, 0, 0.5};
   std::size_t k = ClampToAxis(static_cast<double>(last) * ((x - head) / (tail - head)), count);
   std::size_t next = k;
   if (ascending) {

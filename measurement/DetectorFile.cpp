@@ -16,9 +16,7 @@ namespace {
 /// hold it.
 std::optional<int> VersionNumber(std::string_view text) {
   text = Trimmed(text, " \t\v\f");
-  if (text.starts_with('+') && !text.starts_with("+-")) {
-    text.remove_prefix(1);
-  }
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
   int version = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), version);
   return error == std::errc::result_out_of_range ? std::nullopt : std::optional<int>(version);
@@ -40,35 +38,19 @@ std::vector<std::filesystem::path> GetDetectorFolders() {
 DetectorFile::Fault DetectorFile::Read(const std::filesystem::path& path) {
   const Status read = text_.Read(
       path, [](const std::string& header) { return VersionOf(header) == kVersionSigned; });
-  if (text_.HasContent()) {
-    version_ = VersionOf(text_.Header());
-  }
+  if (text_.HasContent()) version_ = VersionOf(text_.Header());
   fault_ = FindFault(read);
   return fault_;
 }
 
 DetectorFile::Fault DetectorFile::FindFault(Status read) const {
-  if (read == Status::kCannotOpenFile) {
-    return Fault::kCannotOpen;
-  }
-  if (text_.Rows() == 0) {
-    return Fault::kNoNumbers;
-  }
-  if (text_.UnevenRow() != 0) {
-    return Fault::kUnevenRows;
-  }
-  if (version_ == kVersionWithoutLevels) {
-    return Fault::kNone;
-  }
-  if (version_ != kVersionSigned) {
-    return Fault::kUnknownVersion;
-  }
-  if (!text_.HasDigest()) {
-    return Fault::kNoDigest;
-  }
-  if (text_.DataFollowsDigest()) {
-    return Fault::kDataBehindDigest;
-  }
+  if (read == Status::kCannotOpenFile) return Fault::kCannotOpen;
+  if (text_.Rows() == 0) return Fault::kNoNumbers;
+  if (text_.UnevenRow() != 0) return Fault::kUnevenRows;
+  if (version_ == kVersionWithoutLevels) return Fault::kNone;
+  if (version_ != kVersionSigned) return Fault::kUnknownVersion;
+  if (!text_.HasDigest()) return Fault::kNoDigest;
+  if (text_.DataFollowsDigest()) return Fault::kDataBehindDigest;
   return text_.IsSigned() ? Fault::kNone : Fault::kWrongDigest;
 }
 
@@ -101,12 +83,8 @@ Status LoadDetectorFile(ICustomMatrix<double>& matrix, const std::filesystem::pa
   DetectorFile file;
   file.Read(path);
   Status result = file.ReadStatus();
-  if (result == Status::kOk) {
-    result = file.Fill(matrix);
-  }
-  if (result == Status::kOk && header != nullptr) {
-    *header = file.Text().Header();
-  }
+  if (result == Status::kOk) result = file.Fill(matrix);
+  if (result == Status::kOk && header != nullptr) *header = file.Text().Header();
   return result;
 }
 

@@ -18,9 +18,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 double InterpolateDetector(const CSimpleMatrix& matrix, double frequency_mhz, double level) {
   const std::uint32_t columns = matrix.GetCols();
   const std::uint32_t rows = matrix.GetRows();
-  if (columns < 2 || rows < 2) {
-    return std::numeric_limits<double>::quiet_NaN();
-  }
+  if (columns < 2 || rows < 2) return std::numeric_limits<double>::quiet_NaN();
   const auto item = [&matrix](std::size_t column, std::size_t row) {
     return matrix.GetItem(static_cast<std::uint32_t>(column), static_cast<std::uint32_t>(row));
   };
@@ -35,9 +33,7 @@ double InterpolateDetector(const CSimpleMatrix& matrix, double frequency_mhz, do
 bool DetectorTable::Axis::Assign(const std::vector<double>& points) {
   const bool finite =
       std::all_of(points.begin(), points.end(), [](double point) { return std::isfinite(point); });
-  if (!finite || !std::is_sorted(points.begin(), points.end())) {
-    return false;
-  }
+  if (!finite || !std::is_sorted(points.begin(), points.end())) return false;
   const std::size_t last = points.size() - 1;
   const double back = points.back();
   const double range = back - points.front();
@@ -65,9 +61,7 @@ inline const DetectorTable::Interval& DetectorTable::Axis::Find(double x) const 
 const DetectorTable::Interval& DetectorTable::Axis::Search(double x) const {
   static constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
   static constexpr Interval kNowhere = {kNan, kNan, kNan, 0, 0};
-  if (std::isnan(x)) {
-    return kNowhere;
-  }
+  if (std::isnan(x)) return kNowhere;
   const auto found =
       std::partition_point(intervals_.begin(), std::prev(intervals_.end()),
                            [x](const Interval& interval) { return interval.to <= x; });
@@ -77,9 +71,7 @@ const DetectorTable::Interval& DetectorTable::Axis::Search(double x) const {
 DetectorTable::DetectorTable(const CSimpleMatrix& matrix) {
   const std::uint32_t columns = matrix.GetCols();
   const std::uint32_t rows = matrix.GetRows();
-  if (columns < 2 || rows < 2) {
-    return;
-  }
+  if (columns < 2 || rows < 2) return;
   // A descending axis is reversed together with its values: a search then finds the same pair of
   // points with the same weights.
   const bool columns_descend = matrix.GetItem(columns - 1, 0) < matrix.GetItem(1, 0);
@@ -91,9 +83,7 @@ DetectorTable::DetectorTable(const CSimpleMatrix& matrix) {
     frequency_points[i] = matrix.GetItem(column_of(i), 0);
   }
   std::vector<double> level_points(rows - 1);
-  for (std::uint32_t j = 0; j < rows - 1; ++j) {
-    level_points[j] = matrix.GetItem(0, row_of(j));
-  }
+  for (std::uint32_t j = 0; j < rows - 1; ++j) level_points[j] = matrix.GetItem(0, row_of(j));
   if (!frequencies_.Assign(frequency_points) || !levels_.Assign(level_points)) {
     irregular_ = matrix;
     return;
@@ -123,9 +113,7 @@ void DetectorTable::Interpolate(std::span<const double> frequencies_mhz,
   }
   const Interval* column = &frequencies_.Find(std::numeric_limits<double>::quiet_NaN());
   for (std::size_t i = 0; i < values.size(); ++i) {
-    if (!column->Holds(frequencies_mhz[i])) {
-      column = &frequencies_.Find(frequencies_mhz[i]);
-    }
+    if (!column->Holds(frequencies_mhz[i])) column = &frequencies_.Find(frequencies_mhz[i]);
     const Interval& row = levels_.Find(levels[i]);
     const AxisPosition frequency = {column->first, column->second,
                                     column->Weight(frequencies_mhz[i])};

@@ -69,9 +69,7 @@ inline std::array<Key, 4> MakeKeys(const Block& state, const Block& message) {
   keys[0] = TransformP(u ^ v);
   for (std::size_t j = 1; j < keys.size(); ++j) {
     u = TransformA(u);
-    if (j == 2) {
-      u = u ^ kThirdKeyConstant;
-    }
+    if (j == 2) u = u ^ kThirdKeyConstant;
     v = TransformA(TransformA(v));
     keys[j] = TransformP(u ^ v);
   }
@@ -141,15 +139,11 @@ void Gost341194::Update(std::string_view bytes) {
     pending_size_ += taken;
     data += taken;
     left -= taken;
-    if (pending_size_ < kBlockBytes) {
-      return;
-    }
+    if (pending_size_ < kBlockBytes) return;
     Absorb(pending_.data());
     pending_size_ = 0;
   }
-  for (; left >= kBlockBytes; left -= kBlockBytes, data += kBlockBytes) {
-    Absorb(data);
-  }
+  for (; left >= kBlockBytes; left -= kBlockBytes, data += kBlockBytes) Absorb(data);
   std::copy_n(data, left, pending_.begin());
   pending_size_ = left;
 }

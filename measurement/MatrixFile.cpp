@@ -16,9 +16,7 @@ namespace {
 bool AllFinite(const ICustomMatrix<double>& matrix) {
   for (std::uint32_t row = 0; row < matrix.GetRows(); ++row) {
     for (std::uint32_t column = 0; column < matrix.GetCols(); ++column) {
-      if (!std::isfinite(matrix.GetItem(column, row))) {
-        return false;
-      }
+      if (!std::isfinite(matrix.GetItem(column, row))) return false;
     }
   }
   return true;
@@ -35,18 +33,14 @@ void AppendNumber(std::string& text, double value, bool exact) {
   char* end = write(13);
   double read_back = 0.0;
   std::from_chars(begin, end, read_back);
-  if (exact && read_back != value) {
-    end = write(17);
-  }
+  if (exact && read_back != value) end = write(17);
   text.append(begin, end);
 }
 
 std::string RowText(const ICustomMatrix<double>& matrix, std::uint32_t row, bool exact) {
   std::string text;
   for (std::uint32_t column = 0; column < matrix.GetCols(); ++column) {
-    if (column != 0) {
-      text += '\t';
-    }
+    if (column != 0) text += '\t';
     AppendNumber(text, matrix.GetItem(column, row), exact);
   }
   return text;
@@ -58,24 +52,16 @@ Status LoadMatrixFile(ICustomMatrix<double>* matrix, const std::filesystem::path
                       std::string* header, std::uint32_t flags) {
   MatrixText text;
   const Status result = text.Read(path);
-  if (result != Status::kOk) {
-    return result;
-  }
+  if (result != Status::kOk) return result;
   const bool check_digest = (flags & kMatrixFileDigest) != 0;
-  if (check_digest && !text.IsSigned()) {
-    return Status::kInvalidFileFormat;
-  }
-  if (header != nullptr) {
-    *header = check_digest ? text.SignedHeader() : text.Header();
-  }
+  if (check_digest && !text.IsSigned()) return Status::kInvalidFileFormat;
+  if (header != nullptr) *header = check_digest ? text.SignedHeader() : text.Header();
   return matrix != nullptr ? text.Fill(*matrix) : Status::kOk;
 }
 
 Status ComposeMatrixFile(const ICustomMatrix<double>& matrix, std::string_view header,
                          std::uint32_t flags, std::string& text) {
-  if (!AllFinite(matrix)) {
-    return Status::kInvalidValue;
-  }
+  if (!AllFinite(matrix)) return Status::kInvalidValue;
   text.clear();
   Gost341194 hash;
   const auto add_line = [&](std::string_view line) {
@@ -86,9 +72,7 @@ Status ComposeMatrixFile(const ICustomMatrix<double>& matrix, std::string_view h
   LineReader header_lines(header);
   std::string_view line;
   while (header_lines.Next(line)) {
-    if (!line.starts_with(kDigestMark)) {
-      add_line(line);
-    }
+    if (!line.starts_with(kDigestMark)) add_line(line);
   }
   for (std::uint32_t row = 0; row < matrix.GetRows(); ++row) {
     add_line(RowText(matrix, row, (flags & kMatrixFileExact) != 0));
@@ -105,9 +89,7 @@ Status SaveMatrixFile(const ICustomMatrix<double>& matrix, const std::filesystem
                       std::string_view header, std::uint32_t flags) {
   std::string text;
   const Status result = ComposeMatrixFile(matrix, header, flags, text);
-  if (result != Status::kOk) {
-    return result;
-  }
+  if (result != Status::kOk) return result;
   std::ofstream file = os::OpenForWriting(path);
   file << text;
   file.close();

@@ -40,9 +40,7 @@ std::string DigestOf(std::string_view text) {
   Gost341194 hash;
   LineReader lines(text);
   std::string_view line;
-  while (lines.Next(line) && !line.starts_with(kDigestMark)) {
-    hash.Update(line);
-  }
+  while (lines.Next(line) && !line.starts_with(kDigestMark)) hash.Update(line);
   return ToHexText(hash.Finish());
 }
 
@@ -50,9 +48,7 @@ std::string DigestOf(std::string_view text) {
 
 std::string_view Trimmed(std::string_view text, std::string_view margin) {
   const std::size_t begin = text.find_first_not_of(margin);
-  if (begin == std::string_view::npos) {
-    return {};
-  }
+  if (begin == std::string_view::npos) return {};
   return text.substr(begin, text.find_last_not_of(margin) - begin + 1);
 }
 
@@ -66,9 +62,7 @@ bool LineReader::Next(std::string_view& line) {
     const std::size_t length = std::min(rest_.find('\n'), rest_.size());
     line = Trimmed(rest_.substr(0, length));
     rest_.remove_prefix(std::min(length + 1, rest_.size()));
-    if (!line.empty()) {
-      return true;
-    }
+    if (!line.empty()) return true;
   }
   return false;
 }
@@ -78,21 +72,15 @@ void ParseNumbers(std::string_view line, std::vector<double>& numbers) {
   const char* const end = position + line.size();
   while (true) {
     position = std::find_if_not(position, end, IsBlank);
-    if (position == end) {
-      return;
-    }
+    if (position == end) return;
     double value = 0.0;
     const auto [stop, error] = std::from_chars(position, end, value);
     if (error == std::errc() && (stop == end || IsBlank(*stop))) {
-      if (!std::isfinite(value)) {
-        return;
-      }
+      if (!std::isfinite(value)) return;
       position = stop;
     } else {
       const char* const token_end = std::find_if(position, end, IsBlank);
-      if (!ParseUnusualNumber({position, token_end}, value)) {
-        return;
-      }
+      if (!ParseUnusualNumber({position, token_end}, value)) return;
       position = token_end;
     }
     numbers.push_back(value);
@@ -108,9 +96,7 @@ void MatrixText::Parse(OnFirstData&& on_first_data) {
     if (IsHeaderLine(line)) {
       TakeHeaderLine(line);
     } else {
-      if (!std::exchange(has_data, true)) {
-        on_first_data();
-      }
+      if (!std::exchange(has_data, true)) on_first_data();
       data_follows_digest_ = has_digest_;
       TakeDataLine(line);
     }
@@ -120,9 +106,7 @@ void MatrixText::Parse(OnFirstData&& on_first_data) {
 Status MatrixText::Read(const std::filesystem::path& path,
                         bool (*is_signed)(const std::string& header)) {
   std::optional<std::string> content = os::ReadWholeFile(path, kLargestFile);
-  if (!content) {
-    return Status::kCannotOpenFile;
-  }
+  if (!content) return Status::kCannotOpenFile;
   text_ = std::move(*content);
   // The digest takes several times as long as reading the numbers: for a large file both run in
   // parallel.
@@ -132,9 +116,7 @@ Status MatrixText::Read(const std::filesystem::path& path,
       digest = std::async(DigestOf, std::string_view(text_));
     }
   });
-  if (digest.valid()) {
-    early_digest_ = digest.get();
-  }
+  if (digest.valid()) early_digest_ = digest.get();
   return rows_ != 0 && uneven_row_ == 0 ? Status::kOk : Status::kInvalidFileFormat;
 }
 
@@ -146,9 +128,7 @@ void MatrixText::TakeHeaderLine(std::string_view line) {
       stored_digest_ = Trimmed(line.substr(kDigestMark.size() + 1));
     }
   }
-  if (!header_.empty()) {
-    header_ += '\n';
-  }
+  if (!header_.empty()) header_ += '\n';
   header_ += line;
 }
 
@@ -156,17 +136,13 @@ void MatrixText::TakeDataLine(std::string_view line) {
   const std::size_t before = numbers_.size();
   ParseNumbers(line, numbers_);
   const std::size_t count = numbers_.size() - before;
-  if (count == 0) {
-    return;
-  }
+  if (count == 0) return;
   if (rows_ == 0) {
     columns_ = static_cast<std::uint32_t>(count);
     numbers_.reserve(std::min(count * (text_.size() / line.size() + 1), text_.size() / 2 + 1));
   }
   ++rows_;
-  if (count != columns_ && uneven_row_ == 0) {
-    uneven_row_ = rows_;
-  }
+  if (count != columns_ && uneven_row_ == 0) uneven_row_ = rows_;
 }
 
 std::string MatrixText::ComputedDigest() const {
@@ -183,9 +159,7 @@ std::string_view MatrixText::SignedHeader() const {
 
 Status MatrixText::Fill(ICustomMatrix<double>& matrix) const {
   Status result = matrix.Resize(columns_, rows_);
-  if (result == Status::kOk) {
-    result = matrix.EndLoad(columns_, rows_);
-  }
+  if (result == Status::kOk) result = matrix.EndLoad(columns_, rows_);
   const double* number = numbers_.data();
   for (std::uint32_t row = 0; row < rows_ && result == Status::kOk; ++row) {
     for (std::uint32_t column = 0; column < columns_; ++column) {

@@ -48,9 +48,7 @@ Status CNewDetectorMatrixConvertor::SetItem(std::uint32_t column, std::uint32_t 
 }
 
 Status CNewDetectorMatrixConvertor::EndLoad(std::uint32_t /*columns*/, std::uint32_t rows) {
-  if (target_.GetRows() == 0 || target_.GetCols() == 0) {
-    return Status::kOk;
-  }
+  if (target_.GetRows() == 0 || target_.GetCols() == 0) return Status::kOk;
   // An item inside the matrix can always be set.
   Discard(target_.SetItem(0, 0, 0.0));
   for (std::uint32_t row = 1; row < rows; ++row) {

@@ -1,9 +1,7 @@
 #include "measurement/SimpleMatrix.h"
 
 Status CSimpleMatrix::Resize(std::uint32_t columns, std::uint32_t rows) {
-  if (GetCols() == columns && GetRows() == rows) {
-    return Status::kOk;
-  }
+  if (GetCols() == columns && GetRows() == rows) return Status::kOk;
   columns_.clear();
   columns_.resize(columns, std::vector<double>(rows));
   return Status::kOk;

@@ -35,13 +35,9 @@ TraceMatrix& TraceMatrix::operator=(const TraceMatrix& other) {
 }
 
 Status TraceMatrix::Resize(std::int32_t rows, std::int32_t columns) {
-  if (rows == rows_ && columns == columns_) {
-    return Status::kOk;
-  }
+  if (rows == rows_ && columns == columns_) return Status::kOk;
   Clear();
-  if (rows < 1 || columns < 1) {
-    return Status::kRefused;
-  }
+  if (rows < 1 || columns < 1) return Status::kRefused;
   values_.resize(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns));
   rows_ = rows;
   columns_ = columns;
@@ -55,28 +51,20 @@ void TraceMatrix::Clear() {
 }
 
 std::span<double> TraceMatrix::Row(std::int32_t row) {
-  if (row < 0 || row >= rows_) {
-    return {};
-  }
+  if (row < 0 || row >= rows_) return {};
   return {&Item(row, 0), static_cast<std::size_t>(columns_)};
 }
 
 std::span<const double> TraceMatrix::Row(std::int32_t row) const {
-  if (row < 0 || row >= rows_) {
-    return {};
-  }
+  if (row < 0 || row >= rows_) return {};
   return {&values_[Index(row, 0)], static_cast<std::size_t>(columns_)};
 }
 
 void TraceMatrix::SortRows() {
-  if (values_.empty()) {
-    return;
-  }
+  if (values_.empty()) return;
   std::vector<double> keys;
   keys.reserve(static_cast<std::size_t>(rows_));
-  for (std::int32_t row = 0; row < rows_; ++row) {
-    keys.push_back(Item(row, 0));
-  }
+  for (std::int32_t row = 0; row < rows_; ++row) keys.push_back(Item(row, 0));
   const auto width = static_cast<std::size_t>(columns_);
   std::vector<double> sorted;
   sorted.reserve(values_.size());
@@ -88,26 +76,20 @@ void TraceMatrix::SortRows() {
 }
 
 void TraceMatrix::SortColumns() {
-  if (values_.empty()) {
-    return;
-  }
+  if (values_.empty()) return;
   const std::span<const double> first = Row(0);
   const std::vector<std::size_t> order = AscendingOrder({first.begin(), first.end()});
   std::vector<double> sorted;
   sorted.reserve(values_.size());
   for (std::int32_t row = 0; row < rows_; ++row) {
     const std::span<const double> source = Row(row);
-    for (const std::size_t column : order) {
-      sorted.push_back(source[column]);
-    }
+    for (const std::size_t column : order) sorted.push_back(source[column]);
   }
   values_ = std::move(sorted);
 }
 
 double TraceMatrix::Interpolate(double x, double y) const {
-  if (rows_ < 2 || columns_ < 2) {
-    return std::numeric_limits<double>::quiet_NaN();
-  }
+  if (rows_ < 2 || columns_ < 2) return std::numeric_limits<double>::quiet_NaN();
   const auto item = [this](std::size_t row, std::size_t column) {
     return Item(static_cast<std::int32_t>(row), static_cast<std::int32_t>(column));
   };

@@ -14,9 +14,7 @@ template <typename Class>
 class ClassFactory final : public IClassFactory {
  public:
   STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
-    if (out == nullptr) {
-      return E_POINTER;
-    }
+    if (out == nullptr) return E_POINTER;
     const bool answered =
         IsEqualGUID(iid, __uuidof(IUnknown)) || IsEqualGUID(iid, __uuidof(IClassFactory));
     *out = answered ? static_cast<IClassFactory*>(this) : nullptr;
@@ -30,9 +28,7 @@ class ClassFactory final : public IClassFactory {
   STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
     return driver::Frame({out}, [&]() -> HRESULT {
       *out = nullptr;
-      if (outer != nullptr && !IsEqualGUID(iid, __uuidof(IUnknown))) {
-        return CLASS_E_NOAGGREGATION;
-      }
+      if (outer != nullptr && !IsEqualGUID(iid, __uuidof(IUnknown))) return CLASS_E_NOAGGREGATION;
       call_log::Start(__uuidof(ZentrelK4N));
       IUnknown& object = driver::ComObject<Class>::Create(outer)->Unknown();
       const HRESULT result = object.QueryInterface(iid, out);

@@ -9,9 +9,7 @@ STDAPI DllGetClassObject(REFCLSID class_id, REFIID iid, void** out) {
   return driver::Frame({out}, [&]() -> HRESULT {
     *out = nullptr;
     for (const ObjectMapEntry& entry : ObjectMap()) {
-      if (IsEqualGUID(entry.class_id, class_id)) {
-        return entry.factory.QueryInterface(iid, out);
-      }
+      if (IsEqualGUID(entry.class_id, class_id)) return entry.factory.QueryInterface(iid, out);
     }
     return CLASS_E_CLASSNOTAVAILABLE;
   });

@@ -25,9 +25,7 @@ void Connection::Start() {
 }
 
 void Connection::Close() {
-  if (!open_) {
-    return;
-  }
+  if (!open_) return;
   open_ = false;
   asio::error_code ignored;
   socket_.shutdown(asio::ip::tcp::socket::shutdown_both, ignored);
@@ -37,9 +35,7 @@ void Connection::Close() {
 }
 
 void Connection::Read() {
-  if (!open_ || reading_) {
-    return;
-  }
+  if (!open_ || reading_) return;
   reading_ = true;
   socket_.async_read_some(
       asio::buffer(received_),
@@ -66,13 +62,9 @@ void Connection::TakeRequests() {
 }
 
 void Connection::Send(Outgoing outgoing) {
-  if (!open_) {
-    return;
-  }
+  if (!open_) return;
   outgoing_.push_back(std::move(outgoing));
-  if (outgoing_.size() == 1) {
-    Write();
-  }
+  if (outgoing_.size() == 1) Write();
 }
 
 void Connection::Write() {
@@ -105,20 +97,14 @@ void Connection::OnWritten(std::size_t size) {
     return;
   }
   outgoing_.pop_front();
-  if (!outgoing_.empty()) {
-    Write();
-  }
-  if (!reading_) {
-    TakeRequests();
-  }
+  if (!outgoing_.empty()) Write();
+  if (!reading_) TakeRequests();
 }
 
 void Connection::Wait(std::chrono::milliseconds time, void (Connection::*then)()) {
   timer_.expires_after(time);
   timer_.async_wait([self = shared_from_this(), then](const asio::error_code& error) {
-    if (!error && self->open_) {
-      ((*self).*then)();
-    }
+    if (!error && self->open_) ((*self).*then)();
   });
 }
 

@@ -67,24 +67,18 @@ template <typename Row, std::size_t kRows>
 const Row& Find(const Row (&rows)[kRows], std::string_view name, std::string_view what) {
   const Row* const found = std::find_if(std::begin(rows), std::end(rows),
                                         [name](const Row& row) { return row.name == name; });
-  if (found == std::end(rows)) {
-    Refuse(what, name);
-  }
+  if (found == std::end(rows)) Refuse(what, name);
   return *found;
 }
 
 std::int64_t NumberOf(std::string_view text) {
   std::string_view digits = text;
   const bool hexadecimal = digits.starts_with("0x") || digits.starts_with("0X");
-  if (hexadecimal) {
-    digits.remove_prefix(2);
-  }
+  if (hexadecimal) digits.remove_prefix(2);
   std::int64_t value = 0;
   const auto [end, error] =
       std::from_chars(digits.data(), digits.data() + digits.size(), value, hexadecimal ? 16 : 10);
-  if (error != std::errc{} || end != digits.data() + digits.size()) {
-    Refuse("not a number", text);
-  }
+  if (error != std::errc{} || end != digits.data() + digits.size()) Refuse("not a number", text);
   return value;
 }
 
@@ -104,15 +98,11 @@ Fault ParseFault(std::string_view text) {
     const auto equals = std::min(assignment.find('='), assignment.size());
     const ValueName& name = Find(kValues, assignment.substr(0, equals), "unknown name");
     const std::int64_t value = NumberOf(assignment.substr(std::min(equals + 1, assignment.size())));
-    if (value < name.low || value > name.high) {
-      Refuse("out of range", assignment);
-    }
+    if (value < name.low || value > name.high) Refuse("out of range", assignment);
     name.set(fault, value);
     complete = complete || name.name == kind.needed;
   }
-  if (!complete) {
-    Refuse(std::string(kind.needed) + "= is missing", text);
-  }
+  if (!complete) Refuse(std::string(kind.needed) + "= is missing", text);
   return fault;
 }
 

@@ -22,12 +22,8 @@ Message AnswerTo(const Message& request) {
 }
 
 std::int16_t BlockStatus(const InstrumentState& state) {
-  if (!state.pll_locked) {
-    return status::kPllUnlocked;
-  }
-  if (!state.erg_good) {
-    return status::kErgFault;
-  }
+  if (!state.pll_locked) return status::kPllUnlocked;
+  if (!state.erg_good) return status::kErgFault;
   return state.level_settled ? status::kGood : status::kLevelNotSettled;
 }
 
@@ -57,12 +53,8 @@ Message Instrument::Execute(const Message& request) {
 }
 
 std::int16_t Instrument::Read(const Message& request, Bytes& answer) const {
-  if (IsFileRead(request)) {
-    return ReadFile(options_, request, answer);
-  }
-  if (IsSerialNumberQuery(request)) {
-    return ScrambledSerialNumber(options_, request, answer);
-  }
+  if (IsFileRead(request)) return ReadFile(options_, request, answer);
+  if (IsSerialNumberQuery(request)) return ScrambledSerialNumber(options_, request, answer);
   return settings_.Read(request, answer);
 }
 
@@ -71,12 +63,8 @@ Message Instrument::MeasureSweep(const Message& request) {
   const bool fraction = request.type == kFractionMark;
   answer.type = static_cast<std::uint8_t>(fraction ? kFractionMark : kIntegerMark);
   double scale = fraction ? 256.0 : 1.0;
-  if (options_.kind == InstrumentKind::kDetectors) {
-    scale *= std::ldexp(1.0, 24) / 5e6;
-  }
-  if (options_.kind != InstrumentKind::kGenerator) {
-    AppendPoints(answer.body, scale);
-  }
+  if (options_.kind == InstrumentKind::kDetectors) scale *= std::ldexp(1.0, 24) / 5e6;
+  if (options_.kind != InstrumentKind::kGenerator) AppendPoints(answer.body, scale);
   InstrumentState& state = settings_.state();
   AppendInteger(answer.body, static_cast<std::uint16_t>(BlockStatus(state)), 2);
   ++state.sweeps;
@@ -92,9 +80,7 @@ void Instrument::AppendPoints(Bytes& block, double scale) {
   for (std::size_t i = 0; i < points; ++i) {
     SourcePoint point;
     point.frequency = frequencies[i % frequencies.size()];
-    if (state.output_enabled) {
-      point.level = levels[i / frequencies.size()];
-    }
+    if (state.output_enabled) point.level = levels[i / frequencies.size()];
     for (const double reading : signal_path_.Measure(point, state.averaging)) {
       AppendInteger(block, static_cast<std::uint32_t>(RawReading(reading, scale)), 4);
     }

@@ -25,12 +25,8 @@ std::optional<std::string> FileContent(const Options& options, const std::string
   if (const auto found = options.files.find(path); found != options.files.end()) {
     return found->second;
   }
-  if (path == kSerialFile) {
-    return options.serial_number + "\r\n";
-  }
-  if (path == kTypeFile) {
-    return options.type + "\r\n";
-  }
+  if (path == kSerialFile) return options.serial_number + "\r\n";
+  if (path == kTypeFile) return options.type + "\r\n";
   return std::nullopt;
 }
 
@@ -40,9 +36,7 @@ std::uint32_t Inverse(std::uint32_t key) {
   std::uint64_t result = 1;
   std::uint64_t power = key;
   for (std::uint32_t exponent = kModulus - 2; exponent != 0; exponent >>= 1) {
-    if ((exponent & 1U) != 0) {
-      result = result * power % kModulus;
-    }
+    if ((exponent & 1U) != 0) result = result * power % kModulus;
     power = power * power % kModulus;
   }
   return static_cast<std::uint32_t>(result);
@@ -52,9 +46,7 @@ std::uint32_t Inverse(std::uint32_t key) {
 // of two neighbours one gives a word other than 65536, which has no 16 bits.
 std::uint16_t Scramble(std::uint8_t character, std::uint32_t inverse) {
   const std::uint64_t word = static_cast<std::uint64_t>(character) * inverse % kModulus;
-  if (word < kModulus - 1) {
-    return static_cast<std::uint16_t>(word);
-  }
+  if (word < kModulus - 1) return static_cast<std::uint16_t>(word);
   return static_cast<std::uint16_t>((character + 256ULL) * inverse % kModulus);
 }
 
@@ -62,9 +54,7 @@ std::uint16_t Crc16(std::string_view text) {
   std::uint32_t crc = 0;
   for (const char character : text) {
     crc ^= static_cast<std::uint8_t>(character);
-    for (int bit = 0; bit < 8; ++bit) {
-      crc = (crc & 1U) != 0 ? (crc >> 1) ^ 0xA001U : crc >> 1;
-    }
+    for (int bit = 0; bit < 8; ++bit) crc = (crc & 1U) != 0 ? (crc >> 1) ^ 0xA001U : crc >> 1;
   }
   return static_cast<std::uint16_t>(crc);
 }
@@ -84,14 +74,10 @@ std::int16_t ReadFile(const Options& options, const Message& request, Bytes& ans
   const Bytes& body = request.body;
   const auto path_end =
       body.size() > kPathAt ? std::find(body.begin() + kPathAt, body.end(), 0) : body.end();
-  if (path_end == body.end()) {
-    return status::kUnknownForm;
-  }
+  if (path_end == body.end()) return status::kUnknownForm;
   const std::optional<std::string> content =
       FileContent(options, std::string(body.begin() + kPathAt, path_end));
-  if (!content) {
-    return status::kFileMissing;
-  }
+  if (!content) return status::kFileMissing;
   answer.assign(body.begin(), path_end + 1);
   const std::size_t offset = std::min<std::size_t>(ReadDoubleWord(body, 2), content->size());
   const std::size_t count = std::min({static_cast<std::size_t>(ReadDoubleWord(body, 6)),
@@ -102,13 +88,9 @@ std::int16_t ReadFile(const Options& options, const Message& request, Bytes& ans
 }
 
 std::int16_t ScrambledSerialNumber(const Options& options, const Message& request, Bytes& answer) {
-  if (!options.serial_number_query) {
-    return status::kUnknownParameter;
-  }
+  if (!options.serial_number_query) return status::kUnknownParameter;
   const std::uint32_t key = request.body.size() < 4 ? 0 : ReadWord(request.body, 2);
-  if (key == 0) {
-    return status::kUnknownForm;
-  }
+  if (key == 0) return status::kUnknownForm;
   const std::uint32_t inverse = Inverse(key);
   answer.assign(request.body.begin(), request.body.begin() + 2);
   for (const char character : options.serial_number) {

@@ -64,13 +64,9 @@ std::string DescribePulses(const PulseTrain& train) {
 }  // namespace
 
 std::vector<double> Axis::Values() const {
-  if (mode == AxisMode::kList) {
-    return list;
-  }
+  if (mode == AxisMode::kList) return list;
   std::vector<double> values(points);
-  for (std::uint32_t i = 0; i < points; ++i) {
-    values[i] = start + i * step;
-  }
+  for (std::uint32_t i = 0; i < points; ++i) values[i] = start + i * step;
   return values;
 }
 

@@ -12,9 +12,7 @@ constexpr std::size_t kIdentifierSize = 2;
 // Before the chunk the form's elements, then offset and count, then the entries.
 ElementName NameOfElement(const ParameterForm& form, std::size_t index) {
   constexpr ElementName kChunk[] = {{"offset"}, {"count"}};
-  if (index < form.count) {
-    return form.elements[index];
-  }
+  if (index < form.count) return form.elements[index];
   index -= form.count;
   return index < std::size(kChunk) ? kChunk[index]
                                    : form.entry[(index - std::size(kChunk)) % form.entry.size()];
@@ -37,9 +35,7 @@ std::vector<NamedValue> ElementsOf(const Message& message) {
       id ? FindParameterForm(*id, message.count, message.type) : nullptr;
   const auto format =
       ElementFormat::FromType(message.type, form != nullptr ? form->is_signed : has_fraction);
-  if (!id || !format) {
-    return {};
-  }
+  if (!id || !format) return {};
   std::vector<double> values =
       DecodeElements(std::span(message.body).subspan(kIdentifierSize), *format);
   if (form != nullptr && form->entry.empty() && values.size() > form->count) {
@@ -54,9 +50,7 @@ std::vector<NamedValue> ElementsOf(const Message& message) {
 }
 
 std::string StatusText(std::int16_t status) {
-  if (status >= 0) {
-    return std::to_string(status);
-  }
+  if (status >= 0) return std::to_string(status);
   char text[16];
   std::snprintf(text, sizeof text, "0x%04X",
                 static_cast<unsigned>(static_cast<std::uint16_t>(status)));
@@ -66,9 +60,7 @@ std::string StatusText(std::int16_t status) {
 std::string FileText(const Message& message, bool is_answer) {
   const std::string body(message.body.begin(), message.body.end());
   const std::size_t path_end = std::min(body.find('\0', kPathAt), body.size());
-  if (path_end < kPathAt) {
-    return {};
-  }
+  if (path_end < kPathAt) return {};
   std::string text = is_answer ? body.substr(std::min(path_end + 1, body.size()))
                                : body.substr(kPathAt, path_end - kPathAt);
   std::replace_if(

@@ -9,9 +9,7 @@ namespace simulator {
 namespace {
 
 void Require(bool holds, const char* what) {
-  if (!holds) {
-    throw std::invalid_argument(what);
-  }
+  if (!holds) throw std::invalid_argument(what);
 }
 
 bool IsWithin(double value, double low, double high) {

@@ -22,21 +22,15 @@ std::string ValuesText(const Message& message) {
     std::snprintf(number, sizeof number, "%s%.12g", i == 0 ? "" : ", ", values[i].value);
     text += number;
   }
-  if (values.size() > kShownValues) {
-    text += " ... " + std::to_string(values.size()) + " values";
-  }
+  if (values.size() > kShownValues) text += " ... " + std::to_string(values.size()) + " values";
   return text + "]";
 }
 
 }  // namespace
 
 void RequestLog::Add(RequestRecord record) {
-  if (capacity_ == 0) {
-    return;
-  }
-  if (records_.size() == capacity_) {
-    records_.pop_front();
-  }
+  if (capacity_ == 0) return;
+  if (records_.size() == capacity_) records_.pop_front();
   records_.push_back(std::move(record));
 }
 

@@ -16,9 +16,7 @@ bool Is(const std::optional<Fault>& fault, FaultKind kind) { return fault && fau
 }  // namespace
 
 Bench::Bench(const Options& options) : instrument(options), log(options.log_capacity) {
-  for (const Fault& fault : options.faults) {
-    faults.Add(fault);
-  }
+  for (const Fault& fault : options.faults) faults.Add(fault);
   sweep.Restart(instrument.Plan());
 }
 
@@ -58,9 +56,7 @@ void Server::Listen(std::uint16_t port) {
 
 void Server::Accept() {
   acceptor_.async_accept([this](const asio::error_code& error, asio::ip::tcp::socket socket) {
-    if (!acceptor_.is_open()) {
-      return;
-    }
+    if (!acceptor_.is_open()) return;
     if (!error && connections_.size() < options_.max_connections) {
       RequestHandler& handler = *this;
       auto connection = std::make_shared<Connection>(std::move(socket), ++last_id_, handler);
@@ -84,9 +80,7 @@ void Server::AcceptNext(const asio::error_code& error) {
   // The machine is out of sockets, say: it has more after a while.
   accept_pause_.expires_after(std::chrono::milliseconds(100));
   accept_pause_.async_wait([this](const asio::error_code& cancelled) {
-    if (!cancelled) {
-      Accept();
-    }
+    if (!cancelled) Accept();
   });
 }
 
@@ -125,9 +119,7 @@ void Server::Answer(Connection& connection, const Message& request,
   } else {
     const std::lock_guard lock(bench_.mutex);
     answer = bench_.instrument.Execute(request);
-    if (request.command == command::kWrite) {
-      bench_.sweep.Restart(bench_.instrument.Plan());
-    }
+    if (request.command == command::kWrite) bench_.sweep.Restart(bench_.instrument.Plan());
   }
   Note(connection, request, &answer, "");
   Send(connection, std::move(answer), fault);
@@ -146,9 +138,7 @@ void Server::Note(const Connection& connection, const Message& request, const Me
   {
     const std::lock_guard lock(bench_.mutex);
     bench_.log.Add(record);
-    if (!observer_) {
-      return;
-    }
+    if (!observer_) return;
     state = bench_.instrument.settings().state();
   }
   observer_(record, state);
@@ -169,9 +159,7 @@ void Server::OnClosed(Connection& connection) {
 
 void Server::CloseConnections() {
   const std::vector<std::shared_ptr<Connection>> connections = connections_;
-  for (const auto& connection : connections) {
-    connection->Close();
-  }
+  for (const auto& connection : connections) connection->Close();
 }
 
 void Server::DropConnections() {
@@ -199,14 +187,10 @@ void Server::ScheduleSweepEnd() {
     }
   }
   sweep_end_.cancel();
-  if (!end || !acceptor_.is_open()) {
-    return;
-  }
+  if (!end || !acceptor_.is_open()) return;
   sweep_end_.expires_at(*end);
   sweep_end_.async_wait([this](const asio::error_code& error) {
-    if (!error) {
-      DeliverSweep();
-    }
+    if (!error) DeliverSweep();
   });
 }
 
@@ -216,9 +200,7 @@ void Server::DeliverSweep() {
   {
     const std::lock_guard lock(bench_.mutex);
     const auto end = bench_.sweep.End();
-    if (!end || *end > SweepTimer::Clock::now()) {
-      return;
-    }
+    if (!end || *end > SweepTimer::Clock::now()) return;
     bench_.sweep.Delivered();
   }
   for (const auto& connection : connections_) {

@@ -113,36 +113,24 @@ Settings::FormSearch Settings::FindForm(std::uint16_t id, std::uint8_t count,
                                         std::uint8_t type) const {
   FormSearch search{nullptr, status::kUnknownParameter};
   for (const Form& form : kForms) {
-    if (form.id != id || !form.known(options_)) {
-      continue;
-    }
-    if (form.count == count && form.type == type) {
-      return {&form, status::kGood};
-    }
+    if (form.id != id || !form.known(options_)) continue;
+    if (form.count == count && form.type == type) return {&form, status::kGood};
     search.status = status::kUnknownForm;
   }
   return search;
 }
 
 std::int16_t Settings::Write(const Message& request, Bytes& answer) {
-  if (request.body.size() < kIdSize) {
-    return status::kUnknownForm;
-  }
+  if (request.body.size() < kIdSize) return status::kUnknownForm;
   const std::uint16_t id = ReadWord(request.body, 0);
-  if (IsBlock(request, id)) {
-    return WriteBlock(request, id, answer);
-  }
+  if (IsBlock(request, id)) return WriteBlock(request, id, answer);
   const FormSearch search = FindForm(id, request.count, request.type);
-  if (search.form == nullptr) {
-    return search.status;
-  }
+  if (search.form == nullptr) return search.status;
   const Form& form = *search.form;
   const auto format = ElementFormat::FromType(form.type, form.is_signed);
   const Values values =
       DecodeElements(std::span<const std::uint8_t>(request.body).subspan(kIdSize), *format);
-  if (form.set == nullptr || values.size() < form.count) {
-    return status::kUnknownForm;
-  }
+  if (form.set == nullptr || values.size() < form.count) return status::kUnknownForm;
   if (id == id::kShortLevel && options_.power_variant == 0 && !power_woken_) {
     power_woken_ = true;
     return status::kUnknownForm;
@@ -157,20 +145,12 @@ std::int16_t Settings::Write(const Message& request, Bytes& answer) {
 }
 
 std::int16_t Settings::Read(const Message& request, Bytes& answer) const {
-  if (request.body.size() < kIdSize) {
-    return status::kUnknownForm;
-  }
+  if (request.body.size() < kIdSize) return status::kUnknownForm;
   const std::uint16_t id = ReadWord(request.body, 0);
   const FormSearch search = FindForm(id, request.count, request.type);
-  if (search.form == nullptr) {
-    return search.status;
-  }
-  if (id == id::kFrequency && !state_.pll_locked) {
-    return status::kPllUnlocked;
-  }
-  if (id == id::kFrequency && !state_.erg_good) {
-    return status::kErgFault;
-  }
+  if (search.form == nullptr) return search.status;
+  if (id == id::kFrequency && !state_.pll_locked) return status::kPllUnlocked;
+  if (id == id::kFrequency && !state_.erg_good) return status::kErgFault;
   const Form& form = *search.form;
   AppendInteger(answer, id, kIdSize);
   AppendElements(answer, *ElementFormat::FromType(form.type, form.is_signed),
@@ -258,9 +238,7 @@ Settings::Values Settings::GetPhaseDelay(const Form& /*form*/) const {
 
 void Settings::SetCompensation(const Form& /*form*/, std::span<const double> values) {
   constexpr double kLastMode = 4;
-  if (values[0] <= kLastMode) {
-    state_.compensation_mode = Whole<std::uint16_t>(values[0]);
-  }
+  if (values[0] <= kLastMode) state_.compensation_mode = Whole<std::uint16_t>(values[0]);
 }
 Settings::Values Settings::GetCompensation(const Form& /*form*/) const {
   return {static_cast<double>(state_.compensation_mode)};

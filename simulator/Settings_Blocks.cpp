@@ -35,9 +35,7 @@ bool TakeApart(const Message& request, const ElementFormat& format, std::size_t 
   chunk.values = DecodeElements(std::span<const std::uint8_t>(request.body).subspan(2), format);
   chunk.fixed = request.count;
   chunk.per_entry = per_entry;
-  if (chunk.values.size() < chunk.fixed + 2) {
-    return false;
-  }
+  if (chunk.values.size() < chunk.fixed + 2) return false;
   const double offset = chunk.values[chunk.fixed];
   const double count = chunk.values[chunk.fixed + 1];
   const std::size_t room = (chunk.values.size() - chunk.fixed - 2) / per_entry;
@@ -111,12 +109,8 @@ std::int16_t Settings::WriteList(const Message& request, std::uint16_t id, Bytes
 void Settings::SetPulseHead(std::span<const double> values) {
   PulseTrain& train = state_.pulses;
   train.mode = values[0] == 2.0 ? 2 : 0;
-  if (values[1] == 2.0 || values[1] == 3.0) {
-    train.source = static_cast<std::uint32_t>(values[1]);
-  }
-  if (values.size() > 2) {
-    train.inverse = values[2] != 0.0;
-  }
+  if (values[1] == 2.0 || values[1] == 3.0) train.source = static_cast<std::uint32_t>(values[1]);
+  if (values.size() > 2) train.inverse = values[2] != 0.0;
 }
 void Settings::SetPulseHead(const Form& /*form*/, std::span<const double> values) {
   SetPulseHead(values);
@@ -157,9 +151,7 @@ std::int16_t Settings::WritePulses(const Message& request, Bytes& answer) {
 
 std::int16_t Settings::WriteFrequencyTable(const Message& request, std::uint16_t id,
                                            Bytes& answer) {
-  if (request.type != 0x21) {
-    return status::kUnknownForm;
-  }
+  if (request.type != 0x21) return status::kUnknownForm;
   const ElementFormat format = *ElementFormat::FromType(0x21, true);
   std::vector<double>& values = state_.unnamed[id];
   values = DecodeElements(std::span<const std::uint8_t>(request.body).subspan(2), format);

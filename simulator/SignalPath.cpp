@@ -13,9 +13,7 @@ SignalPath::SignalPath(const DeviceUnderTest& device, double noise, std::uint32_
 
 std::array<double, kChannels> SignalPath::Measure(const SourcePoint& point, unsigned averaging) {
   std::array<double, kChannels> readings{};
-  if (!point.level) {
-    return readings;
-  }
+  if (!point.level) return readings;
   const std::array<double, kChannels> responses{device_.Through(point.frequency),
                                                 device_.Reflected(point.frequency), 0.0};
   for (std::size_t channel = 0; channel < kChannels; ++channel) {

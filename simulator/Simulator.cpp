@@ -20,9 +20,7 @@ class Simulator::Impl {
       change();
     }
     const std::lock_guard lock(server_mutex);
-    if (server) {
-      server->SweepChanged();
-    }
+    if (server) server->SweepChanged();
   }
 
   const Options options;
@@ -42,9 +40,7 @@ Simulator::~Simulator() { Stop(); }
 
 void Simulator::Start() {
   const std::lock_guard lock(impl_->server_mutex);
-  if (impl_->server) {
-    return;
-  }
+  if (impl_->server) return;
   const std::uint16_t port = impl_->port != 0 ? impl_->port : impl_->options.port;
   impl_->server = std::make_unique<Server>(impl_->options, port, impl_->bench, impl_->observer);
   impl_->port = impl_->server->port();
@@ -84,9 +80,7 @@ std::size_t Simulator::ConnectionCount() const {
 
 void Simulator::DropConnections() {
   const std::lock_guard lock(impl_->server_mutex);
-  if (impl_->server) {
-    impl_->server->DropConnections();
-  }
+  if (impl_->server) impl_->server->DropConnections();
 }
 
 InstrumentState Simulator::State() const {

@@ -14,20 +14,14 @@ void SweepTimer::Request(Clock::time_point now) {
 }
 
 void SweepTimer::Cancel() {
-  if (plan_.start == SweepPlan::Start::kAtOnce) {
-    end_.reset();
-  }
+  if (plan_.start == SweepPlan::Start::kAtOnce) end_.reset();
 }
 
 void SweepTimer::Trigger(Clock::time_point now) {
-  if (plan_.start == SweepPlan::Start::kAtOnce || end_) {
-    return;
-  }
+  if (plan_.start == SweepPlan::Start::kAtOnce || end_) return;
   const bool whole = plan_.start == SweepPlan::Start::kTrigger;
   triggered_points_ += whole ? plan_.points : 1;
-  if (triggered_points_ >= plan_.points) {
-    end_ = now + (whole ? plan_.points : 1) * plan_.point_time;
-  }
+  if (triggered_points_ >= plan_.points) end_ = now + (whole ? plan_.points : 1) * plan_.point_time;
 }
 
 void SweepTimer::Delivered() {

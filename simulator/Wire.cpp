@@ -17,9 +17,7 @@ constexpr std::size_t kSequenceAt = 12;
 
 std::uint64_t ReadInteger(std::span<const std::uint8_t> bytes) {
   std::uint64_t value = 0;
-  for (std::size_t i = bytes.size(); i-- > 0;) {
-    value = (value << 8) | bytes[i];
-  }
+  for (std::size_t i = bytes.size(); i-- > 0;) value = (value << 8) | bytes[i];
   return value;
 }
 
@@ -45,17 +43,11 @@ void RequestParser::Feed(std::span<const std::uint8_t> bytes) {
 
 std::optional<Message> RequestParser::Next() {
   const auto rest = [this] { return std::span(buffer_).subspan(position_); };
-  while (rest().size() >= 2 && ReadWord(rest(), 0) != kHeaderWord) {
-    ++position_;
-  }
+  while (rest().size() >= 2 && ReadWord(rest(), 0) != kHeaderWord) ++position_;
   const std::span<const std::uint8_t> bytes = rest();
-  if (bytes.size() < kHeaderSize) {
-    return std::nullopt;
-  }
+  if (bytes.size() < kHeaderSize) return std::nullopt;
   const std::size_t length = BodyLength(bytes);
-  if (bytes.size() < kHeaderSize + length) {
-    return std::nullopt;
-  }
+  if (bytes.size() < kHeaderSize + length) return std::nullopt;
   const auto body = bytes.subspan(kHeaderSize, length);
   Message request = DecodeHeader(bytes);
   request.body.assign(body.begin(), body.end());
@@ -93,9 +85,7 @@ bool IsSerialNumberQuery(const Message& request) {
 std::optional<ElementFormat> ElementFormat::FromType(std::uint8_t type, bool is_signed) {
   const std::size_t size = type >> 4;
   const std::size_t fraction = type & 0x0F;
-  if (size < 1 || size > 8 || fraction > 2 || fraction >= size) {
-    return std::nullopt;
-  }
+  if (size < 1 || size > 8 || fraction > 2 || fraction >= size) return std::nullopt;
   return ElementFormat{size, fraction, is_signed};
 }
 

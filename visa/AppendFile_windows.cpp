@@ -64,9 +64,7 @@ std::string AppendFile::Identity() const { return IdentityOf(HandleOf(handle_));
 bool AppendFile::Replace(const std::filesystem::path& from, const std::filesystem::path& to) {
   if (std::filesystem::is_directory(to)) return false;
   const std::wstring aside = to.native() + L"-" + std::to_wstring(GetCurrentProcessId());
-  if (MoveFileExW(to.c_str(), aside.c_str(), MOVEFILE_REPLACE_EXISTING)) {
-    DeleteFileW(aside.c_str());
-  }
+  if (MoveFileExW(to.c_str(), aside.c_str(), MOVEFILE_REPLACE_EXISTING)) DeleteFileW(aside.c_str());
   return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE;
 }
 

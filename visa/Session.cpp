@@ -74,9 +74,7 @@ void Session::Close() {
 }
 
 ViStatus Session::GetAttribute(ViAttr attribute, void* value) {
-  if (attribute == VI_ATTR_RSRC_LOCK_STATE) {
-    attributes_.SetNumber(Slot::kLockState, lock_->State());
-  }
+  if (attribute == VI_ATTR_RSRC_LOCK_STATE) attributes_.SetNumber(Slot::kLockState, lock_->State());
   if (attribute == VI_ATTR_ZENTREL_LOCK_OWNER && value != nullptr) {
     const std::string owner = lock_->Owner().substr(0, VI_FIND_BUFLEN - 1);
     std::memcpy(value, owner.c_str(), owner.size() + 1);

@@ -101,9 +101,7 @@ Socket::~Socket() = default;
 ViStatus Socket::Connect(const Address& address, Deadline deadline) {
   impl_->fd.Reset(socket(address.family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_TCP));
   const int fd = impl_->fd.Get();
-  if (fd < 0) {
-    return errno == EMFILE || errno == ENFILE ? VI_ERROR_ALLOC : VI_ERROR_RSRC_NFOUND;
-  }
+  if (fd < 0) return errno == EMFILE || errno == ENFILE ? VI_ERROR_ALLOC : VI_ERROR_RSRC_NFOUND;
   SetNoDelay(true);
   if (connect(fd, reinterpret_cast<const sockaddr*>(address.bytes.data()),
               static_cast<socklen_t>(address.length)) != 0) {

@@ -38,9 +38,7 @@ std::string ToUtf8(os::WideView text) { return os::ToNarrow(text, os::kUtf8CodeP
 DriverModule::DriverModule(Company company, const std::u16string& letters)
     : folder_(NewFolder(letters)) {
   CopyModule(ZK_DRIVER_MODULE, folder_, "zentrelk4nlib");
-  if (company == Company::kVisaLibrary) {
-    CopyModule(ZK_VISA_MODULE, folder_, "zevisa");
-  }
+  if (company == Company::kVisaLibrary) CopyModule(ZK_VISA_MODULE, folder_, "zevisa");
   if (!module_.Load(folder_ / "zentrelk4nlib.dll")) {
     ADD_FAILURE() << "The driver module cannot be loaded";
   }
@@ -111,9 +109,7 @@ Surface::Surface(DriverModule& driver) {
 ErrorInfo TakeErrorInfo() {
   ErrorInfo taken;
   ComPtr<IErrorInfo> info;
-  if (GetErrorInfo(0, info.Put()) != S_OK) {
-    return taken;
-  }
+  if (GetErrorInfo(0, info.Put()) != S_OK) return taken;
   taken.present = true;
   Bstr description;
   info->GetDescription(description.Put());

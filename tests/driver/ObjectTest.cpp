@@ -51,9 +51,7 @@ TEST(Objects, EveryInterfaceLeadsToEveryOtherAndToOneIdentity) {
     const auto object = SharedModule().Create(row.class_id);
     for (const auto& from : row.interfaces) {
       const auto start = Query(*object.Get(), from);
-      for (const auto& to : row.interfaces) {
-        EXPECT_TRUE(Query(*start.Get(), to));
-      }
+      for (const auto& to : row.interfaces) EXPECT_TRUE(Query(*start.Get(), to));
       EXPECT_EQ(start.As<IUnknown>().Get(), object.Get());
     }
     EXPECT_EQ(Query(*object.Get(), row.interfaces.front()).Get(), object.Get())

@@ -105,9 +105,7 @@ TEST_F(Session, EndsAndBeginsAgainAfterALossInTheMiddleOfASweep) {
     }));
     loss.lose(instrument_);
 
-    for (std::size_t i = 0; i < loss.calls; ++i) {
-      EXPECT_LT(kLaterCalls[i](surface_), 0) << i;
-    }
+    for (std::size_t i = 0; i < loss.calls; ++i) EXPECT_LT(kLaterCalls[i](surface_), 0) << i;
     double frequency = 0.0;
     EXPECT_EQ(surface_.rf->get_Frequency(&frequency), S_OK);
     EXPECT_EQ(frequency, 1e9) << "getters answer from what the driver knows";

@@ -96,18 +96,14 @@ std::vector<double> RandomAxis(Shape shape, std::mt19937& random) {
   std::uniform_int_distribution<int> size(1, 12);
   std::uniform_real_distribution<double> point(-4, 3);
   std::vector<double> axis(static_cast<std::size_t>(size(random)));
-  for (double& x : axis) {
-    x = shape == Shape::kRepeating ? std::round(point(random)) : point(random);
-  }
+  for (double& x : axis) x = shape == Shape::kRepeating ? std::round(point(random)) : point(random);
   if (shape == Shape::kWild) {
     const double odd[] = {kNan, kInfinity, -kInfinity, 1e308, -1e308};
     for (double& x : axis) x = odd[random() % 5];
   } else if (shape != Shape::kUnsorted) {
     std::sort(axis.begin(), axis.end());
   }
-  if (shape == Shape::kDescending || random() % 4 == 0) {
-    std::reverse(axis.begin(), axis.end());
-  }
+  if (shape == Shape::kDescending || random() % 4 == 0) std::reverse(axis.begin(), axis.end());
   return axis;
 }
 

@@ -17,9 +17,7 @@ class TempFile {
     const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
     std::string name =
         std::string(test.test_suite_name()) + "." + test.name() + "." + std::to_string(++count);
-    for (char& c : name) {
-      c = c == '/' ? '_' : c;
-    }
+    for (char& c : name) c = c == '/' ? '_' : c;
     path_ = std::filesystem::temp_directory_path() / (name + ".det");
     std::ofstream(path_, std::ios::binary) << content;
   }

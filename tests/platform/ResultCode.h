@@ -10,9 +10,10 @@
 
 /// A result in a table, by number or by name.
 struct ResultCode {
-  constexpr ResultCode(std::int32_t code) : number(code) {}  // NOLINT(google-explicit-constructor)
-  constexpr ResultCode(Status status)
-      : number(ToCode(status)) {}  // NOLINT(google-explicit-constructor)
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  constexpr ResultCode(std::int32_t code) : number(code) {}
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  constexpr ResultCode(Status status) : number(ToCode(status)) {}
 
   std::int32_t number;
 };

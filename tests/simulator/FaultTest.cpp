@@ -93,9 +93,7 @@ TEST(FaultText, SaysWhatStrikesWhat) {
       {"delay:pause=250", "5 - - 0 0 0 0 0 250"},
       {"delay:pause=3600000,command=65535", "5 65535 - 0 0 0 0 0 3600000"},
   };
-  for (const auto& [text, expected] : cases) {
-    EXPECT_EQ(Show(ParseFault(text)), expected) << text;
-  }
+  for (const auto& [text, expected] : cases) EXPECT_EQ(Show(ParseFault(text)), expected) << text;
 }
 
 TEST(FaultText, RefusesWhatIsNoFaultInOneLine) {

@@ -150,9 +150,7 @@ TEST_F(LinkTest, AClientThatNeverReadsDoesNotFillTheMemory) {
   }
   std::jthread sender([&] {
     try {
-      for (int i = 0; i < 100000; ++i) {
-        deaf.Send(requests);
-      }
+      for (int i = 0; i < 100000; ++i) deaf.Send(requests);
       ADD_FAILURE() << "all was taken";
     } catch (const std::system_error&) {
       // The instrument went away while the rest of the requests waited.

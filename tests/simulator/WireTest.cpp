@@ -16,9 +16,7 @@ TEST(RequestParser, TakesRequestsBehindRubbishHoweverTheBytesCome) {
     std::vector<Message> requests;
     for (std::size_t at = 0; at < stream.size(); at += piece) {
       parser.Feed(std::span(stream).subspan(at, std::min(piece, stream.size() - at)));
-      while (auto request = parser.Next()) {
-        requests.push_back(*request);
-      }
+      while (auto request = parser.Next()) requests.push_back(*request);
     }
     ASSERT_EQ(requests.size(), 2U) << piece;
     EXPECT_EQ(requests[0].command, 3);

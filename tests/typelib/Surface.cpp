@@ -11,18 +11,14 @@ std::string ReadTextFile(const std::string& file) {
   std::ifstream in(file, std::ios::binary);
   std::ostringstream text;
   text << in.rdbuf();
-  if (!in || text.str().empty()) {
-    throw std::runtime_error("cannot read " + file);
-  }
+  if (!in || text.str().empty()) throw std::runtime_error("cannot read " + file);
   return text.str();
 }
 
 Lines ReadExpectedSurface() {
   std::istringstream text(ReadTextFile(ZK_EXPECTED_SURFACE));
   Lines lines;
-  for (std::string line; std::getline(text, line);) {
-    lines.push_back(line);
-  }
+  for (std::string line; std::getline(text, line);) lines.push_back(line);
   return lines;
 }
 

@@ -24,9 +24,7 @@ Lines AsReadByIdentifier(Lines lines) {
   for (std::string& line : lines) {
     std::smatch match;
     const std::string id = std::regex_match(line, match, member) ? match[1].str() : "";
-    if (!id.empty() && id == previous) {
-      line = std::regex_replace(line, named, "$1");
-    }
+    if (!id.empty() && id == previous) line = std::regex_replace(line, named, "$1");
     previous = id;
   }
   return lines;

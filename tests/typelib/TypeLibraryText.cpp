@@ -20,9 +20,7 @@ std::string Format(const char* format, auto... values) {
 }
 
 void Require(HRESULT result, const char* what) {
-  if (FAILED(result)) {
-    throw std::runtime_error(std::string(what) + Format(": 0x%08lX", result));
-  }
+  if (FAILED(result)) throw std::runtime_error(std::string(what) + Format(": 0x%08lX", result));
 }
 
 struct BitName {
@@ -50,9 +48,7 @@ std::string Bits(unsigned bits, std::span<const BitName> names) {
       bits &= ~bit;
     }
   }
-  if (bits != 0) {
-    add(Format("0x%X", bits));
-  }
+  if (bits != 0) add(Format("0x%X", bits));
   return text;
 }
 
@@ -102,9 +98,7 @@ class Reader {
     for (UINT i = 0; i < library_.GetTypeInfoCount(); ++i) {
       TYPEKIND kind = TKIND_MAX;
       Require(library_.GetTypeInfoType(i, &kind), "kind of a type");
-      if (!wanted(kind)) {
-        continue;
-      }
+      if (!wanted(kind)) continue;
       ComPtr<ITypeInfo> type;
       TYPEATTR* attributes = nullptr;
       Require(library_.GetTypeInfo(i, type.Put()), "type");
@@ -137,13 +131,9 @@ class Reader {
     for (UINT i = 0; i < attributes.cImplTypes; ++i) {
       DescribeImplemented(type, i, attributes.typekind);
     }
-    for (UINT i = 0; i < attributes.cVars; ++i) {
-      DescribeConstant(type, i);
-    }
+    for (UINT i = 0; i < attributes.cVars; ++i) DescribeConstant(type, i);
     last_named_ = MEMBERID_NIL;
-    for (UINT i = 0; i < attributes.cFuncs; ++i) {
-      DescribeMember(type, i);
-    }
+    for (UINT i = 0; i < attributes.cFuncs; ++i) DescribeMember(type, i);
   }
 
   void DescribeImplemented(ITypeInfo& type, UINT index, TYPEKIND kind) {
@@ -206,9 +196,7 @@ class Reader {
       names.push_back(text == nullptr ? "" : Utf8(text));
       SysFreeString(text);
     }
-    if (std::exchange(last_named_, member.memid) == member.memid) {
-      names.resize(1);
-    }
+    if (std::exchange(last_named_, member.memid) == member.memid) names.resize(1);
     names.resize(static_cast<std::size_t>(member.cParams) + 1);
     return names;
   }
@@ -273,9 +261,7 @@ class Reader {
   }
 
   std::string Help(const Bstr& text) const {
-    if (text.View().empty()) {
-      return "";
-    }
+    if (text.View().empty()) return "";
     const std::string bytes = os::ToNarrow(text.View(), GetACP());
     return " \"" + Utf8(os::ToWide(bytes, help_code_page_)) + "\"";
   }

@@ -180,9 +180,7 @@ Literal ReadLiteral(Reader& reader) {
   Reader after_word = reader;
   const std::string_view word = after_word.Name();
   if (word.empty()) return ReadNumber(reader);
-  if (word != "true" && word != "false" && word != "null") {
-    reader.Unexpected("expected a value");
-  }
+  if (word != "true" && word != "false" && word != "null") reader.Unexpected("expected a value");
   reader = after_word;
   if (word == "null") return Null{};
   return word == "true";
