@@ -193,7 +193,9 @@ TEST_F(ExchangerTest, FailedExchangeIsClearedBeforeTheNextRequestUntilAClearWork
     EXPECT_EQ(Exchange(), 0);
     EXPECT_EQ(Exchange(), 0);
     EXPECT_EQ(Clears(), 3U);
-    if (!polls) EXPECT_EQ(Poll(), 0);
+    if (!polls) {
+      EXPECT_EQ(Poll(), 0);
+    }
   }
 }
 

@@ -8,8 +8,10 @@
 #include <limits>
 #include <memory>
 #include <random>
+#include <span>
 #include <vector>
 
+#include "measurement/DataBlock.h"
 #include "measurement/DetectorLevel.h"
 #include "tests/platform/ResultCode.h"
 
@@ -127,6 +129,19 @@ INSTANTIATE_TEST_SUITE_P(
                     PlanCase{"MultiplierZero", {.cw = 1e9}, {7e6, 0, 1}, {7, 7, 7}},
                     PlanCase{"NegativeIsClamped", {.cw = 1e9}, {0, -1, 1}, {1, 1, 1}}),
     [](const auto& tested) { return tested.param.fault; });
+
+TEST(DataBlock, EndsInItsStatusWord) {
+  const std::array<std::uint8_t, 3> body = {1, 0x07, 0x80};
+  const auto block = ParseBlock(body);
+  ASSERT_TRUE(block);
+  EXPECT_EQ(block->points.size(), 1U);
+  EXPECT_EQ(block->word, Status{-0x7FF9});
+  EXPECT_TRUE(ParseBlock(std::span(body).first(2)));
+  EXPECT_FALSE(ParseBlock(std::span(body).first(1)));
+  EXPECT_EQ(ReadingFormatOf('A'), kFractional);
+  EXPECT_EQ(ReadingFormatOf('@'), kInteger);
+  EXPECT_EQ(ReadingFormatOf('B'), std::nullopt);
+}
 
 TEST(TraceConversion, OverflowingFrequencyStaysInTheTable) {
   const auto bytes = Block({{1, 1, 1}});

@@ -49,7 +49,9 @@ TEST_F(VisaTest, ReadsAndTellsWhy) {
     std::string text;
     EXPECT_STATUS(Read(session, row.count, text), row.status);
     EXPECT_EQ(text, row.text);
-    if (row.after == After::kCloses) EXPECT_STATUS(Read(session, 1, text), VI_ERROR_CONN_LOST);
+    if (row.after == After::kCloses) {
+      EXPECT_STATUS(Read(session, 1, text), VI_ERROR_CONN_LOST);
+    }
   }
 }
 
