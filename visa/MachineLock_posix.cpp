@@ -7,8 +7,8 @@
 #include <cstddef>
 #include <fstream>
 
+#include "platform/os/Process.h"
 #include "visa/MachineLock.h"
-#include "visa/Process.h"
 
 // An abstract local socket address is a name that the kernel gives to one socket at a time and
 // takes back when the socket goes: no file to leave behind, no folder to be allowed to write to, no
@@ -49,8 +49,8 @@ void Close(std::intptr_t fd) {
 }
 
 std::string ThisProcess() {
-  const std::string program = ProgramName();
-  return "process " + std::to_string(WhoCalls().process) +
+  const std::string program = os::ProgramName();
+  return "process " + std::to_string(os::ProcessNumber()) +
          (program.empty() ? "" : " (" + program + ")");
 }
 

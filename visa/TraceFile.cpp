@@ -4,8 +4,8 @@
 
 #include <map>
 
+#include "platform/os/Process.h"
 #include "visa/MachineLock.h"
-#include "visa/Process.h"
 #include "visa/TraceLine.h"
 
 namespace zevisa {
@@ -31,7 +31,7 @@ void TraceFile::Renew() {
   const std::lock_guard guard(mutex_);
   if (file_.IsOpen() && file_.IsAt(path_)) return;
   if (!file_.Open(path_)) return;
-  Append(NoteLine("trace by zevisa64 " ZK_VERSION_TEXT " in " + ProgramName()));
+  Append(NoteLine("trace by zevisa64 " ZK_VERSION_TEXT " in " + os::ProgramName()));
 }
 
 void TraceFile::Write(const std::string& line) noexcept try {

@@ -5,7 +5,7 @@
 #include <charconv>
 #include <cstdio>
 
-#include "visa/Process.h"
+#include "platform/os/Process.h"
 #include "visa/StatusText.h"
 
 namespace zevisa {
@@ -107,8 +107,7 @@ std::string TraceLine::Finish() const {
   std::string line;
   line.reserve(128 + details_.size());
   AppendTime(line, time_);
-  const Caller caller = WhoCalls();
-  for (const std::uint64_t number : {caller.process, caller.thread}) {
+  for (const std::uint64_t number : {os::ProcessNumber(), os::ThreadNumber()}) {
     line += ' ';
     AppendNumber(line, number);
   }
