@@ -1,5 +1,5 @@
-# Cross build for Windows x64 with Debian's mingw-w64 (posix threads). Everything of the tool chain's
-# own run time is linked statically, so that the modules need nothing but Windows.
+# Cross build for Windows x64 with Debian's mingw-w64 (posix threads). Everything of the tool
+# chain's own run time is linked statically, so that the modules need nothing but Windows.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 

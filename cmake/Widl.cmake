@@ -1,5 +1,5 @@
-# Compiles the type library, wherever widl is present: the target `typelib` and ZK_TYPELIB, its file. The Windows
-# module cannot do without it.
+# Compiles the type library, wherever widl is present: the target `typelib` and ZK_TYPELIB, its
+# file. The Windows module cannot do without it.
 find_program(ZK_WIDL x86_64-w64-mingw32-widl)
 if(NOT ZK_WIDL)
   if(WIN32)

@@ -1,5 +1,5 @@
-# What each of the project's own targets is made of and what it links, as JSON, for scripts/layers. Called at the end of
-# the configuration.
+# What each of the project's own targets is made of and what it links, as JSON, for scripts/layers.
+# Called at the end of the configuration.
 function(zk_targets_below folder result)
   get_property(targets DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
   get_property(folders DIRECTORY ${folder} PROPERTY SUBDIRECTORIES)

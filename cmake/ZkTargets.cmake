@@ -1,5 +1,5 @@
-# What every target of the project shares: language level, warnings, sanitizers, places of the outputs,
-# staged headers for the cross build, and the way a test program is declared.
+# What every target of the project shares: language level, warnings, sanitizers, places of the
+# outputs, staged headers for the cross build, and the way a test program is declared.
 include_guard(GLOBAL)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -25,8 +25,8 @@ else()
   set(ZK_SYSTEM posix)
 endif()
 
-# Where things lie when they are installed, relative to the prefix: on Windows the modules beside the programs, where the
-# help is looked for, too.
+# Where things lie when they are installed, relative to the prefix: on Windows the modules beside
+# the programs, where the help is looked for, too.
 include(GNUInstallDirs)
 if(WIN32)
   set(ZK_MODULES_DIR ${CMAKE_INSTALL_BINDIR})
@@ -50,9 +50,9 @@ if(ZK_CCACHE)
   set(CMAKE_C_COMPILER_LAUNCHER ${ZK_CCACHE})
 endif()
 
-# A unity build (the sanitizers' and Windows' presets) compiles the sources of a target as one. It shows which names
-# mean two things; what each source includes shows in the native build. A source whose file-local types are members
-# of classes stays alone.
+# A unity build (the sanitizers' and Windows' presets) compiles the sources of a target as one. It
+# shows which names mean two things; what each source includes shows in the native build. A source
+# whose file-local types are members of classes stays alone.
 function(zk_compile_alone)
   set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()
@@ -74,8 +74,8 @@ if(ZK_SANITIZE)
   add_link_options(-fsanitize=${ZK_SANITIZE})
 endif()
 
-# Header-only libraries of Debian (standalone Asio, CLI11, nlohmann/json) lie in /usr/include, which a cross
-# compiler must not see as a whole: the ones in use are staged into the build tree.
+# Header-only libraries of Debian (standalone Asio, CLI11, nlohmann/json) lie in /usr/include, which
+# a cross compiler must not see as a whole: the ones in use are staged into the build tree.
 add_library(zk_third_party_headers INTERFACE)
 if(CMAKE_CROSSCOMPILING)
   set(ZK_STAGED_INCLUDE ${CMAKE_BINARY_DIR}/staged-include)
@@ -87,8 +87,9 @@ if(CMAKE_CROSSCOMPILING)
   target_include_directories(zk_third_party_headers SYSTEM INTERFACE ${ZK_STAGED_INCLUDE})
   target_link_libraries(zk_third_party_headers INTERFACE ws2_32 mswsock)
 endif()
-# What Asio finds depends on what a source includes before it: std::aligned_alloc, and with mingw-w64 POSIX threads.
-# Every source must free as the others allocate, and know an execution context by the same members.
+# What Asio finds depends on what a source includes before it: std::aligned_alloc, and with
+# mingw-w64 POSIX threads. Every source must free as the others allocate, and know an execution
+# context by the same members.
 target_compile_definitions(zk_third_party_headers INTERFACE
   ASIO_STANDALONE ASIO_NO_DEPRECATED ASIO_DISABLE_STD_ALIGNED_ALLOC ASIO_HAS_PTHREADS=1)
 if(ZK_SANITIZE MATCHES thread)
@@ -96,8 +97,8 @@ if(ZK_SANITIZE MATCHES thread)
   target_compile_definitions(zk_third_party_headers INTERFACE ASIO_DISABLE_FENCED_BLOCK)
 endif()
 
-# zk_library(name SOURCES... [LIBS...]) - a static layer library. Includes are written from the top of the
-# tree ("K4NHardWare/K4NManager.h"); a target sees only the layers that it links.
+# zk_library(name SOURCES... [LIBS...]) - a static layer library. Includes are written from the top
+# of the tree ("K4NHardWare/K4NManager.h"); a target sees only the layers that it links.
 function(zk_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;PRIVATE_LIBS" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
@@ -105,8 +106,9 @@ function(zk_library name)
   target_link_libraries(${name} PUBLIC ${ARG_LIBS} PRIVATE zk_options ${ARG_PRIVATE_LIBS})
 endfunction()
 
-# zk_exports(module list.def) - the names in the list leave the module, and no others, on both systems: the module's own
-# sources are compiled with default visibility, so that the list alone decides.
+# zk_exports(module list.def) - the names in the list leave the module, and no others, on both
+# systems: the module's own sources are compiled with default visibility, so that the list alone
+# decides.
 function(zk_exports module list)
   cmake_path(ABSOLUTE_PATH list)
   if(WIN32)
@@ -117,24 +119,28 @@ function(zk_exports module list)
   list(TRANSFORM names REPLACE "^  ([A-Za-z0-9_]+).*" "\\1")
   list(JOIN names ";\n    " names)
   set(version_script ${CMAKE_CURRENT_BINARY_DIR}/${module}.map)
-  file(CONFIGURE OUTPUT ${version_script} CONTENT "{\n  global:\n    @names@;\n  local:\n    *;\n};\n" @ONLY)
+  file(CONFIGURE OUTPUT ${version_script} CONTENT
+    "{\n  global:\n    @names@;\n  local:\n    *;\n};\n" @ONLY)
   target_link_options(${module} PRIVATE LINKER:--version-script=${version_script})
-  set_target_properties(${module} PROPERTIES CXX_VISIBILITY_PRESET default LINK_DEPENDS ${version_script})
+  set_target_properties(${module} PROPERTIES CXX_VISIBILITY_PRESET default LINK_DEPENDS
+    ${version_script})
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
 endfunction()
 
-# zk_test(name SOURCES... LIBS... [ENV NAME=VALUE...] [TIMEOUT s] [COST s]) - a GoogleTest program, one CTest entry; one
-# that takes long starts first, by its cost. Test programs live in bin/tests, away from the modules, so that a module is found only where a test puts it.
+# zk_test(name SOURCES... LIBS... [ENV NAME=VALUE...] [TIMEOUT s] [COST s]) - a GoogleTest program,
+# one CTest entry; one that takes long starts first, by its cost. Test programs live in bin/tests,
+# away from the modules, so that a module is found only where a test puts it.
 set(ZK_TEST_DIR ${ZK_BIN_DIR}/tests)
-set(ZK_TEST_PATIENCE 1 CACHE STRING "How many times their usual limit tests may take, below a slow emulator")
+set(ZK_TEST_PATIENCE 1 CACHE STRING
+  "How many times their usual limit tests may take, below a slow emulator")
 function(zk_test name)
   cmake_parse_arguments(ARG "" "TIMEOUT;COST" "SOURCES;LIBS;ENV;DEPENDS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${ZK_TEST_DIR})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} zk_options gmock_main)
-  # What is tested is optimised; optimising the tests themselves took half the time of a build. A test may call
-  # something for what it does alone.
+  # What is tested is optimised; optimising the tests themselves took half the time of a build. A
+  # test may call something for what it does alone.
   target_compile_options(${name} PRIVATE -O0 -Wno-unused-result)
   if(ARG_DEPENDS)
     add_dependencies(${name} ${ARG_DEPENDS})

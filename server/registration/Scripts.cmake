@@ -1,10 +1,12 @@
-# What the module registers itself with. The list of scripts is the one of the Windows resources. A class's script is made
-# from Class.rgs.in, with the identities that the type library's source gives; any other is checked in.
+# What the module registers itself with. The list of scripts is the one of the Windows resources. A
+# class's script is made from Class.rgs.in, with the identities that the type library's source
+# gives; any other is checked in.
 set(registration_list ${CMAKE_CURRENT_LIST_DIR}/Registration.rc)
 set(class_template ${CMAKE_CURRENT_LIST_DIR}/Class.rgs.in)
 set(typelib_source ${CMAKE_CURRENT_SOURCE_DIR}/ZentrelK4NLib.idl)
 set(registration_files ${registration_list} ${CMAKE_CURRENT_LIST_DIR}/ZentrelK4N.ico)
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${registration_list} ${class_template} ${typelib_source})
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${registration_list}
+  ${class_template} ${typelib_source})
 
 # Puts into `variable` the identity that the type library's source gives before these words.
 file(READ ${typelib_source} typelib_text)
