@@ -161,6 +161,20 @@ class Links(unittest.TestCase):
         self.assertGreater(count, 300)
 
 
+class Diagnosis(unittest.TestCase):
+    """docs/diagnosis.md has a row for each site of the error trail, and leads to sections of its own."""
+    TEXT = (TREE / "docs" / "diagnosis.md").read_text()
+
+    def test_each_site_has_its_row(self):
+        sites = re.findall(r"^  k\w+ = (\d+),", (TREE / "K4NHardWare" / "ErrorTrail.h").read_text(), re.MULTILINE)
+        told = re.findall(r"^\| (\d+(?:, \d+)*) \|", self.TEXT, re.MULTILINE)
+        self.assertEqual(sorted(", ".join(told).split(", ")), sorted(sites))
+
+    def test_each_link_leads_to_a_section(self):
+        sections = {title.lower().replace(" ", "-") for title in re.findall(r"^#+ (.+)", self.TEXT, re.MULTILINE)}
+        self.assertLessEqual(set(re.findall(r"\]\(#([^)]+)\)", self.TEXT)), sections)
+
+
 class Pictures(unittest.TestCase):
     def test_are_those_that_the_client_draws(self):
         kept = TREE / "docs" / "manual" / "pictures"
