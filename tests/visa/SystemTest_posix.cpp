@@ -63,6 +63,9 @@ TEST_F(VisaSession, FileThatTakesNothingIsAnError) {
 }
 
 TEST_F(VisaTest, OpenWithoutDescriptorsSaysSo) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "without a descriptor of its own the sanitizer takes any object for a wrong one";
+#endif
   Peer peer;
   rlimit before{};
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
