@@ -235,4 +235,15 @@ TEST(MatrixFile, HeaderValues) {
   EXPECT_EQ(GetHeaderValue("", "", "none"), "none");
 }
 
+/// Long enough that a digest would be worked out beside the reading.
+TEST(MatrixFile, ALongFileIsReadWithoutAskingForADigest) {
+  constexpr std::uint32_t kRows = 60'000;
+  std::string text;
+  for (std::uint32_t row = 0; row < kRows; ++row) text += "1 2 3\n";
+  const TempFile file(text);
+  CSimpleMatrix matrix;
+  EXPECT_EQ(LoadMatrixFile(&matrix, file.Path(), nullptr, 0), 0);
+  EXPECT_EQ(matrix.GetRows(), kRows);
+}
+
 }  // namespace
