@@ -2,6 +2,8 @@
 #include "fuzz/Fuzz.h"
 #include "server/RegistryScript.h"
 
+using namespace server;
+
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Replacements replacements = {{"MODULE", {'m', '.', 'd', 'l', 'l'}}};
   try {

@@ -8,6 +8,8 @@
 #include "platform/com/Com.h"
 #include "server/interface/ZentrelK4NLib.h"
 
+namespace server {
+
 /// The factory of one class; it exists once, as long as the module is loaded. References are not
 /// counted: only LockServer and existing objects keep the module loaded.
 template <typename Class>
@@ -45,3 +47,5 @@ class ClassFactory final : public IClassFactory {
  private:
   static constexpr ULONG kForever = 1;
 };
+
+}  // namespace server

@@ -3,6 +3,8 @@
 #include "driver/ModuleLock.h"
 #include "server/ObjectMap.h"
 
+using namespace server;
+
 STDAPI DllCanUnloadNow() { return module_lock::IsHeld() ? S_FALSE : S_OK; }
 
 STDAPI DllGetClassObject(REFCLSID class_id, REFIID iid, void** out) {

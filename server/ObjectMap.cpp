@@ -15,6 +15,7 @@
 #include "server/ClassFactory.h"
 #include "server/interface/Guids.h"
 
+namespace server {
 namespace {
 
 template <typename Class>
@@ -40,3 +41,5 @@ std::span<const ObjectMapEntry> ObjectMap() {
   };
   return map;
 }
+
+}  // namespace server

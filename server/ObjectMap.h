@@ -5,6 +5,8 @@
 
 #include "platform/com/Com.h"
 
+namespace server {
+
 struct ObjectMapEntry {
   const CLSID& class_id;
   IClassFactory& factory;
@@ -15,3 +17,5 @@ struct ObjectMapEntry {
 /// The children can be created on their own, too, but have nothing to act on then. Registered in
 /// this order, the root last.
 std::span<const ObjectMapEntry> ObjectMap();
+
+}  // namespace server

@@ -2,6 +2,7 @@
 
 #include "platform/com/RegKey.h"
 
+namespace server {
 namespace {
 
 constexpr DWORD kLongestKeyName = 256;
@@ -112,3 +113,5 @@ HRESULT Registrar::Register(std::string_view script) const {
 HRESULT Registrar::Remove(std::string_view script) const {
   return Run(script, replacements_, scope_, Direction::kRemove);
 }
+
+}  // namespace server

@@ -6,6 +6,8 @@
 #include "platform/com/Com.h"
 #include "server/RegistryScript.h"
 
+namespace server {
+
 /// For whom classes are registered.
 enum class RegistrationScope {
   kMachine,  ///< all users; needs the rights of an administrator on Windows
@@ -43,3 +45,5 @@ class Registrar {
   RegistrationScope scope_;
   Replacements replacements_;
 };
+
+}  // namespace server

@@ -8,6 +8,8 @@
 #include "server/TypeLibraryRegistration.h"
 #include "server/interface/Guids.h"
 
+using namespace server;
+
 namespace {
 
 constexpr int kApplicationScript = 101;

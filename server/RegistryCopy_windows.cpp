@@ -4,6 +4,8 @@
 
 #include "platform/com/RegKey.h"
 
+namespace server {
+
 LSTATUS RegistryCopy::Read(HKEY parent, const std::wstring& name) {
   *this = {};
   name_ = name;
@@ -108,3 +110,5 @@ LSTATUS RegistryCopy::RestoreSubkeys(HKEY key, const RegistryCopy& now) const {
   for (const RegistryCopy& subkey : subkeys_) KeepFirst(first, subkey.Restore(key));
   return first;
 }
+
+}  // namespace server

@@ -7,6 +7,8 @@
 
 #include "platform/com/Com.h"
 
+namespace server {
+
 /// A key with its values and subkeys at the time of reading. The key may have been absent.
 class RegistryCopy {
  public:
@@ -42,3 +44,5 @@ class RegistryCopy {
   std::vector<RegistryCopy> subkeys_;
   std::vector<BYTE> access_;  ///< the discretionary access control list, in a descriptor
 };
+
+}  // namespace server

@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+namespace server {
 namespace {
 
 struct Word {
@@ -256,3 +257,5 @@ std::vector<ScriptKey> ParseRegistryScript(std::string_view script,
                                            const Replacements& replacements) {
   return Parser(script, replacements).Roots();
 }
+
+}  // namespace server

@@ -10,6 +10,8 @@
 
 #include "platform/os/Text.h"
 
+namespace server {
+
 /// A script that cannot be read; what() names the line and what is wrong there.
 class ScriptError : public std::runtime_error {
  public:
@@ -55,3 +57,5 @@ using Replacements = std::map<std::string, os::WideString>;
 /// ScriptError.
 std::vector<ScriptKey> ParseRegistryScript(std::string_view script,
                                            const Replacements& replacements);
+
+}  // namespace server

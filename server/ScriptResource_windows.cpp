@@ -1,6 +1,8 @@
 #include "platform/com/Com.h"
 #include "server/ScriptResource.h"
 
+namespace server {
+
 std::string_view ScriptResource(int number) {
   HMODULE module = nullptr;
   constexpr DWORD kFlags =
@@ -12,3 +14,5 @@ std::string_view ScriptResource(int number) {
   return text == nullptr ? std::string_view()
                          : std::string_view(text, SizeofResource(module, place));
 }
+
+}  // namespace server

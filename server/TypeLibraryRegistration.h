@@ -4,6 +4,8 @@
 #include "platform/com/Com.h"
 #include "server/Registrar.h"
 
+namespace server {
+
 /// Registers the type library in the module's resources. It also describes an interface that other
 /// makers register: if their key exists, for 32-bit or 64-bit programs, it stays unchanged, and a
 /// registration for the user hides none of the machine's.
@@ -13,3 +15,5 @@ HRESULT RegisterTypeLibrary(RegistrationScope scope, const os::WideString& modul
 /// with the keys of its interfaces, is removed unless others have registered that version, too.
 /// Other makers' interface keys stay unchanged. S_OK if the library is not registered.
 HRESULT UnregisterTypeLibrary(RegistrationScope scope);
+
+}  // namespace server

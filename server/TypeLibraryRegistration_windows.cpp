@@ -10,6 +10,7 @@
 #include "server/RegistryCopy_windows.h"
 #include "server/interface/ZentrelK4NLib.h"
 
+namespace server {
 namespace {
 
 constexpr WORD kMajorVersion = 1;
@@ -202,3 +203,5 @@ HRESULT UnregisterTypeLibrary(RegistrationScope scope) {
   // For a library that is not registered the system's failure code varies; it is not reported.
   return FAILED(result) && was_registered ? result : remains;
 }
+
+}  // namespace server

@@ -14,7 +14,7 @@
 namespace zevisa {
 
 template <typename Body>
-ViStatus Guarded(const Body& body) noexcept {
+ViStatus WithoutExceptions(const Body& body) noexcept {
   try {
     return body();
   } catch (const std::bad_alloc&) {
@@ -54,11 +54,11 @@ template <typename Body, typename Tell = decltype(kNothingMore)>
 ViStatus Traced(const char* call, ViObject object, const Body& body,
                 const Tell& tell = kNothingMore) noexcept {
   if (!TraceFile::IsAny()) [[likely]] {
-    return Guarded(body);
+    return WithoutExceptions(body);
   }
   const Trace trace = TraceOf(object);
   TraceLine line(call, object, trace.data);
-  const ViStatus status = Guarded(body);
+  const ViStatus status = WithoutExceptions(body);
   WriteLine(trace, line, status, tell);
   return status;
 }

@@ -11,13 +11,13 @@ namespace {
 
 using zevisa::Give;
 using zevisa::GiveText;
-using zevisa::Guarded;
 using zevisa::Objects;
 using zevisa::Session;
 using zevisa::TellAttribute;
 using zevisa::TextOf;
 using zevisa::Traced;
 using zevisa::TraceLine;
+using zevisa::WithoutExceptions;
 using zevisa::WithSession;
 
 constexpr ViUInt32 kDefaultOpenTimeout = 2000;  // ms, for 0
@@ -161,8 +161,8 @@ ViStatus viOpen(ViSession manager, const char* name, ViAccessMode mode, ViUInt32
   Opening opening(manager, name, mode, timeout);
   ViSession opened = 0;
   TraceLine line(__func__, manager);
-  const ViStatus status =
-      Guarded([&] { return session == nullptr ? VI_ERROR_USER_BUF : opening.Run(opened); });
+  const ViStatus status = WithoutExceptions(
+      [&] { return session == nullptr ? VI_ERROR_USER_BUF : opening.Run(opened); });
   Give(session, opened);
   zevisa::WriteLine(opening.trace(), line, status,
                     [&](TraceLine& own) { opening.Tell(own, opened); });

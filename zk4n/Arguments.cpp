@@ -5,6 +5,8 @@
 
 #include "zk4n/Commands.h"
 
+namespace zk4n {
+
 double QuantityArgument(const std::string& option, const std::string& text, Unit unit) {
   const auto value = ParseQuantity(text, unit);
   if (!value) {
@@ -29,3 +31,5 @@ void RequireReadable(const std::string& file) {
     throw UsageError("cannot read " + file);
   }
 }
+
+}  // namespace zk4n

@@ -6,6 +6,8 @@
 
 #include "zk4n/Quantity.h"
 
+namespace zk4n {
+
 /// The value of an option; throws UsageError for a text that is none in this unit.
 double QuantityArgument(const std::string& option, const std::string& text, Unit unit);
 
@@ -16,3 +18,5 @@ std::string Utf8Of(const std::filesystem::path& path);
 
 /// Throws UsageError unless the file can be opened for reading.
 void RequireReadable(const std::string& file);
+
+}  // namespace zk4n

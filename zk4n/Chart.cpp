@@ -8,6 +8,7 @@
 #include <limits>
 #include <sstream>
 
+namespace zk4n {
 namespace {
 
 constexpr double kWidth = 960.0;
@@ -374,3 +375,5 @@ std::string RampColour(double place) {
 }
 
 std::string ChartAsSvg(const Chart& chart) { return Painter(chart).Picture(); }
+
+}  // namespace zk4n

@@ -8,6 +8,8 @@
 
 #include "zk4n/Quantity.h"
 
+namespace zk4n {
+
 struct ChartAxis {
   std::string name;  ///< "Frequency"
   Unit unit;
@@ -47,3 +49,5 @@ struct Ticks {
   std::vector<double> values;
 };
 Ticks TicksFor(double low, double high, int wanted);
+
+}  // namespace zk4n

@@ -17,6 +17,7 @@
 #include "zk4n/DriverFile.h"
 #include "zk4n/VisaProbe.h"
 
+namespace zk4n {
 namespace {
 
 constexpr int kProgramBits = sizeof(void*) * 8;
@@ -166,3 +167,5 @@ void AddCheckCommand(CLI::App& app, int& status) {
   command->add_option("--module", options->module, "Driver module (default: the registered one)");
   command->callback([options, &status] { status = Check(*options); });
 }
+
+}  // namespace zk4n

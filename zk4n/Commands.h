@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <string>
 
+namespace zk4n {
+
 namespace exit_status {
 inline constexpr int kOk = 0;
 inline constexpr int kFailed = 1;  ///< the driver or the instrument said no
@@ -39,3 +41,5 @@ void AddDetectorCommand(CLI::App& app, int& status);
 
 /// `zk4n trace`: an I/O trace of the VISA library in words.
 void AddTraceCommand(CLI::App& app, int& status);
+
+}  // namespace zk4n

@@ -18,6 +18,7 @@
 #include "zk4n/DetectorValues.h"
 #include "zk4n/OutputFile.h"
 
+namespace zk4n {
 namespace {
 
 /// The command line as it was typed; texts are UTF-8.
@@ -209,3 +210,5 @@ void AddDetectorCommand(CLI::App& app, int& status) {
   add_input(plot);
   plot->add_option("--svg", options->output, "File to write")->required();
 }
+
+}  // namespace zk4n

@@ -11,6 +11,7 @@
 #include "zk4n/Arguments.h"
 #include "zk4n/Quantity.h"
 
+namespace zk4n {
 namespace {
 
 using nlohmann::ordered_json;
@@ -117,3 +118,5 @@ std::string DetectorCheck::AsJson() const {
   add("stored", text.HasDigest(), text.StoredDigest());
   return object.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
 }
+
+}  // namespace zk4n

@@ -7,6 +7,8 @@
 #include "measurement/DetectorFile.h"
 #include "measurement/SimpleMatrix.h"
 
+namespace zk4n {
+
 /// Why a file is not good, in a few words; empty for none.
 std::string FaultText(const measurement::DetectorFile& file);
 
@@ -33,3 +35,5 @@ class DetectorCheck {
   std::vector<double> frequencies_;  // MHz
   std::vector<double> levels_;       // linear
 };
+
+}  // namespace zk4n

@@ -8,6 +8,7 @@
 
 #include "zk4n/Chart.h"
 
+namespace zk4n {
 namespace {
 
 constexpr std::size_t kMostCurves = 80;
@@ -63,3 +64,5 @@ std::string DetectorAsSvg(const CSimpleMatrix& matrix, const std::string& title)
   }
   return ChartAsSvg(chart);
 }
+
+}  // namespace zk4n

@@ -9,6 +9,7 @@
 #include "measurement/DetectorLevel.h"
 #include "zk4n/Commands.h"
 
+namespace zk4n {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r";
@@ -59,3 +60,5 @@ void ForEachDetectorPoint(std::istream& lines,
     take({*frequency, *level});
   }
 }
+
+}  // namespace zk4n

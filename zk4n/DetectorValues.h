@@ -7,6 +7,8 @@
 
 #include "measurement/DetectorTable.h"
 
+namespace zk4n {
+
 /// Where a value was asked for. The level is linear, as the detector reads it.
 struct DetectorPoint {
   double frequency_mhz;
@@ -23,3 +25,5 @@ double DecimalArgument(const std::string& what, const std::string& text);
 /// UsageError at the first line that is none.
 void ForEachDetectorPoint(std::istream& lines,
                           const std::function<void(const DetectorPoint& point)>& take);
+
+}  // namespace zk4n

@@ -7,6 +7,7 @@
 #include "status/HresultName.h"
 #include "zk4n/Arguments.h"
 
+namespace zk4n {
 namespace {
 
 constexpr HRESULT kNoSession = 10057;
@@ -121,3 +122,5 @@ std::string DriverClient::ErrorTrail() const {
   }
   return trail.empty() ? trail : trail + "]";
 }
+
+}  // namespace zk4n

@@ -14,6 +14,8 @@
 #include "platform/os/Module.h"
 #include "server/interface/ZentrelK4NLib.h"
 
+namespace zk4n {
+
 /// The name that the driver is registered by, of whatever version.
 inline constexpr char kDriverProgId[] = "ZentrelK4NLib.ZentrelK4N";
 
@@ -80,3 +82,5 @@ class DriverClient {
 std::filesystem::path ShippedFile(const char* name);
 /// The driver module that ships with this program.
 std::filesystem::path DefaultDriverModule();
+
+}  // namespace zk4n

@@ -12,6 +12,7 @@
 #include "zk4n/Arguments.h"
 #include "zk4n/DriverClient.h"
 
+namespace zk4n {
 namespace {
 
 namespace fs = std::filesystem;
@@ -62,3 +63,5 @@ int BitsOfModule(const std::string& file) {
     return BitsOfElf(bytes);
   return bytes.starts_with("MZ") ? BitsOfPe(bytes) : 0;
 }
+
+}  // namespace zk4n

@@ -15,6 +15,7 @@
 #include "zk4n/Arguments.h"
 #include "zk4n/Commands.h"
 
+namespace zk4n {
 namespace {
 
 using simulator::DeviceKind;
@@ -164,3 +165,5 @@ void RequireInstrument(const simulator::Options& options) {
     throw UsageError(error.what());
   }
 }
+
+}  // namespace zk4n

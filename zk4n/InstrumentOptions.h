@@ -5,6 +5,8 @@
 
 #include "simulator/Options.h"
 
+namespace zk4n {
+
 /// Adds what an instrument may be, its device under test and its faults. `options` holds the
 /// defaults, takes the values and must outlive the parsing. With `needed`, the options are refused
 /// without that one.
@@ -13,3 +15,5 @@ void AddInstrumentOptions(CLI::App& command, simulator::Options& options,
 
 /// Throws UsageError for options that describe no instrument.
 void RequireInstrument(const simulator::Options& options);
+
+}  // namespace zk4n

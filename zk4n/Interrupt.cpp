@@ -3,6 +3,7 @@
 #include <atomic>
 #include <csignal>
 
+namespace zk4n {
 namespace {
 
 std::atomic<bool> requested{false};
@@ -24,3 +25,5 @@ InterruptGuard::~InterruptGuard() {
 }
 
 bool InterruptGuard::Requested() { return requested.load(); }
+
+}  // namespace zk4n

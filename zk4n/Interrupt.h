@@ -1,6 +1,8 @@
 // Ctrl-C as a flag, so that a session is closed before the program ends.
 #pragma once
 
+namespace zk4n {
+
 /// Takes over Ctrl-C for its life time; a second Ctrl-C ends the program at once.
 class InterruptGuard {
  public:
@@ -15,3 +17,5 @@ class InterruptGuard {
  private:
   void (*previous_)(int);
 };
+
+}  // namespace zk4n

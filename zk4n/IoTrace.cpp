@@ -15,6 +15,7 @@
 #include "zk4n/iotrace/LineReader.h"
 #include "zk4n/iotrace/Report.h"
 
+namespace zk4n {
 namespace {
 
 struct IoTraceOptions {
@@ -104,3 +105,5 @@ void AddTraceCommand(CLI::App& app, int& status) {
   command->add_flag("--json", options->json, "One JSON object a line");
   command->callback([options, &status] { status = IoTraceCommand(*options).Run(); });
 }
+
+}  // namespace zk4n

@@ -22,6 +22,7 @@
 #include "zk4n/TraceFiles.h"
 #include "zk4n/TraceSvg.h"
 
+namespace zk4n {
 namespace {
 
 /// The command line as it was typed; texts are UTF-8.
@@ -44,8 +45,8 @@ struct MeasureOptions {
   simulator::Options instrument;  ///< with --simulate
 };
 
-SweepPlan PlanOf(const MeasureOptions& options) {
-  SweepPlan plan;
+MeasurementPlan PlanOf(const MeasureOptions& options) {
+  MeasurementPlan plan;
   plan.axis = options.mode == "power" ? SweptAxis::kPower : SweptAxis::kFrequency;
   const bool power = plan.axis == SweptAxis::kPower;
   const Unit unit = power ? Unit::kDecibelMilliwatt : Unit::kHertz;
@@ -142,7 +143,7 @@ void LoadDetectors(const DriverClient& driver, const std::vector<DetectorChoice>
   }
 }
 
-std::string ConditionsOf(const SweepPlan& plan) {
+std::string ConditionsOf(const MeasurementPlan& plan) {
   const bool frequency = plan.axis == SweptAxis::kFrequency;
   std::string text = frequency ? "level " + FormatQuantity(plan.level, Unit::kDecibelMilliwatt)
                                : "at " + FormatQuantity(plan.frequency, Unit::kHertz, 10);
@@ -151,7 +152,7 @@ std::string ConditionsOf(const SweepPlan& plan) {
 }
 
 TraceOrigin OriginOf(const DriverClient& driver, const std::string& resource,
-                     const SweepPlan& plan) {
+                     const MeasurementPlan& plan) {
   TraceOrigin origin{{}, {}, resource, LocalDate(), ConditionsOf(plan)};
   ComPtr<IZentrelK4NSystem> system;
   driver.Check(driver->get_System(system.Put()), "System");
@@ -180,7 +181,7 @@ void Report(const MeasureOptions& options, const Trace& trace, const TraceOrigin
 }
 
 /// An instrument keeps to its limits without a word; its user should know.
-void NoteOtherRange(const SweepPlan& plan, const Trace& trace) {
+void NoteOtherRange(const MeasurementPlan& plan, const Trace& trace) {
   if (trace.x.empty()) return;
   const double tolerance = plan.step / 2;
   if (std::abs(trace.x.front() - plan.start) <= tolerance &&
@@ -203,7 +204,7 @@ std::vector<DetectorChoice> WithShippedDetectors(std::vector<DetectorChoice> cho
 }
 
 int Measure(const MeasureOptions& options) {
-  const SweepPlan plan = PlanOf(options);
+  const MeasurementPlan plan = PlanOf(options);
   std::vector<DetectorChoice> detectors = DetectorsOf(options);
   if (options.simulate == !options.resource.empty()) {
     throw UsageError("give either --resource NAME or --simulate");
@@ -276,3 +277,5 @@ void AddMeasureCommand(CLI::App& app, int& status) {
   AddInstrumentOptions(*command, options->instrument, simulate);
   command->callback([options, &status] { status = Measure(*options); });
 }
+
+}  // namespace zk4n

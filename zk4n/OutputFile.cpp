@@ -3,6 +3,8 @@
 #include <system_error>
 #include <utility>
 
+namespace zk4n {
+
 OutputFile::OutputFile(std::filesystem::path path) : path_(std::move(path)), temporary_(path_) {
   temporary_ += ".part";
   std::error_code error;
@@ -30,3 +32,5 @@ bool OutputFile::Commit() {
   temporary_.clear();
   return true;
 }
+
+}  // namespace zk4n

@@ -5,6 +5,8 @@
 #include <fstream>
 #include <string>
 
+namespace zk4n {
+
 /// Written whole or not at all: into a neighbouring temporary file, which takes the name at last.
 /// Opened early, so that a name that cannot be written is known before the work is done.
 class OutputFile {
@@ -27,3 +29,5 @@ class OutputFile {
   std::filesystem::path temporary_;
   std::ofstream stream_;
 };
+
+}  // namespace zk4n

@@ -7,6 +7,7 @@
 
 #include "platform/os/Console.h"
 
+namespace zk4n {
 namespace {
 constexpr int kBarWidth = 40;
 }
@@ -34,3 +35,5 @@ void ProgressDisplay::Show(double share) {
   }
   std::fflush(stderr);
 }
+
+}  // namespace zk4n

@@ -3,6 +3,8 @@
 
 #include <string>
 
+namespace zk4n {
+
 class ProgressDisplay {
  public:
   /// `quiet`: shows nothing.
@@ -21,3 +23,5 @@ class ProgressDisplay {
   bool terminal_;
   int shown_ = -1;  ///< percent on a terminal, quarters elsewhere
 };
+
+}  // namespace zk4n

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <system_error>
 
+namespace zk4n {
 namespace {
 
 constexpr std::array<SiPrefix, 9> kPrefixes{{{"T", 1e12},
@@ -106,3 +107,5 @@ std::string FormatQuantity(double value, Unit unit, int digits) {
   return FormatNumber(value / prefix.factor, digits) + " " + std::string(prefix.letter) +
          std::string(UnitSymbol(unit));
 }
+
+}  // namespace zk4n

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace zk4n {
+
 /// What a quantity measures; decides which unit text is accepted after the number.
 enum class Unit { kHertz, kDecibelMilliwatt, kDecibel, kSecond };
 
@@ -30,3 +32,5 @@ struct SiPrefix {
   double factor;
 };
 SiPrefix PrefixFor(double magnitude);
+
+}  // namespace zk4n

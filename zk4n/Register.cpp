@@ -12,6 +12,7 @@
 #include "zk4n/DriverClient.h"
 #include "zk4n/DriverFile.h"
 
+namespace zk4n {
 namespace {
 
 struct RegisterOptions {
@@ -56,3 +57,5 @@ void AddRegisterCommand(CLI::App& app, int& status) {
                       "Driver module (default: the one beside this program)");
   command->callback([options, &status] { status = Register(*options); });
 }
+
+}  // namespace zk4n

@@ -16,6 +16,7 @@
 #include "zk4n/InstrumentOptions.h"
 #include "zk4n/Interrupt.h"
 
+namespace zk4n {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -123,3 +124,5 @@ void AddSimulateCommand(CLI::App& app, int& status) {
   AddInstrumentOptions(*command, options->instrument);
   command->callback([options, &status] { status = Simulate(*options); });
 }
+
+}  // namespace zk4n

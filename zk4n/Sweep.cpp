@@ -6,6 +6,7 @@
 
 #include "platform/os/Sync.h"
 
+namespace zk4n {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -58,7 +59,7 @@ class OutputSwitch {
   IZentrelK4NRF& rf_;
 };
 
-void SetUp(const DriverClient& driver, const Groups& groups, const SweepPlan& plan) {
+void SetUp(const DriverClient& driver, const Groups& groups, const MeasurementPlan& plan) {
   const bool frequency = plan.axis == SweptAxis::kFrequency;
   driver.Check(groups.rf->put_Level(frequency ? plan.level : plan.start), "RF.Level");
   driver.Check(groups.rf->put_Frequency(frequency ? plan.start : plan.frequency), "RF.Frequency");
@@ -67,7 +68,7 @@ void SetUp(const DriverClient& driver, const Groups& groups, const SweepPlan& pl
 }
 
 /// Programs one sweep and reads back what the instrument made of it.
-Segment Configure(const DriverClient& driver, const Groups& groups, const SweepPlan& plan,
+Segment Configure(const DriverClient& driver, const Groups& groups, const MeasurementPlan& plan,
                   double start) {
   Segment segment;
   driver.ClearTrail();
@@ -166,12 +167,12 @@ std::size_t Fetch(const DriverClient& driver, const Groups& groups, Trace& trace
 
 }  // namespace
 
-std::size_t PointsOf(const SweepPlan& plan) {
+std::size_t PointsOf(const MeasurementPlan& plan) {
   const double intervals = plan.step == 0.0 ? 0.0 : (plan.stop - plan.start) / plan.step;
   return intervals > 0.0 ? static_cast<std::size_t>(std::lround(intervals)) + 1 : 1;
 }
 
-Trace RunSweep(const DriverClient& driver, const SweepPlan& plan, const Progress& progress,
+Trace RunSweep(const DriverClient& driver, const MeasurementPlan& plan, const Progress& progress,
                const std::function<bool()>& interrupted) {
   const Groups groups(driver);
   Trace trace;
@@ -203,3 +204,5 @@ Trace RunSweep(const DriverClient& driver, const SweepPlan& plan, const Progress
   }
   return trace;
 }
+
+}  // namespace zk4n

@@ -9,8 +9,10 @@
 #include "zk4n/DriverClient.h"
 #include "zk4n/Trace.h"
 
+namespace zk4n {
+
 /// What is measured. Frequencies in hertz, levels in dBm (their step in dB).
-struct SweepPlan {
+struct MeasurementPlan {
   SweptAxis axis = SweptAxis::kFrequency;
   double start = 1e9;
   double stop = 3e9;
@@ -22,7 +24,7 @@ struct SweepPlan {
 };
 
 /// The points that a plan asks for.
-std::size_t PointsOf(const SweepPlan& plan);
+std::size_t PointsOf(const MeasurementPlan& plan);
 
 /// The user asked to stop (Ctrl-C).
 class Interrupted : public std::runtime_error {
@@ -39,5 +41,7 @@ using Progress = std::function<void(double share)>;
 /// also for failures that only the driver's error trail tells of; Interrupted when `interrupted`
 /// says so; std::runtime_error when the instrument cannot step so finely, and when it delivers
 /// nothing in many times the time that the sweep takes.
-Trace RunSweep(const DriverClient& driver, const SweepPlan& plan, const Progress& progress,
+Trace RunSweep(const DriverClient& driver, const MeasurementPlan& plan, const Progress& progress,
                const std::function<bool()>& interrupted);
+
+}  // namespace zk4n

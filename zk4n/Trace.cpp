@@ -5,6 +5,8 @@
 #include <limits>
 #include <numeric>
 
+namespace zk4n {
+
 ChannelSummary Summarise(const std::vector<double>& x, const std::vector<double>& values) {
   constexpr double kNothing = std::numeric_limits<double>::quiet_NaN();
   if (values.empty() ||
@@ -25,3 +27,5 @@ std::vector<double> TransmissionOf(const Trace& trace) {
                  difference.begin(), std::minus<>());
   return difference;
 }
+
+}  // namespace zk4n

@@ -9,6 +9,8 @@
 
 #include "zk4n/Quantity.h"
 
+namespace zk4n {
+
 inline constexpr std::size_t kTraceChannels = 3;
 inline constexpr std::array<std::string_view, kTraceChannels> kTraceChannelLetters{"A", "B", "R"};
 
@@ -49,3 +51,5 @@ ChannelSummary Summarise(const std::vector<double>& x, const std::vector<double>
 
 /// A minus R, point by point.
 std::vector<double> TransmissionOf(const Trace& trace);
+
+}  // namespace zk4n

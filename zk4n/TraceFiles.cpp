@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+namespace zk4n {
 namespace {
 
 std::string_view AxisColumn(const Trace& trace) {
@@ -95,3 +96,5 @@ std::string TraceSummaryTable(const Trace& trace, const TraceOrigin& origin) {
   AppendRow(table, "A-R", trace, TransmissionOf(trace));
   return table.str();
 }
+
+}  // namespace zk4n

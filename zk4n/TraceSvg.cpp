@@ -4,6 +4,7 @@
 
 #include "zk4n/Chart.h"
 
+namespace zk4n {
 namespace {
 
 struct CurveStyle {
@@ -44,3 +45,5 @@ std::string TraceAsSvg(const Trace& trace, const TraceOrigin& origin) {
   }
   return ChartAsSvg(chart);
 }
+
+}  // namespace zk4n

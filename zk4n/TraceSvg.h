@@ -5,5 +5,9 @@
 
 #include "zk4n/Trace.h"
 
+namespace zk4n {
+
 /// The plot as an SVG document (see Chart.h).
 std::string TraceAsSvg(const Trace& trace, const TraceOrigin& origin);
+
+}  // namespace zk4n

@@ -7,6 +7,7 @@
 #include "status/HresultName.h"
 #include "zk4n/Arguments.h"
 
+namespace zk4n {
 namespace {
 
 constexpr ViUInt32 kOpenTimeout = 2000;  // milliseconds, as the driver's
@@ -93,3 +94,5 @@ void VisaProbe::Close() {
   session_ = manager_ = 0;
   module_.Unload();
 }
+
+}  // namespace zk4n

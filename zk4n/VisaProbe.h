@@ -10,6 +10,8 @@
 #include "platform/os/Module.h"
 #include "visa/Visa.h"
 
+namespace zk4n {
+
 /// One library with at most one session. Texts are UTF-8. Not for use by several threads.
 class VisaProbe {
  public:
@@ -60,3 +62,5 @@ class VisaProbe {
   ViSession manager_ = 0;
   ViSession session_ = 0;
 };
+
+}  // namespace zk4n

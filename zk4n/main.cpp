@@ -11,6 +11,8 @@
 #include "zk4n/Sweep.h"
 #include "zk_version.h"
 
+using namespace zk4n;
+
 namespace {
 
 int Fail(int status, const char* what) {

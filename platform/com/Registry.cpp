@@ -83,7 +83,7 @@ bool HasControlCharacter(std::u16string_view name) {
 
 /// Runs a function of the registry; none lets an exception out.
 template <typename Body>
-LSTATUS Guarded(Body&& body) {
+LSTATUS WithoutExceptions(Body&& body) {
   try {
     return body();
   } catch (const std::bad_alloc&) {
@@ -95,7 +95,7 @@ LSTATUS Guarded(Body&& body) {
 template <typename Body>
 LSTATUS ReadKey(HKEY key, Body&& body) {
   if (key == nullptr) return ERROR_INVALID_HANDLE;
-  return Guarded([&] {
+  return WithoutExceptions([&] {
     std::shared_ptr<const RegistryKey> root;
     if (const LSTATUS read = ReadRegistry(root); read != ERROR_SUCCESS) return read;
     const auto keys = ExistingKeys(*root, *key);
@@ -107,7 +107,7 @@ LSTATUS ReadKey(HKEY key, Body&& body) {
 template <typename Body>
 LSTATUS ChangeKey(HKEY key, Body&& body) {
   if (key == nullptr) return ERROR_INVALID_HANDLE;
-  return Guarded([&] {
+  return WithoutExceptions([&] {
     return ChangeRegistry(RootOf(*key), [&](RegistryKey& root) {
       if (IsPredefined(key)) root.Create(PlacesOf(*key).back());
       const auto keys = ExistingKeys(root, *key);
@@ -159,7 +159,7 @@ LSTATUS RegCreateKeyExW(HKEY parent, LPCWSTR name, DWORD, LPWSTR, DWORD, REGSAM,
                         const SECURITY_ATTRIBUTES*, HKEY* key, DWORD* disposition) {
   if (parent == nullptr) return ERROR_INVALID_HANDLE;
   if (key == nullptr || HasControlCharacter(NameOrDefault(name))) return ERROR_INVALID_PARAMETER;
-  return Guarded([&]() -> LSTATUS {
+  return WithoutExceptions([&]() -> LSTATUS {
     const HKEY__ place = Below(*parent, name);
     bool existed = false;
     const LSTATUS result = ChangeRegistry(RootOf(place), [&](RegistryKey& root) {
@@ -178,7 +178,7 @@ LSTATUS RegCreateKeyExW(HKEY parent, LPCWSTR name, DWORD, LPWSTR, DWORD, REGSAM,
 LSTATUS RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD, REGSAM, HKEY* key) {
   if (parent == nullptr) return ERROR_INVALID_HANDLE;
   if (key == nullptr) return ERROR_INVALID_PARAMETER;
-  return Guarded([&]() -> LSTATUS {
+  return WithoutExceptions([&]() -> LSTATUS {
     std::shared_ptr<const RegistryKey> root;
     if (const LSTATUS read = ReadRegistry(root); read != ERROR_SUCCESS) return read;
     HKEY__ place = Below(*parent, name);
@@ -238,7 +238,7 @@ LSTATUS RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, DWORD* length, DWORD*,
 LSTATUS RegDeleteKeyW(HKEY parent, LPCWSTR name) {
   if (parent == nullptr) return ERROR_INVALID_HANDLE;
   if (name == nullptr || name[0] == 0) return ERROR_INVALID_PARAMETER;
-  return Guarded([&] {
+  return WithoutExceptions([&] {
     const HKEY__ place = Below(*parent, name);
     return ChangeRegistry(RootOf(place), [&](RegistryKey& root) -> LSTATUS {
       for (const std::u16string& path : PlacesOf(place)) {
@@ -261,7 +261,7 @@ LSTATUS RegDeleteTreeW(HKEY parent, LPCWSTR name) {
     });
   }
   if (parent == nullptr) return ERROR_INVALID_HANDLE;
-  return Guarded([&] {
+  return WithoutExceptions([&] {
     const HKEY__ place = Below(*parent, name);
     return ChangeRegistry(RootOf(place), [&](RegistryKey& root) -> LSTATUS {
       for (const std::u16string& path : PlacesOf(place)) {

@@ -10,6 +10,7 @@
 #include "tests/driver/DriverModule.h"
 #include "zk4n/members/MemberTable.h"
 
+using namespace server;
 using namespace driver;
 
 namespace {

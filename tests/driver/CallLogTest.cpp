@@ -27,6 +27,8 @@
 #include "tests/driver/DriverModule.h"
 #include "tests/platform/Arrays.h"
 
+using namespace server;
+
 namespace driver_test {
 namespace {
 

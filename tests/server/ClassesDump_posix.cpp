@@ -3,8 +3,8 @@
 
 #include "tests/server/ClassesDump.h"
 
-const std::set<RegistrationScope> kScopesFoundByProgId = {RegistrationScope::kMachine,
-                                                          RegistrationScope::kUser};
+const std::set<server::RegistrationScope> kScopesFoundByProgId = {
+    server::RegistrationScope::kMachine, server::RegistrationScope::kUser};
 
 namespace {
 
@@ -20,8 +20,8 @@ std::string Unescaped(const std::string& text) {
 
 }  // namespace
 
-ClassesLines DumpClasses(RegistrationScope scope) {
-  const std::string place = scope == RegistrationScope::kUser
+ClassesLines DumpClasses(server::RegistrationScope scope) {
+  const std::string place = scope == server::RegistrationScope::kUser
                                 ? "[HKEY_CURRENT_USER\\Software\\Classes\\"
                                 : "[HKEY_LOCAL_MACHINE\\Software\\Classes\\";
   ClassesLines lines;

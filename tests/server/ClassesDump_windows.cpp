@@ -4,7 +4,8 @@
 
 #include "platform/com/RegKey.h"
 
-const std::set<RegistrationScope> kScopesFoundByProgId = {RegistrationScope::kMachine};
+const std::set<server::RegistrationScope> kScopesFoundByProgId = {
+    server::RegistrationScope::kMachine};
 
 namespace {
 
@@ -63,8 +64,8 @@ void DumpKey(HKEY parent, const std::wstring& name, const std::string& path, Cla
   }
 }
 
-ClassesLines DumpClasses(RegistrationScope scope) {
-  const ClassesPlace place = ClassesOf(scope);
+ClassesLines DumpClasses(server::RegistrationScope scope) {
+  const server::ClassesPlace place = server::ClassesOf(scope);
   ClassesLines lines;
   DumpKey(place.root, place.path, "", lines);
   return lines;

@@ -6,6 +6,8 @@
 #include "tests/platform/RegistryFixture.h"
 #include "tests/server/ClassesDump.h"
 
+using namespace server;
+
 namespace {
 
 using Lines = ClassesLines;

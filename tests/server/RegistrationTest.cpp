@@ -12,6 +12,8 @@
 #include "tests/platform/RegistryFixture.h"
 #include "tests/server/ClassesDump.h"
 
+using namespace server;
+
 namespace {
 
 using Install = HRESULT STDAPICALLTYPE(BOOL, LPCWSTR);

@@ -5,6 +5,8 @@
 
 #include "platform/os/Text.h"
 
+using namespace server;
+
 namespace {
 
 os::WideString Wide(std::string_view text) { return os::ToWide(text, os::kUtf8CodePage); }

@@ -18,6 +18,7 @@
 #include "zk4n/DetectorValues.h"
 #include "zk4n/Quantity.h"
 
+using namespace zk4n;
 using namespace measurement;
 
 namespace {

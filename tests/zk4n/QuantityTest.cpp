@@ -5,6 +5,8 @@
 
 #include "zk4n/Quantity.h"
 
+using namespace zk4n;
+
 namespace {
 
 struct ParseCase {

@@ -13,6 +13,8 @@
 #include "zk4n/TraceFiles.h"
 #include "zk4n/TraceSvg.h"
 
+using namespace zk4n;
+
 namespace {
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();

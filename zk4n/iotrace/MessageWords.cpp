@@ -48,17 +48,17 @@ std::string ValueText(const NamedValue& value) {
   constexpr int kDigits = 12;
   switch (value.element.unit) {
     case ElementUnit::kHertz:
-      return FormatQuantity(value.value, Unit::kHertz, kDigits);
+      return zk4n::FormatQuantity(value.value, zk4n::Unit::kHertz, kDigits);
     case ElementUnit::kNanosecond:
     case ElementUnit::kMicrosecond:
-      return FormatQuantity(InSeconds(value), Unit::kSecond, kDigits);
+      return zk4n::FormatQuantity(InSeconds(value), zk4n::Unit::kSecond, kDigits);
     case ElementUnit::kDecibelMilliwatt:
     case ElementUnit::kDecibel:
-      return FormatNumber(value.value) + " " + std::string(SymbolOf(value.element.unit));
+      return zk4n::FormatNumber(value.value) + " " + std::string(SymbolOf(value.element.unit));
     case ElementUnit::kNone:
       break;
   }
-  return FormatNumber(value.value, kDigits);
+  return zk4n::FormatNumber(value.value, kDigits);
 }
 
 }  // namespace

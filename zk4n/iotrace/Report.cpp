@@ -9,7 +9,7 @@ namespace iotrace {
 namespace {
 
 std::string DurationText(std::chrono::microseconds time) {
-  return FormatQuantity(static_cast<double>(time.count()) / 1e6, Unit::kSecond, 4);
+  return zk4n::FormatQuantity(static_cast<double>(time.count()) / 1e6, zk4n::Unit::kSecond, 4);
 }
 
 std::string Beginning(TimePoint time, std::uint64_t process, std::uint64_t session) {

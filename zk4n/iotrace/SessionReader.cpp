@@ -22,7 +22,7 @@ std::string Hexadecimal(unsigned value) {
 std::string Bytes(std::size_t count) { return std::to_string(count) + " bytes"; }
 
 std::string SecondsText(std::chrono::microseconds time) {
-  return FormatQuantity(static_cast<double>(time.count()) / 1e6, Unit::kSecond, 4);
+  return zk4n::FormatQuantity(static_cast<double>(time.count()) / 1e6, zk4n::Unit::kSecond, 4);
 }
 
 std::string NamedStatus(std::int16_t status) {

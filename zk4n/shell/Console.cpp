@@ -78,7 +78,7 @@ const Parameter& ObjectParameter() {
 
 std::optional<std::string> TextOf(const Bstr& text) {
   if (text.Get() == nullptr) return std::nullopt;
-  return DriverClient::Utf8(text);
+  return zk4n::DriverClient::Utf8(text);
 }
 
 /// The thread's error information, which it then has no longer.
@@ -304,7 +304,8 @@ Result Console::Trail() const {
   std::uint64_t count = 0;
   while (trail->GetRun(static_cast<ULONG>(result.trail->size()), &status, location.Put(), &count) ==
          S_OK) {
-    result.trail->push_back({static_cast<HRESULT>(status), DriverClient::Utf8(location), count});
+    result.trail->push_back(
+        {static_cast<HRESULT>(status), zk4n::DriverClient::Utf8(location), count});
   }
   return result;
 }
@@ -313,7 +314,7 @@ Result Console::New() {
   driver_.reset();
   try {
     driver_.emplace(create_());
-  } catch (const DriverError& error) {
+  } catch (const zk4n::DriverError& error) {
     throw Fault(error.what());
   }
   return {};

@@ -45,7 +45,7 @@ struct Result {
 
 class Console {
  public:
-  using Create = std::function<DriverClient()>;
+  using Create = std::function<zk4n::DriverClient()>;
 
   /// Creates the object at once. Throws what `create` throws.
   explicit Console(Create create);
@@ -69,7 +69,7 @@ class Console {
   Result Release();
 
   Create create_;
-  std::optional<DriverClient> driver_;
+  std::optional<zk4n::DriverClient> driver_;
 };
 
 /// What names an element of a path: the root object's members, and the two interfaces that are

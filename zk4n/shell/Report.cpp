@@ -40,7 +40,7 @@ auto Visit(const Value& value, const Visitor& visitor) {
   if (const auto* number = std::get_if<VARIANT_BOOL>(&value)) return visitor.Integer(*number);
   if (const auto* number = std::get_if<double>(&value)) return visitor.Real(*number);
   if (const auto* text = std::get_if<Bstr>(&value); text != nullptr && text->Get() != nullptr) {
-    return visitor.Text(DriverClient::Utf8(*text));
+    return visitor.Text(zk4n::DriverClient::Utf8(*text));
   }
   if (const auto* array = std::get_if<SafeArrayOwner>(&value)) {
     const SafeArrayAccess<double> access(array->Get());
@@ -75,10 +75,12 @@ struct PlainVisitor {
     return WithUnit(text);
   }
   [[nodiscard]] std::string Real(double value) const {
-    for (const Unit unit : {Unit::kHertz, Unit::kDecibelMilliwatt, Unit::kDecibel, Unit::kSecond}) {
-      if (UnitSymbol(unit) == parameter.unit) return FormatQuantity(value, unit, kDigits);
+    for (const zk4n::Unit unit : {zk4n::Unit::kHertz, zk4n::Unit::kDecibelMilliwatt,
+                                  zk4n::Unit::kDecibel, zk4n::Unit::kSecond}) {
+      if (zk4n::UnitSymbol(unit) == parameter.unit)
+        return zk4n::FormatQuantity(value, unit, kDigits);
     }
-    return WithUnit(FormatNumber(value, kDigits));
+    return WithUnit(zk4n::FormatNumber(value, kDigits));
   }
   [[nodiscard]] std::string Text(const std::string& text) const { return "\"" + text + "\""; }
   [[nodiscard]] std::string Object() const { return "object " + std::string(parameter.type_name); }

@@ -14,6 +14,7 @@
 #include "zk4n/shell/LineSource.h"
 #include "zk4n/shell/Report.h"
 
+namespace zk4n {
 namespace {
 
 struct ShellOptions {
@@ -102,3 +103,5 @@ void AddShellCommand(CLI::App& app, int& status) {
       ->excludes(module);
   command->callback([options, &status] { status = RunShell(*options); });
 }
+
+}  // namespace zk4n
