@@ -74,13 +74,12 @@ struct DetectorChoice {
 std::vector<DetectorChoice> DetectorsOf(const MeasureOptions& options) {
   std::vector<DetectorChoice> choices;
   for (const std::string& text : options.detectors) {
-    const auto letter = std::find(kTraceChannelLetters.begin(), kTraceChannelLetters.end(),
+    const auto letter = std::find(kChannelLetters.begin(), kChannelLetters.end(),
                                   std::string_view(text).substr(0, text.empty() ? 0 : 1));
-    if (text.size() < 3 || text[1] != '=' || letter == kTraceChannelLetters.end()) {
+    if (text.size() < 3 || text[1] != '=' || letter == kChannelLetters.end()) {
       throw UsageError("--detector: A=FILE, B=FILE or R=FILE, not " + text);
     }
-    choices.push_back(
-        {static_cast<std::size_t>(letter - kTraceChannelLetters.begin()), text.substr(2)});
+    choices.push_back({static_cast<std::size_t>(letter - kChannelLetters.begin()), text.substr(2)});
     RequireReadable(choices.back().file);
   }
   return choices;
@@ -196,7 +195,7 @@ void NoteOtherRange(const MeasurementPlan& plan, const Trace& trace) {
 /// The detector files of a simulated instrument are known: the ones that ship with the program.
 std::vector<DetectorChoice> WithShippedDetectors(std::vector<DetectorChoice> choices) {
   const std::string shipped = Utf8Of(ShippedFile("calibr20.det"));
-  for (std::size_t channel = 0; channel < kTraceChannels; ++channel) {
+  for (std::size_t channel = 0; channel < kChannels; ++channel) {
     const auto chosen = [&](const DetectorChoice& choice) { return choice.channel == channel; };
     if (std::none_of(choices.begin(), choices.end(), chosen)) choices.push_back({channel, shipped});
   }

@@ -156,7 +156,7 @@ std::size_t Fetch(const DriverClient& driver, const Groups& groups, Trace& trace
   double initial_x = 0.0;
   double increment = 0.0;
   std::size_t points = 0;
-  for (std::size_t c = 0; c < kTraceChannels; ++c) {
+  for (std::size_t c = 0; c < kChannels; ++c) {
     points = FetchChannel(driver, groups, c, trace, initial_x, increment);
   }
   for (std::size_t i = 0; i < points; ++i) {

@@ -11,8 +11,8 @@
 
 namespace zk4n {
 
-inline constexpr std::size_t kTraceChannels = 3;
-inline constexpr std::array<std::string_view, kTraceChannels> kTraceChannelLetters{"A", "B", "R"};
+inline constexpr std::array<std::string_view, 3> kChannelLetters{"A", "B", "R"};
+inline constexpr std::size_t kChannels = kChannelLetters.size();
 
 /// What was stepped.
 enum class SweptAxis { kFrequency, kPower };
@@ -21,7 +21,7 @@ enum class SweptAxis { kFrequency, kPower };
 struct Trace {
   SweptAxis axis = SweptAxis::kFrequency;
   std::vector<double> x;  ///< Hz or dBm
-  std::array<std::vector<double>, kTraceChannels>
+  std::array<std::vector<double>, kChannels>
       channels;  ///< A, B, R; as the detector files calibrate them (dBm)
 
   [[nodiscard]] Unit XUnit() const {

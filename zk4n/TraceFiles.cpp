@@ -62,8 +62,8 @@ std::string TraceAsCsv(const Trace& trace, const TraceOrigin& origin) {
 
 std::string TraceAsJson(const Trace& trace, const TraceOrigin& origin) {
   nlohmann::ordered_json channels;
-  for (std::size_t c = 0; c < kTraceChannels; ++c) {
-    channels[std::string(kTraceChannelLetters[c])] = ChannelAsJson(trace.x, trace.channels[c]);
+  for (std::size_t c = 0; c < kChannels; ++c) {
+    channels[std::string(kChannelLetters[c])] = ChannelAsJson(trace.x, trace.channels[c]);
   }
   channels["A-R"] = ChannelAsJson(trace.x, TransmissionOf(trace));
   const nlohmann::ordered_json document{
@@ -90,8 +90,8 @@ std::string TraceSummaryTable(const Trace& trace, const TraceOrigin& origin) {
   }
   if (!origin.conditions.empty()) table << ", " << origin.conditions;
   table << "\n  channel        min            at       max            at      mean\n";
-  for (std::size_t c = 0; c < kTraceChannels; ++c) {
-    AppendRow(table, std::string(kTraceChannelLetters[c]), trace, trace.channels[c]);
+  for (std::size_t c = 0; c < kChannels; ++c) {
+    AppendRow(table, std::string(kChannelLetters[c]), trace, trace.channels[c]);
   }
   AppendRow(table, "A-R", trace, TransmissionOf(trace));
   return table.str();

@@ -13,9 +13,9 @@ struct CurveStyle {
   const char* label;
 };
 // Colours that stay apart in print and for colour-blind readers; dashes tell them apart in grey.
-constexpr std::array<CurveStyle, kTraceChannels> kCurves{{{"#0060a8", "", "A  through"},
-                                                          {"#c8501e", "7 3", "B  reflected"},
-                                                          {"#2e8540", "2 3", "R  reference"}}};
+constexpr std::array<CurveStyle, kChannels> kCurves{{{"#0060a8", "", "A  through"},
+                                                     {"#c8501e", "7 3", "B  reflected"},
+                                                     {"#2e8540", "2 3", "R  reference"}}};
 
 std::string TitleOf(const TraceOrigin& origin) {
   const std::string title = origin.instrument.empty() ? "Scalar measurement" : origin.instrument;
@@ -39,7 +39,7 @@ std::string TraceAsSvg(const Trace& trace, const TraceOrigin& origin) {
   chart.x = {trace.axis == SweptAxis::kFrequency ? "Frequency" : "Source level", trace.XUnit()};
   chart.y = {"Detected level", Unit::kDecibelMilliwatt};
   chart.points = trace.x;
-  for (std::size_t c = 0; c < kTraceChannels; ++c) {
+  for (std::size_t c = 0; c < kChannels; ++c) {
     const CurveStyle& style = kCurves[c];
     chart.curves.push_back({style.label, style.colour, style.dashes, trace.channels[c]});
   }
