@@ -141,7 +141,6 @@ void Gost341194::Update(std::string_view bytes) {
     left -= taken;
     if (pending_size_ < kBlockBytes) return;
     Absorb(pending_.data());
-    pending_size_ = 0;
   }
   for (; left >= kBlockBytes; left -= kBlockBytes, data += kBlockBytes) Absorb(data);
   std::copy_n(data, left, pending_.begin());

@@ -2,8 +2,7 @@
 
 Status CSimpleMatrix::Resize(std::uint32_t columns, std::uint32_t rows) {
   if (GetCols() == columns && GetRows() == rows) return Status::kOk;
-  columns_.clear();
-  columns_.resize(columns, std::vector<double>(rows));
+  columns_.assign(columns, std::vector<double>(rows));
   return Status::kOk;
 }
 

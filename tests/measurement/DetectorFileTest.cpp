@@ -99,6 +99,9 @@ TEST(DetectorFile, LevelColumnIsNotTheReaders) {
   EXPECT_EQ(rest.Resize(2, 3), Status::kOk) << "the same size keeps the values";
   EXPECT_EQ(rest.GetItem(1, 2), 7.0);
   EXPECT_EQ(matrix.GetItem(2, 2), 7.0);
+  EXPECT_EQ(rest.Resize(2, 4), Status::kOk);
+  EXPECT_EQ(rest.GetRows(), 4U);
+  EXPECT_EQ(rest.GetItem(1, 2), 0.0) << "another size starts from zero";
 }
 
 /// Such a file's digest is worked out while its numbers are read.
