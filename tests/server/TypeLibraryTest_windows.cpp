@@ -15,6 +15,8 @@
 // After windows.h, which declares what it uses.
 #include <sddl.h>
 
+using namespace server;
+
 namespace {
 
 using Install = HRESULT STDAPICALLTYPE(BOOL, LPCWSTR);
