@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <fstream>
 
+#include "platform/os/FileDescriptor_posix.h"
 #include "platform/os/Process.h"
 #include "visa/MachineLock.h"
 
@@ -38,10 +39,9 @@ int NewSocket() { return socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0); }
 
 /// A socket of that name; -1 when there is one already, or no more sockets.
 int Bind(const LockAddress& address) {
-  const int fd = NewSocket();
-  if (fd < 0 || bind(fd, address.Get(), address.length) == 0) return fd;
-  close(fd);
-  return -1;
+  os::FileDescriptor fd(NewSocket());
+  const bool is_bound = fd.Get() >= 0 && bind(fd.Get(), address.Get(), address.length) == 0;
+  return is_bound ? fd.Release() : -1;
 }
 
 void Close(std::intptr_t fd) {
@@ -72,12 +72,10 @@ void MachineLock::Release() {
 }
 
 bool MachineLock::IsHeld(const std::string& name) {
-  const int fd = NewSocket();
-  if (fd < 0) return false;
+  const os::FileDescriptor asking(NewSocket());
+  if (asking.Get() < 0) return false;
   const LockAddress address(kLock, name);
-  const bool is_held = connect(fd, address.Get(), address.length) == 0 || errno != ECONNREFUSED;
-  close(fd);
-  return is_held;
+  return connect(asking.Get(), address.Get(), address.length) == 0 || errno != ECONNREFUSED;
 }
 
 std::string MachineLock::Holder(const std::string& name) {

@@ -11,27 +11,11 @@
 #include <new>
 #include <utility>
 
+#include "platform/os/FileDescriptor_posix.h"
 #include "visa/WaitGate.h"
 
 namespace zevisa {
 namespace {
-
-class Descriptor {
- public:
-  Descriptor() = default;
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() { Reset(-1); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  void Reset(int fd) {
-    if (fd_ >= 0) close(fd_);
-    fd_ = fd;
-  }
-  [[nodiscard]] int Get() const { return fd_; }
-
- private:
-  int fd_ = -1;
-};
 
 class Wakeup {
  public:
@@ -46,7 +30,7 @@ class Wakeup {
   [[nodiscard]] int Get() const { return event_.Get(); }
 
  private:
-  Descriptor event_;
+  os::FileDescriptor event_;
 };
 
 using Gate = WaitGate<Wakeup>;
@@ -89,7 +73,7 @@ bool SetOption(int fd, int level, int option, int value) {
 }  // namespace
 
 struct Socket::Impl {
-  Descriptor fd;
+  os::FileDescriptor fd;
   Gate receiving;
   Gate sending;
 };
@@ -99,7 +83,8 @@ Socket::Socket() : impl_(std::make_unique<Impl>()) {}
 Socket::~Socket() = default;
 
 ViStatus Socket::Connect(const Address& address, Deadline deadline) {
-  impl_->fd.Reset(socket(address.family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_TCP));
+  impl_->fd = os::FileDescriptor(
+      socket(address.family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_TCP));
   const int fd = impl_->fd.Get();
   if (fd < 0) return errno == EMFILE || errno == ENFILE ? VI_ERROR_ALLOC : VI_ERROR_RSRC_NFOUND;
   SetNoDelay(true);

@@ -17,6 +17,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/os/FileDescriptor_posix.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -65,23 +67,9 @@ bool Concerns(std::u16string_view path, const Part& part) {
 
 fs::path Beside(const fs::path& path, const char* suffix) { return path.native() + suffix; }
 
-class FileDescriptor {
- public:
-  FileDescriptor() : descriptor_(-1) {}
-  FileDescriptor(const fs::path& path, int flags)
-      : descriptor_(open(path.c_str(), flags | O_CLOEXEC, 0600)) {}
-  FileDescriptor(FileDescriptor&& other) noexcept
-      : descriptor_(std::exchange(other.descriptor_, -1)) {}
-  ~FileDescriptor() {
-    if (descriptor_ >= 0) close(descriptor_);
-  }
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  [[nodiscard]] int Get() const { return descriptor_; }
-
- private:
-  int descriptor_;
-};
+os::FileDescriptor Open(const fs::path& path, int flags) {
+  return os::FileDescriptor(open(path.c_str(), flags | O_CLOEXEC, 0600));
+}
 
 /// What differs between a file and the one that replaces it, or the same file written over.
 struct FileState {
@@ -135,7 +123,7 @@ LSTATUS StatusOf(int error) {
 LSTATUS Replace(const Part& part, std::string_view text) {
   const fs::path fresh = Beside(part.file, ".new");
   {
-    const FileDescriptor file(fresh, O_WRONLY | O_CREAT | O_TRUNC);
+    const os::FileDescriptor file = Open(fresh, O_WRONLY | O_CREAT | O_TRUNC);
     if (file.Get() < 0) return StatusOf(errno);
     if (fchmod(file.Get(), part.mode) != 0 || !WriteAll(file.Get(), text)) return ERROR_WRITE_FAULT;
   }
@@ -177,7 +165,7 @@ std::string TextOf(const Part& part, const RegistryKey& root) {
 /// The right to change a part, until it is destroyed.
 class PartLock {
  public:
-  explicit PartLock(const Part& part) : result_(MakeFolder(part.file)), file_(Open(part.file)) {}
+  explicit PartLock(const Part& part) : result_(MakeFolder(part.file)), file_(Lock(part.file)) {}
 
   /// ERROR_SUCCESS when it is held.
   [[nodiscard]] LSTATUS Result() const { return result_; }
@@ -189,15 +177,15 @@ class PartLock {
     return file.empty() || error ? StatusOf(error.value()) : ERROR_SUCCESS;
   }
   /// The lock is a file of its own, since the registry's is a new one after every change.
-  FileDescriptor Open(const fs::path& file) {
-    if (result_ != ERROR_SUCCESS) return FileDescriptor();
-    FileDescriptor lock(Beside(file, ".lock"), O_RDWR | O_CREAT);
+  os::FileDescriptor Lock(const fs::path& file) {
+    if (result_ != ERROR_SUCCESS) return {};
+    os::FileDescriptor lock = Open(Beside(file, ".lock"), O_RDWR | O_CREAT);
     if (lock.Get() < 0 || !LockExclusively(lock.Get())) result_ = StatusOf(errno);
     return lock;
   }
 
   LSTATUS result_;
-  FileDescriptor file_;
+  os::FileDescriptor file_;
 };
 
 }  // namespace

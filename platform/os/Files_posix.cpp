@@ -7,24 +7,9 @@
 #include <cerrno>
 #include <cstdint>
 
+#include "platform/os/FileDescriptor_posix.h"
+
 namespace os {
-namespace {
-
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  [[nodiscard]] int Get() const { return number_; }
-
- private:
-  const int number_;
-};
-
-}  // namespace
 
 WideString WideOf(const std::filesystem::path& path) {
   return ToWide(path.native(), kUtf8CodePage);
@@ -34,7 +19,7 @@ std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, std:
   // Opening does not wait for the other end of a FIFO; and the look is at what was opened, so that
   // nothing can take its place between the two.
   constexpr int kFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-  const Descriptor file(open(NativePath(path).c_str(), kFlags));
+  const FileDescriptor file(open(NativePath(path).c_str(), kFlags));
   struct stat found = {};
   if (fstat(file.Get(), &found) != 0 || !S_ISREG(found.st_mode)) return std::nullopt;
   std::string content;
