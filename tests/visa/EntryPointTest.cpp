@@ -91,6 +91,9 @@ TEST_F(VisaSession, BadArgumentsAreRefused) {
   EXPECT_STATUS(visa.viReadSTB(session, nullptr), VI_ERROR_USER_BUF);
   EXPECT_STATUS(visa.viAssertTrigger(session, 1), VI_ERROR_INV_PROT);
   EXPECT_STATUS(visa.viSetAttribute(manager + 99, VI_ATTR_USER_DATA, 1), VI_ERROR_INV_OBJECT);
+  ViUInt32 count = 7;
+  EXPECT_STATUS(visa.viRead(manager + 99, nullptr, 1, &count), VI_ERROR_INV_OBJECT);
+  EXPECT_EQ(count, 0U);
   EXPECT_STATUS(visa.viEnableEvent(manager + 99, 0, 1, 0), VI_ERROR_INV_OBJECT);
   EXPECT_STATUS(visa.viDiscardEvents(manager + 99, 0, 1), VI_ERROR_INV_OBJECT);
 }

@@ -84,6 +84,7 @@ TEST_F(VisaLock, IsSharedWithTheKey) {
   EXPECT_STATUS(Write(second, "x"), VI_SUCCESS);
   EXPECT_STATUS(Write(third, "x"), VI_ERROR_RSRC_LOCKED);
   EXPECT_STATUS(Exclusive(first), VI_SUCCESS);
+  EXPECT_STATUS(Shared(second, key.c_str()), VI_ERROR_RSRC_LOCKED);
   EXPECT_STATUS(Write(second, "x"), VI_ERROR_RSRC_LOCKED);
   EXPECT_STATUS(visa.viUnlock(first), VI_SUCCESS_NESTED_SHARED);
   EXPECT_STATUS(Write(second, "x"), VI_SUCCESS);

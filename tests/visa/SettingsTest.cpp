@@ -62,7 +62,10 @@ TEST_F(VisaSettings, LinesThatMakeNoSenseAreToldAndChangeNothing) {
       "trace-data = -1\n"
       "[TCPIP::elsewhere::*]\n"
       "keep-alive-probes = 128\n"
-      "trace-size = 63\n" +
+      "trace-size = 63\n"
+      "keep-alive-idle = 0\n"
+      "keep-alive-interval = 32768\n"
+      "connect-ceiling = 19\n" +
       std::string(56, 'x') + "\xE2\x82\xAC\xE2\x82\xAC\n");
   EXPECT_EQ(Flag(session, VI_ATTR_TCPIP_NODELAY), 0);
   const std::vector<std::string> problems = {
@@ -77,7 +80,10 @@ TEST_F(VisaSettings, LinesThatMakeNoSenseAreToldAndChangeNothing) {
       "line 14: not a number from 0 to 1048576: -1",
       "line 16: not a number from 1 to 127: 128",
       "line 17: not a number from 64 to 4194304: 63",
-      "line 18: neither [section] nor key = value: " + std::string(56, 'x') + "\xE2\x82\xAC...",
+      "line 18: not a number from 1 to 32767: 0",
+      "line 19: not a number from 1 to 32767: 32768",
+      "line 20: not a number from 20 to 3600000: 19",
+      "line 21: neither [section] nor key = value: " + std::string(56, 'x') + "\xE2\x82\xAC...",
   };
   EXPECT_EQ(Problems(), problems);
   EXPECT_STATUS(visa.viGetAttribute(manager, VI_ATTR_ZENTREL_SETTINGS_PROBLEM, nullptr),

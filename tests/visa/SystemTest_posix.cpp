@@ -7,12 +7,12 @@
 
 #include <optional>
 
-#include "tests/visa/VisaModule.h"
+#include "tests/visa/SettingsFixture.h"
 
 namespace {
 
 /// An option of this process's own end of the connection to a port.
-bool IsSet(const std::string& port, int level, int option) {
+int Option(const std::string& port, int level, int option) {
   for (int fd = 0; fd < 1024; ++fd) {
     sockaddr_in peer{};
     socklen_t size = sizeof peer;
@@ -21,16 +21,16 @@ bool IsSet(const std::string& port, int level, int option) {
     int value = 0;
     size = sizeof value;
     EXPECT_EQ(getsockopt(fd, level, option, &value, &size), 0);
-    return value != 0;
+    return value;
   }
   ADD_FAILURE() << "no connection to " << port;
-  return false;
+  return -1;
 }
 
 TEST_F(VisaSession, AttributesReachTheSocket) {
   const auto expect = [this](bool no_delay, bool keep_alive) {
-    EXPECT_EQ(IsSet(peer.Port(), IPPROTO_TCP, TCP_NODELAY), no_delay);
-    EXPECT_EQ(IsSet(peer.Port(), SOL_SOCKET, SO_KEEPALIVE), keep_alive);
+    EXPECT_EQ(Option(peer.Port(), IPPROTO_TCP, TCP_NODELAY) != 0, no_delay);
+    EXPECT_EQ(Option(peer.Port(), SOL_SOCKET, SO_KEEPALIVE) != 0, keep_alive);
   };
   expect(true, false);
   for (const ViAttrState on : {0, 1}) {
@@ -38,6 +38,13 @@ TEST_F(VisaSession, AttributesReachTheSocket) {
     EXPECT_STATUS(visa.viSetAttribute(session, VI_ATTR_TCPIP_KEEPALIVE, on), VI_SUCCESS);
     expect(on != 0, on != 0);
   }
+}
+
+TEST_F(VisaSettings, KeepAliveHasTimesOfItsOwn) {
+  OpenWith("[*]\nkeep-alive = on");
+  EXPECT_EQ(Option(peer.Port(), IPPROTO_TCP, TCP_KEEPIDLE), 30) << "seconds";
+  EXPECT_EQ(Option(peer.Port(), IPPROTO_TCP, TCP_KEEPINTVL), 5);
+  EXPECT_EQ(Option(peer.Port(), IPPROTO_TCP, TCP_KEEPCNT), 3);
 }
 
 /// Every version of the library must find it.

@@ -99,12 +99,18 @@ TEST_F(VisaTrace, WhatIsNoFileHoldsUpNoCall) {
   const std::string fifo = folder_.path() / "fifo";
   ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
   const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+  const auto descriptors = [] {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  };
+  const auto before = descriptors();
   for (const std::string& path : {fifo, std::string("/dev/full"), std::string("/proc/version")}) {
     const EnvironmentVariable variable("ZEVISA_TRACE", path);
     ViSession other = 0;
     EXPECT_STATUS(visa.viOpenDefaultRM(&other), VI_SUCCESS) << path;
     Count(0, 3);
+    EXPECT_STATUS(visa.viClose(other), VI_SUCCESS);
   }
+  EXPECT_EQ(descriptors(), before);
   char byte = 0;
   EXPECT_EQ(read(reader, &byte, 1), 0) << "nothing is written into what has a reader";
   close(reader);
