@@ -3,13 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
+#include <cctype>
+#include <cstdio>
+#include <fstream>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "simulator/Wire.h"
+#include "tests/link/Hex.h"
 #include "zk4n/iotrace/LineReader.h"
 #include "zk4n/iotrace/Report.h"
 
@@ -17,79 +21,82 @@ namespace iotrace {
 namespace {
 
 using testing::HasSubstr;
-using Body = std::vector<std::uint8_t>;
+using testing::StartsWith;
 
-/// Writes a trace; each call takes 100 us, and begins when the last one has ended.
+/// Writes a trace as iotrace.txt has it. Each call begins when the one before has ended.
 class Writer {
  public:
-  explicit Writer(int session = 3) : session_(session) {}
+  Writer& Play(const std::string& line) {
+    if (std::sscanf(line.c_str(), "session %d", &session_) == 1) return *this;
+    const bool is_message = line.starts_with("send ") || line.starts_with("come ");
+    return is_message ? Message(line) : Call(line);
+  }
+  [[nodiscard]] const std::string& text() const { return text_; }
 
-  Writer& Line(const std::string& rest, std::chrono::microseconds duration = kCall) {
+ private:
+  Writer& Call(const std::string& rest) {
     char beginning[96];
-    const auto us = static_cast<int>(time_.count());
     std::snprintf(beginning, sizeof beginning, "2026-11-25T16:18:%02d.%06dZ 70 71 %d ",
-                  us / 1000000, us % 1000000, session_);
+                  time_ / 1000000, time_ % 1000000, session_);
     text_ += beginning + rest + "\n";
+    int duration = 0;
+    std::sscanf(rest.c_str(), "%*s %*s %d", &duration);
     time_ += duration;
     return *this;
   }
-  Writer& Move(const std::string& call, const Body& bytes, std::size_t asked,
-               const std::string& status = "VI_SUCCESS", int ms = 0, std::size_t bound = 4096) {
-    std::string data;
-    for (std::size_t i = 0; i < std::min(bytes.size(), bound); ++i) {
-      char digits[4];
-      std::snprintf(digits, sizeof digits, "%02x", bytes[i]);
-      data += digits;
+  Writer& Move(const std::string& call, std::span<const std::uint8_t> bytes) {
+    const std::string size = std::to_string(bytes.size());
+    std::string data = ToHex(bytes);
+    std::erase(data, ' ');
+    for (char& digit : data) digit = static_cast<char>(std::tolower(digit));
+    return Call(call + " " + size + "/" + size + " 100 VI_SUCCESS data=" + data);
+  }
+  Writer& Message(const std::string& line) {
+    unsigned number = 0, command = 0, status = 0x8000, count = 0, type = 0;
+    int end = 0;
+    if (std::sscanf(line.c_str(), "send %u command %u, %u of type %x%n", &number, &command, &count,
+                    &type, &end) != 4) {
+      EXPECT_EQ(std::sscanf(line.c_str(), "come %u command %u status %x, %u of type %x%n", &number,
+                            &command, &status, &count, &type, &end),
+                5)
+          << line;
     }
-    const auto duration = ms == 0 ? kCall : std::chrono::milliseconds(ms);
-    return Line(call + " " + std::to_string(bytes.size()) + "/" + std::to_string(asked) + " " +
-                    std::to_string(duration.count()) + " " + status + " data=" + data +
-                    (bytes.size() > bound ? "..." : ""),
-                duration);
-  }
-  /// A request as the driver sends it: header and body in calls of their own.
-  Writer& Send(std::uint32_t number, std::uint16_t command, std::uint8_t count, std::uint8_t type,
-               const Body& body) {
-    const Body bytes = Bytes({command, -0x8000, count, type, number, body});
-    Move("viWrite", {bytes.begin(), bytes.begin() + 16}, 16);
-    return Move("viWrite", body, body.size());
-  }
-  /// An answer, in two calls likewise.
-  Writer& Come(std::uint32_t number, std::uint16_t command, std::int16_t status, std::uint8_t count,
-               std::uint8_t type, const Body& body, std::size_t bound = 4096) {
-    const Body bytes = Bytes({command, status, count, type, number, body});
-    Move("viRead", {bytes.begin(), bytes.begin() + 16}, 16);
-    return Move("viRead", body, body.size(), "VI_SUCCESS", 0, bound);
-  }
-  Writer& TimeOut(std::size_t asked = 16) {
-    return Move("viRead", {}, asked, "VI_ERROR_TMO", 1000);
-  }
-  Writer& Clear() { return Line("viClear - 100 VI_SUCCESS"); }
-  Writer& Session(int session) {
-    session_ = session;
-    return *this;
-  }
-  Writer& Open() {
-    session_ = 1;
-    Line("viOpen - 100 VI_SUCCESS resource=\"TCPIP0::h::8888::SOCKET\" mode=4 opened=3");
-    return Session(3);
+    const auto bytes = simulator::EncodeAnswer(
+        {static_cast<std::uint16_t>(command), static_cast<std::int16_t>(status),
+         static_cast<std::uint8_t>(count), static_cast<std::uint8_t>(type), number,
+         FromHex(std::string_view(line).substr(static_cast<std::size_t>(end)))});
+    const std::string call = line[0] == 's' ? "viWrite" : "viRead";
+    Move(call, std::span(bytes).first(simulator::kHeaderSize));
+    return Move(call, std::span(bytes).subspan(simulator::kHeaderSize));
   }
 
-  /// The averaging factor: what most of the tests send.
-  Writer& SendFactor(std::uint32_t number) { return Send(number, 3, 1, 0x10, {4, 0, 8, 0}); }
-  Writer& ComeFactor(std::uint32_t number) { return Come(number, 3, 0, 1, 0x10, {4, 0, 8}); }
-  Writer& SendData(std::uint32_t number) { return Send(number, 6, 0, 'A', {}); }
-
-  [[nodiscard]] const std::string& text() const { return text_; }
-
-  static Body Bytes(const simulator::Message& message) { return simulator::EncodeAnswer(message); }
-
- private:
-  static constexpr std::chrono::microseconds kCall{100};
-  int session_;
-  std::chrono::microseconds time_{0};
+  int session_ = 3;
+  int time_ = 0;  // us
   std::string text_;
 };
+
+struct Case {
+  std::string trace;
+  std::string told;  // without the summary
+};
+
+/// By name, as iotrace.txt has them.
+const std::map<std::string, Case>& Cases() {
+  static const auto cases = [] {
+    std::map<std::string, Case> read;
+    std::ifstream file(ZK_TRACES, std::ios::binary);
+    for (std::string line; std::getline(file, line);) {
+      if (!line.starts_with("== ")) continue;
+      Case& entry = read[line.substr(3)];
+      Writer writer;
+      while (std::getline(file, line) && line != "=>") writer.Play(line);
+      while (std::getline(file, line) && !line.empty()) entry.told += line + "\n";
+      entry.trace = writer.text();
+    }
+    return read;
+  }();
+  return cases;
+}
 
 /// What the report says, without dates and times of day.
 std::string Told(const std::string& trace, bool json = false, std::size_t piece = 100) {
@@ -113,200 +120,15 @@ std::string Told(const std::string& trace, bool json = false, std::size_t piece 
   return told;
 }
 
-/// Without the summary.
-std::string Exchanges(const Writer& trace) {
-  const std::string told = Told(trace.text());
-  return told.substr(0, told.find("exchanges "));
+TEST(IoTraceReportTest, TellsEachTrace) {
+  EXPECT_EQ(Cases().size(), 42U);
+  for (const auto& [name, entry] : Cases()) {
+    EXPECT_THAT(Told(entry.trace), StartsWith(entry.told + "exchanges ")) << name;
+  }
 }
-
-struct Row {
-  const char* name;
-  Writer trace;
-  const char* told;
-};
-
-void PrintTo(const Row& row, std::ostream* stream) { *stream << row.name; }
-
-class IoTraceTest : public testing::TestWithParam<Row> {};
-
-TEST_P(IoTraceTest, Tells) { EXPECT_EQ(Exchanges(GetParam().trace), GetParam().told); }
-
-const Body kLimits{0, 0,    0x80, 0x96, 0x98, 0, 0, 0, 2,    0,    0,    0, 0,
-                   0, 0x80, 0x31, 0x7F, 0xA7, 4, 0, 0, 0xC8, 0x17, 0xA8, 4, 0};
-const Body kAsked{0, 0, 0,    0,    0,    0,    0, 0, 2,    0,    0,    0,    0,
-                  0, 0, 0xE8, 0x76, 0x48, 0x17, 0, 0, 0xE8, 0x76, 0x48, 0x17, 0};
-const Body kBlock{0, 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 6, 0};
-
-/// The first 16 bytes of an answer to SendFactor; three follow.
-Body FactorHeader(std::uint32_t number) {
-  Body bytes = Writer::Bytes({3, 0, 1, 0x10, number, {4, 0, 8}});
-  bytes.resize(16);
-  return bytes;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Traces, IoTraceTest,
-    testing::Values(
-        Row{"opened, and recovered", Writer().Open().Send(1, 1, 0, 0, {}).Come(1, 1, 0, 0, 0, {}),
-            "70:1 viOpen resource=TCPIP0::h::8888::SOCKET mode=4 opened=3 -> VI_SUCCESS, 100 us\n"
-            "70:3 1 recover -> good, 300 us\n"},
-        Row{"left as asked", Writer().SendFactor(7).ComeFactor(7),
-            "70:3 7 write averaging #4: factor 8 -> good, 400 us\n"},
-        Row{"left otherwise", Writer().Send(7, 3, 4, 0x60, kAsked).Come(7, 3, 0, 4, 0x60, kLimits),
-            "70:3 7 write frequency #0: start 0 Hz, points 2, step 100 GHz, stop 100 GHz -> good: "
-            "start 10 MHz, step 19.99 GHz, stop 20 GHz, 400 us\n"},
-        Row{"read", Writer().Send(8, 4, 2, 0x40, {5, 0, 9, 9, 9, 9, 9, 9, 9, 9})
-                        .Come(8, 4, 0, 2, 0x40, {5, 0, 0, 0, 0, 0, 0xDC, 5, 0, 0}),
-            "70:3 8 read dwell #5 -> good: selector 0, dwell 1.5 us, 400 us\n"},
-        Row{"signed and with a fraction",
-            Writer().Send(9, 3, 2, 0x21, {12, 0, 0, 1, 0x80, 0xF6})
-                .Come(9, 3, 6, 2, 0x21, {12, 0, 0, 1, 0, 0xF6}),
-            "70:3 9 write level #12: output 1, level -9.5 dBm -> 6 level not settled: level -10 "
-            "dBm, 400 us\n"},
-        Row{"a chunk of pulses",
-            Writer().Send(2, 3, 2, 0x40, {31, 0, 2, 0, 0, 0, 3, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0,
-                                          100, 0, 0, 0, 200, 0, 0, 0})
-                .Come(2, 3, -0x7FFE, 2, 0x40, {}),
-            "70:3 2 write pulse train #31: mode 2, source 3, offset 0, count 1, width 100 ns, gap "
-            "200 ns -> 0x8002 request not supported, 300 us\n"
-            "    ! refused: 0x8002, request not supported\n"},
-        Row{"an unknown form", Writer().Send(3, 3, 2, 0x21, {99, 0, 0, 1, 0, 0xFF})
-                                   .Come(3, 3, 0, 2, 0x21, {99, 0, 0, 1, 0, 0xFF}),
-            "70:3 3 write parameter #99: 1, -1 -> good, 400 us\n"},
-        Row{"a file", Writer().Send(4, 4, 2, 0x40, {10, 0, 0, 0, 0, 0, 0, 250, 0, 0, 'T', 0})
-                          .Come(4, 4, 0, 2, 0x40, {10, 0, 0, 0, 0, 0, 0, 250, 0, 0, 'T', 0, 'K', '\r', '\n'}),
-            "70:3 4 read file #10: T -> good: K, 400 us\n"},
-        Row{"a serial number", Writer().Send(5, 4, 1, 0x20, {'S', 0, 2, 0})
-                                   .Come(5, 4, 0, 1, 0x20, {'S', 0, 0x1B, 0x80, 25, 0, 1, 1}),
-            "70:3 5 read serial number #83 -> good: 52, 400 us\n"},
-        Row{"an identity in Cyrillic", Writer().Send(5, 4, 1, 0x10, {15, 0, 0, 0})
-                                           .Come(5, 4, 0, 1, 0x10, {15, 0, 0xC8, 0}),
-            "70:3 5 read identity #15 -> good: \xD0\x98, 400 us\n"},
-        Row{"a block that the sweep delays", Writer().SendData(5).TimeOut().TimeOut().Come(5, 6, 0, 0, 'A', kBlock),
-            "70:3 5 data -> good: 1 points, mark A, 6 level not settled, 2 s\n"},
-        Row{"a block that is given up", Writer().SendData(5).TimeOut().Clear().SendFactor(6).ComeFactor(6),
-            "70:3 5 data -> given up after 1 s, before a clear\n"
-            "70:3 viClear -> VI_SUCCESS, 100 us\n"
-            "70:3 6 write averaging #4: factor 8 -> good, 400 us\n"},
-        Row{"in one piece with what follows", Writer().SendFactor(5).Move("viRead", [] {
-              Body two = Writer::Bytes({3, 0, 1, 0x10, 5, {4, 0, 8}});
-              two.insert(two.end(), {0x34, 0x12});
-              return two;
-            }(), 100),
-            "70:3 5 write averaging #4: factor 8 -> good, 300 us\n"
-            "70:3 viRead -> VI_SUCCESS, 100 us\n"
-            "    ! header word: 0x1234 instead of 0x55AA\n"},
-        Row{"joined in the middle of an answer", Writer().Move("viRead", {1, 2, 3}, 3).ComeFactor(4).SendFactor(5).ComeFactor(5),
-            "70:3 5 write averaging #4: factor 8 -> good, 400 us\n"},
-        Row{"two sessions at a time",
-            Writer().Session(3).SendFactor(5).Session(4).SendFactor(1).Session(3).ComeFactor(5)
-                .Session(4).ComeFactor(1),
-            "70:3 5 write averaging #4: factor 8 -> good, 600 us\n"
-            "70:4 1 write averaging #4: factor 8 -> good, 600 us\n"},
-        Row{"cut by the bound", Writer().SendData(5).Come(5, 6, 0, 0, 'A', kBlock, 4),
-            "70:3 5 data -> good: 1 points, mark A, 400 us\n"},
-        Row{"cut elements", Writer().SendFactor(5).Come(5, 3, 0, 1, 0x10, {4, 0, 8}, 2),
-            "70:3 5 write averaging #4: factor 8 -> good (2 of 3 bytes in the trace), 400 us\n"},
-        Row{"cut in the middle", Writer().SendFactor(5).Move("viRead", FactorHeader(5), 16).Move("viRead", {4, 0}, 3, "VI_SUCCESS", 0, 1).Move("viRead", {8}, 1),
-            "70:3 5 write averaging #4: factor 8 -> good (1 of 3 bytes in the trace), 500 us\n"},
-        Row{"the trace ends", Writer().SendFactor(5),
-            "70:3 5 write averaging #4: factor 8 -> the trace ends\n"},
-        Row{"a time-out", Writer().SendFactor(5).TimeOut().Clear(),
-            "70:3 5 write averaging #4: factor 8 -> no answer\n"
-            "    ! time-out: no answer in 1 s\n"
-            "70:3 viClear -> VI_SUCCESS, 100 us\n"},
-        Row{"silence in a body", Writer().SendFactor(5).Move("viRead", FactorHeader(5), 16).TimeOut(3).Clear(),
-            "70:3 5 write averaging #4: factor 8 -> no answer\n"
-            "    ! time-out: no answer in 1 s, 16 of 19 bytes came\n"
-            "70:3 viClear -> VI_SUCCESS, 100 us\n"},
-        Row{"a body in two halves", Writer().SendFactor(5).Move("viRead", FactorHeader(5), 16).TimeOut(3).Move("viRead", {4, 0, 8}, 3),
-            "70:3 5 write averaging #4: factor 8 -> good, 1 s\n"
-            "    ! time-out: the answer came after 1 time-outs\n"},
-        Row{"a lost connection", Writer().SendFactor(5).Move("viRead", {0xAA, 0x55}, 16, "VI_ERROR_CONN_LOST").Move("viRead", {}, 16, "VI_ERROR_CONN_LOST"),
-            "70:3 5 write averaging #4: factor 8 -> no answer\n"
-            "    ! connection: viRead: VI_ERROR_CONN_LOST, 2 of 16 bytes came\n"
-            "70:3 viRead -> VI_ERROR_CONN_LOST, 100 us\n"
-            "    ! connection: viRead: VI_ERROR_CONN_LOST\n"},
-        Row{"a lost connection on writing", Writer().SendFactor(5).ComeFactor(5).Move("viWrite", {}, 16, "0xBFFF00A6").Move("viWrite", {}, 4, "0xBFFF00A6").Move("viRead", {}, 16, "0xBFFF00A6"),
-            "70:3 5 write averaging #4: factor 8 -> good, 400 us\n"
-            "70:3 unknown request -> no answer\n"
-            "    ! connection: viWrite: 0xBFFF00A6\n"
-            "    ! connection: viRead: 0xBFFF00A6\n"},
-        Row{"a wrong header word", Writer().SendFactor(5).Move("viRead", {0x34, 0x12, 3, 0}, 16).Move("viRead", {1, 2}, 2).Clear(),
-            "70:3 5 write averaging #4: factor 8 -> no answer\n"
-            "    ! header word: 0x1234 instead of 0x55AA\n"
-            "70:3 viClear -> VI_SUCCESS, 100 us\n"},
-        Row{"a wrong length", Writer().SendFactor(5).Come(5, 3, 0, 1, 0x10, {4, 0, 8, 0, 0}),
-            "70:3 5 write averaging #4: factor 8 -> good, 400 us\n"
-            "    ! length: a body of 5 bytes instead of 4\n"},
-        Row{"a block of a wrong length", Writer().SendData(5).Come(5, 6, 0, 0, 0x41, {1, 2, 3}),
-            "70:3 5 data -> good: 3 bytes, 400 us\n"
-            "    ! length: a block of 3 bytes is not 12 n + 2\n"},
-        Row{"a body that nobody reads", Writer().SendData(5).Move("viRead", FactorHeader(5), 16).Clear(),
-            "70:3 5 data -> no answer\n"
-            "    ! length: a body of 3 bytes was announced, and not read\n"
-            "70:3 viClear -> VI_SUCCESS, 100 us\n"},
-        Row{"a block that is given up half", Writer().SendData(5).Move("viRead", FactorHeader(5), 16).Move("viRead", {4}, 3, "VI_ERROR_TMO", 1000).Clear(),
-            "70:3 5 data -> given up after 1 s, before a clear\n"
-            "    ! time-out: the block stopped, 17 of 19 bytes came\n"
-            "70:3 viClear -> VI_SUCCESS, 100 us\n"},
-        Row{"a wrong mark, a bad status", Writer().SendData(5).Come(5, 6, 0, 0, 0x42, {7, 0x80}),
-            "70:3 5 data -> good: 0 points, mark ?, 0x8007 PLL unlocked, 400 us\n"
-            "    ! mismatch: format mark 0x0042, neither @ nor A\n"
-            "    ! refused: block status 0x8007, PLL unlocked\n"},
-        Row{"of another command and parameter", Writer().SendFactor(5).Come(5, 4, 0, 1, 0x10, {5, 0, 8}),
-            "70:3 5 write averaging #4: factor 8 -> good, 400 us\n"
-            "    ! mismatch: the answer to command 4\n"
-            "    ! mismatch: the answer to parameter 5\n"},
-        Row{"requests out of order", Writer().SendFactor(5).ComeFactor(5).SendFactor(9).ComeFactor(9),
-            "70:3 5 write averaging #4: factor 8 -> good, 400 us\n"
-            "70:3 9 write averaging #4: factor 8 -> good, 400 us\n"
-            "    ! number: request 9 follows request 5\n"},
-        Row{"numbers that were never repeated", Writer().SendFactor(5).ComeFactor(1).SendFactor(6).ComeFactor(2),
-            "70:3 5 write averaging #4: factor 8 -> good, 400 us\n"
-            "70:3 6 write averaging #4: factor 8 -> good, 400 us\n"},
-        Row{"an answer with another number", Writer().SendFactor(5).ComeFactor(5).SendFactor(6).ComeFactor(6).SendFactor(7).ComeFactor(90),
-            "70:3 5 write averaging #4: factor 8 -> good, 400 us\n"
-            "70:3 6 write averaging #4: factor 8 -> good, 400 us\n"
-            "70:3 7 write averaging #4: factor 8 -> good, 400 us\n"
-            "    ! number: the answer has number 90\n"},
-        Row{"an answer that comes twice", Writer().SendFactor(5).ComeFactor(5).SendFactor(6).ComeFactor(6).SendFactor(7).ComeFactor(6).ComeFactor(7),
-            "70:3 5 write averaging #4: factor 8 -> good, 400 us\n"
-            "70:3 6 write averaging #4: factor 8 -> good, 400 us\n"
-            "70:3 7 write averaging #4: factor 8 -> good, 600 us\n"
-            "    ! passed over: the answer to request 6 comes late, or twice\n"},
-        Row{"a copy that was taken for the answer", Writer().SendFactor(5).ComeFactor(5).SendFactor(6).ComeFactor(6).SendFactor(7).ComeFactor(6).SendFactor(8),
-            "70:3 5 write averaging #4: factor 8 -> good, 400 us\n"
-            "70:3 6 write averaging #4: factor 8 -> good, 400 us\n"
-            "70:3 7 write averaging #4: factor 8 -> good, 400 us\n"
-            "    ! number: taken for the answer, though its number is 6\n"
-            "70:3 8 write averaging #4: factor 8 -> the trace ends\n"},
-        Row{"an answer without a request", Writer().Open().ComeFactor(1),
-            "70:1 viOpen resource=TCPIP0::h::8888::SOCKET mode=4 opened=3 -> VI_SUCCESS, 100 us\n"
-            "70:3 viRead -> VI_SUCCESS, 100 us\n"
-            "    ! unpaired: an answer without a request, number 1\n"},
-        Row{"a request that nobody waits for", Writer().SendFactor(5).SendFactor(6).Line("viClose - 100 VI_SUCCESS"),
-            "70:3 5 write averaging #4: factor 8 -> no answer\n"
-            "    ! unpaired: no answer before the next request\n"
-            "70:3 6 write averaging #4: factor 8 -> no answer\n"
-            "    ! unpaired: no answer before the session was closed\n"
-            "70:3 viClose -> VI_SUCCESS, 100 us\n"},
-        Row{"half a request, and what is none", Writer().Move("viWrite", FactorHeader(5), 16).Clear().Move("viWrite", {0x2A, 0x49, 0x44}, 3),
-            "70:3 unknown request -> no answer\n"
-            "    ! unpaired: half a request\n"
-            "70:3 viClear -> VI_SUCCESS, 100 us\n"
-            "70:3 viWrite -> VI_SUCCESS, 100 us\n"
-            "    ! header word: 3 bytes that are no request\n"},
-        Row{"other calls", Writer().Line("viSetAttribute - 100 VI_SUCCESS attribute=VI_ATTR_TMO_VALUE").Line("viLock - 100 VI_ERROR_RSRC_LOCKED").Line("note - 0 - text=\"key \\\"x\\\" is unknown\\x21\""),
-            "70:3 viLock -> VI_ERROR_RSRC_LOCKED, 100 us\n"
-            "    ! call: viLock: VI_ERROR_RSRC_LOCKED\n"
-            "70:3 note text=key \"x\" is unknown!\n"},
-        Row{"a bound that cuts headers", Writer().SendFactor(5).Move("viRead", FactorHeader(5), 16, "VI_SUCCESS", 0, 8).ComeFactor(5),
-            "t.log:3: the trace's bound cut a header; this session cannot be followed\n"
-            "70:3 5 write averaging #4: factor 8 -> the trace ends\n"}));
 
 TEST(IoTraceReportTest, DamagedLinesAreToldByTheirPlaceAndPassedOver) {
-  const std::string good = Writer().SendFactor(5).text();
+  const std::string good = Cases().at("the trace ends").trace;
   const std::string beginning = good.substr(0, 28);
   const std::pair<std::string, const char*> rows[] = {
       {"Dear Sirs", "not a line of an I/O trace"},
@@ -334,18 +156,13 @@ TEST(IoTraceReportTest, DamagedLinesAreToldByTheirPlaceAndPassedOver) {
         "t.log:" + std::to_string(std::count(trace.begin(), trace.end(), '\n')) + ": " + why + "\n";
   }
   const std::string told = Told(trace + "\n" + good + good.substr(0, 40), false, 100000);
-  EXPECT_THAT(told, testing::StartsWith(expected + "t.log:20: no counts of bytes\n"));
+  EXPECT_THAT(told, StartsWith(expected + "t.log:20: no counts of bytes\n"));
   EXPECT_THAT(told, HasSubstr("damaged lines   17\n"));
   EXPECT_THAT(told, HasSubstr("factor 8 -> the trace ends\n"));
 }
 
-Writer Mixed() {
-  return Writer().SendFactor(5).ComeFactor(5).SendFactor(6).TimeOut().Clear().SendData(7).Come(
-      7, 6, 0, 0, 'A', kBlock);
-}
-
 TEST(IoTraceReportTest, SummaryCountsAndNamesTheSlowest) {
-  EXPECT_THAT(Told(Mixed().text()),
+  EXPECT_THAT(Told(Cases().at("mixed").trace),
               HasSubstr("exchanges       3: 2 write, 1 data\n"
                         "failures        1: 1 time-out\n"
                         "passed over     0\n"
@@ -357,7 +174,7 @@ TEST(IoTraceReportTest, SummaryCountsAndNamesTheSlowest) {
 }
 
 TEST(IoTraceReportTest, JsonHoldsTheSame) {
-  std::istringstream told(Told("x\n" + Mixed().text(), true));
+  std::istringstream told(Told("x\n" + Cases().at("mixed").trace, true));
   std::vector<nlohmann::json> objects;
   for (std::string line; std::getline(told, line);) objects.push_back(nlohmann::json::parse(line));
   ASSERT_EQ(objects.size(), 6U);
