@@ -1,4 +1,6 @@
 // Answers on the wire: any operation of the model against any bytes.
+#include <numeric>
+
 #include "fuzz/Model.h"
 
 using namespace k4n;
@@ -6,90 +8,74 @@ using namespace measurement;
 
 namespace {
 
-using Values = std::array<double, 200>;
+/// What operations read and write.
+struct Arguments {
+  std::array<double, 200> v{};
+  std::array<double, 200> gaps{};
+  LevelSettings level;
+  StepSettings sweep;
+  TriggerElements trigger;
+  PulseSource source{};
+  bool flag = true;
+  std::int32_t factor = 3;
+  std::uint32_t number = 1;
+  std::string text;
+  std::array<std::uint32_t, 3> elements{};
+  std::vector<std::uint8_t> buffer = std::vector<std::uint8_t>(65535);
+};
 
 /// Every operation, each with arguments of its own.
-constexpr void (*kOperations[])(D3THardWare& model, Values& v) = {
-    [](D3THardWare& m, Values&) { m.Initialize(); },
-    [](D3THardWare& m, Values&) { m.Recover(); },
-    [](D3THardWare& m, Values&) {
-      std::uint32_t kind = 18;
-      m.QueryInstrumentKind(kind);
+constexpr void (*kOperations[])(D3THardWare& model, Arguments& a) = {
+    [](D3THardWare& m, Arguments&) { m.Initialize(); },
+    [](D3THardWare& m, Arguments&) { m.Recover(); },
+    [](D3THardWare& m, Arguments& a) { m.QueryInstrumentKind(a.number = 18); },
+    [](D3THardWare& m, Arguments& a) { m.ReadOutputState(a.level, a.v[0]); },
+    [](D3THardWare& m, Arguments& a) { m.SetCwFrequency(a.v[0]); },
+    [](D3THardWare& m, Arguments& a) { m.SetFrequencySweep(a.sweep); },
+    [](D3THardWare& m, Arguments& a) {
+      m.SetOutputLevel(a.level, a.v[0]);
+      m.SetPowerSweep(a.level, a.sweep);
     },
-    [](D3THardWare& m, Values& v) {
-      LevelSettings level;
-      m.ReadOutputState(level, v[0]);
+    [](D3THardWare& m, Arguments& a) { m.TransferList(ListAxis::kFrequency, a.v, {}); },
+    [](D3THardWare& m, Arguments& a) { m.TransferList(ListAxis::kPower, a.v, {}); },
+    [](D3THardWare& m, Arguments& a) { m.SetDwell(a.v[0]); },
+    [](D3THardWare& m, Arguments& a) { m.SetDwellThousands(a.v[0]); },
+    [](D3THardWare& m, Arguments& a) { m.SetAveraging(a.factor); },
+    [](D3THardWare& m, Arguments& a) {
+      m.SetTriggerInput(1, a.trigger);
+      m.SetTriggerOutput(0, a.trigger);
     },
-    [](D3THardWare& m, Values& v) { m.SetCwFrequency(v[0]); },
-    [](D3THardWare& m, Values& v) {
-      StepSettings sweep{v[0], v[1], v[2]};
-      m.SetFrequencySweep(sweep);
+    [](D3THardWare& m, Arguments& a) { m.TransferPulseTrain(2, a.source, a.v, a.gaps, false); },
+    [](D3THardWare& m, Arguments& a) { m.SetSyncGenerator(a.v[0], a.v[1], a.v[2]); },
+    [](D3THardWare& m, Arguments& a) { m.SetExternalReference(a.flag, a.v[0]); },
+    [](D3THardWare& m, Arguments& a) { m.SetPhaseDelay(a.v[0]); },
+    [](D3THardWare& m, Arguments& a) { m.SetCompensationMode(a.number); },
+    [](D3THardWare& m, Arguments& a) {
+      m.ReadRfButton(a.flag);
+      m.ReadPllState(a.flag);
+      m.ReadErgState(a.flag);
+      m.ReadLevelState(a.flag);
     },
-    [](D3THardWare& m, Values& v) {
-      LevelSettings level;
-      m.SetOutputLevel(level, v[0]);
-      StepSettings sweep{v[0], v[1], v[2]};
-      m.SetPowerSweep(level, sweep);
+    [](D3THardWare& m, Arguments& a) {
+      m.ReadInstrumentFile("\\FRAM\\TYPE.TXT", a.text);
+      m.QuerySerialNumber(a.text);
     },
-    [](D3THardWare& m, Values& v) { m.TransferList(ListAxis::kFrequency, v, {}); },
-    [](D3THardWare& m, Values& v) { m.TransferList(ListAxis::kPower, v, {}); },
-    [](D3THardWare& m, Values& v) { m.SetDwell(v[0]); },
-    [](D3THardWare& m, Values& v) { m.SetDwellThousands(v[0]); },
-    [](D3THardWare& m, Values&) {
-      std::int32_t factor = 3;
-      m.SetAveraging(factor);
+    [](D3THardWare& m, Arguments& a) {
+      fuzz::Require(m.ReadDataBlock(a.buffer, ReadingFormat::kFractional).value.body.size() <=
+                    a.buffer.size());
     },
-    [](D3THardWare& m, Values&) {
-      TriggerElements elements;
-      m.SetTriggerInput(1, elements);
-      m.SetTriggerOutput(0, elements);
-    },
-    [](D3THardWare& m, Values& v) {
-      PulseSource source{};
-      Values gaps = v;
-      m.TransferPulseTrain(2, source, v, gaps, false);
-    },
-    [](D3THardWare& m, Values& v) { m.SetSyncGenerator(v[0], v[1], v[2]); },
-    [](D3THardWare& m, Values& v) {
-      bool enabled = true;
-      m.SetExternalReference(enabled, v[0]);
-    },
-    [](D3THardWare& m, Values& v) { m.SetPhaseDelay(v[0]); },
-    [](D3THardWare& m, Values&) {
-      std::uint32_t mode = 1;
-      m.SetCompensationMode(mode);
-    },
-    [](D3THardWare& m, Values&) {
-      bool state = false;
-      m.ReadRfButton(state);
-      m.ReadPllState(state);
-      m.ReadErgState(state);
-      m.ReadLevelState(state);
-    },
-    [](D3THardWare& m, Values&) {
-      std::string text;
-      m.ReadInstrumentFile("\\FRAM\\TYPE.TXT", text);
-      m.QuerySerialNumber(text);
-    },
-    [](D3THardWare& m, Values&) {
-      std::vector<std::uint8_t> buffer(65535);
-      fuzz::Require(m.ReadDataBlock(buffer, ReadingFormat::kFractional).value.body.size() <=
-                    buffer.size());
-    },
-    [](D3THardWare& m, Values&) {
-      std::array<std::uint8_t, 1202> buffer{};
+    [](D3THardWare& m, Arguments& a) {
+      const auto buffer = std::span(a.buffer).first(1202);
       for (int poll = 0; poll < 8; ++poll) {
         fuzz::Require(m.PollDataBlock(buffer, ReadingFormat::kInteger).value.body.size() <=
                       buffer.size());
       }
     },
-    [](D3THardWare& m, Values& v) { m.TransferFrequencyTable(v); },
-    [](D3THardWare& m, Values& v) {
-      std::array<std::uint32_t, 3> elements{};
-      bool enabled = false;
-      m.WritePulseTrainFixed(elements);
-      m.WriteSwitchSetting(enabled, elements[0]);
-      m.WriteScaledSetting(v[0], elements[1], v[1]);
+    [](D3THardWare& m, Arguments& a) { m.TransferFrequencyTable(a.v); },
+    [](D3THardWare& m, Arguments& a) {
+      m.WritePulseTrainFixed(a.elements);
+      m.WriteSwitchSetting(a.flag, a.elements[0]);
+      m.WriteScaledSetting(a.v[0], a.elements[1], a.v[1]);
       m.WriteFixedConfiguration(true);
     },
 };
@@ -115,9 +101,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     model.script().QueueRaw(input.rest().data(), input.rest().size());
     model.EndSilence();
   }
-  Values values;
-  for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<double>(i);
-  kOperations[(selector & 0x7F) % std::size(kOperations)](*model, values);
+  Arguments arguments;
+  std::iota(arguments.v.begin(), arguments.v.end(), 0.0);
+  arguments.gaps = arguments.v;
+  arguments.sweep = {0.0, 1.0, 2.0};
+  kOperations[(selector & 0x7F) % std::size(kOperations)](*model, arguments);
   model.RequireThatItWorks();
   return 0;
 }
