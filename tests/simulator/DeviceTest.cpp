@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <stdexcept>
+#include <string>
+#include <type_traits>
 
 #include "simulator/DeviceUnderTest.h"
 #include "simulator/Options.h"
@@ -41,92 +44,96 @@ TEST(DeviceUnderTest, FlatAndOpenDoNotDependOnTheFrequency) {
   }
 }
 
-constexpr const char* kFrequency = "frequency limits: 1 Hz to 1 THz, the lower not above the upper";
-constexpr const char* kLevelLimits = "level limits: -127 to 127 dBm, the lower not above the upper";
-constexpr const char* kReference = "reference limits: 0 to 4.29 GHz, the lower not above the upper";
-constexpr const char* kDecibels = "device loss, isolation and return loss: 0 to 300 dB";
-using std::chrono::hours;
-using std::chrono::nanoseconds;
-
-struct Refused {
-  const char* told;
-  void (*spoil)(Options&);
-};
-// clang-format off
-const Refused kRefused[] = {
-    {"address: an IP address in numbers, such as 127.0.0.1 or ::1", [](Options& o) { o.address = "localhost"; }},
-    {kFrequency, [](Options& o) { o.min_frequency = 3e10; }},
-    {kFrequency, [](Options& o) { o.min_frequency = 0.9; }},
-    {kFrequency, [](Options& o) { o.max_frequency = 1.1e12; }},
-    {kLevelLimits, [](Options& o) { o.max_level = -80.0; }},
-    {kLevelLimits, [](Options& o) { o.min_level = -127.5; }},
-    {kLevelLimits, [](Options& o) { o.max_level = 127.5; }},
-    {"level resolution: 0 to 127 dB", [](Options& o) { o.level_resolution = -0.1; }},
-    {"initial level: a number", [](Options& o) { o.initial_level = std::nan(""); }},
-    {"power variant: 0 to 5", [](Options& o) { o.power_variant = 6; }},
-    {"power variant: 0 to 5", [](Options& o) { o.power_variant = -1; }},
-    {"attenuator mode: 0, or 2 to 5", [](Options& o) { o.attenuator_mode = 1; }},
-    {"attenuator mode: 0, or 2 to 5", [](Options& o) { o.attenuator_mode = 6; }},
-    {"trigger groups: 1 or 2", [](Options& o) { o.trigger_groups = 3; }},
-    {kReference, [](Options& o) { o.min_reference_frequency = 3e8; }},
-    {kReference, [](Options& o) { o.min_reference_frequency = -0.1; }},
-    {kReference, [](Options& o) { o.max_reference_frequency = 4294967296; }},
-    {"dwell and time resolution: at most 1 s", [](Options& o) { o.dwell_resolution = 1'000'000'001; }},
-    {"dwell and time resolution: at most 1 s", [](Options& o) { o.time_resolution = 1'000'000'001; }},
-    {"point time: 0 to 1 h", [](Options& o) { o.min_point_time = nanoseconds(-1); }},
-    {"point time: 0 to 1 h", [](Options& o) { o.min_point_time = hours(1) + nanoseconds(1); }},
-    {"response delay: 0 to 1 h", [](Options& o) { o.response_delay = std::chrono::milliseconds(-1); }},
-    {"response delay: 0 to 1 h", [](Options& o) { o.response_delay = std::chrono::milliseconds(3'600'001); }},
-    {"serial number and type: at most 100 characters", [](Options& o) { o.serial_number.assign(101, '7'); }},
-    {"serial number and type: at most 100 characters", [](Options& o) { o.type.assign(101, '7'); }},
-    {"noise: 0 to 100 dB", [](Options& o) { o.noise = -1.0; }},
-    {"noise: 0 to 100 dB", [](Options& o) { o.noise = 100.5; }},
-    {"device centre: 1 Hz to 1 THz", [](Options& o) { o.device.centre = std::nan(""); }},
-    {"device centre: 1 Hz to 1 THz", [](Options& o) { o.device.centre = 1e12 + 1; }},
-    {"device width: 1 Hz to 1 THz", [](Options& o) { o.device.width = 0.9; }},
-    {"device order: 1 to 20", [](Options& o) { o.device.order = 0; }},
-    {"device order: 1 to 20", [](Options& o) { o.device.order = 21; }},
-    {kDecibels, [](Options& o) { o.device.loss = -0.1; }},
-    {kDecibels, [](Options& o) { o.device.isolation = 300.5; }},
-    {kDecibels, [](Options& o) { o.device.return_loss = 300.5; }},
-};
-// clang-format on
-
-TEST(Options, ThoseThatDescribeNoInstrumentAreRefused) {
-  for (const Refused& row : kRefused) {
-    Options options;
-    row.spoil(options);
-    try {
-      Validate(options);
-      ADD_FAILURE() << row.told << " was taken";
-    } catch (const std::invalid_argument& error) {
-      EXPECT_STREQ(error.what(), row.told);
-    }
+template <auto kMember>
+auto& Member(Options& options) {
+  return options.*kMember;
+}
+template <auto kMember>
+requires requires(Options& options) { options.device.*kMember; }
+auto& Member(Options& options) { return options.device.*kMember; }
+/// Sets an option, or one of its device, from a number: a text's length, a time's nanoseconds.
+template <auto kMember>
+void Set(Options& options, double value) {
+  auto& member = Member<kMember>(options);
+  using Type = std::remove_cvref_t<decltype(member)>;
+  if constexpr (std::is_same_v<Type, std::string>) {
+    member.assign(static_cast<std::size_t>(value), '7');
+  } else if constexpr (std::is_arithmetic_v<Type>) {
+    member = static_cast<Type>(value);
+  } else {
+    member = std::chrono::duration_cast<Type>(std::chrono::duration<double, std::nano>(value));
   }
 }
 
-TEST(Options, LimitsAreTaken) {
-  Options low;
-  low.min_frequency = low.max_frequency = low.device.centre = low.device.width = 1.0;
-  low.min_level = low.max_level = -127.0;
-  low.level_resolution = low.min_reference_frequency = low.max_reference_frequency = 0.0;
-  low.device.order = 1;
-  low.device.loss = low.device.isolation = low.device.return_loss = 0.0;
-  low.power_variant = 0;
-  low.attenuator_mode = 2;
-  EXPECT_NO_THROW(Validate(low));
-  Options high;
-  high.min_frequency = high.max_frequency = high.device.centre = high.device.width = 1e12;
-  high.min_level = high.max_level = high.level_resolution = 127.0;
-  high.min_reference_frequency = high.max_reference_frequency = 4294967295;
-  high.dwell_resolution = high.time_resolution = 1'000'000'000;
-  high.min_point_time = high.response_delay = hours(1);
-  high.device.order = 20;
-  high.device.loss = high.device.isolation = high.device.return_loss = 300.0;
-  high.noise = 100.0;
-  high.attenuator_mode = 5;
-  high.serial_number.assign(100, '7');
-  EXPECT_NO_THROW(Validate(high));
+constexpr double kHour = 3.6e12;  // ns
+constexpr const char* kFrequency = "frequency limits: 1 Hz to 1 THz, the lower not above the upper";
+constexpr const char* kLevel = "level limits: -127 to 127 dBm, the lower not above the upper";
+constexpr const char* kReference = "reference limits: 0 to 4.29 GHz, the lower not above the upper";
+constexpr const char* kResolution = "dwell and time resolution: at most 1 s";
+constexpr const char* kTexts = "serial number and type: at most 100 characters";
+constexpr const char* kDecibels = "device loss, isolation and return loss: 0 to 300 dB";
+
+/// The least and the largest value, and those beyond them, which are refused; an unsigned number
+/// has none below 0.
+struct Range {
+  const char* told;
+  void (*set)(Options&, double);
+  double below, least, largest, above;
+};
+const Range kRanges[] = {
+    {kFrequency, Set<&Options::min_frequency>, 0.9, 1.0, 2e10, 3e10},
+    {kFrequency, Set<&Options::max_frequency>, 9e6, 1e7, 1e12, 1.1e12},
+    {kLevel, Set<&Options::min_level>, -127.5, -127, 20, 20.5},
+    {kLevel, Set<&Options::max_level>, -70.5, -70, 127, 127.5},
+    {"level resolution: 0 to 127 dB", Set<&Options::level_resolution>, -0.1, 0, 127, 127.5},
+    {"initial level: a number", Set<&Options::initial_level>, -HUGE_VAL, -1e308, 1e308, HUGE_VAL},
+    {"power variant: 0 to 5", Set<&Options::power_variant>, -1, 0, 5, 6},
+    {"attenuator mode: 0, or 2 to 5", Set<&Options::attenuator_mode>, 1, 2, 5, 6},
+    {"trigger groups: 1 or 2", Set<&Options::trigger_groups>, 0, 1, 2, 3},
+    {kReference, Set<&Options::min_reference_frequency>, -0.1, 0, 250e6, 3e8},
+    {kReference, Set<&Options::max_reference_frequency>, 9e5, 1e6, 4294967295, 4294967296},
+    {kResolution, Set<&Options::dwell_resolution>, 0, 0, 1e9, 1e9 + 1},
+    {kResolution, Set<&Options::time_resolution>, 0, 0, 1e9, 1e9 + 1},
+    {"point time: 0 to 1 h", Set<&Options::min_point_time>, -1, 0, kHour, kHour + 1},
+    {"response delay: 0 to 1 h", Set<&Options::response_delay>, -1e6, 0, kHour, kHour + 1e6},
+    {kTexts, Set<&Options::serial_number>, 0, 0, 100, 101},
+    {kTexts, Set<&Options::type>, 0, 0, 100, 101},
+    {"noise: 0 to 100 dB", Set<&Options::noise>, -1, 0, 100, 100.5},
+    {"device centre: 1 Hz to 1 THz", Set<&DeviceUnderTest::centre>, 0.9, 1, 1e12, 1e12 + 1},
+    {"device width: 1 Hz to 1 THz", Set<&DeviceUnderTest::width>, 0.9, 1, 1e12, 1e12 + 1},
+    {"device order: 1 to 20", Set<&DeviceUnderTest::order>, 0, 1, 20, 21},
+    {kDecibels, Set<&DeviceUnderTest::loss>, -0.1, 0, 300, 300.5},
+    {kDecibels, Set<&DeviceUnderTest::isolation>, -0.1, 0, 300, 300.5},
+    {kDecibels, Set<&DeviceUnderTest::return_loss>, -0.1, 0, 300, 300.5},
+};
+
+std::string Refused(const Options& options) {
+  try {
+    Validate(options);
+  } catch (const std::invalid_argument& error) {
+    return error.what();
+  }
+  return "taken";
+}
+
+TEST(Options, ThoseThatDescribeNoInstrumentAreRefused) {
+  for (const Range& row : kRanges) {
+    for (const double value : {row.below, row.least, row.largest, row.above}) {
+      Options options;
+      row.set(options, value);
+      const bool is_good = value == row.least || value == row.largest;
+      EXPECT_EQ(Refused(options), is_good ? "taken" : row.told) << value;
+    }
+  }
+  Options options;
+  options.attenuator_mode = 0;
+  EXPECT_EQ(Refused(options), "taken") << "none";
+  options.initial_level = options.device.centre = std::nan("");
+  EXPECT_EQ(Refused(options), "initial level: a number");
+  options.initial_level = 0.0;
+  EXPECT_EQ(Refused(options), "device centre: 1 Hz to 1 THz");
+  options.address = "localhost";
+  EXPECT_EQ(Refused(options), "address: an IP address in numbers, such as 127.0.0.1 or ::1");
 }
 
 }  // namespace

@@ -67,13 +67,13 @@ TEST(Settings, FrequencyFormsTellTheirLimitsAndOlderInstrumentsRefuseNewerOnes) 
 }
 
 TEST(Settings, AFrequencySweepIsCutToTheLimitsAndToOneBlock) {
-  Check(
-      Options{},
-      {{"one block, the stop follows", 0, 0x60, {1e9, 10001, 1e3, 0}, {1e9, 5461, 1e3, 1005460000}},
-       {"downwards to the lower limit", 0, 0x60, {20e9, 3, -10e9, 0}, {20e9, 2, -10e9, 10e9}},
-       {"fixed frequency below the limit", 0, 0x60, {1}, {10e6}},
-       {"elements missing", 0, 0x60, {1}, {}, status::kUnknownForm, 4},
-       {"element size unknown", 0, 0x50, kProbe, {}, status::kUnknownForm}});
+  const Values cut{1e9, 5461, 1e3, 1005460000};
+  Check(Options{},
+        {{"one block, the stop follows", 0, 0x60, {1e9, 10001, 1e3, 0}, cut},
+         {"downwards to the lower limit", 0, 0x60, {20e9, 3, -10e9, 0}, {20e9, 2, -10e9, 10e9}},
+         {"fixed frequency below the limit", 0, 0x60, {1}, {10e6}},
+         {"elements missing", 0, 0x60, {1}, {}, status::kUnknownForm, 4},
+         {"element size unknown", 0, 0x50, kProbe, {}, status::kUnknownForm}});
 }
 
 TEST(Settings, LevelsAreClampedAndRounded) {
@@ -139,13 +139,8 @@ TEST(Settings, ListsComeInChunks) {
 TEST(Settings, PulseTrainsComeInChunks) {
   Settings settings{Options{}};
   const PulseTrain& pulses = settings.state().pulses;
-  Check(settings, {{"1 ns raised to 10 ns, 25 ns rounded to 30 ns",
-                    31,
-                    0x40,
-                    {2, 2, 1, 0, 2, 1, 25, 100, 0},
-                    {2, 2, 1, 0, 2, 10, 30, 100, 0},
-                    0,
-                    3}});
+  const Values asked{2, 2, 1, 0, 2, 1, 25, 100, 0};  // 1 ns and 25 ns are raised to tens
+  Check(settings, {{"two", 31, 0x40, asked, {2, 2, 1, 0, 2, 10, 30, 100, 0}, 0, 3}});
   EXPECT_EQ(pulses.mode, 2U);
   EXPECT_EQ(pulses.source, 2U);
   EXPECT_TRUE(pulses.inverse);
