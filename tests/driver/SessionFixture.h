@@ -22,10 +22,9 @@ inline constexpr std::int16_t kRefusal = -321;
 
 /// Commands: 1 recovery, 4 read, 6 data.
 inline simulator::Fault RefuseCommand(std::uint16_t command, std::int16_t status) {
-  simulator::Fault fault;
-  fault.kind = simulator::FaultKind::kRefuse;
+  simulator::Fault fault = simulator::Fault::Refuse(0, status);
+  fault.parameter.reset();
   fault.command = command;
-  fault.status = status;
   return fault;
 }
 
@@ -146,18 +145,28 @@ class Bench {
     trace.values = ValuesOf(array);
     return trace;
   }
-  /// Every point of the newest trace against what the simulated device does to a level in dBm.
+  struct Output {
+    double frequency;  // Hz
+    double level;      // dBm
+  };
+  /// Every point of a trace against what the simulated device does to the output, which is told for
+  /// a place of the axis.
+  void ExpectResponse(std::string_view name, const Trace& trace, auto output_at) {
+    for (std::size_t i = 0; i < trace.values.size(); ++i) {
+      const double x = trace.initial_x + static_cast<double>(i) * trace.x_increment;
+      const auto [frequency, level] = output_at(x);
+      const double response = name == kChannelNames[0]   ? device_.Through(frequency)
+                              : name == kChannelNames[1] ? device_.Reflected(frequency)
+                                                         : 0.0;
+      ASSERT_NEAR(trace.values[i], level + response, 0.05) << name << " point " << i << " at " << x;
+    }
+  }
+  /// The same of the newest traces of a sweep over frequencies at a level in dBm.
   void ExpectResponse(double level, std::size_t points) {
     for (const auto* name : kChannelNames) {
       const Trace trace = Fetch(name);
       ASSERT_EQ(trace.values.size(), points) << name;
-      for (std::size_t i = 0; i < points; ++i) {
-        const double frequency = trace.initial_x + static_cast<double>(i) * trace.x_increment;
-        const double response = name == kChannelNames[0]   ? device_.Through(frequency)
-                                : name == kChannelNames[1] ? device_.Reflected(frequency)
-                                                           : 0.0;
-        ASSERT_NEAR(trace.values[i], level + response, 0.05) << name << " at " << frequency;
-      }
+      ExpectResponse(name, trace, [level](double x) { return Output{x, level}; });
     }
   }
 
