@@ -62,8 +62,8 @@ class CallLogTest : public testing::Test {
   /// The lines since the last look, each "[date and time] thread what", without what is another
   /// each time: of this thread no number, for identities "@", and no microseconds.
   std::vector<std::string> NewLines(const std::string& name) {
-    static const std::regex shape(
-        R"(\d\d/\d\d/\d\d \[\d\d:\d\d:\d\d\] (\d+) (?:0x([0-9a-f]+) (.*), \d+ us|(error trail: .*)))");
+    static const std::regex shape(R"(\d\d/\d\d/\d\d \[\d\d:\d\d:\d\d\] (\d+) )"
+                                  R"((?:0x([0-9a-f]+) (.*), \d+ us|(error trail: .*)))");
     const std::string content = Content(name);
     std::vector<std::string> lines;
     for (std::size_t at = content.find("\r\n", std::max<std::size_t>(seen_, 4));
@@ -195,25 +195,9 @@ TEST_F(CallLogTest, TellsAFailureBeforeTheCallThatMetIt) {
                           "Reset=false, OptionString=null) = 0x80047060 (unknown resource)"));
 }
 
-/// Hands what it is asked for on to the inner object, and counts the references.
-class OuterObject final : public IUnknown {
- public:
-  STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
-    if (!IsEqualGUID(iid, __uuidof(IUnknown))) return inner->QueryInterface(iid, out);
-    *out = this;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
-  STDMETHODIMP_(ULONG) Release() override { return --references; }
-
-  IUnknown* inner = nullptr;
-  ULONG references = 1;
-};
-
 TEST_F(CallLogTest, KeepsIdentityAndReferences) {
   const LoggedModule driver("calls.log");
-  OuterObject outer;
+  Outer outer;
   for (IUnknown* const controlling :
        {static_cast<IUnknown*>(nullptr), static_cast<IUnknown*>(&outer)}) {
     const auto object = driver.Create(__uuidof(ZentrelK4N), controlling);

@@ -40,6 +40,22 @@ DriverModule& SharedModule();
 /// Another one, with the VISA library, for sessions.
 DriverModule& ModuleWithVisa();
 
+/// An outer object that hands every interface but its own identity on to the inner one.
+class Outer final : public IUnknown {
+ public:
+  STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
+    if (!IsEqualGUID(iid, __uuidof(IUnknown))) return inner->QueryInterface(iid, out);
+    *out = this;
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
+  STDMETHODIMP_(ULONG) Release() override { return --references; }
+
+  IUnknown* inner = nullptr;
+  ULONG references = 1;
+};
+
 /// Every interface of one root object, fetched the way a client does. The variables receive what
 /// members write.
 struct Surface {

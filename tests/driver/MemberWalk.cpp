@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "driver/ZentrelK4N.h"
 #include "platform/os/Text.h"
 
 namespace driver_test {
@@ -124,6 +125,28 @@ const Walked& MemberOf(std::string_view name) {
   const auto found = std::ranges::find(AllMembers(), name, &Walked::name);
   if (found == AllMembers().end()) throw std::out_of_range(std::string(name));
   return *found;
+}
+
+const std::vector<ClassRow>& Classes() {
+  static const std::vector<ClassRow> rows = {
+      {__uuidof(ZentrelK4N),
+       {__uuidof(IZentrelK4N), __uuidof(IProvideClassInfo), __uuidof(IProvideClassInfo2),
+        __uuidof(ISupportErrorInfo), __uuidof(IIviDriverIdentity), __uuidof(IIviDriverOperation),
+        __uuidof(IIviDriverUtility), __uuidof(IIviComponentIdentity), __uuidof(IZentrelK4NRF),
+        __uuidof(IZentrelK4NSweep), __uuidof(IZentrelK4NFrequencyStep),
+        __uuidof(IZentrelK4NChannels), __uuidof(IZentrelK4NList), __uuidof(IZentrelK4NAcquisition),
+        __uuidof(IZentrelK4NSystem), __uuidof(IErrorTrail)}},
+      {__uuidof(ZentrelK4NChannel), {__uuidof(IZentrelK4NChannel)}},
+      {__uuidof(ZentrelK4NPowerStep), {__uuidof(IZentrelK4NPowerStep)}},
+      {__uuidof(ZentrelK4NPulseGenerator), {__uuidof(IZentrelK4NPulseGenerator)}},
+      {__uuidof(ZentrelK4NPulseGeneratorOutput), {__uuidof(IZentrelK4NPulseGeneratorOutput)}},
+      {__uuidof(ZentrelK4NPulseGeneratorDouble), {__uuidof(IZentrelK4NPulseGeneratorDouble)}},
+      {__uuidof(ZentrelK4NPulsePacketGenerator), {__uuidof(IZentrelK4NPulsePacketGenerator)}},
+      {__uuidof(ZentrelK4NPulseModulation), {__uuidof(IZentrelK4NPulseModulation)}},
+      {__uuidof(ZentrelK4NTriggerOutput), {__uuidof(IZentrelK4NTriggerOutput)}},
+      {__uuidof(ZentrelK4NSyncGenerator), {__uuidof(IZentrelK4NSyncGenerator)}},
+  };
+  return rows;
 }
 
 ComPtr<IUnknown> ObjectOf(const Surface& surface, const IID& iid) {

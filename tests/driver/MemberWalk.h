@@ -39,6 +39,13 @@ std::vector<std::string> UnsupportedNames();
 /// Throws std::out_of_range when there is none of this name.
 const Walked& MemberOf(std::string_view name);
 
+struct ClassRow {
+  CLSID class_id;
+  std::vector<IID> interfaces;  ///< the first supports error information
+};
+/// The root's class, then those of its children.
+const std::vector<ClassRow>& Classes();
+
 /// The pointer of this interface to the object that has it.
 ComPtr<IUnknown> ObjectOf(const Surface& surface, const IID& iid);
 

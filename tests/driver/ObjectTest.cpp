@@ -5,39 +5,12 @@
 #include <thread>
 
 #include "driver/ZentrelK4N.h"
-#include "tests/driver/DriverModule.h"
+#include "tests/driver/MemberWalk.h"
 
 using namespace driver;
 
 namespace driver_test {
 namespace {
-
-struct ClassRow {
-  const char* name;
-  CLSID class_id;
-  std::vector<IID> interfaces;  ///< the first supports error information
-};
-
-// clang-format off
-const ClassRow kClasses[] = {
-    {"ZentrelK4N", __uuidof(ZentrelK4N),
-     {__uuidof(IZentrelK4N), __uuidof(IProvideClassInfo), __uuidof(IProvideClassInfo2),
-      __uuidof(ISupportErrorInfo), __uuidof(IIviDriverIdentity), __uuidof(IIviDriverOperation),
-      __uuidof(IIviDriverUtility), __uuidof(IIviComponentIdentity), __uuidof(IZentrelK4NRF),
-      __uuidof(IZentrelK4NSweep), __uuidof(IZentrelK4NFrequencyStep), __uuidof(IZentrelK4NChannels),
-      __uuidof(IZentrelK4NList), __uuidof(IZentrelK4NAcquisition), __uuidof(IZentrelK4NSystem),
-      __uuidof(IErrorTrail)}},
-    {"Channel", __uuidof(ZentrelK4NChannel), {__uuidof(IZentrelK4NChannel)}},
-    {"PowerStep", __uuidof(ZentrelK4NPowerStep), {__uuidof(IZentrelK4NPowerStep)}},
-    {"PulseGenerator", __uuidof(ZentrelK4NPulseGenerator), {__uuidof(IZentrelK4NPulseGenerator)}},
-    {"PulseGeneratorOutput", __uuidof(ZentrelK4NPulseGeneratorOutput), {__uuidof(IZentrelK4NPulseGeneratorOutput)}},
-    {"PulseGeneratorDouble", __uuidof(ZentrelK4NPulseGeneratorDouble), {__uuidof(IZentrelK4NPulseGeneratorDouble)}},
-    {"PulsePacketGenerator", __uuidof(ZentrelK4NPulsePacketGenerator), {__uuidof(IZentrelK4NPulsePacketGenerator)}},
-    {"PulseModulation", __uuidof(ZentrelK4NPulseModulation), {__uuidof(IZentrelK4NPulseModulation)}},
-    {"TriggerOutput", __uuidof(ZentrelK4NTriggerOutput), {__uuidof(IZentrelK4NTriggerOutput)}},
-    {"SyncGenerator", __uuidof(ZentrelK4NSyncGenerator), {__uuidof(IZentrelK4NSyncGenerator)}},
-};
-// clang-format on
 
 ComPtr<IUnknown> Query(IUnknown& object, const IID& iid) {
   ComPtr<IUnknown> found;
@@ -45,75 +18,49 @@ ComPtr<IUnknown> Query(IUnknown& object, const IID& iid) {
   return found;
 }
 
-TEST(Objects, EveryInterfaceLeadsToEveryOtherAndToOneIdentity) {
-  for (const auto& row : kClasses) {
-    SCOPED_TRACE(row.name);
-    const auto object = SharedModule().Create(row.class_id);
-    for (const auto& from : row.interfaces) {
-      const auto start = Query(*object.Get(), from);
-      for (const auto& to : row.interfaces) EXPECT_TRUE(Query(*start.Get(), to));
-      EXPECT_EQ(start.As<IUnknown>().Get(), object.Get());
-    }
-    EXPECT_EQ(Query(*object.Get(), row.interfaces.front()).Get(), object.Get())
-        << "the first interface is the identity";
-  }
-  const auto root = SharedModule().Create(__uuidof(ZentrelK4N));
-  EXPECT_EQ(Query(*root.Get(), __uuidof(IIviComponentIdentity)).Get(),
-            Query(*root.Get(), __uuidof(IIviDriverIdentity)).Get());
-}
-
-TEST(Objects, UnknownInterfacesAreRefusedAndOneSupportsErrorInformation) {
-  for (const auto& row : kClasses) {
-    SCOPED_TRACE(row.name);
-    const auto object = SharedModule().Create(row.class_id);
-    void* out = &out;
-    EXPECT_EQ(object->QueryInterface(__uuidof(IIviDriver), &out), E_NOINTERFACE);
-    EXPECT_EQ(out, nullptr);
-    EXPECT_EQ(object->QueryInterface(__uuidof(IUnknown), nullptr), E_POINTER);
-    const auto support = object.As<ISupportErrorInfo>();
-    ASSERT_TRUE(support);
-    EXPECT_EQ(support->InterfaceSupportsErrorInfo(__uuidof(IUnknown)), S_FALSE);
-    for (const auto& iid : row.interfaces) {
-      EXPECT_EQ(support->InterfaceSupportsErrorInfo(iid),
-                IsEqualGUID(iid, row.interfaces.front()) ? S_OK : S_FALSE);
-    }
-  }
-}
-
-// An outer object that hands every interface but its own identity on to the inner one.
-class Outer final : public IUnknown {
- public:
-  STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
-    if (IsEqualGUID(iid, __uuidof(IUnknown))) {
-      *out = static_cast<IUnknown*>(this);
-      AddRef();
-      return S_OK;
-    }
-    return inner->QueryInterface(iid, out);
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
-  STDMETHODIMP_(ULONG) Release() override { return --references; }
-
-  IUnknown* inner = nullptr;
-  ULONG references = 1;
+class ObjectOfClass : public testing::TestWithParam<std::size_t> {
+ protected:
+  const ClassRow& row_ = Classes()[GetParam()];
+  const ComPtr<IUnknown> object_ = SharedModule().Create(row_.class_id);
 };
+INSTANTIATE_TEST_SUITE_P(All, ObjectOfClass, testing::Range<std::size_t>(0, Classes().size()));
 
-TEST(Objects, AnAggregatedObjectTakesTheOuterIdentity) {
-  for (const auto& row : kClasses) {
-    SCOPED_TRACE(row.name);
-    Outer outer;
-    auto inner = SharedModule().Create(row.class_id, &outer);
-    outer.inner = inner.Get();
-    {
-      auto first = Query(*inner.Get(), row.interfaces.front());
-      EXPECT_EQ(outer.references, 2u) << "references belong to the outer object";
-      EXPECT_EQ(first.As<IUnknown>().Get(), &outer);
-      EXPECT_NE(first.Get(), inner.Get());
-      EXPECT_EQ(inner.As<IUnknown>().Get(), inner.Get()) << "the inner identity is its own";
-    }
-    EXPECT_EQ(outer.references, 1u);
-    inner.Reset();
+TEST_P(ObjectOfClass, EveryInterfaceLeadsToEveryOtherAndToOneIdentity) {
+  for (const auto& from : row_.interfaces) {
+    const auto start = Query(*object_.Get(), from);
+    for (const auto& to : row_.interfaces) EXPECT_TRUE(Query(*start.Get(), to));
+    EXPECT_EQ(start.As<IUnknown>().Get(), object_.Get());
   }
+  EXPECT_EQ(Query(*object_.Get(), row_.interfaces.front()).Get(), object_.Get())
+      << "the first interface is the identity";
+}
+
+TEST_P(ObjectOfClass, UnknownInterfacesAreRefusedAndOneSupportsErrorInformation) {
+  void* out = &out;
+  EXPECT_EQ(object_->QueryInterface(__uuidof(IIviDriver), &out), E_NOINTERFACE);
+  EXPECT_EQ(out, nullptr);
+  EXPECT_EQ(object_->QueryInterface(__uuidof(IUnknown), nullptr), E_POINTER);
+  const auto support = object_.As<ISupportErrorInfo>();
+  ASSERT_TRUE(support);
+  EXPECT_EQ(support->InterfaceSupportsErrorInfo(__uuidof(IUnknown)), S_FALSE);
+  for (const auto& iid : row_.interfaces) {
+    EXPECT_EQ(support->InterfaceSupportsErrorInfo(iid),
+              IsEqualGUID(iid, row_.interfaces.front()) ? S_OK : S_FALSE);
+  }
+}
+
+TEST_P(ObjectOfClass, AnAggregatedObjectTakesTheOuterIdentity) {
+  Outer outer;
+  auto inner = SharedModule().Create(row_.class_id, &outer);
+  outer.inner = inner.Get();
+  {
+    auto first = Query(*inner.Get(), row_.interfaces.front());
+    EXPECT_EQ(outer.references, 2u) << "references belong to the outer object";
+    EXPECT_EQ(first.As<IUnknown>().Get(), &outer);
+    EXPECT_NE(first.Get(), inner.Get());
+    EXPECT_EQ(inner.As<IUnknown>().Get(), inner.Get()) << "the inner identity is its own";
+  }
+  EXPECT_EQ(outer.references, 1u);
 }
 
 class UsedWhileItEnds : public IUnknown {
@@ -200,6 +147,9 @@ TEST(Objects, ARootMayGoWhileAChildIsInUse) {
 
 // The operations below are the class's own: a client never sees them.
 TEST(Objects, TheRootHandsOutTheInterfacesWithoutAProperty) {
+  const auto identities = SharedModule().Create(__uuidof(ZentrelK4N));
+  EXPECT_EQ(Query(*identities.Get(), __uuidof(IIviComponentIdentity)).Get(),
+            Query(*identities.Get(), __uuidof(IIviDriverIdentity)).Get());
   const auto root = ComPtr<ComObject<CZentrelK4N>>::Adopt(ComObject<CZentrelK4N>::Create());
   ComPtr<IIviDriverOperation> operation;
   EXPECT_EQ(root->get_DriverOperation(operation.Put()), S_OK);
