@@ -14,65 +14,55 @@ namespace driver_test {
 namespace {
 
 const IID& kDriver = __uuidof(IIviDriver);
-const IID& kRoot = __uuidof(IZentrelK4N);
 const IID& kFrequencyStep = __uuidof(IZentrelK4NFrequencyStep);
 
 /// What a member that is supported answers other than that there is no connection.
 struct Exception {
-  std::string_view member;
+  std::string_view beginning;  // of the member's name; the first row that fits is the member's
   HRESULT result;
-  std::vector<std::string> reads = {};  // what is written
-  std::string_view text = "";           // of the error information that is left behind
-  const IID* iid = nullptr;
+  std::string_view reads = "";  // what a get writes
+  std::string_view text = "";   // of the error information that is left behind
+  const IID* iid = nullptr;     // and whose it is, if not the interface's own
 };
 
-// clang-format off
 const Exception kExceptions[] = {
-    {"Root.Initialize", Code(0x8004705B), {}, "ZentrelK4NLib: File not found ZeVisa64.dll", &kDriver},
-    {"Root.get Initialized", S_OK, {"0"}},
-    {"Root.Close", kNotConnectedCode, {}, kNotConnected, &kDriver},
+    {"Root.Initialize", Code(0x8004705B), "", "ZentrelK4NLib: File not found ZeVisa64.dll",
+     &kDriver},
+    {"Root.get Initialized", S_OK, "0"},
+    {"Root.Close", kNotConnectedCode, "", kNotConnected, &kDriver},
     {"RF.DisableAllModulation", kNoSessionCode},
-    {"Sweep.get Mode", S_OK, {"0"}},
-    {"List.put SingleStepEnabled", kNotConnectedCode, {}, kNotConnected, &kFrequencyStep},
-    {"List.get SingleStepEnabled", kNotConnectedCode, {}, kNotConnected, &kFrequencyStep},
-    {"List.put Dwell", kNotConnectedCode, {}, kNotConnected, &kFrequencyStep},
-    {"List.get Dwell", kNotConnectedCode, {}, kNotConnected, &kFrequencyStep},
+    {"Sweep.get Mode", S_OK, "0"},
+    {"List.put ", kNotConnectedCode, "", kNotConnected, &kFrequencyStep},
+    {"List.get ", kNotConnectedCode, "", kNotConnected, &kFrequencyStep},
     {"List.ClearAll", S_OK},
-    {"TriggerOutput.put Width", S_OK}, {"TriggerOutput.get Width", S_OK, {"1e-06"}},
-    {"TriggerOutput.put Mode", S_OK}, {"TriggerOutput.get Mode", S_OK, {"1001"}},
-    {"TriggerOutput.put Polarity", S_OK}, {"TriggerOutput.get Polarity", S_OK, {"0"}},
-    {"TriggerOutput.put Enabled", S_OK}, {"TriggerOutput.get Enabled", S_OK, {"0"}},
-    {"PulseModulation.put Enabled", kNoSessionCode}, {"PulseModulation.get Enabled", S_OK, {"0"}},
-    {"PulseModulation.put Source", S_OK}, {"PulseModulation.get Source", S_OK, {"0"}},
-    {"PulseModulation.put ExternalPolarity", kNoSessionCode},
-    {"PulseModulation.get ExternalPolarity", S_OK, {"0"}},
-    {"PulseGenerator.Configure", S_OK},
-    {"PulseGenerator.put InternalTriggerPeriod", S_OK},
-    {"PulseGenerator.get InternalTriggerPeriod", S_OK, {"0"}},
-    {"PulseGenerator.put Width", S_OK}, {"PulseGenerator.get Width", S_OK, {"1e-09"}},
-    {"PulseGeneratorDouble.Configure", S_OK},
-    {"PulseGeneratorDouble.put Enabled", S_OK}, {"PulseGeneratorDouble.get Enabled", S_OK, {"0"}},
-    {"PulseGeneratorDouble.put Delay", S_OK}, {"PulseGeneratorDouble.get Delay", S_OK, {"0"}},
-    {"PulsePacketGenerator.put Enabled", S_OK}, {"PulsePacketGenerator.get Enabled", S_OK, {"0"}},
-    {"PulsePacketGenerator.Configure", S_OK},
-    {"SyncGenerator.put Width", kNoSessionCode}, {"SyncGenerator.get Width", S_OK, {"0"}},
-    {"SyncGenerator.put Period", kNoSessionCode}, {"SyncGenerator.get Period", S_OK, {"0"}},
-    {"SyncGenerator.put Delay", kNoSessionCode}, {"SyncGenerator.get Delay", S_OK, {"0"}},
-    {"Acquisition.get Status", S_OK, {"2"}},
-    {"Acquisition.Initiate", S_OK, {}, kNotConnected, &kRoot}, {"Acquisition.Abort", S_OK},
-    {"Channels.get Count", S_OK, {"3"}}, {"Channels.get Name", S_OK, {"ChannelA"}},
-    {"Channel.FetchData", Code(0x80047000), {}, "ZentrelK4NLib: Failure \xE2\x80\x93 cannot recover."},
-    {"Channel.put FrequencyOffset", S_OK}, {"Channel.get FrequencyOffset", S_OK, {"0"}},
-    {"Channel.put FrequencyMultiplier", S_OK}, {"Channel.get FrequencyMultiplier", S_OK, {"1"}},
-    {"Channel.put FrequencyDivider", S_OK}, {"Channel.get FrequencyDivider", S_OK, {"1"}},
+    {"TriggerOutput.get Width", S_OK, "1e-06"},
+    {"TriggerOutput.get Mode", S_OK, "1001"},
+    {"TriggerOutput.", S_OK, "0"},
+    {"PulseModulation.put Source", S_OK},
+    {"PulseModulation.put ", kNoSessionCode},
+    {"PulseModulation.get ", S_OK, "0"},
+    {"PulseGenerator.get Width", S_OK, "1e-09"},
+    {"PulseGenerator", S_OK, "0"},  // PulseGeneratorDouble, too
+    {"PulsePacketGenerator.", S_OK, "0"},
+    {"SyncGenerator.put ", kNoSessionCode},
+    {"SyncGenerator.get ", S_OK, "0"},
+    {"Acquisition.get Status", S_OK, "2"},
+    {"Acquisition.Initiate", S_OK, "", kNotConnected, &__uuidof(IZentrelK4N)},
+    {"Acquisition.Abort", S_OK},
+    {"Channels.get Count", S_OK, "3"},
+    {"Channels.get Name", S_OK, "ChannelA"},
+    {"Channel.FetchData", Code(0x80047000), "", "ZentrelK4NLib: Failure \u2013 cannot recover."},
+    {"Channel.get FrequencyOffset", S_OK, "0"},
+    {"Channel.get Frequency", S_OK, "1"},
+    {"Channel.put Frequency", S_OK},
 };
-// clang-format on
 
 Exception ExpectedOf(const Walked& walked) {
-  const auto* const row = std::ranges::find(kExceptions, walked.name, &Exception::member);
-  if (row != std::end(kExceptions)) return *row;
-  if (walked.IsWay()) return {walked.name, S_OK, {"object"}};
-  return {walked.name, kNotConnectedCode, {}, kNotConnected};
+  if (walked.IsWay()) return {walked.name, S_OK, "object"};
+  for (const Exception& row : kExceptions) {
+    if (walked.name.starts_with(row.beginning)) return row;
+  }
+  return {walked.name, kNotConnectedCode, "", kNotConnected};
 }
 
 void ExpectUnsupported(const Surface& surface, const Walked& walked, const Unsupported& row,
@@ -100,7 +90,8 @@ TEST(NoSession, EveryMemberAnswers) {
     const Answer answer = Call(surface, walked);
     ExpectReported(answer.result, expected.result, expected.text,
                    expected.iid != nullptr ? *expected.iid : walked.interface_entry->id);
-    EXPECT_EQ(answer.written, expected.reads);
+    const bool reads = walked.member->kind == members::Kind::kGet && !expected.reads.empty();
+    EXPECT_EQ(answer.written, std::vector<std::string>(reads ? 1 : 0, std::string(expected.reads)));
   }
 }
 
@@ -123,7 +114,11 @@ TEST(NoSession, NoMemberWritesThroughANullPointer) {
 
 /// A typing error in a table must not turn a row into one of nothing.
 TEST(NoSession, EveryExceptionIsOneOfAMember) {
-  for (const Exception& row : kExceptions) EXPECT_NO_THROW(MemberOf(row.member)) << row.member;
+  for (const Exception& row : kExceptions) {
+    EXPECT_TRUE(std::ranges::any_of(AllMembers(), [&](const Walked& walked) {
+      return walked.name.starts_with(row.beginning);
+    })) << row.beginning;
+  }
   for (const auto& name : UnsupportedNames()) EXPECT_NO_THROW(MemberOf(name)) << name;
 }
 
