@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "simulator/Simulator.h"
+#include "simulator/Wire.h"
 #include "tests/platform/TemporaryFolder.h"
 #include "tests/platform/WaitUntil.h"
 #include "tests/zk4n/Program.h"
@@ -30,6 +31,12 @@ Lines LinesOf(std::istream& stream) {
 Lines LinesOfFile(const char* file) {
   std::ifstream stream(file, std::ios::binary);
   return LinesOf(stream);
+}
+
+std::string Joined(const Lines& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += line + "\n";
+  return text;
 }
 
 std::string Replaced(std::string text, const std::string& what, const std::string& by) {
@@ -90,6 +97,7 @@ TEST_F(ConsoleTest, TheScriptGivesTheSameTranscriptOnEverySystem) {
   const Lines expected = LinesOfFile(ZK_TRANSCRIPT);
   Program program(ZK_CLIENT, {"shell", "--json"}, folder_);
   Lines transcript;
+  Lines writes;  // each command that wrote, and what
   std::size_t read = 0;
   bool is_awaited = false;
   for (const std::string& line : LinesOfFile(ZK_SCRIPT)) {
@@ -107,13 +115,20 @@ TEST_F(ConsoleTest, TheScriptGivesTheSameTranscriptOnEverySystem) {
     if (!is_command) continue;
     EXPECT_EQ(result, wanted);
     transcript.push_back(result);
+    writes.push_back(line);
+    for (const auto& request : instrument_->Requests()) {
+      if (request.command == simulator::command::kWrite) writes.push_back("  " + request.text);
+    }
+    if (writes.back() == line) writes.pop_back();
+    instrument_->ClearRequests();
   }
   program.CloseInput();
   EXPECT_EQ(program.Wait(), 0);
   EXPECT_EQ(transcript.size(), expected.size());
   EXPECT_EQ(fs::file_size(folder_ / "stdout.txt"), read) << "more output than commands, or CR LF";
-  std::ofstream actual("console_test_transcript.jsonl", std::ios::binary);
-  for (const std::string& line : transcript) actual << line << '\n';
+  EXPECT_EQ(Joined(writes), Joined(LinesOfFile(ZK_WRITES)));
+  std::ofstream("console_test_transcript.jsonl", std::ios::binary) << Joined(transcript);
+  std::ofstream("console_test_writes.txt", std::ios::binary) << Joined(writes);
 }
 
 TEST_F(ConsoleTest, GoesOnAfterLinesThatAreNoCommands) {
@@ -144,9 +159,7 @@ TEST_F(ConsoleTest, GoesOnAfterLinesThatAreNoCommands) {
       "query {2ABE1589-9E6D-4FA1-BA34-F36A173CD04",
       "sleep 1e30",
   };
-  std::string input;
-  for (const std::string& line : junk) input += line + "\n";
-  std::istringstream output(Run({"--json"}, input + "  Initialized\t\r\nInitialized"));
+  std::istringstream output(Run({"--json"}, Joined(junk) + "  Initialized\t\r\nInitialized"));
   const Lines results = LinesOf(output);
   ASSERT_EQ(results.size(), junk.size() + 2);
   for (std::size_t i = 0; i < results.size(); ++i) {
