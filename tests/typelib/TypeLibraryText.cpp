@@ -1,5 +1,6 @@
 #include "tests/typelib/TypeLibraryText.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdio>
@@ -23,21 +24,38 @@ void Require(HRESULT result, const char* what) {
   if (FAILED(result)) throw std::runtime_error(std::string(what) + Format(": 0x%08lX", result));
 }
 
-struct BitName {
-  unsigned bit;
+struct ValueName {
+  unsigned value;
   std::string_view name;
 };
 
 constexpr std::array kTypeFlags{
-    BitName{TYPEFLAG_FCANCREATE, "creatable"}, BitName{TYPEFLAG_FHIDDEN, "hidden"},
-    BitName{TYPEFLAG_FDUAL, "dual"}, BitName{TYPEFLAG_FOLEAUTOMATION, "oleautomation"},
-    BitName{TYPEFLAG_FDISPATCHABLE, "dispatchable"}};
-constexpr std::array kParameterFlags{BitName{PARAMFLAG_FIN, "in"}, BitName{PARAMFLAG_FOUT, "out"},
-                                     BitName{PARAMFLAG_FRETVAL, "retval"},
-                                     BitName{PARAMFLAG_FOPT, "optional"}};
+    ValueName{TYPEFLAG_FCANCREATE, "creatable"}, ValueName{TYPEFLAG_FHIDDEN, "hidden"},
+    ValueName{TYPEFLAG_FDUAL, "dual"}, ValueName{TYPEFLAG_FOLEAUTOMATION, "oleautomation"},
+    ValueName{TYPEFLAG_FDISPATCHABLE, "dispatchable"}};
+constexpr std::array kParameterFlags{
+    ValueName{PARAMFLAG_FIN, "in"}, ValueName{PARAMFLAG_FOUT, "out"},
+    ValueName{PARAMFLAG_FRETVAL, "retval"}, ValueName{PARAMFLAG_FOPT, "optional"}};
+
+constexpr std::array kTypeKinds{ValueName{TKIND_ENUM, "enum"},
+                                ValueName{TKIND_INTERFACE, "interface"},
+                                ValueName{TKIND_COCLASS, "coclass"}};
+constexpr std::array kMemberKinds{ValueName{INVOKE_FUNC, "method"},
+                                  ValueName{INVOKE_PROPERTYGET, "get"},
+                                  ValueName{INVOKE_PROPERTYPUT, "put"}};
+constexpr std::array kTypes{ValueName{VT_I4, "long"}, ValueName{VT_R8, "double"},
+                            ValueName{VT_BSTR, "BSTR"}, ValueName{VT_BOOL, "VARIANT_BOOL"}};
+
+/// The name of a number, "kind 7" for one without.
+std::string NameOf(std::span<const ValueName> names, int number) {
+  for (const auto& [value, name] : names) {
+    if (value == static_cast<unsigned>(number)) return std::string(name);
+  }
+  return Format("kind %d", number);
+}
 
 /// The names of the bits set, with commas between; the bits without one as a number.
-std::string Bits(unsigned bits, std::span<const BitName> names) {
+std::string Bits(unsigned bits, std::span<const ValueName> names) {
   std::string text;
   const auto add = [&](std::string_view name) {
     text.append(text.empty() ? "" : ",").append(name);
@@ -69,12 +87,10 @@ class Reader {
 
   std::vector<std::string> Read() {
     DescribeLibrary();
-    for (const TYPEKIND kind : {TKIND_ENUM, TKIND_INTERFACE, TKIND_COCLASS}) {
-      DescribeTypes([=](TYPEKIND its_kind) { return its_kind == kind; });
-    }
-    DescribeTypes([](TYPEKIND its_kind) {
-      return its_kind != TKIND_ENUM && its_kind != TKIND_INTERFACE && its_kind != TKIND_COCLASS;
-    });
+    for (const auto& kind : kTypeKinds)
+      DescribeTypes([&](unsigned its) { return its == kind.value; });
+    DescribeTypes(
+        [](unsigned its) { return std::ranges::count(kTypeKinds, its, &ValueName::value) == 0; });
     return std::move(lines_);
   }
 
@@ -98,7 +114,7 @@ class Reader {
     for (UINT i = 0; i < library_.GetTypeInfoCount(); ++i) {
       TYPEKIND kind = TKIND_MAX;
       Require(library_.GetTypeInfoType(i, &kind), "kind of a type");
-      if (!wanted(kind)) continue;
+      if (!wanted(static_cast<unsigned>(kind))) continue;
       ComPtr<ITypeInfo> type;
       TYPEATTR* attributes = nullptr;
       Require(library_.GetTypeInfo(i, type.Put()), "type");
@@ -112,22 +128,11 @@ class Reader {
     Bstr name, help;
     Require(type.GetDocumentation(MEMBERID_NIL, name.Put(), help.Put(), nullptr, nullptr),
             "documentation of a type");
-    const std::string flags = Bits(attributes.wTypeFlags, kTypeFlags);
-    switch (attributes.typekind) {
-      case TKIND_ENUM:
-        lines_.push_back("enum " + Utf8(name.View()) + Help(help));
-        break;
-      case TKIND_INTERFACE:
-        lines_.push_back("interface " + Utf8(name.View()) + " " + Identifier(attributes.guid) +
-                         " " + flags + Help(help));
-        break;
-      case TKIND_COCLASS:
-        lines_.push_back("coclass " + Utf8(name.View()) + " " + Identifier(attributes.guid) + " " +
-                         flags + Help(help));
-        break;
-      default:
-        lines_.push_back(Format("kind %d ", attributes.typekind) + Utf8(name.View()));
+    std::string line = NameOf(kTypeKinds, attributes.typekind) + " " + Utf8(name.View());
+    if (attributes.typekind != TKIND_ENUM) {
+      line += " " + Identifier(attributes.guid) + " " + Bits(attributes.wTypeFlags, kTypeFlags);
     }
+    lines_.push_back(line + Help(help));
     for (UINT i = 0; i < attributes.cImplTypes; ++i) {
       DescribeImplemented(type, i, attributes.typekind);
     }
@@ -165,7 +170,7 @@ class Reader {
     const std::vector<std::string> names = Names(type, *member);
     std::string line =
         Format("  slot %d id 0x%lX ", member->oVft / int{sizeof(void*)}, member->memid);
-    line += Kind(*member);
+    line += NameOf(kMemberKinds, member->invkind);
     line += " " + names[0] + "(";
     for (SHORT i = 0; i < member->cParams; ++i) {
       line += i > 0 ? ", " : "";
@@ -211,19 +216,6 @@ class Reader {
     return name.empty() ? text : text + " " + name;
   }
 
-  static std::string Kind(const FUNCDESC& member) {
-    switch (member.invkind) {
-      case INVOKE_FUNC:
-        return "method";
-      case INVOKE_PROPERTYGET:
-        return "get";
-      case INVOKE_PROPERTYPUT:
-        return "put";
-      default:
-        return "putref";
-    }
-  }
-
   std::string MemberName(ITypeInfo& type, MEMBERID id) {
     Bstr name;
     Require(type.GetDocumentation(id, name.Put(), nullptr, nullptr, nullptr), "name of a member");
@@ -247,16 +239,8 @@ class Reader {
         return "SAFEARRAY(" + TypeText(type, *description.lptdesc) + ")";
       case VT_USERDEFINED:
         return TypeName(type, description.hreftype);
-      case VT_I4:
-        return "long";
-      case VT_R8:
-        return "double";
-      case VT_BSTR:
-        return "BSTR";
-      case VT_BOOL:
-        return "VARIANT_BOOL";
       default:
-        return Format("kind %d", description.vt);
+        return NameOf(kTypes, description.vt);
     }
   }
 
