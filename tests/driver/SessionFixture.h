@@ -112,17 +112,17 @@ class Bench {
     EXPECT_EQ(surface_.rf->put_OutputEnabled(VARIANT_TRUE), S_OK);
     EXPECT_EQ(surface_.acquisition->Initiate(), S_OK);
   }
-  /// What the writes since ClearRequests() asked for, as the instrument understood them.
-  std::vector<std::string> Writes() {
+  /// How many writes the instrument got since ClearRequests().
+  std::size_t Writes() {
     constexpr std::uint16_t kWriteCommand = 3;
-    constexpr std::string_view kWord = "write ";
-    std::vector<std::string> writes;
-    for (const auto& request : instrument_.Requests()) {
-      if (request.command != kWriteCommand) continue;
-      const std::string& text = request.text;
-      writes.push_back(text.substr(kWord.size(), text.find(" ->") - kWord.size()));
-    }
-    return writes;
+    const auto requests = instrument_.Requests();
+    return static_cast<std::size_t>(
+        std::ranges::count(requests, kWriteCommand, &simulator::RequestRecord::command));
+  }
+  /// One measurement from its start to its end.
+  void Measure() {
+    EXPECT_EQ(surface_.acquisition->Initiate(), S_OK);
+    EXPECT_EQ(WaitForEnd(), ZentrelK4NAcquisitionStatusComplete);
   }
   /// Runs one sweep to its end.
   void RunSweep(double start, double stop, double step) {
