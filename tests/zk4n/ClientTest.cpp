@@ -5,95 +5,20 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
-#include <optional>
-#include <span>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "simulator/Simulator.h"
-#include "tests/platform/TemporaryFolder.h"
 #include "tests/platform/WaitUntil.h"
-#include "tests/zk4n/Program.h"
+#include "tests/zk4n/ProgramFixture.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
-using testing::StartsWith;
-using Arguments = std::vector<std::string>;
 
-constexpr const char* kNobody = "TCPIP0::127.0.0.1::9::SOCKET";  // the discard port
-
-/// Words with blanks between them.
-Arguments Words(const std::string& line) {
-  std::istringstream stream(line);
-  return {std::istream_iterator<std::string>(stream), {}};
-}
-
-struct Failure {
-  const char* arguments;
-  const char* error;  // what the one line on standard error tells
-};
-
-class ClientTest : public testing::Test {
- protected:
-  ClientTest() {
-    for (const char* const name : {"files", "output", "program"})
-      fs::create_directory(folder_ / name);
-  }
-
-  /// Arguments with "@" for the folder of the files, "nobody" for a resource without an instrument.
-  [[nodiscard]] Arguments Resolved(Arguments arguments) const {
-    for (std::string& argument : arguments) {
-      if (argument == "nobody") argument = kNobody;
-      const auto at = argument.find('@');
-      if (at != std::string::npos) argument.replace(at, 1, (folder_ / "files").string());
-    }
-    return arguments;
-  }
-
-  struct Result {
-    std::optional<int> status;
-    std::string output;
-    std::string errors;
-  };
-  [[nodiscard]] Result Run(const Arguments& arguments, const fs::path& file = ZK_CLIENT) const {
-    Program program(file, Resolved(arguments), folder_ / "output");
-    const std::optional<int> status = program.Wait();
-    return {status, program.Output(), program.Errors()};
-  }
-
-  /// Names of the files that were written.
-  [[nodiscard]] std::vector<std::string> Files() const {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder_ / "files")) {
-      names.push_back(entry.path().filename().string());
-    }
-    return names;
-  }
-
-  /// Runs each row's command and expects this exit status, one line on standard error, and nothing
-  /// else.
-  void ExpectFailures(std::span<const Failure> rows, int status,
-                      const std::string& more = {}) const {
-    for (const Failure& row : rows) {
-      SCOPED_TRACE(row.arguments);
-      const Result result = Run(Words(row.arguments + more));
-      EXPECT_EQ(result.status, status);
-      EXPECT_EQ(result.output, "");
-      EXPECT_THAT(result.errors, StartsWith("zk4n: "));
-      EXPECT_THAT(result.errors, HasSubstr(row.error));
-      EXPECT_EQ(result.errors.find('\n'), result.errors.size() - 1);
-      EXPECT_THAT(Files(), testing::IsEmpty());
-    }
-  }
-
-  const TemporaryFolder temporary_;
-  const fs::path& folder_ = temporary_.path();
-};
+class ClientTest : public ProgramTest {};
 
 TEST_F(ClientTest, BadArgumentsGiveOneLineAndWriteNothing) {
   const Failure cases[] = {

@@ -4,14 +4,12 @@
 
 #include <bit>
 #include <cmath>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 
 #include "measurement/TraceConversion.h"
-#include "tests/platform/TemporaryFolder.h"
-#include "tests/zk4n/Program.h"
+#include "tests/zk4n/ProgramFixture.h"
 #include "zk4n/Commands.h"
 #include "zk4n/DetectorCheck.h"
 #include "zk4n/DetectorSvg.h"
@@ -23,7 +21,6 @@ using namespace measurement;
 
 namespace {
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 const std::string kVersion3 = "#VERSION 3\n0\t100\t200\n1\t-70\t-69\n10\t-60\t-59\n";
@@ -31,13 +28,8 @@ const std::string kDigest3 = "2E11880B07FB41E9755F72C5C1C8C5B689B2DCA6EEF35BDC66
 const std::string kSigned3 = kVersion3 + "\n#CRC " + kDigest3;
 const std::string kVersion0 = "!note\n100 200 400\n1 2 3\n4 5,5 6\n";
 
-class DetectorTest : public testing::Test {
+class DetectorTest : public ProgramTest {
  protected:
-  DetectorTest() { fs::create_directory(folder_ / "files"); }
-
-  [[nodiscard]] std::string File(const std::string& name) const {
-    return (folder_ / "files" / name).string();
-  }
   std::string Write(const std::string& name, const std::string& content) const {
     std::ofstream(File(name), std::ios::binary) << content;
     return File(name);
@@ -46,25 +38,6 @@ class DetectorTest : public testing::Test {
     std::ifstream stream(File(name), std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
   }
-  [[nodiscard]] std::ptrdiff_t FileCount() const {
-    return std::distance(fs::directory_iterator(folder_ / "files"), fs::directory_iterator());
-  }
-
-  /// Runs `zk4n detector` with a line of arguments, "@" standing for the folder of the files.
-  /// Returns its exit status and what it wrote to standard error.
-  [[nodiscard]] std::pair<int, std::string> Run(const std::string& line) const {
-    std::vector<std::string> arguments{"detector"};
-    std::istringstream words(line);
-    for (std::string word; words >> word;) {
-      arguments.push_back(word[0] == '@' ? File(word.substr(1)) : word);
-    }
-    Program program(ZK_CLIENT, arguments, folder_);
-    const auto status = program.Wait();
-    return {status.value_or(-1), program.Errors()};
-  }
-
-  const TemporaryFolder temporary_;
-  const fs::path& folder_ = temporary_.path();
 };
 
 struct CheckCase {
@@ -164,12 +137,6 @@ TEST(DetectorPoints, EndAtTheFirstLineThatIsNone) {
   }
 }
 
-struct Refusal {
-  const char* arguments;
-  int status;
-  const char* error;
-};
-
 TEST_F(DetectorTest, RefusalsTellWhyAndWriteNothing) {
   Write("3.det", kSigned3);
   Write("0.det", kVersion0);
@@ -180,53 +147,53 @@ TEST_F(DetectorTest, RefusalsTellWhyAndWriteNothing) {
     for (int i = 0; i < 17000; ++i) text += "1\n";
     return text;
   }());
-  const Refusal cases[] = {
-      {"", 2, "subcommand is required"},
-      {"check", 2, "FILE is required"},
-      {"check @3.det @bad.det", 1, ""},
-      {"value @3.det --level 1", 2, "--frequency and --level, or neither"},
-      {"value @3.det --level 1 --frequency 1GHz", 2, "--frequency: not a number: 1GHz"},
-      {"value @none.det --level 1 --frequency 1", 2, "cannot read"},
-      {"value @bad.det --level 1 --frequency 1", 1,
-       "0x8004705C (invalid file format): data line 2"},
-      {"sign @3.det @0.det", 2, "0.det exists; --force"},
-      {"sign @0.det @new.det", 1, "is of version 0: convert"},
-      {"sign @bad.det @0.det --force", 1, "data line 2"},
-      {"sign @3.det @none/new.det", 2, "cannot write"},
-      {"convert @3.det @new.det", 1, "is of version 3 already"},
-      {"convert @0.det @3.det", 2, "3.det exists; --force"},
-      {"convert @long.det @new.det", 1, "0x80047010 (invalid value): too many levels"},
-      {"plot @3.det", 2, "--svg is required"},
-      {"plot @flat.det --svg @new.svg", 1, "no frequency or no level"},
-      {"plot @3.det --svg @", 2, "cannot write"},
+  const Failure bad_arguments[] = {
+      {"detector", "subcommand is required"},
+      {"detector check", "FILE is required"},
+      {"detector value @3.det --level 1", "--frequency and --level, or neither"},
+      {"detector value @3.det --level 1 --frequency 1GHz", "--frequency: not a number: 1GHz"},
+      {"detector value @none.det --level 1 --frequency 1", "cannot read"},
+      {"detector sign @3.det @0.det", "0.det exists; --force"},
+      {"detector sign @3.det @none/new.det", "cannot write"},
+      {"detector convert @0.det @3.det", "3.det exists; --force"},
+      {"detector plot @3.det", "--svg is required"},
+      {"detector plot @3.det --svg @", "cannot write"},
   };
-  for (const Refusal& row : cases) {
-    const auto [status, errors] = Run(row.arguments);
-    EXPECT_EQ(status, row.status) << row.arguments;
-    EXPECT_THAT(errors, HasSubstr(row.error)) << row.arguments;
-    EXPECT_EQ(errors.find('\n') + 1, errors.size()) << row.arguments << ": " << errors;
-    EXPECT_EQ(FileCount(), 5) << row.arguments;
-  }
+  ExpectFailures(bad_arguments, 2);
+  const Failure bad_files[] = {
+      {"detector value @bad.det --level 1 --frequency 1",
+       "0x8004705C (invalid file format): data line 2"},
+      {"detector sign @0.det @new.det", "is of version 0: convert"},
+      {"detector sign @bad.det @0.det --force", "data line 2"},
+      {"detector convert @3.det @new.det", "is of version 3 already"},
+      {"detector convert @long.det @new.det", "0x80047010 (invalid value): too many levels"},
+      {"detector plot @flat.det --svg @new.svg", "no frequency or no level"},
+  };
+  ExpectFailures(bad_files, 1);
+  const Result check = Run(Words("detector check @3.det @bad.det"));
+  EXPECT_EQ(check.status, 1);
+  EXPECT_EQ(check.errors, "");
+  EXPECT_EQ(Files().size(), 5U);
   EXPECT_EQ(Read("3.det") + Read("0.det"), kSigned3 + kVersion0);
 }
 
 TEST_F(DetectorTest, SignsAndConverts) {
   const std::string line = "0.3333333333333333 -69\n";  // more digits than 13, fewer than 17
   Write("in.det", "!a\n#VERSION 3\n0 100\n#CRC 12\n" + line);
-  EXPECT_EQ(Run("sign @in.det @out.det").first, 0);
+  EXPECT_EQ(Run(Words("detector sign @in.det @out.det")).status, 0);
   EXPECT_THAT(Read("out.det"),
               testing::StartsWith("!a\n#VERSION 3\n0\t100\n0.33333333333333331\t-69\n\n#CRC "));
   EXPECT_TRUE(DetectorCheck(File("out.det")).IsGood());
 
   Write("0.det", "#VERSION 0\n" + kVersion0);
-  EXPECT_EQ(Run("convert @0.det @out.det --force").first, 0);
+  EXPECT_EQ(Run(Words("detector convert @0.det @out.det --force")).status, 0);
   EXPECT_EQ(Read("out.det"),
             "#VERSION 3\n!note\n0\t100\t200\t400\n0.29802322387695312\t1\t2\t3\n"
             "0.31121783924919777\t4\t5.5\t6\n\n"
             "#CRC 19959905F33600CE05D13110466625926B8F2E8BEDA65A9A2405E6E0E3368DC6");
-  EXPECT_EQ(Run("plot @out.det --svg @out.svg").first, 0);
+  EXPECT_EQ(Run(Words("detector plot @out.det --svg @out.svg")).status, 0);
   EXPECT_THAT(Read("out.svg"), HasSubstr(">out.det</text>"));
-  EXPECT_EQ(FileCount(), 4) << "something was left behind";
+  EXPECT_EQ(Files().size(), 4U) << "something was left behind";
 }
 
 std::size_t CountOf(const std::string& text, const std::string& part) {
