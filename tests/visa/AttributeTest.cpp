@@ -45,27 +45,25 @@ TEST_F(VisaTest, AttributesHaveTheirSizesAndDefaults) {
       {VI_ATTR_DMA_ALLOW_EN, 2, 0, 1, 2},
   };
   for (const auto& row : rows) {
+    SCOPED_TRACE(Hex(static_cast<ViStatus>(row.id)));
     const bool is_read_only = row.set == kReadOnly;
     const auto read = [&] {
       std::uint64_t value = ~std::uint64_t{0};  // bytes beyond the size must stay
-      EXPECT_STATUS(visa.viGetAttribute(session, row.id, &value), VI_SUCCESS) << std::hex << row.id;
+      EXPECT_STATUS(visa.viGetAttribute(session, row.id, &value), VI_SUCCESS);
       const std::uint64_t mask = row.size == 8 ? 0 : ~std::uint64_t{0} << (8 * row.size);
-      EXPECT_EQ(value & mask, mask) << std::hex << row.id << " wrote beyond its size";
+      EXPECT_EQ(value & mask, mask) << "wrote beyond its size";
       return value & ~mask;
     };
-    EXPECT_EQ(read(), row.value) << std::hex << row.id;
+    EXPECT_EQ(read(), row.value);
     EXPECT_STATUS(visa.viSetAttribute(session, row.id, row.set),
-                  is_read_only ? VI_ERROR_ATTR_READONLY : VI_SUCCESS)
-        << std::hex << row.id;
-    EXPECT_EQ(read(), is_read_only ? row.value : row.set) << std::hex << row.id;
+                  is_read_only ? VI_ERROR_ATTR_READONLY : VI_SUCCESS);
+    EXPECT_EQ(read(), is_read_only ? row.value : row.set);
     if (is_read_only) continue;
     if (row.refused != 0) {
-      EXPECT_STATUS(visa.viSetAttribute(session, row.id, row.refused), VI_ERROR_NSUP_ATTR_STATE)
-          << std::hex << row.id;
-      EXPECT_EQ(read(), row.set) << std::hex << row.id;
+      EXPECT_STATUS(visa.viSetAttribute(session, row.id, row.refused), VI_ERROR_NSUP_ATTR_STATE);
+      EXPECT_EQ(read(), row.set);
     }
-    EXPECT_STATUS(visa.viSetAttribute(session, row.id, row.value), VI_SUCCESS)
-        << std::hex << row.id;
+    EXPECT_STATUS(visa.viSetAttribute(session, row.id, row.value), VI_SUCCESS);
   }
 }
 

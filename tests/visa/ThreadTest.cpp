@@ -72,9 +72,9 @@ TEST_F(VisaThread, SessionsDoNotWaitForEachOther) {
 }
 
 TEST_F(VisaTest, ManySessionsComeAndGo) {
-  std::array<std::thread, 4> threads;
-  for (std::thread& thread : threads) {
-    thread = std::thread([this] {
+  std::vector<std::jthread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([this] {
       Peer own;
       for (int round = 0; round < 20; ++round) {
         ViSession session = 0;
@@ -85,7 +85,6 @@ TEST_F(VisaTest, ManySessionsComeAndGo) {
       }
     });
   }
-  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace

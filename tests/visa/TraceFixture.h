@@ -36,14 +36,16 @@ class VisaTrace : public VisaSettings {
     for (const std::string& line : Lines(file)) cores.push_back(Core(line));
     return cores;
   }
-  /// What a file says the library counted in the manager's user data, which tells lost and doubled
-  /// lines.
-  static std::vector<int> Numbers(const std::filesystem::path& file) {
+  /// What the two files say the library counted in the manager's user data, which tells lost and
+  /// doubled lines.
+  [[nodiscard]] std::vector<int> Numbers() const {
     static const std::regex counted(".* attribute=VI_ATTR_USER_DATA value=(\\d+)");
     std::vector<int> numbers;
     std::smatch found;
-    for (const std::string& line : Lines(file)) {
-      if (std::regex_match(line, found, counted)) numbers.push_back(std::stoi(found[1]));
+    for (const auto& file : {Before(), trace_file_}) {
+      for (const std::string& line : Lines(file)) {
+        if (std::regex_match(line, found, counted)) numbers.push_back(std::stoi(found[1]));
+      }
     }
     return numbers;
   }
