@@ -1,3 +1,4 @@
+#include <chrono>
 #include <ctime>
 #include <numeric>
 #include <thread>
@@ -11,7 +12,8 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 std::string Now() {
-  const std::time_t now = std::time(nullptr);
+  // Not std::time, which lags a few milliseconds behind the clock of the lines.
+  const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
   std::array<char, 32> text{};
   std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", std::gmtime(&now));
   return text.data();
