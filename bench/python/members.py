@@ -30,6 +30,9 @@ with k4n.simulate(program=str(modules / "zk4n")) as instrument:
         gen.measure(start=1e9, stop=1e9 + 5460e6, step=1e6, progress=False)
         rf, channel = gen.rf, gen.acquisition.channels.item("ChannelA")
         assert len(channel.fetch_data().data_array) == 5461
-        print(json.dumps({"ReadProperty": microseconds(lambda: rf.frequency),
-                          "PutProperty": microseconds(lambda: put_level(rf)),
-                          "FetchTrace": microseconds(channel.fetch_data)}))
+        figures = {
+            "ReadProperty": microseconds(lambda: rf.frequency),
+            "PutProperty": microseconds(lambda: put_level(rf)),
+            "FetchTrace": microseconds(channel.fetch_data),
+        }
+        print(json.dumps(figures))

@@ -1,15 +1,16 @@
 // Generated from ZentrelK4NLib.idl and IviInherent.idl by server/interface/generate - Do not edit.
-// The driver's interfaces for C#: compile it into your program; no type library importer is needed.
+// The driver's interfaces for C#: compile them into your program.
 //
-// Every member gives its HRESULT (PreserveSig), since some successes say more than success: 1 to 6 are notices of the
-// instrument, 10057 says that there is no session, and Initialize warns by 0x00047065 and 0x00047066. Negative ones are
-// failures. Results.Name tells what a result is called, Results.Description what the driver says about it.
+// Every member gives its HRESULT (PreserveSig), since some successes say more than success: 1 to 6
+// are notices of the instrument, 10057 says that there is no session, and Initialize warns by
+// 0x00047065 and 0x00047066. Negative ones are failures. Results.Name tells what a result is
+// called, Results.Description what the driver says about it.
 //
-// Truth values are the numbers that travel: 0 is false, and any other one true. Some members read 1 for true, others -1,
-// so test for "!= 0". To set one, write -1 or 0.
+// Truth values are the numbers that travel: 0 is false, and any other one true. Some members read 1
+// for true, others -1, so test for "!= 0". To set one, write -1 or 0.
 //
-// Pass null where a member gives an array or a text back (FetchData, ErrorQuery): the driver replaces what stands there,
-// and never frees it.
+// Pass null where a member gives an array or a text back (FetchData, ErrorQuery): the driver
+// replaces what stands there, and never frees it.
 
 using System;
 using System.Runtime.InteropServices;
@@ -1172,8 +1173,9 @@ namespace ZentrelK4NLib
             return bits >> 16 == 0xBFFF ? "VISA error" : "unnamed result";
         }
 
-        /// <summary>The driver's words about the last failure on this thread, which it then forgets; null when there are
-        /// none. Take them right after the failure. A success leaves older ones where they are.</summary>
+        /// <summary>The driver's words about the last failure on this thread, which it then
+        /// forgets; null when there are none. Take them right after the failure. A success leaves
+        /// older ones where they are.</summary>
         public static string Description()
         {
             IErrorInfo info;

@@ -1,5 +1,5 @@
-"""measure.py RESOURCE [DETECTOR_FILE] - opens the instrument, sets a fixed frequency, steps through a range, prints the
-traces of all channels and what is in the error trail, and closes.
+"""measure.py RESOURCE [DETECTOR_FILE] - opens the instrument, sets a fixed frequency, steps through
+a range, prints the traces of all channels and what is in the error trail, and closes.
 """
 
 import sys
@@ -10,7 +10,11 @@ import zentrelk4n as k4n
 
 def show_note(message, category, *place):
     """Some successes say more than success; the package warns of them."""
-    print(f"Note of {message.member}: 0x{message.code:08X}" if category is k4n.DriverWarning else message)
+    print(
+        f"Note of {message.member}: 0x{message.code:08X}"
+        if category is k4n.DriverWarning
+        else message
+    )
 
 
 def set_fixed_frequency(rf):
@@ -18,12 +22,26 @@ def set_fixed_frequency(rf):
     rf.frequency = "2.4 GHz"  # or 2.4e9: numbers are in hertz, dBm and seconds
     rf.output_enabled = True
     # The driver reads 1 for true here, in other places -1. The package makes True of both.
-    print(f"Output: {rf.frequency / 1e9:.3f} GHz, {rf.level:.2f} dBm, {'on' if rf.output_enabled else 'off'}")
+    print(
+        f"Output: {rf.frequency / 1e9:.3f} GHz, {rf.level:.2f} dBm, "
+        f"{'on' if rf.output_enabled else 'off'}"
+    )
 
 
 def measure(gen, detector_file):
-    trace = gen.measure(start="2 GHz", stop="2.8 GHz", step="50 MHz", level=-10, averaging=3, detectors=detector_file)
-    start, stop, step = trace.frequency[0], trace.frequency[-1], trace.frequency[1] - trace.frequency[0]
+    trace = gen.measure(
+        start="2 GHz",
+        stop="2.8 GHz",
+        step="50 MHz",
+        level=-10,
+        averaging=3,
+        detectors=detector_file,
+    )
+    start, stop, step = (
+        trace.frequency[0],
+        trace.frequency[-1],
+        trace.frequency[1] - trace.frequency[0],
+    )
     print(f"Sweep: {start / 1e9:.3f} to {stop / 1e9:.3f} GHz in steps of {step / 1e9:.3f} GHz")
     print("     GHz", *(f"Channel{name}" for name in trace.channels), sep="  ")
     for frequency, *values in zip(trace.frequency, trace.a, trace.b, trace.r):
@@ -31,7 +49,9 @@ def measure(gen, detector_file):
 
 
 def print_error_trail(gen):
-    """What the driver has written down: also failures that no result told of. Whether there is nothing."""
+    """What the driver has written down: also failures that no result told of. Whether there is
+    nothing.
+    """
     errors = 0
     while True:
         code, message = gen.utility.error_query()
@@ -62,7 +82,10 @@ def run(resource, detector_file):
 
 
 def report(error):
-    print(f"Failed: {error.member}: 0x{error.code:08X}" + (f": {error.description}" if error.description else ""))
+    print(
+        f"Failed: {error.member}: 0x{error.code:08X}"
+        + (f": {error.description}" if error.description else "")
+    )
 
 
 def main(resource, detector_file=None):

@@ -20,7 +20,11 @@ def _package() -> str:
 
 
 def _array_type() -> str:
-    return f"numpy {_arrays.numpy.__version__}" if _arrays.numpy else "array.array: numpy is not installed"
+    return (
+        f"numpy {_arrays.numpy.__version__}"
+        if _arrays.numpy
+        else "array.array: numpy is not installed"
+    )
 
 
 def _lines() -> Iterator[Tuple[str, Callable[[], str]]]:
@@ -36,7 +40,9 @@ def _lines() -> Iterator[Tuple[str, Callable[[], str]]]:
     yield "arrays", _array_type
     yield "surface", lambda: LIBRARY
     yield "driver", driver
-    yield "VISA", lambda: _visa.library_file(place.file) or "no zevisa64 is found: without it no session opens"
+    yield "VISA", lambda: _visa.library_file(
+        place.file
+    ) or "no zevisa64 is found: without it no session opens"
     yield "simulator", lambda: simulator.find_program(None)
 
 

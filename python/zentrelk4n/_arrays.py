@@ -1,4 +1,6 @@
-"""Arrays of doubles between Python and the driver. A buffer of doubles is copied as a whole, never by its elements."""
+"""Arrays of doubles between Python and the driver. A buffer of doubles is copied as a whole, never
+by its elements.
+"""
 
 from __future__ import annotations
 
@@ -30,7 +32,7 @@ DOUBLE = 8  # bytes
 
 
 def samples(count: int) -> Samples:
-    """So many doubles to be written: a numpy array where numpy is installed, else an array.array."""
+    """So many doubles to be written: a numpy array where there is numpy, else an array.array."""
     if numpy is not None:
         return numpy.empty(count)
     return array.array("d", bytes(DOUBLE * count))
@@ -75,15 +77,19 @@ class _Elements:
         if automation("SafeArrayAccessData")(self._safearray, ctypes.byref(data)) != S_OK:
             raise MemoryError("an array of the driver cannot be read")
         count = upper.value - lower.value + 1
-        return doubles_at(data.value, count) if data.value and count > 0 else memoryview(bytearray()).cast("d")
+        return (
+            doubles_at(data.value, count)
+            if data.value and count > 0
+            else memoryview(bytearray()).cast("d")
+        )
 
     def __exit__(self, *_: object) -> None:
         automation("SafeArrayUnaccessData")(self._safearray)
 
 
 class ArrayArgument:
-    """Values for the driver, which may correct them: at the end of the `with`, what it changed comes back in a list and
-    in a writable buffer of doubles. None is the null array.
+    """Values for the driver, which may correct them: at the end of the `with`, what it changed
+    comes back in a list and in a writable buffer of doubles. None is the null array.
     """
 
     def __init__(self, values: Any, unit: str, what: str) -> None:

@@ -1,5 +1,5 @@
-"""COM through ctypes: interface pointers, texts, error information. One code for both systems: on Linux the functions
-of OLE Automation come from the run time library that the driver is linked with.
+"""COM through ctypes: interface pointers, texts, error information. One code for both systems: on
+Linux the functions of OLE Automation come from the run time library that the driver is linked with.
 """
 
 from __future__ import annotations
@@ -10,14 +10,16 @@ import uuid
 from typing import Any, ClassVar, Dict, NamedTuple, Optional, Sequence, Tuple
 
 S_OK = 0
-FUNCTION = ctypes.CFUNCTYPE(ctypes.c_int32)  # gives an HRESULT; the arguments are given as objects of ctypes
+FUNCTION = ctypes.CFUNCTYPE(
+    ctypes.c_int32
+)  # gives an HRESULT; the arguments are given as objects of ctypes
 RELEASE = 2  # the slot in every interface
 
 Guid = ctypes.c_byte * 16
 
 
 def guid(text: str) -> Any:
-    """"{XXXXXXXX-...}" as the 16 bytes that COM takes."""
+    """ "{XXXXXXXX-...}" as the 16 bytes that COM takes."""
     return Guid.from_buffer_copy(uuid.UUID(text).bytes_le)
 
 
@@ -30,7 +32,10 @@ class Automation:
         "SysFreeString": (None, [ctypes.c_void_p]),
         "SetErrorInfo": (ctypes.c_int32, [ctypes.c_uint32, ctypes.c_void_p]),
         "GetErrorInfo": (ctypes.c_int32, [ctypes.c_uint32, ctypes.c_void_p]),
-        "SafeArrayCreateVector": (ctypes.c_void_p, [ctypes.c_uint16, ctypes.c_int32, ctypes.c_uint32]),
+        "SafeArrayCreateVector": (
+            ctypes.c_void_p,
+            [ctypes.c_uint16, ctypes.c_int32, ctypes.c_uint32],
+        ),
         "SafeArrayDestroy": (ctypes.c_int32, [ctypes.c_void_p]),
         "SafeArrayGetLBound": (ctypes.c_int32, [ctypes.c_void_p, ctypes.c_uint, ctypes.c_void_p]),
         "SafeArrayGetUBound": (ctypes.c_int32, [ctypes.c_void_p, ctypes.c_uint, ctypes.c_void_p]),
@@ -85,15 +90,18 @@ class TextResult:
     def text(self) -> str:
         """The text; the null text is an empty one."""
         size = automation("SysStringByteLen")(self._bstr)
-        return ctypes.string_at(self._bstr, size).decode("utf-16-le", "surrogatepass") if size else ""
+        return (
+            ctypes.string_at(self._bstr, size).decode("utf-16-le", "surrogatepass") if size else ""
+        )
 
     def __del__(self) -> None:
         self._free(self._bstr)
 
 
 class Pointer:
-    """One reference to an interface of an object. It is released when the last user of this object has gone: whoever
-    is in the middle of a call is one, so that another thread may close the session at any time.
+    """One reference to an interface of an object. It is released when the last user of this object
+    has gone: whoever is in the middle of a call is one, so that another thread may close the
+    session at any time.
     """
 
     __slots__ = ("_address", "_clear_error_info", "_functions")
@@ -106,13 +114,15 @@ class Pointer:
         assert table
         functions = self._tables.get((table, slots))
         if functions is None:
-            functions = tuple(FUNCTION(entry or 0) for entry in (ctypes.c_void_p * slots).from_address(table))
+            functions = tuple(
+                FUNCTION(entry or 0) for entry in (ctypes.c_void_p * slots).from_address(table)
+            )
             self._tables[table, slots] = functions
         self._functions = functions
         self._clear_error_info = automation("SetErrorInfo")
 
     def call(self, slot: int, *arguments: Any) -> int:
-        """Calls a member and gives its HRESULT, with a sign. Error information is the call's own."""
+        """Calls a member; gives its HRESULT, with a sign. Error information is the call's own."""
         self._clear_error_info(0, None)
         return self._functions[slot](self._address, *arguments)  # type: ignore[no-any-return]
 

@@ -1,5 +1,5 @@
-"""The parts that the classes of the surface are made of: what a group of members is, how settings are read and put, and
-how single values travel.
+"""The parts that the classes of the surface are made of: what a group of members is, how settings
+are read and put, and how single values travel.
 """
 
 from __future__ import annotations
@@ -7,7 +7,19 @@ from __future__ import annotations
 import ctypes
 import enum
 import operator
-from typing import TYPE_CHECKING, Any, Callable, ClassVar, Dict, Generic, NoReturn, Optional, Type, TypeVar, Union
+from typing import (
+    TYPE_CHECKING,
+    Any,
+    Callable,
+    ClassVar,
+    Dict,
+    Generic,
+    NoReturn,
+    Optional,
+    Type,
+    TypeVar,
+    Union,
+)
 from typing import overload
 
 from ._com import Pointer, TextArgument, TextResult, guid, take_error_info
@@ -49,7 +61,13 @@ def report(member: str, result: int) -> None:
     code = result & 0xFFFFFFFF
     if info is None:
         raise DriverError(member, code)
-    raise DriverError(member, code, info.description, info.source, INTERFACE_NAMES.get(info.interface, info.interface))
+    raise DriverError(
+        member,
+        code,
+        info.description,
+        info.source,
+        INTERFACE_NAMES.get(info.interface, info.interface),
+    )
 
 
 class Group:
@@ -89,13 +107,21 @@ class Group:
 class Codec(Generic[Read, Written]):
     """How values of one type travel."""
 
-    def __init__(self, word: str, result: Callable[[], Any], passed: Callable[[Any], Any],
-                 decode: Callable[[Any], Read], encode: Callable[[Any, str, str], Any]) -> None:
+    def __init__(
+        self,
+        word: str,
+        result: Callable[[], Any],
+        passed: Callable[[Any], Any],
+        decode: Callable[[Any], Read],
+        encode: Callable[[Any, str, str], Any],
+    ) -> None:
         self.word = word  # for a person
         self.result = result  # makes what the driver writes into
         self.passed = passed  # that as an argument
         self.decode = decode
-        self.encode: Callable[[Written, str, str], Any] = encode  # value, unit, and what it is, for messages
+        self.encode: Callable[
+            [Written, str, str], Any
+        ] = encode  # value, unit, and what it is, for messages
 
 
 def _integer(value: Any, unit: str, what: str) -> ctypes.c_int32:
@@ -111,29 +137,51 @@ def _switch(value: Any, unit: str, what: str) -> ctypes.c_int16:
     return ctypes.c_int16(-1 if value else 0)
 
 
-number: Codec[float, Any] = Codec("number", ctypes.c_double, ctypes.byref, operator.attrgetter("value"),
-                                  lambda value, unit, what: ctypes.c_double(quantity(value, unit, what)))
-integer: Codec[int, int] = Codec("integer", ctypes.c_int32, ctypes.byref, operator.attrgetter("value"), _integer)
+number: Codec[float, Any] = Codec(
+    "number",
+    ctypes.c_double,
+    ctypes.byref,
+    operator.attrgetter("value"),
+    lambda value, unit, what: ctypes.c_double(quantity(value, unit, what)),
+)
+integer: Codec[int, int] = Codec(
+    "integer", ctypes.c_int32, ctypes.byref, operator.attrgetter("value"), _integer
+)
 # Some members read true as 1, others as -1.
-switch: Codec[bool, bool] = Codec("true or false", ctypes.c_int16, ctypes.byref, lambda result: bool(result.value),
-                                  _switch)
-text: Codec[str, Optional[str]] = Codec("text", TextResult, lambda result: result, TextResult.text,
-                                        lambda value, unit, what: TextArgument(value))
+switch: Codec[bool, bool] = Codec(
+    "true or false", ctypes.c_int16, ctypes.byref, lambda result: bool(result.value), _switch
+)
+text: Codec[str, Optional[str]] = Codec(
+    "text",
+    TextResult,
+    lambda result: result,
+    TextResult.text,
+    lambda value, unit, what: TextArgument(value),
+)
 
 
 class Choice(Codec[Enumeration, int]):
-    """The values of an enumeration. A number that it does not have goes to the driver, and comes back, as it is."""
+    """The values of an enumeration. A number that it does not have goes to the driver, and comes
+    back, as it is.
+    """
 
     def __init__(self, enumeration: Type[Enumeration]) -> None:
         known: Dict[int, Any] = {int(value): value for value in enumeration}
-        super().__init__(enumeration.__name__, ctypes.c_int32, ctypes.byref,
-                         lambda result: known.get(result.value, result.value), _integer)
+        super().__init__(
+            enumeration.__name__,
+            ctypes.c_int32,
+            ctypes.byref,
+            lambda result: known.get(result.value, result.value),
+            _integer,
+        )
 
 
 class Reading(Generic[Read]):
     """A property that can only be read."""
 
-    def __init__(self, codec: Codec[Read, Any], name: str, get: int, unit: str, help_text: str) -> None:
+    def __init__(
+        self, codec: Codec[Read, Any], name: str, get: int, unit: str, help_text: str
+    ) -> None:
         self.name, self.unit = name, unit
         self._codec, self._get = codec, get
         self.__doc__ = f"{help_text} ({name}: {self._description()})".strip()
@@ -142,12 +190,16 @@ class Reading(Generic[Read]):
         return self._codec.word + (f" in {self.unit}" if self.unit else "") + ", read only"
 
     @overload
-    def __get__(self, group: None, owner: Optional[type] = None) -> Reading[Read]: ...
+    def __get__(self, group: None, owner: Optional[type] = None) -> Reading[Read]:
+        ...
 
     @overload
-    def __get__(self, group: Group, owner: Optional[type] = None) -> Read: ...
+    def __get__(self, group: Group, owner: Optional[type] = None) -> Read:
+        ...
 
-    def __get__(self, group: Optional[Group], owner: Optional[type] = None) -> Union[Reading[Read], Read]:
+    def __get__(
+        self, group: Optional[Group], owner: Optional[type] = None
+    ) -> Union[Reading[Read], Read]:
         if group is None:
             return self
         codec = self._codec
@@ -164,7 +216,9 @@ class Reading(Generic[Read]):
 class Setting(Reading[Read], Generic[Read, Written]):
     """A property that can be read and put."""
 
-    def __init__(self, codec: Codec[Read, Any], name: str, get: int, put: int, unit: str, help_text: str) -> None:
+    def __init__(
+        self, codec: Codec[Read, Any], name: str, get: int, put: int, unit: str, help_text: str
+    ) -> None:
         self._put = put
         super().__init__(codec, name, get, unit, help_text)
 
@@ -185,12 +239,16 @@ class Child(Generic[AGroup]):
         self.__doc__ = f"{help_text} ({name}: {kind.INTERFACE})".strip()
 
     @overload
-    def __get__(self, group: None, owner: Optional[type] = None) -> Child[AGroup]: ...
+    def __get__(self, group: None, owner: Optional[type] = None) -> Child[AGroup]:
+        ...
 
     @overload
-    def __get__(self, group: Group, owner: Optional[type] = None) -> AGroup: ...
+    def __get__(self, group: Group, owner: Optional[type] = None) -> AGroup:
+        ...
 
-    def __get__(self, group: Optional[Group], owner: Optional[type] = None) -> Union[Child[AGroup], AGroup]:
+    def __get__(
+        self, group: Optional[Group], owner: Optional[type] = None
+    ) -> Union[Child[AGroup], AGroup]:
         if group is None:
             return self
         child: Optional[AGroup] = group._children.get(self.name)
@@ -215,4 +273,6 @@ class Aspect(Child[AGroup]):
         super().__init__(kind, name, query_interface, help_text)
 
     def _ask(self, group: Group, address: ctypes.c_void_p) -> None:
-        group._call("QueryInterface", self._get, ctypes.byref(guid(self._kind.IID)), ctypes.byref(address))
+        group._call(
+            "QueryInterface", self._get, ctypes.byref(guid(self._kind.IID)), ctypes.byref(address)
+        )

@@ -46,9 +46,15 @@ def places(module: Optional[str] = None) -> Iterator[Place]:
     if sys.platform == "win32":
         yield Place(str(Path(__file__).with_name(_FILE)), "beside the package", False)
         programs = os.environ.get("ProgramFiles", r"C:\Program Files")
-        yield Place(os.path.join(programs, "Zentrel", "K4N", "bin", _FILE), "where the package installs it", False)
+        yield Place(
+            os.path.join(programs, "Zentrel", "K4N", "bin", _FILE),
+            "where the package installs it",
+            False,
+        )
     else:
-        yield Place(f"/usr/lib/x86_64-linux-gnu/zentrel-k4n/{_FILE}", "where the package installs it", False)
+        yield Place(
+            f"/usr/lib/x86_64-linux-gnu/zentrel-k4n/{_FILE}", "where the package installs it", False
+        )
 
 
 def find(module: Optional[str] = None) -> Place:
@@ -61,33 +67,46 @@ def find(module: Optional[str] = None) -> Place:
             raise DriverNotInstalledError(f"there is no driver module {place.file} ({place.why})")
         tried.append(f"{place.file} ({place.why})")
     raise DriverNotInstalledError(
-        f"the Zentrel K4N driver is not installed: no module at {', '.join(tried)}; install the driver, register it "
-        f"with `zk4n register`, or name its module in {ENVIRONMENT}")
+        f"the Zentrel K4N driver is not installed: no module at {', '.join(tried)}; "
+        "install the driver, register it "
+        f"with `zk4n register`, or name its module in {ENVIRONMENT}"
+    )
 
 
 def require_fitting(file: str) -> None:
-    """UnsupportedConfigurationError for a module of another system or bitness, DriverNotInstalledError for a file that
-    is none.
+    """UnsupportedConfigurationError for a module of another system or bitness,
+    DriverNotInstalledError for a file that is none.
     """
     try:
         with open(file, "rb") as module:
             head = module.read(4096)
     except OSError as error:
-        raise DriverNotInstalledError(f"the driver module {file} cannot be read: {error.strerror}") from None
+        raise DriverNotInstalledError(
+            f"the driver module {file} cannot be read: {error.strerror}"
+        ) from None
     if head.startswith(b"\x7fELF"):
         system, bits = "Linux", _ELF_PROCESSORS.get(int.from_bytes(head[18:20], "little"), 0)
     elif head.startswith(b"MZ"):
         header = int.from_bytes(head[0x3C:0x40], "little")
-        system, bits = "Windows", _PE_PROCESSORS.get(int.from_bytes(head[header + 4:header + 6], "little"), 0)
+        system, bits = "Windows", _PE_PROCESSORS.get(
+            int.from_bytes(head[header + 4 : header + 6], "little"), 0
+        )
     else:
         raise DriverNotInstalledError(f"{file} is not the driver's module")
-    here = "Windows" if sys.platform == "win32" else "Linux" if sys.platform.startswith("linux") else sys.platform
+    here = (
+        "Windows"
+        if sys.platform == "win32"
+        else "Linux"
+        if sys.platform.startswith("linux")
+        else sys.platform
+    )
     if system != here:
         raise UnsupportedConfigurationError(f"{file} is a module for {system}, this is {here}")
     if bits != BITS:
         kind = f"a {bits}-bit module" if bits else "for another processor"
         raise UnsupportedConfigurationError(
-            f"this Python has {BITS} bits, and {file} is {kind}: they cannot work together")
+            f"this Python has {BITS} bits, and {file} is {kind}: they cannot work together"
+        )
 
 
 class Module:
@@ -106,10 +125,13 @@ class Module:
         except OSError as error:
             raise DriverNotInstalledError(f"the driver module cannot be loaded: {error}") from None
         except AttributeError:
-            raise DriverNotInstalledError(f"{self.file} is not the driver's module: it has no class factory") from None
+            raise DriverNotInstalledError(
+                f"{self.file} is not the driver's module: it has no class factory"
+            ) from None
         Automation.bind(self._library)
         if sys.platform == "win32":
-            # Every thread of the process is in COM from now on, unless it has chosen an apartment of its own.
+            # Every thread of the process is in COM from now on, unless it has chosen an apartment
+            # of its own.
             ctypes.CDLL("ole32")["CoIncrementMTAUsage"](ctypes.byref(ctypes.c_void_p()))
 
     @classmethod
@@ -124,14 +146,29 @@ class Module:
 
     def create(self) -> Pointer:
         """A new root object."""
-        class_factory, factory_slots, create_instance = "{00000001-0000-0000-C000-000000000046}", 5, 3
+        class_factory, factory_slots, create_instance = (
+            "{00000001-0000-0000-C000-000000000046}",
+            5,
+            3,
+        )
         address = ctypes.c_void_p()
-        self._check("DllGetClassObject", self._get_class_object(
-            ctypes.byref(guid(CLSID)), ctypes.byref(guid(class_factory)), ctypes.byref(address)))
+        self._check(
+            "DllGetClassObject",
+            self._get_class_object(
+                ctypes.byref(guid(CLSID)), ctypes.byref(guid(class_factory)), ctypes.byref(address)
+            ),
+        )
         factory = Pointer(address.value, factory_slots)
         root = ctypes.c_void_p()
-        self._check("CreateInstance", factory.call(
-            create_instance, ctypes.c_void_p(), ctypes.byref(guid(ZentrelK4N.IID)), ctypes.byref(root)))
+        self._check(
+            "CreateInstance",
+            factory.call(
+                create_instance,
+                ctypes.c_void_p(),
+                ctypes.byref(guid(ZentrelK4N.IID)),
+                ctypes.byref(root),
+            ),
+        )
         return Pointer(root.value, ZentrelK4N.SLOTS)
 
     def can_unload(self) -> bool:

@@ -6,8 +6,11 @@ import math
 import re
 from typing import SupportsFloat, Union
 
-_NUMBER = re.compile(r"[ \t]*([+-]?(?:\d+\.?\d*|\.\d+)(?:e[+-]?\d+)?)[ \t]*(.*?)[ \t]*", re.ASCII | re.IGNORECASE)
-# Hertz are given in kilo and more, seconds in milli and less: "5 mhz" means megahertz, as whoever types it does.
+_NUMBER = re.compile(
+    r"[ \t]*([+-]?(?:\d+\.?\d*|\.\d+)(?:e[+-]?\d+)?)[ \t]*(.*?)[ \t]*", re.ASCII | re.IGNORECASE
+)
+# Hertz are given in kilo and more, seconds in milli and less: "5 mhz" means megahertz, as whoever
+# types it does.
 _PREFIXES = {
     "Hz": {"t": 1e12, "g": 1e9, "m": 1e6, "k": 1e3},
     "s": {"m": 1e-3, "u": 1e-6, "n": 1e-9, "p": 1e-12},
@@ -37,8 +40,19 @@ def formatted(value: float, unit: str, digits: int = 6) -> str:
     """The value with a prefix and its unit, for people: 2400000000 Hz is "2.4 GHz"."""
     letter, factor = "", 1.0
     if unit in ("Hz", "s") and value != 0.0 and math.isfinite(value):
-        scale = [("T", 1e12), ("G", 1e9), ("M", 1e6), ("k", 1e3), ("", 1.0), ("m", 1e-3), ("u", 1e-6), ("n", 1e-9),
-                 ("p", 1e-12)]
-        letter, factor = next((step for step in scale if abs(value) >= step[1] * (1.0 - 1e-12)), scale[-1])
+        scale = [
+            ("T", 1e12),
+            ("G", 1e9),
+            ("M", 1e6),
+            ("k", 1e3),
+            ("", 1.0),
+            ("m", 1e-3),
+            ("u", 1e-6),
+            ("n", 1e-9),
+            ("p", 1e-12),
+        ]
+        letter, factor = next(
+            (step for step in scale if abs(value) >= step[1] * (1.0 - 1e-12)), scale[-1]
+        )
     text = f"{value / factor:.{digits}g}"
     return f"{'0' if text == '-0' else text} {letter}{unit}"

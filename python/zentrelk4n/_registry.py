@@ -1,4 +1,6 @@
-"""Where the driver's class is registered: the system's registry on Windows, elsewhere the files that stand for it."""
+"""Where the driver's class is registered: the system's registry on Windows, elsewhere the files
+that stand for it.
+"""
 
 from __future__ import annotations
 
@@ -62,5 +64,9 @@ def _default_values(file: Path) -> Dict[str, str]:
         if line.startswith("["):
             key = line[1:-1].lower()
         elif line.startswith('@="'):
-            values[key] = re.sub(r"\\(.)", lambda escape: {"n": "\n", "r": "\r"}.get(escape[1], escape[1]), line[3:-1])
+            values[key] = re.sub(
+                r"\\(.)",
+                lambda escape: {"n": "\n", "r": "\r"}.get(escape[1], escape[1]),
+                line[3:-1],
+            )
     return values

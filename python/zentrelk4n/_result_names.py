@@ -1,5 +1,5 @@
 # Generated from status/ResultNames.inc by server/interface/generate - Do not edit.
-"""What results are called, made from the client's table: see server/interface/emit_python.py."""
+"""What results are called, from their table: server/interface/emit_python.py."""
 
 RESULT_NAMES = {
     0x00000000: "S_OK",

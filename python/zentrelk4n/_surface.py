@@ -1,5 +1,5 @@
 # Generated from ZentrelK4NLib.idl and IviInherent.idl by server/interface/generate - Do not edit.
-"""The driver's surface, made from its type library's source: see server/interface/emit_python.py."""
+"""The driver's surface, from the library's source: server/interface/emit_python.py."""
 
 from __future__ import annotations
 
@@ -34,7 +34,9 @@ class PulseTriggerSource(enum.IntEnum):
 
 
 class PulseExternalTriggerSlope(enum.IntEnum):
-    """Values for the pulse generator external trigger slope. (ZentrelK4NPulseExternalTriggerSlopeEnum)"""
+    """Values for the pulse generator external trigger slope.
+    (ZentrelK4NPulseExternalTriggerSlopeEnum)
+    """
 
     POSITIVE = 0
     NEGATIVE = 1
@@ -98,7 +100,9 @@ class PulseModulationSource(enum.IntEnum):
 
 
 class PulseModulationExternalPolarity(enum.IntEnum):
-    """Values for the pulse modulation external polarity. (ZentrelK4NPulseModulationExternalPolarityEnum)"""
+    """Values for the pulse modulation external polarity.
+    (ZentrelK4NPulseModulationExternalPolarityEnum)
+    """
 
     NORMAL = 0
     INVERSE = 1
@@ -147,7 +151,9 @@ class ErrorCodes(enum.IntEnum):
 
 
 class MaxTimeMilliseconds(enum.IntEnum):
-    """IVI RFSigGen class defined values for MaxTimeMilliseconds. (ZentrelK4NMaxTimeMillisecondsEnum)"""
+    """IVI RFSigGen class defined values for MaxTimeMilliseconds.
+    (ZentrelK4NMaxTimeMillisecondsEnum)
+    """
 
     INFINITE = -1
     IMMEDIATE = 0
@@ -175,27 +181,36 @@ class IviDriverUtility(Group):
     IID = "{47ED5189-A398-11D4-BA58-000064657374}"
     SLOTS = 10
 
-
     def reset(self) -> None:
-        """Places the instrument in a known state and configures instrument options on which the IVI specific driver depends (for example, enabling/disabling headers).  For an IEEE 488.2 instrument, Reset sends the command string *RST to the instrument."""
+        """Places the instrument in a known state and configures instrument options on which the IVI
+        specific driver depends (for example, enabling/disabling headers).  For an IEEE 488.2
+        instrument, Reset sends the command string *RST to the instrument.
+        """
         self._call("Reset", 3)
 
     Reset = reset
 
     def reset_with_defaults(self) -> None:
-        """Does the equivalent of Reset and then, (1) disables class extension capability groups, (2) sets attributes to initial values defined by class specs, and (3) configures the driver to option string settings used when Initialize was last executed."""
+        """Does the equivalent of Reset and then, (1) disables class extension capability groups,
+        (2) sets attributes to initial values defined by class specs, and (3) configures the driver
+        to option string settings used when Initialize was last executed.
+        """
         self._call("ResetWithDefaults", 4)
 
     ResetWithDefaults = reset_with_defaults
 
     def disable(self) -> None:
-        """Quickly places the instrument in a state where it has no, or minimal, effect on the external system to which it is connected.  This state is not necessarily a known state."""
+        """Quickly places the instrument in a state where it has no, or minimal, effect on the
+        external system to which it is connected.  This state is not necessarily a known state.
+        """
         self._call("Disable", 5)
 
     Disable = disable
 
     def self_test(self) -> SelfTestResult:
-        """Performs an instrument self test, waits for the instrument to complete the test, and queries the instrument for the results.  If the instrument passes the test, TestResult is zero and TestMessage is 'Self test passed'.
+        """Performs an instrument self test, waits for the instrument to complete the test, and
+        queries the instrument for the results.  If the instrument passes the test, TestResult is
+        zero and TestMessage is 'Self test passed'.
 
         Gives test_result: integer; test_message: text.
         """
@@ -207,7 +222,9 @@ class IviDriverUtility(Group):
     SelfTest = self_test
 
     def error_query(self) -> ErrorQueryResult:
-        """Queries the instrument and returns instrument specific error information.  This function can be used when QueryInstrumentStatus is True to retrieve error details when the driver detects an instrument error.
+        """Queries the instrument and returns instrument specific error information.  This function
+        can be used when QueryInstrumentStatus is True to retrieve error details when the driver
+        detects an instrument error.
 
         Gives error_code: integer; error_message: text.
         """
@@ -219,7 +236,9 @@ class IviDriverUtility(Group):
     ErrorQuery = error_query
 
     def lock_object(self) -> None:
-        """Obtains a multithread lock on the driver after waiting until all other execution threads have released their locks on the instrument session."""
+        """Obtains a multithread lock on the driver after waiting until all other execution threads
+        have released their locks on the instrument session.
+        """
         self._call("LockObject", 8)
 
     LockObject = lock_object
@@ -239,18 +258,38 @@ class ZentrelK4NRF(Group):
     IID = "{2ABE1589-9E6D-4FA1-BA34-F36A173CD045}"
     SLOTS = 13
 
-
     def configure(self, frequency: Quantity, power_level: Quantity) -> None:
         """This function configures the frequency and the power level of the RF output signal.
 
         Takes frequency: number in Hz; power_level: number in dBm.
         """
-        self._call("Configure", 3, number.encode(frequency, 'Hz', 'frequency'), number.encode(power_level, 'dBm', 'power_level'))
+        self._call(
+            "Configure",
+            3,
+            number.encode(frequency, "Hz", "frequency"),
+            number.encode(power_level, "dBm", "power_level"),
+        )
 
     Configure = configure
-    frequency = Frequency = Setting[float, Quantity](number, "Frequency", 5, 4, "Hz", "Specifies the frequency of the generated RF output signal.")
-    level = Level = Setting[float, Quantity](number, "Level", 7, 6, "dBm", "Specifies the amplitude (power/level) of the RF output signal.")
-    output_enabled = OutputEnabled = Setting[bool, bool](switch, "OutputEnabled", 9, 8, "", "Enables or disables the RF output signal.")
+    frequency = Frequency = Setting[float, Quantity](
+        number,
+        "Frequency",
+        5,
+        4,
+        "Hz",
+        "Specifies the frequency of the generated RF output signal.",
+    )
+    level = Level = Setting[float, Quantity](
+        number,
+        "Level",
+        7,
+        6,
+        "dBm",
+        "Specifies the amplitude (power/level) of the RF output signal.",
+    )
+    output_enabled = OutputEnabled = Setting[bool, bool](
+        switch, "OutputEnabled", 9, 8, "", "Enables or disables the RF output signal."
+    )
 
     def is_settled(self) -> bool:
         """This function queries the state of the RF output signal.
@@ -268,7 +307,11 @@ class ZentrelK4NRF(Group):
 
         Takes max_time_milliseconds: integer in ms.
         """
-        self._call("WaitUntilSettled", 11, integer.encode(max_time_milliseconds, '', 'max_time_milliseconds'))
+        self._call(
+            "WaitUntilSettled",
+            11,
+            integer.encode(max_time_milliseconds, "", "max_time_milliseconds"),
+        )
 
     WaitUntilSettled = wait_until_settled
 
@@ -280,45 +323,70 @@ class ZentrelK4NRF(Group):
 
 
 class ZentrelK4NPulseGeneratorDouble(Group):
-    """IVI RFSigGen class-compliant pulse double generator interface (IZentrelK4NPulseGeneratorDouble)"""
+    """IVI RFSigGen class-compliant pulse double generator interface
+    (IZentrelK4NPulseGeneratorDouble)
+    """
 
     __slots__ = ()
     INTERFACE = "IZentrelK4NPulseGeneratorDouble"
     IID = "{1303E794-5612-431A-BB2D-86F1971A7054}"
     SLOTS = 8
 
-
     def configure(self, enabled: bool, delay: Quantity) -> None:
         """This function configures the double pulse state and delay.
 
         Takes enabled: true or false; delay: number in s.
         """
-        self._call("Configure", 3, switch.encode(enabled, '', 'enabled'), number.encode(delay, 's', 'delay'))
+        self._call(
+            "Configure",
+            3,
+            switch.encode(enabled, "", "enabled"),
+            number.encode(delay, "s", "delay"),
+        )
 
     Configure = configure
-    enabled = Enabled = Setting[bool, bool](switch, "Enabled", 5, 4, "", "Turns double pulse mode on/off.")
-    delay = Delay = Setting[float, Quantity](number, "Delay", 7, 6, "s", "Specifies the delay of the second pulse.")
+    enabled = Enabled = Setting[bool, bool](
+        switch, "Enabled", 5, 4, "", "Turns double pulse mode on/off."
+    )
+    delay = Delay = Setting[float, Quantity](
+        number, "Delay", 7, 6, "s", "Specifies the delay of the second pulse."
+    )
 
 
 class ZentrelK4NPulseGeneratorOutput(Group):
-    """IVI RFSigGen class-compliant pulse generator output interface (IZentrelK4NPulseGeneratorOutput)"""
+    """IVI RFSigGen class-compliant pulse generator output interface
+    (IZentrelK4NPulseGeneratorOutput)
+    """
 
     __slots__ = ()
     INTERFACE = "IZentrelK4NPulseGeneratorOutput"
     IID = "{8AEE33BF-016E-444F-993D-D6F5F4E3FFD3}"
     SLOTS = 8
 
-
     def configure(self, polarity: int, enabled: bool) -> None:
         """This function configures the output and polarity of the pulse generator.
 
         Takes polarity: one of PulseOutputPolarity; enabled: true or false.
         """
-        self._call("Configure", 3, integer.encode(polarity, '', 'polarity'), switch.encode(enabled, '', 'enabled'))
+        self._call(
+            "Configure",
+            3,
+            integer.encode(polarity, "", "polarity"),
+            switch.encode(enabled, "", "enabled"),
+        )
 
     Configure = configure
-    polarity = Polarity = Setting[PulseOutputPolarity, int](Choice(PulseOutputPolarity), "Polarity", 5, 4, "", "Specifies the polarity of the output signal.")
-    enabled = Enabled = Setting[bool, bool](switch, "Enabled", 7, 6, "", "Enables or disables the pulse generator external output.")
+    polarity = Polarity = Setting[PulseOutputPolarity, int](
+        Choice(PulseOutputPolarity),
+        "Polarity",
+        5,
+        4,
+        "",
+        "Specifies the polarity of the output signal.",
+    )
+    enabled = Enabled = Setting[bool, bool](
+        switch, "Enabled", 7, 6, "", "Enables or disables the pulse generator external output."
+    )
 
 
 class ZentrelK4NPulsePacketGenerator(Group):
@@ -338,8 +406,11 @@ class ZentrelK4NPulsePacketGenerator(Group):
 
         Values that the instrument corrects come back in lists and writable buffers.
         """
-        with ArrayArgument(width, 's', 'width') as width_array, ArrayArgument(delay, 's', 'delay') as delay_array:
-            self._call("Configure", 5, switch.encode(enabled, '', 'enabled'), width_array, delay_array)
+        with ArrayArgument(width, "s", "width") as width_array:
+            with ArrayArgument(delay, "s", "delay") as delay_array:
+                self._call(
+                    "Configure", 5, switch.encode(enabled, "", "enabled"), width_array, delay_array
+                )
 
     Configure = configure
 
@@ -352,16 +423,35 @@ class ZentrelK4NPulseGenerator(Group):
     IID = "{6F7B2E9A-14BD-4AC0-9278-5BD72354B25F}"
     SLOTS = 20
 
-    double = Double = Child(ZentrelK4NPulseGeneratorDouble, "Double", 3, "Pointer to the class-compliant IIviRFSigGenPulseGeneratorDouble interface")
-    output = Output = Child(ZentrelK4NPulseGeneratorOutput, "Output", 4, "Pointer to the class-compliant IIviRFSigGenPulseGeneratorOutput interface")
+    double = Double = Child(
+        ZentrelK4NPulseGeneratorDouble,
+        "Double",
+        3,
+        "Pointer to the class-compliant IIviRFSigGenPulseGeneratorDouble interface",
+    )
+    output = Output = Child(
+        ZentrelK4NPulseGeneratorOutput,
+        "Output",
+        4,
+        "Pointer to the class-compliant IIviRFSigGenPulseGeneratorOutput interface",
+    )
     packet = Packet = Child(ZentrelK4NPulsePacketGenerator, "Packet", 5, "")
 
-    def configure(self, pulse_trigger_source: int, pulse_width: Quantity, gating_enabled: bool) -> None:
+    def configure(
+        self, pulse_trigger_source: int, pulse_width: Quantity, gating_enabled: bool
+    ) -> None:
         """This function configures the pulse generator within the RF signal generator.
 
-        Takes pulse_trigger_source: one of PulseTriggerSource; pulse_width: number in s; gating_enabled: true or false.
+        Takes pulse_trigger_source: one of PulseTriggerSource; pulse_width: number in s;
+        gating_enabled: true or false.
         """
-        self._call("Configure", 6, integer.encode(pulse_trigger_source, '', 'pulse_trigger_source'), number.encode(pulse_width, 's', 'pulse_width'), switch.encode(gating_enabled, '', 'gating_enabled'))
+        self._call(
+            "Configure",
+            6,
+            integer.encode(pulse_trigger_source, "", "pulse_trigger_source"),
+            number.encode(pulse_width, "s", "pulse_width"),
+            switch.encode(gating_enabled, "", "gating_enabled"),
+        )
 
     Configure = configure
 
@@ -370,15 +460,53 @@ class ZentrelK4NPulseGenerator(Group):
 
         Takes slope: one of PulseExternalTriggerSlope; delay: number in s.
         """
-        self._call("ConfigureExternalTrigger", 7, integer.encode(slope, '', 'slope'), number.encode(delay, 's', 'delay'))
+        self._call(
+            "ConfigureExternalTrigger",
+            7,
+            integer.encode(slope, "", "slope"),
+            number.encode(delay, "s", "delay"),
+        )
 
     ConfigureExternalTrigger = configure_external_trigger
-    internal_trigger_period = InternalTriggerPeriod = Setting[float, Quantity](number, "InternalTriggerPeriod", 9, 8, "s", "Specifies the period of the pulse generator's output signal.")
-    width = Width = Setting[float, Quantity](number, "Width", 11, 10, "s", "Specifies the width of the output pulse.")
-    gating_enabled = GatingEnabled = Setting[bool, bool](switch, "GatingEnabled", 13, 12, "", "Enables or disables trigger gating.")
-    trigger_source = TriggerSource = Setting[PulseTriggerSource, int](Choice(PulseTriggerSource), "TriggerSource", 15, 14, "", "Specifies the source of the signal the pulse generator uses to generate one pulse.")
-    external_trigger_slope = ExternalTriggerSlope = Setting[PulseExternalTriggerSlope, int](Choice(PulseExternalTriggerSlope), "ExternalTriggerSlope", 17, 16, "", "Specifies whether the event occurs on the rising or falling edge of the trigger input signal.")
-    external_trigger_delay = ExternalTriggerDelay = Setting[float, Quantity](number, "ExternalTriggerDelay", 19, 18, "s", "Specifies the delay for starting the output signal with respect to the trigger input.")
+    internal_trigger_period = InternalTriggerPeriod = Setting[float, Quantity](
+        number,
+        "InternalTriggerPeriod",
+        9,
+        8,
+        "s",
+        "Specifies the period of the pulse generator's output signal.",
+    )
+    width = Width = Setting[float, Quantity](
+        number, "Width", 11, 10, "s", "Specifies the width of the output pulse."
+    )
+    gating_enabled = GatingEnabled = Setting[bool, bool](
+        switch, "GatingEnabled", 13, 12, "", "Enables or disables trigger gating."
+    )
+    trigger_source = TriggerSource = Setting[PulseTriggerSource, int](
+        Choice(PulseTriggerSource),
+        "TriggerSource",
+        15,
+        14,
+        "",
+        "Specifies the source of the signal the pulse generator uses to generate one pulse.",
+    )
+    external_trigger_slope = ExternalTriggerSlope = Setting[PulseExternalTriggerSlope, int](
+        Choice(PulseExternalTriggerSlope),
+        "ExternalTriggerSlope",
+        17,
+        16,
+        "",
+        "Specifies whether the event occurs on the rising or falling edge of the trigger input "
+        "signal.",
+    )
+    external_trigger_delay = ExternalTriggerDelay = Setting[float, Quantity](
+        number,
+        "ExternalTriggerDelay",
+        19,
+        18,
+        "s",
+        "Specifies the delay for starting the output signal with respect to the trigger input.",
+    )
 
 
 class ZentrelK4NFrequencyStep(Group):
@@ -389,18 +517,34 @@ class ZentrelK4NFrequencyStep(Group):
     IID = "{3E97F05F-4AF3-422A-9F72-A1D6E46C9460}"
     SLOTS = 18
 
+    def configure_start_stop(
+        self, start: Quantity, stop: Quantity, scaling: int, step_size: Quantity
+    ) -> None:
+        """This function configures the attributes that control the step frequencies of the
+        generator's RF output signal.
 
-    def configure_start_stop(self, start: Quantity, stop: Quantity, scaling: int, step_size: Quantity) -> None:
-        """This function configures the attributes that control the step frequencies of the generator's RF output signal.
-
-        Takes start: number in Hz; stop: number in Hz; scaling: one of FrequencyStepScaling; step_size: number in Hz.
+        Takes start: number in Hz; stop: number in Hz; scaling: one of FrequencyStepScaling;
+        step_size: number in Hz.
         """
-        self._call("ConfigureStartStop", 3, number.encode(start, 'Hz', 'start'), number.encode(stop, 'Hz', 'stop'), integer.encode(scaling, '', 'scaling'), number.encode(step_size, 'Hz', 'step_size'))
+        self._call(
+            "ConfigureStartStop",
+            3,
+            number.encode(start, "Hz", "start"),
+            number.encode(stop, "Hz", "stop"),
+            integer.encode(scaling, "", "scaling"),
+            number.encode(step_size, "Hz", "step_size"),
+        )
 
     ConfigureStartStop = configure_start_stop
-    start = Start = Setting[float, Quantity](number, "Start", 5, 4, "Hz", "Specifies the start frequency of the stepped sweep.")
-    stop = Stop = Setting[float, Quantity](number, "Stop", 7, 6, "Hz", "Specifies the stop frequency of the stepped sweep.")
-    scaling = Scaling = Setting[FrequencyStepScaling, int](Choice(FrequencyStepScaling), "Scaling", 9, 8, "", "Specifies the spacing of the steps.")
+    start = Start = Setting[float, Quantity](
+        number, "Start", 5, 4, "Hz", "Specifies the start frequency of the stepped sweep."
+    )
+    stop = Stop = Setting[float, Quantity](
+        number, "Stop", 7, 6, "Hz", "Specifies the stop frequency of the stepped sweep."
+    )
+    scaling = Scaling = Setting[FrequencyStepScaling, int](
+        Choice(FrequencyStepScaling), "Scaling", 9, 8, "", "Specifies the spacing of the steps."
+    )
     size = Size = Setting[float, Quantity](number, "Size", 11, 10, "Hz", "Specifies the step size.")
 
     def configure_dwell(self, single_step_enabled: bool, dwell: Quantity) -> None:
@@ -408,11 +552,20 @@ class ZentrelK4NFrequencyStep(Group):
 
         Takes single_step_enabled: true or false; dwell: number in s.
         """
-        self._call("ConfigureDwell", 12, switch.encode(single_step_enabled, '', 'single_step_enabled'), number.encode(dwell, 's', 'dwell'))
+        self._call(
+            "ConfigureDwell",
+            12,
+            switch.encode(single_step_enabled, "", "single_step_enabled"),
+            number.encode(dwell, "s", "dwell"),
+        )
 
     ConfigureDwell = configure_dwell
-    single_step_enabled = SingleStepEnabled = Setting[bool, bool](switch, "SingleStepEnabled", 14, 13, "", "Turns single step on/off.")
-    dwell = Dwell = Setting[float, Quantity](number, "Dwell", 16, 15, "s", "Specifies the duration of one step.")
+    single_step_enabled = SingleStepEnabled = Setting[bool, bool](
+        switch, "SingleStepEnabled", 14, 13, "", "Turns single step on/off."
+    )
+    dwell = Dwell = Setting[float, Quantity](
+        number, "Dwell", 16, 15, "s", "Specifies the duration of one step."
+    )
 
     def reset(self) -> None:
         """This function resets the stepping if single step is enabled."""
@@ -429,17 +582,27 @@ class ZentrelK4NPowerStep(Group):
     IID = "{521B6313-F63B-41D6-A6A0-BE04B5933E85}"
     SLOTS = 16
 
-
     def configure_start_stop(self, start: Quantity, stop: Quantity, step_size: Quantity) -> None:
-        """This function configures the attributes that control the power steps of the generator's RF output signal.
+        """This function configures the attributes that control the power steps of the generator's
+        RF output signal.
 
         Takes start: number in dBm; stop: number in dBm; step_size: number in dB.
         """
-        self._call("ConfigureStartStop", 3, number.encode(start, 'dBm', 'start'), number.encode(stop, 'dBm', 'stop'), number.encode(step_size, 'dB', 'step_size'))
+        self._call(
+            "ConfigureStartStop",
+            3,
+            number.encode(start, "dBm", "start"),
+            number.encode(stop, "dBm", "stop"),
+            number.encode(step_size, "dB", "step_size"),
+        )
 
     ConfigureStartStop = configure_start_stop
-    start = Start = Setting[float, Quantity](number, "Start", 5, 4, "dBm", "Specifies the start power of the stepped sweep.")
-    stop = Stop = Setting[float, Quantity](number, "Stop", 7, 6, "dBm", "Specifies the stop power of the stepped sweep.")
+    start = Start = Setting[float, Quantity](
+        number, "Start", 5, 4, "dBm", "Specifies the start power of the stepped sweep."
+    )
+    stop = Stop = Setting[float, Quantity](
+        number, "Stop", 7, 6, "dBm", "Specifies the stop power of the stepped sweep."
+    )
     size = Size = Setting[float, Quantity](number, "Size", 9, 8, "dB", "Specifies the step size.")
 
     def configure_dwell(self, single_step_enabled: bool, dwell: Quantity) -> None:
@@ -447,11 +610,20 @@ class ZentrelK4NPowerStep(Group):
 
         Takes single_step_enabled: true or false; dwell: number in s.
         """
-        self._call("ConfigureDwell", 10, switch.encode(single_step_enabled, '', 'single_step_enabled'), number.encode(dwell, 's', 'dwell'))
+        self._call(
+            "ConfigureDwell",
+            10,
+            switch.encode(single_step_enabled, "", "single_step_enabled"),
+            number.encode(dwell, "s", "dwell"),
+        )
 
     ConfigureDwell = configure_dwell
-    single_step_enabled = SingleStepEnabled = Setting[bool, bool](switch, "SingleStepEnabled", 12, 11, "", "Turns single step on/off.")
-    dwell = Dwell = Setting[float, Quantity](number, "Dwell", 14, 13, "s", "Specifies the duration of one step.")
+    single_step_enabled = SingleStepEnabled = Setting[bool, bool](
+        switch, "SingleStepEnabled", 12, 11, "", "Turns single step on/off."
+    )
+    dwell = Dwell = Setting[float, Quantity](
+        number, "Dwell", 14, 13, "s", "Specifies the duration of one step."
+    )
 
     def reset(self) -> None:
         """This function resets the stepping if single step is enabled."""
@@ -468,18 +640,28 @@ class ZentrelK4NList(Group):
     IID = "{63891ED8-547A-4C50-B4C8-59A3A41F2A15}"
     SLOTS = 15
 
-
     def configure_dwell(self, single_step_enabled: bool, dwell: Quantity) -> None:
         """This function configures the attributes that control the stepping.
 
         Takes single_step_enabled: true or false; dwell: number in s.
         """
-        self._call("ConfigureDwell", 3, switch.encode(single_step_enabled, '', 'single_step_enabled'), number.encode(dwell, 's', 'dwell'))
+        self._call(
+            "ConfigureDwell",
+            3,
+            switch.encode(single_step_enabled, "", "single_step_enabled"),
+            number.encode(dwell, "s", "dwell"),
+        )
 
     ConfigureDwell = configure_dwell
-    single_step_enabled = SingleStepEnabled = Setting[bool, bool](switch, "SingleStepEnabled", 5, 4, "", "Turns single step on/off.")
-    dwell = Dwell = Setting[float, Quantity](number, "Dwell", 7, 6, "s", "Specifies the duration of one step.")
-    selected_name = SelectedName = Setting[str, Optional[str]](text, "SelectedName", 8, 9, "", "Specifies the name of the selected list to become active.")
+    single_step_enabled = SingleStepEnabled = Setting[bool, bool](
+        switch, "SingleStepEnabled", 5, 4, "", "Turns single step on/off."
+    )
+    dwell = Dwell = Setting[float, Quantity](
+        number, "Dwell", 7, 6, "s", "Specifies the duration of one step."
+    )
+    selected_name = SelectedName = Setting[str, Optional[str]](
+        text, "SelectedName", 8, 9, "", "Specifies the name of the selected list to become active."
+    )
 
     def clear_all(self) -> None:
         """This function deletes all lists from the pool of lists."""
@@ -494,7 +676,7 @@ class ZentrelK4NList(Group):
 
         Values that the instrument corrects come back in lists and writable buffers.
         """
-        with ArrayArgument(frequency, 'Hz', 'frequency') as frequency_array:
+        with ArrayArgument(frequency, "Hz", "frequency") as frequency_array:
             self._call("CreateFrequency", 11, TextArgument(name), frequency_array)
 
     CreateFrequency = create_frequency
@@ -506,20 +688,25 @@ class ZentrelK4NList(Group):
 
         Values that the instrument corrects come back in lists and writable buffers.
         """
-        with ArrayArgument(power, 'dBm', 'power') as power_array:
+        with ArrayArgument(power, "dBm", "power") as power_array:
             self._call("CreatePower", 12, TextArgument(name), power_array)
 
     CreatePower = create_power
 
-    def create_frequency_power(self, name: Optional[str], frequency: Optional[Values], power: Optional[Values]) -> None:
+    def create_frequency_power(
+        self, name: Optional[str], frequency: Optional[Values], power: Optional[Values]
+    ) -> None:
         """This function creates a named list of frequency and power value pairs.
 
         Takes name: text; frequency: numbers in Hz; power: numbers in dBm.
 
         Values that the instrument corrects come back in lists and writable buffers.
         """
-        with ArrayArgument(frequency, 'Hz', 'frequency') as frequency_array, ArrayArgument(power, 'dBm', 'power') as power_array:
-            self._call("CreateFrequencyPower", 13, TextArgument(name), frequency_array, power_array)
+        with ArrayArgument(frequency, "Hz", "frequency") as frequency_array:
+            with ArrayArgument(power, "dBm", "power") as power_array:
+                self._call(
+                    "CreateFrequencyPower", 13, TextArgument(name), frequency_array, power_array
+                )
 
     CreateFrequencyPower = create_frequency_power
 
@@ -540,7 +727,9 @@ class ZentrelK4NTriggerOutput(Group):
 
     width = Width = Setting[float, Quantity](number, "Width", 4, 3, "s", "")
     mode = Mode = Setting[TriggerOutputMode, int](Choice(TriggerOutputMode), "Mode", 6, 5, "", "")
-    polarity = Polarity = Setting[TriggerOutputPolarity, int](Choice(TriggerOutputPolarity), "Polarity", 8, 7, "", "")
+    polarity = Polarity = Setting[TriggerOutputPolarity, int](
+        Choice(TriggerOutputPolarity), "Polarity", 8, 7, "", ""
+    )
     enabled = Enabled = Setting[bool, bool](switch, "Enabled", 10, 9, "", "")
 
 
@@ -552,22 +741,62 @@ class ZentrelK4NSweep(Group):
     IID = "{D6865169-D30B-4B41-9AB3-335FD228C357}"
     SLOTS = 14
 
-    frequency_step = FrequencyStep = Child(ZentrelK4NFrequencyStep, "FrequencyStep", 3, "Pointer to the class-compliant IIviRFSigGenFrequencyStep interface")
-    power_step = PowerStep = Child(ZentrelK4NPowerStep, "PowerStep", 4, "Pointer to the class-compliant IIviRFSigGenPowerStep interface")
-    list = List = Child(ZentrelK4NList, "List", 5, "Pointer to the class-compliant IIviRFSigGenList interface")
+    frequency_step = FrequencyStep = Child(
+        ZentrelK4NFrequencyStep,
+        "FrequencyStep",
+        3,
+        "Pointer to the class-compliant IIviRFSigGenFrequencyStep interface",
+    )
+    power_step = PowerStep = Child(
+        ZentrelK4NPowerStep,
+        "PowerStep",
+        4,
+        "Pointer to the class-compliant IIviRFSigGenPowerStep interface",
+    )
+    list = List = Child(
+        ZentrelK4NList, "List", 5, "Pointer to the class-compliant IIviRFSigGenList interface"
+    )
     trigger_output = TriggerOutput = Child(ZentrelK4NTriggerOutput, "TriggerOutput", 6, "")
 
     def configure(self, mode: int, trigger_source: int) -> None:
-        """This function configures the signal generator whether the RF output signal is a continuous wave or the frequency, the power level or both are swept or stepped.
+        """This function configures the signal generator whether the RF output signal is a
+        continuous wave or the frequency, the power level or both are swept or stepped.
 
         Takes mode: one of SweepMode; trigger_source: one of SweepTriggerSource.
         """
-        self._call("Configure", 7, integer.encode(mode, '', 'mode'), integer.encode(trigger_source, '', 'trigger_source'))
+        self._call(
+            "Configure",
+            7,
+            integer.encode(mode, "", "mode"),
+            integer.encode(trigger_source, "", "trigger_source"),
+        )
 
     Configure = configure
-    mode = Mode = Setting[SweepMode, int](Choice(SweepMode), "Mode", 9, 8, "", "Specifies whether the RF output signal is a continuous wave or the frequency, the power level or both are swept or stepped.")
-    trigger_source = TriggerSource = Setting[SweepTriggerSource, int](Choice(SweepTriggerSource), "TriggerSource", 11, 10, "", "Specifies the way to start the sweep or run the sweep continuously.")
-    trigger_action = TriggerAction = Setting[SweepTriggerAction, int](Choice(SweepTriggerAction), "TriggerAction", 13, 12, "", "Selects trigger action between switching to point and measurement of a point.")
+    mode = Mode = Setting[SweepMode, int](
+        Choice(SweepMode),
+        "Mode",
+        9,
+        8,
+        "",
+        "Specifies whether the RF output signal is a continuous wave or the frequency, the "
+        "power level or both are swept or stepped.",
+    )
+    trigger_source = TriggerSource = Setting[SweepTriggerSource, int](
+        Choice(SweepTriggerSource),
+        "TriggerSource",
+        11,
+        10,
+        "",
+        "Specifies the way to start the sweep or run the sweep continuously.",
+    )
+    trigger_action = TriggerAction = Setting[SweepTriggerAction, int](
+        Choice(SweepTriggerAction),
+        "TriggerAction",
+        13,
+        12,
+        "",
+        "Selects trigger action between switching to point and measurement of a point.",
+    )
 
 
 class ZentrelK4NPulseModulation(Group):
@@ -578,9 +807,25 @@ class ZentrelK4NPulseModulation(Group):
     IID = "{CD618A6E-77C2-476A-AB8E-129A0E76E394}"
     SLOTS = 9
 
-    enabled = Enabled = Setting[bool, bool](switch, "Enabled", 4, 3, "", "Enables or disables pulse modulation of the RF output signal.")
-    source = Source = Setting[PulseModulationSource, int](Choice(PulseModulationSource), "Source", 6, 5, "", "Specifies the source of the signal that is used as the modulating signal.")
-    external_polarity = ExternalPolarity = Setting[PulseModulationExternalPolarity, int](Choice(PulseModulationExternalPolarity), "ExternalPolarity", 8, 7, "", "Specifies the polarity of the external source signal.")
+    enabled = Enabled = Setting[bool, bool](
+        switch, "Enabled", 4, 3, "", "Enables or disables pulse modulation of the RF output signal."
+    )
+    source = Source = Setting[PulseModulationSource, int](
+        Choice(PulseModulationSource),
+        "Source",
+        6,
+        5,
+        "",
+        "Specifies the source of the signal that is used as the modulating signal.",
+    )
+    external_polarity = ExternalPolarity = Setting[PulseModulationExternalPolarity, int](
+        Choice(PulseModulationExternalPolarity),
+        "ExternalPolarity",
+        8,
+        7,
+        "",
+        "Specifies the polarity of the external source signal.",
+    )
 
 
 class FetchDataResult(NamedTuple):
@@ -599,7 +844,9 @@ class ZentrelK4NChannel(Group):
     IID = "{2D43C433-D110-44FE-86D1-4EA2B4317FF3}"
     SLOTS = 13
 
-    enabled = Enabled = Setting[bool, bool](switch, "Enabled", 3, 4, "", "Measurement channel activity")
+    enabled = Enabled = Setting[bool, bool](
+        switch, "Enabled", 3, 4, "", "Measurement channel activity"
+    )
 
     def load_detector_data_from_file(self, file_name: Optional[str]) -> None:
         """Load detector charasterictics
@@ -618,13 +865,21 @@ class ZentrelK4NChannel(Group):
         data_array_ = ArrayResult()
         initial_x_ = ctypes.c_double()
         x_increment_ = ctypes.c_double()
-        self._call("FetchData", 6, data_array_, ctypes.byref(initial_x_), ctypes.byref(x_increment_))
+        self._call(
+            "FetchData", 6, data_array_, ctypes.byref(initial_x_), ctypes.byref(x_increment_)
+        )
         return FetchDataResult(data_array_.values(), initial_x_.value, x_increment_.value)
 
     FetchData = fetch_data
-    frequency_offset = FrequencyOffset = Setting[float, Quantity](number, "FrequencyOffset", 7, 8, "Hz", "Measurement channel frequency offset")
-    frequency_multiplier = FrequencyMultiplier = Setting[float, Quantity](number, "FrequencyMultiplier", 9, 10, "", "Measurement channel frequency multiplier")
-    frequency_divider = FrequencyDivider = Setting[float, Quantity](number, "FrequencyDivider", 11, 12, "", "Measurement channel frequency divider")
+    frequency_offset = FrequencyOffset = Setting[float, Quantity](
+        number, "FrequencyOffset", 7, 8, "Hz", "Measurement channel frequency offset"
+    )
+    frequency_multiplier = FrequencyMultiplier = Setting[float, Quantity](
+        number, "FrequencyMultiplier", 9, 10, "", "Measurement channel frequency multiplier"
+    )
+    frequency_divider = FrequencyDivider = Setting[float, Quantity](
+        number, "FrequencyDivider", 11, 12, "", "Measurement channel frequency divider"
+    )
 
 
 class ZentrelK4NChannels(Group):
@@ -645,7 +900,7 @@ class ZentrelK4NChannels(Group):
         Gives text.
         """
         name_ = TextResult()
-        self._call("Name", 4, integer.encode(index, '', 'index'), name_)
+        self._call("Name", 4, integer.encode(index, "", "index"), name_)
         return name_.text()
 
     Name = name
@@ -671,7 +926,9 @@ class ZentrelK4NAcquisition(Group):
     SLOTS = 9
 
     averaging = Averaging = Setting[int, int](integer, "Averaging", 3, 4, "", "Averaging factor")
-    status = Status = Reading[AcquisitionStatus](Choice(AcquisitionStatus), "Status", 5, "", "Measurement status")
+    status = Status = Reading[AcquisitionStatus](
+        Choice(AcquisitionStatus), "Status", 5, "", "Measurement status"
+    )
     channels = Channels = Child(ZentrelK4NChannels, "Channels", 6, "Измерительные каналы")
 
     def initiate(self) -> None:
@@ -702,12 +959,22 @@ class ZentrelK4NSystem(Group):
     erg_state = ERGState = Reading[bool](switch, "ERGState", 7, "", "")
     level_state = LevelState = Reading[bool](switch, "LevelState", 8, "", "")
     atten = Atten = Setting[SystemAtten, int](Choice(SystemAtten), "Atten", 10, 9, "", "")
-    ext_ref_gen_enabled = ExtRefGenEnabled = Setting[bool, bool](switch, "ExtRefGenEnabled", 12, 11, "", "")
-    ext_ref_gen_frequency = ExtRefGenFrequency = Setting[float, Quantity](number, "ExtRefGenFrequency", 14, 13, "Hz", "")
-    sync_source_detection = SyncSourceDetection = Setting[SystemSyncSourceDetector, int](Choice(SystemSyncSourceDetector), "SyncSourceDetection", 16, 15, "", "")
-    ext_ref_phase_delay = ExtRefPhaseDelay = Setting[int, int](integer, "ExtRefPhaseDelay", 18, 17, "", "")
+    ext_ref_gen_enabled = ExtRefGenEnabled = Setting[bool, bool](
+        switch, "ExtRefGenEnabled", 12, 11, "", ""
+    )
+    ext_ref_gen_frequency = ExtRefGenFrequency = Setting[float, Quantity](
+        number, "ExtRefGenFrequency", 14, 13, "Hz", ""
+    )
+    sync_source_detection = SyncSourceDetection = Setting[SystemSyncSourceDetector, int](
+        Choice(SystemSyncSourceDetector), "SyncSourceDetection", 16, 15, "", ""
+    )
+    ext_ref_phase_delay = ExtRefPhaseDelay = Setting[int, int](
+        integer, "ExtRefPhaseDelay", 18, 17, "", ""
+    )
     ext_pwr_ctrl = ExtPwrCtrl = Setting[bool, bool](switch, "ExtPwrCtrl", 20, 19, "", "")
-    compens_mode = CompensMode = Setting[SystemCompensMode, int](Choice(SystemCompensMode), "CompensMode", 21, 22, "", "")
+    compens_mode = CompensMode = Setting[SystemCompensMode, int](
+        Choice(SystemCompensMode), "CompensMode", 21, 22, "", ""
+    )
 
 
 class ZentrelK4NSyncGenerator(Group):
@@ -731,33 +998,78 @@ class ZentrelK4N(Group):
     IID = "{C63AE521-7C9B-4DF3-A6C6-6319D401488B}"
     SLOTS = 15
 
-    utility = Utility = Child(IviDriverUtility, "Utility", 3, "Pointer to the IIviDriverUtility interface")
-    rf = RF = Child(ZentrelK4NRF, "RF", 4, "Pointer to the class-compliant IIviRFSigGenRF interface")
-    pulse_generator = PulseGenerator = Child(ZentrelK4NPulseGenerator, "PulseGenerator", 5, "Pointer to the class-compliant IIviRFSigGenPulseGenerator interface")
-    sweep = Sweep = Child(ZentrelK4NSweep, "Sweep", 6, "Pointer to the class-compliant IIviRFSigGenSweep interface")
-    pulse_modulation = PulseModulation = Child(ZentrelK4NPulseModulation, "PulseModulation", 7, "Pointer to the class-compliant IIviRFSigGenPulseModulation interface")
+    utility = Utility = Child(
+        IviDriverUtility, "Utility", 3, "Pointer to the IIviDriverUtility interface"
+    )
+    rf = RF = Child(
+        ZentrelK4NRF, "RF", 4, "Pointer to the class-compliant IIviRFSigGenRF interface"
+    )
+    pulse_generator = PulseGenerator = Child(
+        ZentrelK4NPulseGenerator,
+        "PulseGenerator",
+        5,
+        "Pointer to the class-compliant IIviRFSigGenPulseGenerator interface",
+    )
+    sweep = Sweep = Child(
+        ZentrelK4NSweep, "Sweep", 6, "Pointer to the class-compliant IIviRFSigGenSweep interface"
+    )
+    pulse_modulation = PulseModulation = Child(
+        ZentrelK4NPulseModulation,
+        "PulseModulation",
+        7,
+        "Pointer to the class-compliant IIviRFSigGenPulseModulation interface",
+    )
 
     def send_software_trigger(self) -> None:
-        """Sends a software trigger, which will cause the signal generator to start signal generation."""
+        """Sends a software trigger, which will cause the signal generator to start signal
+        generation.
+        """
         self._call("SendSoftwareTrigger", 8)
 
     SendSoftwareTrigger = send_software_trigger
-    acquisition = Acquisition = Child(ZentrelK4NAcquisition, "Acquisition", 9, "ZentrelK4N acquisition interface")
+    acquisition = Acquisition = Child(
+        ZentrelK4NAcquisition, "Acquisition", 9, "ZentrelK4N acquisition interface"
+    )
     system = System = Child(ZentrelK4NSystem, "System", 10, "")
     sync_generator = SyncGenerator = Child(ZentrelK4NSyncGenerator, "SyncGenerator", 11, "")
 
-    def initialize(self, resource_name: Optional[str], id_query: bool, reset: bool, option_string: Optional[str] = None) -> None:
-        """Opens the I/O session to the instrument.  Driver methods and properties that access the instrument are only accessible after Initialize is called.  Initialize optionally performs a Reset and queries the instrument to validate the instrument model.
+    def initialize(
+        self,
+        resource_name: Optional[str],
+        id_query: bool,
+        reset: bool,
+        option_string: Optional[str] = None,
+    ) -> None:
+        """Opens the I/O session to the instrument.  Driver methods and properties that access the
+        instrument are only accessible after Initialize is called.  Initialize optionally performs a
+        Reset and queries the instrument to validate the instrument model.
 
-        Takes resource_name: text; id_query: true or false; reset: true or false; option_string: text (may be left out).
+        Takes resource_name: text; id_query: true or false; reset: true or false; option_string:
+        text (may be left out).
         """
-        self._call("Initialize", 12, TextArgument(resource_name), switch.encode(id_query, '', 'id_query'), switch.encode(reset, '', 'reset'), TextArgument(option_string))
+        self._call(
+            "Initialize",
+            12,
+            TextArgument(resource_name),
+            switch.encode(id_query, "", "id_query"),
+            switch.encode(reset, "", "reset"),
+            TextArgument(option_string),
+        )
 
     Initialize = initialize
-    initialized = Initialized = Reading[bool](switch, "Initialized", 13, "", "Initialized is True between a successful call to the Initialize method and a successful call to the Close method, and False at all other times.")
+    initialized = Initialized = Reading[bool](
+        switch,
+        "Initialized",
+        13,
+        "",
+        "Initialized is True between a successful call to the Initialize method and a "
+        "successful call to the Close method, and False at all other times.",
+    )
 
     def close(self) -> None:
-        """Closes the I/O session to the instrument.  Driver methods and properties that access the instrument are not accessible after Close is called."""
+        """Closes the I/O session to the instrument.  Driver methods and properties that access the
+        instrument are not accessible after Close is called.
+        """
         self._call("Close", 14)
 
     Close = close
@@ -774,13 +1086,23 @@ class IviDriverIdentity(Group):
     description = Description = Reading[str](text, "Description", 3, "", "")
     revision = Revision = Reading[str](text, "Revision", 4, "", "")
     vendor = Vendor = Reading[str](text, "Vendor", 5, "", "")
-    instrument_manufacturer = InstrumentManufacturer = Reading[str](text, "InstrumentManufacturer", 6, "", "")
+    instrument_manufacturer = InstrumentManufacturer = Reading[str](
+        text, "InstrumentManufacturer", 6, "", ""
+    )
     instrument_model = InstrumentModel = Reading[str](text, "InstrumentModel", 7, "", "")
-    instrument_firmware_revision = InstrumentFirmwareRevision = Reading[str](text, "InstrumentFirmwareRevision", 8, "", "")
+    instrument_firmware_revision = InstrumentFirmwareRevision = Reading[str](
+        text, "InstrumentFirmwareRevision", 8, "", ""
+    )
     identifier = Identifier = Reading[str](text, "Identifier", 9, "", "")
-    supported_instrument_models = SupportedInstrumentModels = Reading[str](text, "SupportedInstrumentModels", 10, "", "")
-    specification_major_version = SpecificationMajorVersion = Reading[int](integer, "SpecificationMajorVersion", 11, "", "")
-    specification_minor_version = SpecificationMinorVersion = Reading[int](integer, "SpecificationMinorVersion", 12, "", "")
+    supported_instrument_models = SupportedInstrumentModels = Reading[str](
+        text, "SupportedInstrumentModels", 10, "", ""
+    )
+    specification_major_version = SpecificationMajorVersion = Reading[int](
+        integer, "SpecificationMajorVersion", 11, "", ""
+    )
+    specification_minor_version = SpecificationMinorVersion = Reading[int](
+        integer, "SpecificationMinorVersion", 12, "", ""
+    )
     group_capabilities = GroupCapabilities = Reading[str](text, "GroupCapabilities", 13, "", "")
 
 
@@ -793,12 +1115,20 @@ class IviDriverOperation(Group):
     SLOTS = 23
 
     logical_name = LogicalName = Reading[str](text, "LogicalName", 3, "", "")
-    io_resource_descriptor = IoResourceDescriptor = Reading[str](text, "IoResourceDescriptor", 4, "", "")
+    io_resource_descriptor = IoResourceDescriptor = Reading[str](
+        text, "IoResourceDescriptor", 4, "", ""
+    )
     cache = Cache = Setting[bool, bool](switch, "Cache", 5, 6, "", "")
-    interchange_check = InterchangeCheck = Setting[bool, bool](switch, "InterchangeCheck", 7, 8, "", "")
-    query_instrument_status = QueryInstrumentStatus = Setting[bool, bool](switch, "QueryInstrumentStatus", 9, 10, "", "")
+    interchange_check = InterchangeCheck = Setting[bool, bool](
+        switch, "InterchangeCheck", 7, 8, "", ""
+    )
+    query_instrument_status = QueryInstrumentStatus = Setting[bool, bool](
+        switch, "QueryInstrumentStatus", 9, 10, "", ""
+    )
     range_check = RangeCheck = Setting[bool, bool](switch, "RangeCheck", 11, 12, "", "")
-    record_coercions = RecordCoercions = Setting[bool, bool](switch, "RecordCoercions", 13, 14, "", "")
+    record_coercions = RecordCoercions = Setting[bool, bool](
+        switch, "RecordCoercions", 13, 14, "", ""
+    )
     simulate = Simulate = Setting[bool, bool](switch, "Simulate", 15, 16, "", "")
     driver_setup = DriverSetup = Reading[str](text, "DriverSetup", 17, "", "")
 

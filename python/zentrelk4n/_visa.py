@@ -1,4 +1,5 @@
-"""Why a session does not open, asked of the VISA library: the driver has one result for all of it."""
+"""Why a session does not open, asked of the VISA library: the driver has one result for all of it.
+"""
 
 from __future__ import annotations
 
@@ -22,8 +23,12 @@ def _load(driver_file: str) -> Optional[ctypes.CDLL]:
     if sys.platform == "win32":
         names = ["zevisa64.dll", "zevisa.dll", os.path.join(folder, "ZeVISA.dll")]
     else:
-        names = [os.path.join(folder, "libzevisa64.so"), "libzevisa64.so", "libzevisa.so",
-                 os.path.join(folder, "libzevisa.so")]
+        names = [
+            os.path.join(folder, "libzevisa64.so"),
+            "libzevisa64.so",
+            "libzevisa.so",
+            os.path.join(folder, "libzevisa.so"),
+        ]
     for name in names:
         try:
             return ctypes.CDLL(name)
@@ -59,13 +64,18 @@ def _ask(library: ctypes.CDLL, resource: str) -> str:
     if status(library.viOpenDefaultRM, ctypes.byref(manager)) >> 31:
         return "the VISA library does not start"
     try:
-        opened = status(library.viOpen, manager, resource.encode(), 0, _OPEN_TIMEOUT, ctypes.byref(session))
+        opened = status(
+            library.viOpen, manager, resource.encode(), 0, _OPEN_TIMEOUT, ctypes.byref(session)
+        )
         if opened >> 31:
             status(library.viStatusDesc, manager, ctypes.c_uint32(opened), text)
             return f"0x{opened:08X} ({text.value.decode(errors='replace') or result_name(opened)})"
         locked = status(library.viLock, session, _EXCLUSIVE_LOCK, 0, None, None)
         if locked == _RSRC_LOCKED:
-            known = not status(library.viGetAttribute, session, ctypes.c_uint32(_LOCK_OWNER), text) >> 31
+            known = (
+                not status(library.viGetAttribute, session, ctypes.c_uint32(_LOCK_OWNER), text)
+                >> 31
+            )
             owner = text.value.decode(errors="replace") if known else ""
             return f"held by {owner or 'another program'}, which has the instrument open"
         return "the link opens, but what is there does not answer as this instrument does"

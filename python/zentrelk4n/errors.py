@@ -23,8 +23,15 @@ class UnsupportedConfigurationError(Error):
 class DriverError(Error):
     """A member of the driver failed."""
 
-    def __init__(self, member: str, code: int, description: str = "", source: str = "", interface: str = "",
-                 hint: str = "") -> None:
+    def __init__(
+        self,
+        member: str,
+        code: int,
+        description: str = "",
+        source: str = "",
+        interface: str = "",
+        hint: str = "",
+    ) -> None:
         super().__init__(member, code, description, source, interface, hint)
         self.member = member
         """The member by its path, "RF.Frequency"."""
@@ -46,15 +53,19 @@ class DriverError(Error):
 
     def __str__(self) -> str:
         text = f"{self.member}: 0x{self.code:08X} ({self.name})"
-        return text + (f": {self.description}" if self.description else "") + (f" [{self.hint}]" if self.hint else "")
+        return (
+            text
+            + (f": {self.description}" if self.description else "")
+            + (f" [{self.hint}]" if self.hint else "")
+        )
 
 
 K4NError = DriverError
 
 
 class DriverWarning(UserWarning):
-    """A member succeeded, but not plainly: the instrument's notices 1 to 6, 10057 (no session), and the two warnings
-    of Initialize.
+    """A member succeeded, but not plainly: the instrument's notices 1 to 6, 10057 (no session), and
+    the two warnings of Initialize.
     """
 
     def __init__(self, member: str, code: int) -> None:
@@ -71,7 +82,8 @@ class DriverWarning(UserWarning):
         return f"{self.member}: 0x{self.code:08X} ({self.name})"
 
 
-# Each one is shown, not only the first of a place; what the program itself has asked for comes before.
+# Each one is shown, not only the first of a place; what the program itself has asked for comes
+# before.
 warnings.simplefilter("always", DriverWarning, append=True)
 
 

@@ -7,12 +7,30 @@ import os
 import sys
 import time
 from contextlib import contextmanager
-from typing import TYPE_CHECKING, Any, Callable, Dict, Iterable, Iterator, List, Mapping, NamedTuple, Optional, Tuple
+from typing import (
+    TYPE_CHECKING,
+    Any,
+    Callable,
+    Dict,
+    Iterable,
+    Iterator,
+    List,
+    Mapping,
+    NamedTuple,
+    Optional,
+    Tuple,
+)
 from typing import Union
 
 from ._arrays import Samples, joined, ramp, samples_of
 from ._quantity import formatted, quantity
-from ._surface import AcquisitionStatus, FrequencyStepScaling, Quantity, SweepMode, SweepTriggerSource
+from ._surface import (
+    AcquisitionStatus,
+    FrequencyStepScaling,
+    Quantity,
+    SweepMode,
+    SweepTriggerSource,
+)
 from .errors import DriverError, Error
 from .trace import CHANNELS, Origin, Trace
 
@@ -53,8 +71,11 @@ class Plan(NamedTuple):
 
     def conditions(self) -> str:
         """What is not stepped."""
-        fixed = (f"level {formatted(self.fixed, 'dBm')}" if self.axis == "frequency"
-                 else f"at {formatted(self.fixed, 'Hz', 10)}")
+        fixed = (
+            f"level {formatted(self.fixed, 'dBm')}"
+            if self.axis == "frequency"
+            else f"at {formatted(self.fixed, 'Hz', 10)}"
+        )
         dwell = f", dwell {formatted(self.dwell, 's')}" if self.dwell > 0.0 else ""
         return f"{fixed}{dwell}, averaging {self.averaging}"
 
@@ -68,26 +89,57 @@ class Segment(NamedTuple):
     points: int
 
 
-def plan(start: Optional[Quantity], stop: Optional[Quantity], step: Optional[Quantity], level: Optional[Quantity],
-         frequency: Optional[Quantity], frequencies: Optional[Iterable[Quantity]], levels: Optional[Iterable[Quantity]],
-         dwell: Quantity, averaging: int, channels: Iterable[str]) -> Plan:
-    """The plan that the arguments of `Session.measure` make; ValueError says what is wrong with them."""
+def plan(
+    start: Optional[Quantity],
+    stop: Optional[Quantity],
+    step: Optional[Quantity],
+    level: Optional[Quantity],
+    frequency: Optional[Quantity],
+    frequencies: Optional[Iterable[Quantity]],
+    levels: Optional[Iterable[Quantity]],
+    dwell: Quantity,
+    averaging: int,
+    channels: Iterable[str],
+) -> Plan:
+    """The plan that the arguments of `Session.measure` make; ValueError says what is wrong with
+    them.
+    """
     if frequencies is not None and levels is not None:
-        raise ValueError("give either frequencies or levels: the instrument steps every frequency with every level")
+        raise ValueError(
+            "give either frequencies or levels: "
+            "the instrument steps every frequency with every level"
+        )
     listed = levels if frequencies is None else frequencies
     if (listed is None) == (start is None or stop is None or step is None) or (
-            listed is not None and not start is stop is step is None):
+        listed is not None and not start is stop is step is None
+    ):
         raise ValueError("give start, stop and step, or a list of frequencies or of levels")
-    axis = "frequency" if frequencies is not None or (levels is None and frequency is None) else "level"
-    fixed_name, fixed, other = ("level", level, frequency) if axis == "frequency" else ("frequency", frequency, level)
+    axis = (
+        "frequency"
+        if frequencies is not None or (levels is None and frequency is None)
+        else "level"
+    )
+    fixed_name, fixed, other = (
+        ("level", level, frequency) if axis == "frequency" else ("frequency", frequency, level)
+    )
     if other is not None:
         raise ValueError("give either level or frequency: the one that is not stepped")
     if fixed is None and axis == "level":
         raise ValueError("give the frequency at which the level is stepped")
-    unit, fixed_unit, step_unit = ("Hz", "dBm", "Hz") if axis == "frequency" else ("dBm", "Hz", "dB")
-    result = Plan(axis, _or_zero(start, unit, "start"), _or_zero(stop, unit, "stop"), _or_zero(step, step_unit, "step"),
-                  [quantity(value, unit, "a value of the list") for value in listed or ()],
-                  _or_zero(fixed, fixed_unit, fixed_name), quantity(dwell, "s", "dwell"), averaging, tuple(channels))
+    unit, fixed_unit, step_unit = (
+        ("Hz", "dBm", "Hz") if axis == "frequency" else ("dBm", "Hz", "dB")
+    )
+    result = Plan(
+        axis,
+        _or_zero(start, unit, "start"),
+        _or_zero(stop, unit, "stop"),
+        _or_zero(step, step_unit, "step"),
+        [quantity(value, unit, "a value of the list") for value in listed or ()],
+        _or_zero(fixed, fixed_unit, fixed_name),
+        quantity(dwell, "s", "dwell"),
+        averaging,
+        tuple(channels),
+    )
     _require_sound(result, listed is not None)
     return result
 
@@ -98,14 +150,17 @@ def _or_zero(value: Optional[Quantity], unit: str, what: str) -> float:
 
 def _require_sound(plan: Plan, is_list: bool) -> None:
     for wrong, text in (
-            (is_list and not plan.values, "the list is empty"),
-            (plan.stop < plan.start, "stop is below start"),
-            (not is_list and not plan.step > 0.0, "step must be above 0"),
-            (plan.dwell < 0.0, "dwell must not be negative"),
-            (not 1 <= plan.averaging <= 14, "averaging: 1 to 14"),
-            (not plan.channels or not set(plan.channels) <= set(CHANNELS), "channels: of A, B and R"),
-            (not is_list and plan.step > 0.0 and (plan.stop - plan.start) / plan.step > _MOST_POINTS,
-             "more than a million points")):
+        (is_list and not plan.values, "the list is empty"),
+        (plan.stop < plan.start, "stop is below start"),
+        (not is_list and not plan.step > 0.0, "step must be above 0"),
+        (plan.dwell < 0.0, "dwell must not be negative"),
+        (not 1 <= plan.averaging <= 14, "averaging: 1 to 14"),
+        (not plan.channels or not set(plan.channels) <= set(CHANNELS), "channels: of A, B and R"),
+        (
+            not is_list and plan.step > 0.0 and (plan.stop - plan.start) / plan.step > _MOST_POINTS,
+            "more than a million points",
+        ),
+    ):
         if wrong:
             raise ValueError(text)
 
@@ -118,14 +173,21 @@ def load_detectors(session: Session, files: Mapping[str, Any]) -> None:
         _channel(session, name).load_detector_data_from_file(os.fspath(file))
 
 
-def run(session: Session, plan: Plan, detectors: Mapping[str, Any], progress: Union[None, bool, Progress]) -> Trace:
+def run(
+    session: Session,
+    plan: Plan,
+    detectors: Mapping[str, Any],
+    progress: Union[None, bool, Progress],
+) -> Trace:
     """Measures the plan on an open session."""
     load_detectors(session, detectors)
     date = time.strftime("%Y-%m-%d %H:%M:%S")
     origin = Origin(session.model, session.serial, session.resource, date, plan.conditions())
     with _shown(progress) as show:
         x, channels = _Run(session, plan, show).measure()
-    return Trace(plan.axis, joined(x), {name: joined(pieces) for name, pieces in channels.items()}, origin)
+    return Trace(
+        plan.axis, joined(x), {name: joined(pieces) for name, pieces in channels.items()}, origin
+    )
 
 
 class _Run:
@@ -159,7 +221,8 @@ class _Run:
         plan, session = self._plan, self._session
         first = plan.values[0] if plan.values else plan.start
         session.rf.level, session.rf.frequency = (
-            (plan.fixed, first) if plan.axis == "frequency" else (first, plan.fixed))
+            (plan.fixed, first) if plan.axis == "frequency" else (first, plan.fixed)
+        )
         session.acquisition.averaging = plan.averaging
         session.sweep.frequency_step.dwell = plan.dwell
 
@@ -168,7 +231,7 @@ class _Run:
         plan = self._plan
         if plan.values:
             for begin in range(0, len(plan.values), _MOST_LIST_POINTS):
-                yield self._configure_list(plan.values[begin:begin + _MOST_LIST_POINTS])
+                yield self._configure_list(plan.values[begin : begin + _MOST_LIST_POINTS])
             return
         start = plan.start
         while True:
@@ -187,7 +250,9 @@ class _Run:
         self._session.errors()
         if plan.axis == "frequency":
             group: Any = sweep.frequency_step
-            sweep.frequency_step.configure_start_stop(start, plan.stop, FrequencyStepScaling.LINEAR, plan.step)
+            sweep.frequency_step.configure_start_stop(
+                start, plan.stop, FrequencyStepScaling.LINEAR, plan.step
+            )
         else:
             group = sweep.power_step
             sweep.power_step.configure_start_stop(start, plan.stop, plan.step)
@@ -196,24 +261,30 @@ class _Run:
         self._check_trail(group._member("ConfigureStartStop"))
         clamped = abs(first - start) > plan.step / 2
         if step == 0.0 and plan.stop - start >= plan.step and not clamped:
-            raise Error(f"the instrument cannot make steps of {formatted(plan.step, plan.unit.replace('dBm', 'dB'))}")
-        sweep.configure(SweepMode.FREQUENCY_STEP if plan.axis == "frequency" else SweepMode.POWER_STEP,
-                        SweepTriggerSource.SOFTWARE)
+            step = formatted(plan.step, plan.unit.replace("dBm", "dB"))
+            raise Error(f"the instrument cannot make steps of {step}")
+        by_frequency = plan.axis == "frequency"
+        mode = SweepMode.FREQUENCY_STEP if by_frequency else SweepMode.POWER_STEP
+        sweep.configure(mode, SweepTriggerSource.SOFTWARE)
         return Segment(first, last, step, 1 if step == 0.0 else _rounded((last - first) / step) + 1)
 
     def _configure_list(self, values: List[float]) -> Segment:
         plan, sweep = self._plan, self._session.sweep
         self._session.errors()
-        frequencies, levels = (values, [plan.fixed]) if plan.axis == "frequency" else ([plan.fixed], values)
+        frequencies, levels = (
+            (values, [plan.fixed]) if plan.axis == "frequency" else ([plan.fixed], values)
+        )
         sweep.list.create_frequency_power("", frequencies, levels)
         self._check_trail("Sweep.List.CreateFrequencyPower")
         sweep.configure(SweepMode.LIST, SweepTriggerSource.SOFTWARE)
         # What the instrument corrected has come back.
-        plan.values[self._done:self._done + len(values)] = values
+        plan.values[self._done : self._done + len(values)] = values
         return Segment(values[0], values[-1], 0.0, len(values))
 
     def _acquire(self, segment: Segment) -> None:
-        """Starts the sweep and waits for its data, as long as it may take with the dwell and averaging of the plan."""
+        """Starts the sweep and waits for its data, as long as it may take with the dwell and
+        averaging of the plan.
+        """
         acquisition, plan = self._session.acquisition, self._plan
         expected = segment.points * plan.dwell * max(1, plan.averaging)
         started = time.monotonic()
@@ -240,7 +311,7 @@ class _Run:
             values, initial_x, increment = _channel(self._session, name).fetch_data()
             pieces.append(values)
             points = len(values)
-        listed = self._plan.values[self._done:self._done + points]
+        listed = self._plan.values[self._done : self._done + points]
         x.append(samples_of(listed) if listed else ramp(initial_x, increment, points))
         return points
 
@@ -249,7 +320,9 @@ class _Run:
         if records:
             oldest = records[0]
             more = "; ".join(map(str, records[1:4]))
-            raise DriverError(what, oldest.code, oldest.description, hint=f"error trail: {more}" if more else "")
+            raise DriverError(
+                what, oldest.code, oldest.description, hint=f"error trail: {more}" if more else ""
+            )
 
     def _show(self, points: float) -> None:
         self._progress(min(1.0, (self._done + points) / self._plan.points()))
@@ -301,7 +374,9 @@ class _Bar:
             return
         self._shown = percent
         filled = int(share * self._WIDTH)
-        sys.stderr.write(f"\rMeasuring [{'#' * filled}{'.' * (self._WIDTH - filled)}] {percent:3d} %")
+        sys.stderr.write(
+            f"\rMeasuring [{'#' * filled}{'.' * (self._WIDTH - filled)}] {percent:3d} %"
+        )
         sys.stderr.flush()
 
     def end(self) -> None:

@@ -9,7 +9,19 @@ import threading
 import warnings
 import weakref
 from types import TracebackType
-from typing import Callable, Dict, Iterable, List, Mapping, NamedTuple, Optional, Tuple, Type, TypeVar, Union
+from typing import (
+    Callable,
+    Dict,
+    Iterable,
+    List,
+    Mapping,
+    NamedTuple,
+    Optional,
+    Tuple,
+    Type,
+    TypeVar,
+    Union,
+)
 
 from . import _visa, measure
 from ._com import Pointer
@@ -44,18 +56,26 @@ class Record(NamedTuple):
         return result_name(self.code)
 
     def __str__(self) -> str:
-        text = f"0x{self.code:08X} ({self.name})" + (f": {self.description}" if self.description else "")
+        text = f"0x{self.code:08X} ({self.name})" + (
+            f": {self.description}" if self.description else ""
+        )
         return text + (f", {self.times} times" if self.times > 1 else "")
 
 
-def open(resource: Union[str, Simulator], *, id_query: bool = False, reset: bool = False,  # noqa: A001
-         options: Optional[str] = None, module: Optional[str] = None) -> Session:
+def open(  # noqa: A001
+    resource: Union[str, Simulator],
+    *,
+    id_query: bool = False,
+    reset: bool = False,
+    options: Optional[str] = None,
+    module: Optional[str] = None,
+) -> Session:
     """Opens a session; at the end of the `with`, or at `close()`, it ends.
 
-    `resource` is a VISA resource name, "TCPIP::192.0.2.7::8888::SOCKET", or a simulated instrument, whose detector
-    files are then loaded, too. `options` is the driver's option string: "GENERATOR" for an instrument without
-    detectors. `module` is the path of the driver's module; without it the driver is looked for, see
-    `python -m zentrelk4n`.
+    `resource` is a VISA resource name, "TCPIP::192.0.2.7::8888::SOCKET", or a simulated instrument,
+    whose detector files are then loaded, too. `options` is the driver's option string: "GENERATOR"
+    for an instrument without detectors. `module` is the path of the driver's module; without it the
+    driver is looked for, see `python -m zentrelk4n`.
     """
     return Session(resource, id_query, reset, options, module)
 
@@ -63,10 +83,25 @@ def open(resource: Union[str, Simulator], *, id_query: bool = False, reset: bool
 class Session(ZentrelK4N):
     """An open session, and the root of the driver's surface. Any thread may use it."""
 
-    __slots__ = ("__weakref__", "_detectors", "_groups", "_instrument", "_lock", "_module", "_root", "resource")
+    __slots__ = (
+        "__weakref__",
+        "_detectors",
+        "_groups",
+        "_instrument",
+        "_lock",
+        "_module",
+        "_root",
+        "resource",
+    )
 
-    def __init__(self, resource: Union[str, Simulator], id_query: bool, reset: bool, options: Optional[str],
-                 module: Optional[str]) -> None:
+    def __init__(
+        self,
+        resource: Union[str, Simulator],
+        id_query: bool,
+        reset: bool,
+        options: Optional[str],
+        module: Optional[str],
+    ) -> None:
         self._groups: Dict[Tuple[type, int], Group] = {}
         self._lock = threading.RLock()
         self._instrument = ("", "")
@@ -82,7 +117,10 @@ class Session(ZentrelK4N):
         except BaseException:
             self._release()
             raise
-        self._instrument = (_text_of(lambda: self.system.type), _text_of(lambda: self.system.serial_num))
+        self._instrument = (
+            _text_of(lambda: self.system.type),
+            _text_of(lambda: self.system.serial_num),
+        )
 
     def _initialize(self, id_query: bool, reset: bool, options: Optional[str]) -> None:
         try:
@@ -93,7 +131,9 @@ class Session(ZentrelK4N):
             raise
 
     def _group(self, kind: Type[AGroup], address: Optional[int], path: str) -> AGroup:
-        """The group for an interface that the driver has given, and whose reference goes to this session."""
+        """The group for an interface that the driver has given, and whose reference goes to this
+        session.
+        """
         pointer = Pointer(address, kind.SLOTS)
         assert address
         with self._lock:
@@ -107,9 +147,12 @@ class Session(ZentrelK4N):
             assert isinstance(group, kind)
             return group
 
-    identity = Identity = Aspect(IviDriverIdentity, "Identity", "The driver's identity as the IVI Foundation has it.")
+    identity = Identity = Aspect(
+        IviDriverIdentity, "Identity", "The driver's identity as the IVI Foundation has it."
+    )
     operation = Operation = Aspect(
-        IviDriverOperation, "Operation", "How the driver operates, as the IVI Foundation has it.")
+        IviDriverOperation, "Operation", "How the driver operates, as the IVI Foundation has it."
+    )
 
     @property
     def model(self) -> str:
@@ -127,8 +170,8 @@ class Session(ZentrelK4N):
         return self._root is None
 
     def errors(self) -> List[Record]:
-        """What the driver has met since the last time, the oldest first; the error trail is empty then. Equal records
-        in a row are one.
+        """What the driver has met since the last time, the oldest first; the error trail is empty
+        then. Equal records in a row are one.
         """
         records: List[Record] = []
         for _ in range(_MOST_RECORDS):
@@ -141,39 +184,61 @@ class Session(ZentrelK4N):
             records.append(record)
         return records
 
-    def measure(self, start: Optional[Quantity] = None, stop: Optional[Quantity] = None,
-                step: Optional[Quantity] = None, level: Optional[Quantity] = None, *,
-                frequency: Optional[Quantity] = None, frequencies: Optional[Iterable[Quantity]] = None,
-                levels: Optional[Iterable[Quantity]] = None,
-                dwell: Quantity = 0.0, averaging: int = 3, channels: Iterable[str] = CHANNELS,
-                detectors: Union[None, str, os.PathLike[str], Mapping[str, Union[str, os.PathLike[str]]]] = None,
-                progress: Union[None, bool, Callable[[float], None]] = None) -> Trace:
+    def measure(
+        self,
+        start: Optional[Quantity] = None,
+        stop: Optional[Quantity] = None,
+        step: Optional[Quantity] = None,
+        level: Optional[Quantity] = None,
+        *,
+        frequency: Optional[Quantity] = None,
+        frequencies: Optional[Iterable[Quantity]] = None,
+        levels: Optional[Iterable[Quantity]] = None,
+        dwell: Quantity = 0.0,
+        averaging: int = 3,
+        channels: Iterable[str] = CHANNELS,
+        detectors: Union[
+            None, str, os.PathLike[str], Mapping[str, Union[str, os.PathLike[str]]]
+        ] = None,
+        progress: Union[None, bool, Callable[[float], None]] = None,
+    ) -> Trace:
         """Measures one trace; the output is switched on for it, and off behind it.
 
-        start, stop, step: the range that is stepped. Hz, at `level` (dBm; 0 dBm when left out); or, with `frequency`
-            (Hz), dBm and dB at that frequency. A range that is longer than the instrument delivers in one block (5461
-            points) is measured in pieces; what lies beyond the instrument's limits is left out.
+        start, stop, step: the range that is stepped. Hz, at `level` (dBm; 0 dBm when left out); or,
+            with `frequency` (Hz), dBm and dB at that frequency. A range that is longer than the
+            instrument delivers in one block (5461 points) is measured in pieces; what lies beyond
+            the instrument's limits is left out.
         frequencies, levels: a list to step through instead, at `level` or `frequency`.
         dwell: s for each point, at most 4.29 s. averaging: 1 to 14.
         channels: those that are fetched, of "A", "B" and "R".
-        detectors: a detector calibration file for all channels, or a file for each: {"A": "a.det"}. It stays loaded.
-        progress: called with the share that is done, 0 to 1; True is a bar, False nothing. Left out: a bar on a
-            terminal.
+        detectors: a detector calibration file for all channels, or a file for each, such as
+            {"A": "a.det"}. It stays loaded.
+        progress: called with the share that is done, 0 to 1; True is a bar, False nothing. Left
+            out: a bar on a terminal.
 
-        DriverError, also for failures that only the error trail tells of; Error when the instrument cannot step so
-        finely, and when it delivers nothing in many times the time that the sweep takes. Ctrl-C ends the measurement
-        and closes the session.
+        DriverError, also for failures that only the error trail tells of; Error when the instrument
+        cannot step so finely, and when it delivers nothing in many times the time that the sweep
+        takes. Ctrl-C ends the measurement and closes the session.
         """
-        plan = measure.plan(start, stop, step, level, frequency, frequencies, levels, dwell, averaging, channels)
+        plan = measure.plan(
+            start, stop, step, level, frequency, frequencies, levels, dwell, averaging, channels
+        )
         files = detectors if isinstance(detectors, Mapping) else dict.fromkeys(CHANNELS, detectors)
         try:
-            return measure.run(self, plan, {name: file for name, file in files.items() if file is not None}, progress)
+            return measure.run(
+                self,
+                plan,
+                {name: file for name, file in files.items() if file is not None},
+                progress,
+            )
         except KeyboardInterrupt:
             self.close()
             raise
 
     def close(self) -> None:
-        """Ends the session for all its groups and threads; the output is switched off. Once more does nothing."""
+        """Ends the session for all its groups and threads; the output is switched off. Once more
+        does nothing.
+        """
         with self._lock:
             if self._root is None:
                 return
@@ -201,8 +266,12 @@ class Session(ZentrelK4N):
     def __enter__(self) -> Session:
         return self
 
-    def __exit__(self, kind: Optional[Type[BaseException]], error: Optional[BaseException],
-                 traceback: Optional[TracebackType]) -> None:
+    def __exit__(
+        self,
+        kind: Optional[Type[BaseException]],
+        error: Optional[BaseException],
+        traceback: Optional[TracebackType],
+    ) -> None:
         self.close()
 
     def __del__(self) -> None:
@@ -214,12 +283,14 @@ class Session(ZentrelK4N):
 
     def __str__(self) -> str:
         model, serial = self._instrument
-        return f"the session with {model or 'the instrument'}{' ' + serial if serial else ''} at {self.resource}"
+        instrument = (model or "the instrument") + (" " + serial if serial else "")
+        return f"the session with {instrument} at {self.resource}"
 
     def __repr__(self) -> str:
         model, serial = self._instrument
         state = ", closed" if self.closed else ""
-        return f"<k4n session: {model or 'no type'}, serial {serial or 'unknown'}, {self.resource}{state}>"
+        instrument = f"{model or 'no type'}, serial {serial or 'unknown'}"
+        return f"<k4n session: {instrument}, {self.resource}{state}>"
 
 
 def _text_of(read: Callable[[], str]) -> str:

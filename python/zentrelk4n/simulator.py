@@ -21,11 +21,13 @@ Option = Union[str, float, bool, None, List[str], Tuple[str, ...]]
 
 
 def simulate(*, program: Optional[str] = None, **options: Option) -> Simulator:
-    """Starts a simulated instrument on a free port; at the end of the `with`, or at `close()`, it ends.
+    """Starts a simulated instrument on a free port; at the end of the `with`, or at `close()`, it
+    ends.
 
     The options are those of `zk4n simulate`, which tells what there is: device="flat", serial="42",
-    fault=["silence:command=6"], no_pulse_modulator=True. `program` is the path of zk4n; without it, the one beside the
-    driver or on the search path is taken. Its requests are shown by `zk4n simulate --log` and `--show` in a terminal.
+    fault=["silence:command=6"], no_pulse_modulator=True. `program` is the path of zk4n; without it,
+    the one beside the driver or on the search path is taken. Its requests are shown by `zk4n
+    simulate --log` and `--show` in a terminal.
 
         with k4n.simulate(centre="2 GHz") as instrument, k4n.open(instrument) as gen:
             ...
@@ -56,7 +58,8 @@ def find_program(program: Optional[str]) -> str:
     found = shutil.which(_PROGRAM)
     if found is None:
         raise DriverNotInstalledError(
-            f"{_PROGRAM}, which simulates the instrument, is neither beside the driver nor on PATH")
+            f"{_PROGRAM}, which simulates the instrument, is neither beside the driver nor on PATH"
+        )
     return found
 
 
@@ -67,8 +70,14 @@ class Simulator:
         # Ctrl-C is for the measurement, which still needs the instrument to close the session.
         group = {"creationflags": 0x200} if sys.platform == "win32" else {"start_new_session": True}
         try:
-            self._process = subprocess.Popen([program, *arguments], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                             stderr=subprocess.PIPE, text=True, **group)  # type: ignore[call-overload]
+            self._process = subprocess.Popen(
+                [program, *arguments],
+                stdin=subprocess.DEVNULL,
+                stdout=subprocess.PIPE,
+                stderr=subprocess.PIPE,
+                text=True,
+                **group,
+            )  # type: ignore[call-overload]
         except OSError as error:
             raise Error(f"the simulator {program} cannot be started: {error.strerror}") from None
         self.program = program
@@ -98,8 +107,12 @@ class Simulator:
     def __enter__(self) -> Simulator:
         return self
 
-    def __exit__(self, kind: Optional[Type[BaseException]], error: Optional[BaseException],
-                 traceback: Optional[TracebackType]) -> None:
+    def __exit__(
+        self,
+        kind: Optional[Type[BaseException]],
+        error: Optional[BaseException],
+        traceback: Optional[TracebackType],
+    ) -> None:
         self.close()
 
     def __repr__(self) -> str:

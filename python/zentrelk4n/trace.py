@@ -28,8 +28,8 @@ class Origin:
 
 @dataclass(frozen=True, eq=False, repr=False)
 class Trace:
-    """Channels of calibrated values (dBm, as the detector files calibrate them) over what was stepped. All are numpy
-    arrays where numpy is installed, else array.array.
+    """Channels of calibrated values (dBm, as the detector files calibrate them) over what was
+    stepped. All are numpy arrays where numpy is installed, else array.array.
     """
 
     axis: str
@@ -78,15 +78,22 @@ class Trace:
 
     def _axis(self, name: str) -> Samples:
         if self.axis != name:
-            raise AttributeError(f"the {name} was not stepped; the conditions tell it: {self.origin.conditions}")
+            raise AttributeError(
+                f"the {name} was not stepped; the conditions tell it: {self.origin.conditions}"
+            )
         return self.x
 
     def to_csv(self, path: Union[str, os.PathLike[str]]) -> None:
-        """Writes a file: a row for each point, with 17 significant digits, behind a header of comments."""
+        """Writes a file: a row for each point, with 17 significant digits, behind a header of
+        comments.
+        """
         with open(path, "w", encoding="utf-8", newline="\n") as file:
             for name in ("instrument", "serial", "resource", "date", "conditions"):
                 file.write(f"# {name}: {getattr(self.origin, name)}\n")
-            columns = {"frequency_hz" if self.axis == "frequency" else "level_dbm": self.x, **self.channels}
+            columns = {
+                "frequency_hz" if self.axis == "frequency" else "level_dbm": self.x,
+                **self.channels,
+            }
             file.write(",".join(columns) + "\n")
             for row in zip(*(column.tolist() for column in columns.values())):
                 file.write(",".join(map(_digits, row)) + "\n")

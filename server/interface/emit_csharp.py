@@ -1,33 +1,36 @@
-"""The driver's surface for C#: one source file, so that a program needs no type library importer."""
+"""The driver's surface for C#: one source file, so that a program needs no type library import."""
 
 from xml.sax.saxutils import escape
 
-HEAD = '''// The driver's interfaces for C#: compile it into your program; no type library importer is needed.
+HEAD = """// The driver's interfaces for C#: compile them into your program.
 //
-// Every member gives its HRESULT (PreserveSig), since some successes say more than success: 1 to 6 are notices of the
-// instrument, 10057 says that there is no session, and Initialize warns by 0x00047065 and 0x00047066. Negative ones are
-// failures. Results.Name tells what a result is called, Results.Description what the driver says about it.
+// Every member gives its HRESULT (PreserveSig), since some successes say more than success: 1 to 6
+// are notices of the instrument, 10057 says that there is no session, and Initialize warns by
+// 0x00047065 and 0x00047066. Negative ones are failures. Results.Name tells what a result is
+// called, Results.Description what the driver says about it.
 //
-// Truth values are the numbers that travel: 0 is false, and any other one true. Some members read 1 for true, others -1,
-// so test for "!= 0". To set one, write -1 or 0.
+// Truth values are the numbers that travel: 0 is false, and any other one true. Some members read 1
+// for true, others -1, so test for "!= 0". To set one, write -1 or 0.
 //
-// Pass null where a member gives an array or a text back (FetchData, ErrorQuery): the driver replaces what stands there,
-// and never frees it.
+// Pass null where a member gives an array or a text back (FetchData, ErrorQuery): the driver
+// replaces what stands there, and never frees it.
 
 using System;
 using System.Runtime.InteropServices;
 
 namespace ZentrelK4NLib
 {
-'''
+"""
 
+ARRAY = "MarshalAs(UnmanagedType.SafeArray, SafeArraySubType = VarEnum.VT_R8)"
 TYPES = {  # the type, and what tells how it travels
     "double": ("double", ""),
     "long": ("int", ""),
     "VARIANT_BOOL": ("short", ""),
     "BSTR": ("string", "MarshalAs(UnmanagedType.BStr)"),
-    "SAFEARRAY(double)": ("double[]", "MarshalAs(UnmanagedType.SafeArray, SafeArraySubType = VarEnum.VT_R8)"),
+    "SAFEARRAY(double)": ("double[]", ARRAY),
 }
+IS_INTERFACE = "InterfaceType(ComInterfaceType.InterfaceIsIUnknown)"
 
 
 def document(indent, tag, text):
@@ -48,11 +51,13 @@ def way_of(parameter):
 
 def seen(parameter):
     """What a caller sees of it."""
-    return f"{way_of(parameter)[0]}{TYPES.get(parameter.type, (parameter.type,))[0]} {name_of(parameter)}"
+    kind = TYPES.get(parameter.type, (parameter.type,))[0]
+    return f"{way_of(parameter)[0]}{kind} {name_of(parameter)}"
 
 
 def declaration(parameter):
-    attributes = ", ".join(filter(None, (way_of(parameter)[1], TYPES.get(parameter.type, ("", ""))[1])))
+    words = (way_of(parameter)[1], TYPES.get(parameter.type, ("", ""))[1])
+    attributes = ", ".join(filter(None, words))
     return (f"[{attributes}] " if attributes else "") + seen(parameter)
 
 
@@ -64,39 +69,51 @@ def signature(member):
 def about(parameter):
     if parameter.type == "VARIANT_BOOL":
         return "0: false; any other number: true"
-    return " ".join(text for text in (f"In {parameter.unit}." if parameter.unit else "",
-                                      "May be null." if parameter.optional else "") if text)
+    unit = f"In {parameter.unit}." if parameter.unit else ""
+    null = "May be null." if parameter.optional else ""
+    return " ".join(filter(None, (unit, null)))
 
 
 def member(m):
     text = document("        ", "summary", m.help)
     for p in m.parameters:
         text += document("        ", f'param name="{name_of(p)}"', about(p))
-    return (f"{text}        [PreserveSig]\n"
-            f"        int {m.function}({', '.join(map(declaration, m.parameters))});\n")
+    return (
+        f"{text}        [PreserveSig]\n"
+        f"        int {m.function}({', '.join(map(declaration, m.parameters))});\n"
+    )
 
 
 def interface(i):
-    return (document("    ", "summary", i.help) + f'    [ComImport, Guid("{i.iid}"), InterfaceType('
-            f"ComInterfaceType.InterfaceIsIUnknown)]\n    public interface {i.name}\n    {{\n"
-            + "\n".join(map(member, i.members)) + "    }\n")
+    return (
+        document("    ", "summary", i.help)
+        + f'    [ComImport, Guid("{i.iid}"), {IS_INTERFACE}]\n'
+        + f"    public interface {i.name}\n    {{\n"
+        + "\n".join(map(member, i.members))
+        + "    }\n"
+    )
 
 
 def enumeration(e):
     rows = "".join(f"        {name} = {number},\n" for name, number in e.values)
-    return document("    ", "summary", e.help) + f"    public enum {e.name} : int\n    {{\n{rows}    }}\n"
+    return (
+        document("    ", "summary", e.help)
+        + f"    public enum {e.name} : int\n    {{\n{rows}    }}\n"
+    )
 
 
 def coclass(c):
-    return (document("    ", "summary", f"The driver: ({c.interface})new {c.name}() gives an object of its own, where the "
-                     "driver is registered.")
-            + f'    [ComImport, Guid("{c.clsid}"), ClassInterface(ClassInterfaceType.None)]\n'
-            f"    public class {c.name}\n    {{\n    }}\n")
+    made = f"({c.interface})new {c.name}() gives an object of its own"
+    return (
+        document("    ", "summary", f"The driver: {made}, where the driver is registered.")
+        + f'    [ComImport, Guid("{c.clsid}"), ClassInterface(ClassInterfaceType.None)]\n'
+        f"    public class {c.name}\n    {{\n    }}\n"
+    )
 
 
 def results(names):
     cases = "".join(f'                case {code}: return "{name}";\n' for code, name in names)
-    return f'''    [ComImport, Guid("1CF2B120-547D-101B-8E65-08002B2BD119"), InterfaceType(ComInterfaceType.InterfaceIsIUnknown)]
+    return f"""    [ComImport, Guid("1CF2B120-547D-101B-8E65-08002B2BD119"), {IS_INTERFACE}]
     interface IErrorInfo
     {{
         [PreserveSig]
@@ -124,8 +141,9 @@ def results(names):
             return bits >> 16 == 0xBFFF ? "VISA error" : "unnamed result";
         }}
 
-        /// <summary>The driver's words about the last failure on this thread, which it then forgets; null when there are
-        /// none. Take them right after the failure. A success leaves older ones where they are.</summary>
+        /// <summary>The driver's words about the last failure on this thread, which it then
+        /// forgets; null when there are none. Take them right after the failure. A success leaves
+        /// older ones where they are.</summary>
         public static string Description()
         {{
             IErrorInfo info;
@@ -137,10 +155,14 @@ def results(names):
         [DllImport("oleaut32.dll")]
         static extern int GetErrorInfo(int reserved, out IErrorInfo info);
     }}
-'''
+"""
 
 
 def emit(library, inherent, result_names):
-    parts = [*map(enumeration, library.enumerations), *map(interface, library.interfaces + inherent),
-             *(coclass(c) for c in library.coclasses if c.creatable), results(result_names)]
+    parts = [
+        *map(enumeration, library.enumerations),
+        *map(interface, library.interfaces + inherent),
+        *(coclass(c) for c in library.coclasses if c.creatable),
+        results(result_names),
+    ]
     return HEAD + "\n".join(parts) + "}\n"

@@ -1,11 +1,14 @@
 """The rows of the console's member table, as C++ that zk4n/members/MemberTable.cpp includes."""
 
+WIDTH = 100
 KINDS = {"get": "Kind::kGet", "put": "Kind::kPut", "method": "Kind::kMethod"}
-DIRECTIONS = {"inout": "Direction::kInOut", "unstated": "Direction::kUnstated"}  # the others follow from the type
+# The others follow from the type.
+DIRECTIONS = {"inout": "Direction::kInOut", "unstated": "Direction::kUnstated"}
 
 
 def parameter(p):
-    fields = [f'"{p.name}"', f'"{p.unit}"', DIRECTIONS.get(p.direction, "Direction::kIn"), str(p.optional).lower()]
+    direction = DIRECTIONS.get(p.direction, "Direction::kIn")
+    fields = [f'"{p.name}"', f'"{p.unit}"', direction, str(p.optional).lower()]
     defaults = ["", '""', "Direction::kIn", "false"]
     while fields[-1] == defaults[len(fields) - 1]:
         fields.pop()
@@ -13,10 +16,22 @@ def parameter(p):
 
 
 def row(interface, member):
-    names = ", ".join(parameter(p) for p in member.parameters)
-    return f'    Row<&{interface.name}::{member.function}>({KINDS[member.kind]}, "{member.name}", {{{names}}}),\n'
+    parameters = [parameter(p) for p in member.parameters]
+    head = f"    Row<&{interface.name}::{member.function}>("
+    names = f'{KINDS[member.kind]}, "{member.name}", {{'
+    row = head + names + ", ".join(parameters) + "}),\n"
+    if len(row) <= WIDTH + 1:
+        return row
+    row = f"{head}\n        {names}"
+    if len(names + ", ".join(parameters)) <= WIDTH - 11:
+        return row + ", ".join(parameters) + "}),\n"
+    return row + "\n            " + ",\n            ".join(parameters) + "}),\n"
+
+
+def describe(interface):
+    rows = "".join(row(interface, member) for member in interface.members)
+    return f"Describe<{interface.name}>({{\n{rows}}}),\n"
 
 
 def emit(interfaces):
-    return "".join(f"Describe<{interface.name}>({{\n" + "".join(row(interface, member) for member in interface.members)
-                   + "}),\n" for interface in interfaces)
+    return "".join(map(describe, interfaces))

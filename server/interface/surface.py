@@ -1,7 +1,9 @@
-"""The driver's COM surface as its source tells it: read from ZentrelK4NLib.idl, and from IviInherent.idl for the
-interfaces that the type library leaves out. What is generated from the surface starts here; see `generate`.
+"""The driver's COM surface as its source tells it: read from ZentrelK4NLib.idl, and from
+IviInherent.idl for the interfaces that the type library leaves out. What is generated from the
+surface starts here; see `generate`.
 
-The unit of a parameter stands behind it as a comment, /*Hz*/, which is none of the type library's business.
+The unit of a parameter stands behind it as a comment, /*Hz*/, which is none of the type library's
+business.
 """
 
 import dataclasses
@@ -9,14 +11,16 @@ import pathlib
 import re
 
 HERE = pathlib.Path(__file__).resolve().parent
-TOKEN = re.compile(r'\s+|//[^\n]*|(?P<unit>/\*\w+\*/)|"(?P<text>[^"]*)"|(?P<word>[\w.-]+)|(?P<sign>.)', re.DOTALL)
+TOKEN = re.compile(
+    r'\s+|//[^\n]*|(?P<unit>/\*\w+\*/)|"(?P<text>[^"]*)"|(?P<word>[\w.-]+)|(?P<sign>.)', re.DOTALL
+)
 
 
 @dataclasses.dataclass(frozen=True)
 class Parameter:
     name: str  # empty for the value of a put
     direction: str  # "in", "inout", "retval", or "unstated", which callers take for "in"
-    type: str  # "long", "double", "VARIANT_BOOL", "BSTR", "SAFEARRAY(double)", or an enumeration or interface
+    type: str  # such as "double", "BSTR", "SAFEARRAY(double)", or an enumeration or interface
     stars: int  # of the C type; an array has one more in C++, where it is a SAFEARRAY*
     optional: bool
     unit: str  # "Hz", "dBm", "dB", "s", "ms", or empty
@@ -162,7 +166,10 @@ class Reader:
         while not self.take("}"):
             members.append(self.member(3 + len(members)))
         library.interfaces.append(
-            Interface(name, attributes["uuid"].upper(), attributes.get("helpstring", ""), tuple(members)))
+            Interface(
+                name, attributes["uuid"].upper(), attributes.get("helpstring", ""), tuple(members)
+            )
+        )
 
     def member(self, slot):
         attributes = self.attributes()
@@ -174,8 +181,14 @@ class Reader:
             self.take(",")
         self.next(";")
         kind = "get" if "propget" in attributes else "put" if "propput" in attributes else "method"
-        return Member(name, kind, int(attributes.get("id", "0"), 0), slot, attributes.get("helpstring", ""),
-                      tuple(parameters))
+        return Member(
+            name,
+            kind,
+            int(attributes.get("id", "0"), 0),
+            slot,
+            attributes.get("helpstring", ""),
+            tuple(parameters),
+        )
 
     def parameter(self):
         attributes = self.attributes()
@@ -189,8 +202,12 @@ class Reader:
             name = self.next()
         if self.tokens[self.place][0] == "unit":
             unit = self.next()[2:-2]
-        direction = {(): "unstated", ("in",): "in", ("in", "out"): "inout", ("out", "retval"): "retval"}[
-            tuple(word for word in ("in", "out", "retval") if word in attributes)]
+        direction = {
+            (): "unstated",
+            ("in",): "in",
+            ("in", "out"): "inout",
+            ("out", "retval"): "retval",
+        }[tuple(word for word in ("in", "out", "retval") if word in attributes)]
         return Parameter(name, direction, kind, stars, "optional" in attributes, unit)
 
     def coclass(self, attributes):
@@ -202,8 +219,13 @@ class Reader:
             self.next("interface")
             interfaces[is_default] = self.next()
             self.next(";")
-        return Coclass(name, attributes["uuid"].upper(), attributes["helpstring"], "noncreatable" not in attributes,
-                       interfaces[True])
+        return Coclass(
+            name,
+            attributes["uuid"].upper(),
+            attributes["helpstring"],
+            "noncreatable" not in attributes,
+            interfaces[True],
+        )
 
 
 def published():
@@ -218,11 +240,17 @@ def inherent_with_bases():
 
 def inherent():
     """The same without the one whose members another one has, too."""
-    return [interface for interface in inherent_with_bases() if interface.name != "IIviComponentIdentity"]
+    return [
+        interface
+        for interface in inherent_with_bases()
+        if interface.name != "IIviComponentIdentity"
+    ]
 
 
 def result_names():
-    """What results are called, from the client's table of them: the codes as written, "0x........", and their names."""
+    """What results are called, from the client's table of them: the codes as written, "0x........",
+    and their names.
+    """
     rows = (HERE.parent.parent / "status/ResultNames.inc").read_text()
     found = re.findall(r'^\{(0x[0-9A-F]{8}), "([^"]+)"\},$', rows, re.MULTILINE)
     if len(found) != rows.count("{"):

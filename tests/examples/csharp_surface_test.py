@@ -1,5 +1,5 @@
-"""csharp_surface_test.py EXPECTED SOURCE - the C# interfaces are the published ones: identifiers, values, members in the order
-of their slots, and how each parameter travels.
+"""csharp_surface_test.py EXPECTED SOURCE - the C# interfaces are the published ones: identifiers,
+values, members in the order of their slots, and how each parameter travels.
 """
 
 import difflib
@@ -8,15 +8,23 @@ import re
 import sys
 
 TEXT = "MarshalAs(UnmanagedType.BStr)"
-ARRAY = "[In, Out, MarshalAs(UnmanagedType.SafeArray, SafeArraySubType = VarEnum.VT_R8)] ref double[]"
+ARRAY = "MarshalAs(UnmanagedType.SafeArray, SafeArraySubType = VarEnum.VT_R8)"
 TRAVELS = {
-    "[in] double": "double", "[out,retval] double*": "out double", "[in,out] double*": "[In, Out] ref double",
-    "[in] long": "int", "[out,retval] long*": "out int", "[in,out] long*": "[In, Out] ref int",
+    "[in] double": "double", "[out,retval] double*": "out double",
+    "[in,out] double*": "[In, Out] ref double", "[in] long": "int",
+    "[out,retval] long*": "out int", "[in,out] long*": "[In, Out] ref int",
     "[in] VARIANT_BOOL": "short", "[out,retval] VARIANT_BOOL*": "out short",
-    "BSTR": f"[{TEXT}] string", "[in] BSTR": f"[{TEXT}] string", "[in,optional] BSTR": f"[{TEXT}] string",
-    "[out,retval] BSTR*": f"[{TEXT}] out string", "[in,out] BSTR*": f"[In, Out, {TEXT}] ref string",
-    "[in] SAFEARRAY(double)*": ARRAY, "[in,out] SAFEARRAY(double)*": ARRAY,
-}
+    "BSTR": f"[{TEXT}] string", "[in] BSTR": f"[{TEXT}] string",
+    "[in,optional] BSTR": f"[{TEXT}] string", "[out,retval] BSTR*": f"[{TEXT}] out string",
+    "[in,out] BSTR*": f"[In, Out, {TEXT}] ref string",
+    "[in] SAFEARRAY(double)*": f"[In, Out, {ARRAY}] ref double[]",
+    "[in,out] SAFEARRAY(double)*": f"[In, Out, {ARRAY}] ref double[]",
+}  # fmt: skip
+IDENTIFIED = re.compile(
+    r'\[ComImport, Guid\("(.*?)"\), (?:InterfaceType\(ComInterfaceType\.InterfaceIsIUnknown\)|'
+    r"ClassInterface\(ClassInterfaceType\.None\))\]"
+)
+NAMED = re.compile(r"(?:public )?(?:static )?((?:enum|interface|class) (\w+))(?: : int)?")
 
 
 def parameter(text):
@@ -47,10 +55,9 @@ def declared(source, interfaces):
     previous = identifier = ""
     wanted = False
     for line in map(str.strip, source.splitlines()):
-        if found := re.fullmatch(r'\[ComImport, Guid\("(.*?)"\), (?:InterfaceType\(ComInterfaceType\.InterfaceIsIUnknown\)|'
-                                 r"ClassInterface\(ClassInterfaceType\.None\))\]", line):
+        if found := IDENTIFIED.fullmatch(line):
             identifier = f" {{{found[1]}}}"
-        elif found := re.fullmatch(r"(?:public )?(?:static )?((?:enum|interface|class) (\w+))(?: : int)?", line):
+        elif found := NAMED.fullmatch(line):
             wanted = "interface" not in line or found[2] in interfaces
             if wanted and "static" not in line:
                 yield found[1] + identifier

@@ -11,11 +11,12 @@ CHECK = sys.argv.pop(1)
 
 TARGETS = {
     "low": {"folder": "low", "sources": ["Low.cpp"], "links": [], "headers": []},
-    "middle": {"folder": "middle", "sources": ["Middle_posix.cpp"], "links": ["low", "dl"], "headers": []},
+    "middle": {"folder": "middle", "sources": ["Middle_posix.cpp"], "links": ["low", "dl"],
+               "headers": []},
     "beside": {"folder": "beside", "sources": ["Beside.cpp"], "links": [], "headers": []},
     "abi": {"folder": "beside", "sources": [], "links": [], "headers": ["beside/Abi.h"]},
     "top": {"folder": "top", "sources": ["Top.cpp"], "links": ["middle", "abi"], "headers": []},
-}
+}  # fmt: skip
 FILES = {
     "low/Low.cpp": '#include "low/Low.h"\n#include <vector>\n',
     "low/Low.h": "",
@@ -35,9 +36,10 @@ def check(**changes):
         root = pathlib.Path(folder)
         for file, text in FILES.items():
             (root / file).parent.mkdir(exist_ok=True)
-            (root / file).write_text(text + "".join(f'#include "{header}"\n' for header in changes.get(file, [])))
+            added = "".join(f'#include "{header}"\n' for header in changes.get(file, []))
+            (root / file).write_text(text + added)
         (root / "graph").write_text(json.dumps(TARGETS))
-        run = subprocess.run([CHECK, root, root / "graph"], text=True, stdout=subprocess.PIPE, check=False)
+        run = subprocess.run([CHECK, root, root / "graph"], text=True, stdout=subprocess.PIPE)
         return run.returncode, run.stdout
 
 
@@ -47,13 +49,14 @@ class Layers(unittest.TestCase):
 
     def test_includes_past_the_links_are_told(self):
         for file, header, owner, target in [
-                ("low/Low.h", "middle/Middle.h", "middle", "low"),
-                ("top/Top.cpp", "beside/Beside.h", "beside", "top"),
-                ("top/Top.cpp", "beside/Plain.h", "abi or beside", None),
-                ("middle/Middle.h", "beside/Abi.h", "abi", "middle")]:
+            ("low/Low.h", "middle/Middle.h", "middle", "low"),
+            ("top/Top.cpp", "beside/Beside.h", "beside", "top"),
+            ("top/Top.cpp", "beside/Plain.h", "abi or beside", None),
+            ("middle/Middle.h", "beside/Abi.h", "abi", "middle"),
+        ]:
             with self.subTest(file=file, header=header):
-                told = (0, "") if target is None else (
-                    1, f"{file}: {header} belongs to {owner}, which {target} does not link\n")
+                words = f"{file}: {header} belongs to {owner}, which {target} does not link\n"
+                told = (1, words) if target else (0, "")
                 self.assertEqual(check(**{file: [header]}), told)
 
 

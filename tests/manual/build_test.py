@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The built manual: build_test.py TREE WORK_FOLDER. Two builds are the same, and every link and every entry of the
-indexes leads somewhere. 77, with the reason, where a program is missing.
+"""The built manual: build_test.py TREE WORK_FOLDER. Two builds are the same, and every link and
+each entry of the indexes leads somewhere. 77, with the reason, where a program is missing.
 """
 
 import filecmp
@@ -24,12 +24,15 @@ def files_of(folder):
     return {str(file.relative_to(folder)) for file in folder.rglob("*") if file.is_file()}
 
 
+def run(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
 def build(name):
     output = WORK / name
     shutil.rmtree(output, ignore_errors=True)
     output.mkdir(parents=True)
-    subprocess.run([sys.executable, "-B", str(TREE / "tools" / "manual" / "build"), str(output)], check=True,
-                   capture_output=True)
+    run(sys.executable, "-B", TREE / "tools" / "manual" / "build", output)
     return output
 
 
@@ -38,15 +41,18 @@ class Built(unittest.TestCase):
     def setUpClass(cls):
         cls.output = build("first")
         cls.site = cls.output / "html"
-        cls.anchors = {name: set(re.findall(r'\bid="([^"]+)"', (cls.site / name).read_text()))
-                       for name in files_of(cls.site) if name.endswith(".html")}
+        cls.anchors = {}
+        for page in cls.site.rglob("*.html"):
+            anchors = set(re.findall(r'\bid="([^"]+)"', page.read_text()))
+            cls.anchors[str(page.relative_to(cls.site))] = anchors
 
     def leads(self, page, target):
         way, _, anchor = html.unescape(target).partition("#")
         file = (self.site / page).parent / way if way else self.site / page
         self.assertTrue(file.is_file(), f"{page}: {target}")
         if anchor:
-            self.assertIn(anchor, self.anchors[str(file.resolve().relative_to(self.site))], f"{page}: {target}")
+            anchors = self.anchors[str(file.resolve().relative_to(self.site))]
+            self.assertIn(anchor, anchors, f"{page}: {target}")
 
     def test_two_builds_are_the_same(self):
         again = build("second")
@@ -68,27 +74,28 @@ class Built(unittest.TestCase):
             self.leads("index.html", place)
 
     def test_the_help_file_has_every_page_and_its_index_leads_there(self):
-        listed = subprocess.run(["chmls", "list", str(self.output / HELP)], capture_output=True, text=True).stdout
+        listed = run("chmls", "list", self.output / HELP)
         inside = {line.split()[-1].lstrip("/") for line in listed.splitlines() if "/" in line}
-        self.assertTrue(set(self.anchors) <= inside, set(self.anchors) - inside)
+        self.assertLessEqual(set(self.anchors), inside)
         for name in ("index.hhk", "contents.hhc"):
             extracted = WORK / name
-            subprocess.run(["chmls", "extract", str(self.output / HELP), f"/{name}", str(extracted)],
-                           capture_output=True, check=True)
-            entries = re.findall(r'name="Name" value="([^"]+)">(?:<param name="Local" value="([^"]+)">)?',
-                                 extracted.read_text())
+            run("chmls", "extract", self.output / HELP, f"/{name}", extracted)
+            entry = r'name="Name" value="([^"]+)">(?:<param name="Local" value="([^"]+)">)?'
+            entries = re.findall(entry, extracted.read_text())
             self.assertGreater(len(entries), 150)
             for _, place in entries:
                 if place:
                     self.leads("index.html", place)
             if name == "index.hhk":
                 names = {title for title, _ in entries}
-                self.assertTrue({"RF.Frequency", "Frequency (RF)", "IZentrelK4NRF.Frequency", "Initialize",
-                                 "ZentrelK4NSweepModeList", "0x8004701D"} <= names)
+                members = {"RF.Frequency", "Frequency (RF)", "IZentrelK4NRF.Frequency"}
+                others = {"Initialize", "ZentrelK4NSweepModeList", "0x8004701D"}
+                self.assertLessEqual(members | others, names)
 
     def test_the_man_pages(self):
         pages = files_of(self.output / "man" / "man1")
-        self.assertEqual(pages, {f"{file.stem}.1" for file in (TREE / "docs/manual/commands").glob("zk4n*.md")})
+        sources = (TREE / "docs/manual/commands").glob("zk4n*.md")
+        self.assertEqual(pages, {f"{file.stem}.1" for file in sources})
         for page in pages:
             text = (self.output / "man" / "man1" / page).read_text()
             self.assertRegex(text, rf'\.TH "{page[:-2]}" "1"')
@@ -98,6 +105,6 @@ class Built(unittest.TestCase):
 if __name__ == "__main__":
     lacking = [program for program in PROGRAMS if shutil.which(program) is None]
     if lacking:
-        print(f"Skipped: {', '.join(lacking)} not installed; see manual_packages in scripts/packages.")
+        print(f"Skipped: {', '.join(lacking)} not installed; scripts/packages: manual_packages.")
         sys.exit(77)
     unittest.main(argv=sys.argv[:1])

@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """The manual against what it describes: manual_test.py TREE CLIENT [unittest's arguments].
 
-Each member, parameter and enumeration value of the surface, each result that has a name, each command of the client
-with its options has its entry, and there is no other; links lead somewhere; the examples answer and the pictures are
-drawn as they stand; and members return without a session, with one, from a generator and from an instrument that
-refuses what their entries say.
+Each member, parameter and enumeration value of the surface, each result that has a name, each
+command of the client with its options has its entry, and there is no other; links lead somewhere;
+the examples answer and the pictures are drawn as they stand; and members return without a session,
+with one, from a generator and from an instrument that refuses what their entries say.
 """
 
+import collections
 import inspect
 import pathlib
 import re
@@ -42,7 +43,7 @@ def fits(outcome, code, text):
 
 def members_of(page):
     """Each of its sections with the members of that name."""
-    pairs = [(section, source.accessors(page.interface, section.title)) for section in page.sections]
+    pairs = [(part, source.accessors(page.interface, part.title)) for part in page.sections]
     return [(section, members) for section, members in pairs if members]
 
 
@@ -54,45 +55,52 @@ def answer(lines):
 
 class Entries(unittest.TestCase):
     def test_each_interface_has_its_page(self):
-        self.assertEqual(sorted(page.interface.name for page in MEMBER_PAGES),
-                         sorted(interface.name for interface in source.INTERFACES))
+        names = sorted(interface.name for interface in source.INTERFACES)
+        self.assertEqual(sorted(page.interface.name for page in MEMBER_PAGES), names)
 
     def test_each_member_has_its_section_and_parameters(self):
         for page in MEMBER_PAGES:
             with self.subTest(page.name):
-                self.assertEqual([section.title for section in page.sections],
-                                 list(dict.fromkeys(member.name for member in page.interface.members)))
+                names = dict.fromkeys(member.name for member in page.interface.members)
+                self.assertEqual([section.title for section in page.sections], list(names))
             for section, members in members_of(page):
                 with self.subTest(f"{page.name} {section.title}"):
                     described, rest = source.definitions(section.lines)
-                    self.assertEqual([name for name, _ in described], source.expected_parameters(members))
+                    names = [name for name, _ in described]
+                    self.assertEqual(names, source.expected_parameters(members))
                     self.assertTrue(all(text for _, text in described))
-                    self.assertRegex("\n".join(rest), r"\A[A-Z]", "no sentence behind the parameters")
+                    self.assertRegex("\n".join(rest), r"\A[A-Z]", "no sentence behind parameters")
                     self.assertEqual(len(source.blocks(section.lines, "results")), 1)
                     self.assertEqual(len(source.blocks(section.lines, "console")), 1)
 
     def test_each_enumeration_value_has_its_entry(self):
-        page = BOOK.page("reference/enumerations")
-        written = {s.title: [name for name, _ in source.definitions(s.lines)[0]] for s in page.sections}
-        self.assertEqual(written, {e.name: [name for name, _ in e.values] for e in source.LIBRARY.enumerations})
+        sections = BOOK.page("reference/enumerations").sections
+        written = {s.title: [row[0] for row in source.definitions(s.lines)[0]] for s in sections}
+        wanted = {e.name: [row[0] for row in e.values] for e in source.LIBRARY.enumerations}
+        self.assertEqual(written, wanted)
 
     def test_each_named_result_has_its_row(self):
         text = (TREE / "status/ResultNames.inc").read_text()
         names = dict(re.findall(r'\{(0x[0-9A-F]{8}), "([^"]+)"\}', text))
-        rows = re.findall(r"^\| `(0x[0-9A-F]{8})` \| ([^|]+?) \|", page_text("reference/results"), re.MULTILINE)
+        row = re.compile(r"^\| `(0x[0-9A-F]{8})` \| ([^|]+?) \|", re.MULTILINE)
+        rows = row.findall(page_text("reference/results"))
         self.assertGreater(len(names), 30)
         self.assertEqual(dict(rows), names)
         self.assertEqual(len(rows), len(names))
 
     def test_each_text_of_the_driver_stands_with_its_result(self):
         written = page_text("reference/results")
-        templates = re.findall(r'MessageTemplate\{Status::\w+,\s*"([^"]+)"\}',
-                               (TREE / "driver" / "ErrorMessage.cpp").read_text())
+        texts = (TREE / "driver" / "ErrorMessage.cpp").read_text()
+        templates = re.findall(r'MessageTemplate\{Status::\w+,\s*"([^"]+)"\}', texts)
         self.assertGreater(len(templates), 8)
         for template in templates:
             text = re.sub(r"%\d", "*", template.replace("\\x96", "–"))
             with self.subTest(text):
                 self.assertIn(text, re.sub(r"\*[A-Z]+\*", "*", written))
+
+
+def given_to(member):
+    return [p for p in member.parameters if p.direction in ("in", "unstated")]
 
 
 def page_text(name):
@@ -107,6 +115,7 @@ class Python(unittest.TestCase):
     def setUpClass(cls):
         sys.path.insert(0, str(TREE / "python"))
         import zentrelk4n
+
         cls.package = zentrelk4n
 
     def test_members(self):
@@ -116,8 +125,9 @@ class Python(unittest.TestCase):
                 with self.subTest(f"{interface.name}.{member.name}"):
                     attribute = getattr(group, calls.snake(member.name))
                     if inspect.isfunction(attribute):
-                        given = [calls.snake(p.name) for p in member.parameters if p.direction in ("in", "unstated")]
-                        self.assertEqual(list(inspect.signature(attribute).parameters), ["self", *given])
+                        given = [calls.snake(p.name) for p in given_to(member)]
+                        taken = list(inspect.signature(attribute).parameters)
+                        self.assertEqual(taken, ["self", *given])
                     else:
                         self.assertEqual(len(member.parameters), 1)
         for name in calls.QUERIED:
@@ -153,7 +163,8 @@ class Links(unittest.TestCase):
                 count += 1
                 with self.subTest(f"{page.name}: {target}"):
                     way, _, anchor = target.partition("#")
-                    file = (BOOK.folder / page.name).parent / way if way else BOOK.folder / f"{page.name}.md"
+                    here = BOOK.folder / f"{page.name}.md"
+                    file = here.parent / way if way else here
                     self.assertTrue(file.is_file())
                     if anchor:
                         name = str(file.resolve().relative_to(BOOK.folder))[:-3]
@@ -162,16 +173,19 @@ class Links(unittest.TestCase):
 
 
 class Diagnosis(unittest.TestCase):
-    """docs/diagnosis.md has a row for each site of the error trail, and leads to sections of its own."""
+    """docs/diagnosis.md has a row for each site of the error trail, and leads to own sections."""
+
     TEXT = (TREE / "docs" / "diagnosis.md").read_text()
 
     def test_each_site_has_its_row(self):
-        sites = re.findall(r"^  k\w+ = (\d+),", (TREE / "K4NHardWare" / "ErrorTrail.h").read_text(), re.MULTILINE)
+        header = (TREE / "K4NHardWare" / "ErrorTrail.h").read_text()
+        sites = re.findall(r"^  k\w+ = (\d+),", header, re.MULTILINE)
         told = re.findall(r"^\| (\d+(?:, \d+)*) \|", self.TEXT, re.MULTILINE)
         self.assertEqual(sorted(", ".join(told).split(", ")), sorted(sites))
 
     def test_each_link_leads_to_a_section(self):
-        sections = {title.lower().replace(" ", "-") for title in re.findall(r"^#+ (.+)", self.TEXT, re.MULTILINE)}
+        titles = re.findall(r"^#+ (.+)", self.TEXT, re.MULTILINE)
+        sections = {title.lower().replace(" ", "-") for title in titles}
         self.assertLessEqual(set(re.findall(r"\]\(#([^)]+)\)", self.TEXT)), sections)
 
 
@@ -183,8 +197,8 @@ class Pictures(unittest.TestCase):
             drawn = {file.name: file.read_bytes() for file in pathlib.Path(folder).iterdir()}
         self.assertEqual({file.name for file in kept.iterdir()}, set(drawn))
         for name, content in drawn.items():
-            self.assertTrue((kept / name).read_bytes() == content,
-                            f"{name}: run tools/manual/pictures.py ZK4N docs/manual/pictures")
+            advice = f"{name}: run tools/manual/pictures.py ZK4N docs/manual/pictures"
+            self.assertTrue((kept / name).read_bytes() == content, advice)
 
 
 class Client(unittest.TestCase):
@@ -204,60 +218,71 @@ class Client(unittest.TestCase):
 
     @staticmethod
     def walk():
-        """Each member with its entry and its command."""
-        return [(page, section, members, command_of(page, member)) for page in MEMBER_PAGES
-                for section, members in members_of(page) for member in members
-                if section.title not in ("Initialize", "Close")]
+        """Each member with its name, the results of its entry, and its command."""
+        for page in MEMBER_PAGES:
+            for section, members in members_of(page):
+                if section.title not in ("Initialize", "Close"):
+                    name, outcomes = (page.name, section.title), source.outcomes(section, members)
+                    yield from ((name, outcomes, command_of(page, member)) for member in members)
 
     def test_refusals_reach_the_client_where_the_entries_say_so(self):
         """An instrument that refuses everything once the session is open; both ways."""
-        opened = len(self.client.log_of([examples.OPEN])) - 1  # the last request switches the output off at the end
+        # The last request switches the output off at the end.
+        opened = len(self.client.log_of([examples.OPEN])) - 1
         self.assertGreater(opened, 10)
-        walk = self.walk()
-        fed = [line for _, _, _, command in walk for line in (MODULATE, command)]
-        answers = self.client.answers(fed, f"--fault=refuse:status=-32763,after={opened}", setup=[examples.OPEN])[1::2]
-        refused = {(page.name, section.title) for (page, section, _, _), lines in zip(walk, answers)
-                   if answer(lines)[0] == "0xFFFF8005"}
-        for page, section, members, _ in walk:
-            told = any(outcome.code == "0xFFFF8xxx" for outcome in source.outcomes(section, members))
-            with self.subTest(f"{page.name} {section.title}"):
-                self.assertEqual(told, (page.name, section.title) in refused | HIDDEN_REFUSALS)
+        walk = list(self.walk())
+        fed = [line for _, _, command in walk for line in (MODULATE, command)]
+        fault = f"--fault=refuse:status=-32763,after={opened}"
+        answers = self.client.answers(fed, fault, setup=[examples.OPEN])[1::2]
+        pairs = zip(walk, answers)
+        refused = {name for (name, *_), lines in pairs if answer(lines)[0] == "0xFFFF8005"}
+        for name, outcomes, _ in walk:
+            told = any(outcome.code == "0xFFFF8xxx" for outcome in outcomes)
+            with self.subTest(" ".join(name)):
+                self.assertEqual(told, name in refused | HIDDEN_REFUSALS)
 
     def test_members_return_what_their_entries_say(self):
-        """Both ways: what comes back stands in the entry, and what stands there comes back or is shown."""
-        walk = self.walk()
-        commands = [command for _, _, _, command in walk]
-        begin, modulate = "Acquisition.Initiate", MODULATE
+        """Both ways: what comes back is in the entry, and what is there comes back or is shown."""
+        walk = list(self.walk())
+        begin = "Acquisition.Initiate"
         alone = examples.OPEN.replace(")", ', "GENERATOR")')
-        met = {}
-        for setup, before, options in (([], [], []), ([], [modulate, begin], []), ([examples.OPEN], [], []),
-                                       ([alone], [begin], ["--kind=generator", "--no-pulse-modulator",
-                                                           "--attenuator-mode=0"])):
-            fed = [line for command in commands for line in (*before, command)]
-            answers = self.client.answers(fed, *options, setup=setup)[len(before)::len(before) + 1]
+        generator = ["--kind=generator", "--no-pulse-modulator", "--attenuator-mode=0"]
+        met = collections.defaultdict(set)
+        for setup, before, options in [
+            ([], [], []),
+            ([], [MODULATE, begin], []),
+            ([examples.OPEN], [], []),
+            ([alone], [begin], generator),
+        ]:
+            fed = [line for _, _, command in walk for line in (*before, command)]
+            answers = self.client.answers(fed, *options, setup=setup)
+            answers = answers[len(before) :: len(before) + 1]
             self.assertEqual(len(answers), len(walk))
-            for (page, section, members, _), command, lines in zip(walk, commands, answers):
+            for (name, outcomes, command), lines in zip(walk, answers):
                 code, text = answer(lines)
-                met.setdefault((page.name, section.title), set()).add((code, text))
+                met[name].add((code, text))
                 if code in WALKED:
                     with self.subTest(f"{command} {setup}"):
-                        self.assertTrue(any(fits(outcome, code, text) for outcome in source.outcomes(section, members)),
-                                        f"{code} {text} is no result of the entry")
+                        known = any(fits(outcome, code, text) for outcome in outcomes)
+                        self.assertTrue(known, f"{code} {text} is no result of the entry")
         for page in MEMBER_PAGES:
             for section, members in members_of(page):
-                seen = met.get((page.name, section.title), set()) | {
-                    answer([line]) for _, lines in source.blocks(section.lines, "console") for line in lines}
+                shown = source.blocks(section.lines, "console")
+                seen = met[page.name, section.title]
+                seen |= {answer([line]) for _, lines in shown for line in lines}
                 for outcome in source.outcomes(section, members):
                     if outcome.shown and "x" not in outcome.code[2:]:
                         with self.subTest(f"{page.name} {section.title} {outcome.code}"):
-                            self.assertTrue(any(fits(outcome, *result) for result in seen), f"never seen: {outcome}")
+                            came = any(fits(outcome, *result) for result in seen)
+                            self.assertTrue(came, f"never seen: {outcome}")
 
 
 def command_of(page, member):
     """A command of the console for the member, with arguments that do little."""
     plain = {"BSTR": '""', "SAFEARRAY(double)": "[1]", "VARIANT_BOOL": "false"}
-    path = ".".join(filter(None, [calls.console_path(source.PATHS[page.interface.name]), member.name]))
-    given = [plain.get(p.type, "0") for p in member.parameters if p.direction in ("in", "unstated")]
+    group = calls.console_path(source.PATHS[page.interface.name])
+    path = f"{group}.{member.name}" if group else member.name
+    given = [plain.get(p.type, "0") for p in given_to(member)]
     if member.kind == "put":
         return f"{path} = {given[0]}"
     return f"{path}({', '.join(given)})" if given else path
@@ -267,49 +292,56 @@ class Commands(unittest.TestCase):
     """The pages on the client's commands, and so the man pages, against its own help."""
 
     def help(self, *command):
-        return subprocess.run([CLIENT, *command, "--help"], capture_output=True, text=True, check=True).stdout
+        command = [CLIENT, *command, "--help"]
+        return subprocess.run(command, capture_output=True, text=True, check=True).stdout
 
     def subcommands(self, *command):
         _, found, rows = self.help(*command).partition("\nSubcommands:\n")
         return re.findall(r"^  (\w+) ", rows, re.MULTILINE) if found else []
 
+    @staticmethod
+    def pages():
+        return [page for page in BOOK.pages if page.name.startswith("commands/")]
+
     def test_each_command_has_its_page(self):
-        self.assertEqual([page.name.removeprefix("commands/") for page in BOOK.pages
-                          if page.name.startswith("commands/")],
-                         ["zk4n", *(f"zk4n-{name}" for name in self.subcommands())])
+        names = [page.name.removeprefix("commands/") for page in self.pages()]
+        self.assertEqual(names, ["zk4n", *(f"zk4n-{name}" for name in self.subcommands())])
 
     def test_each_option_has_its_entry(self):
-        for page in BOOK.pages:
-            if not page.name.startswith("commands/"):
-                continue
+        option = re.compile(
+            r"^  (?:-\w,)?(--[\w-]+)(?: [A-Z]+)?(?:[^=\n ]*)?(?:=(\S+(?: (?:dBm?|[MG]Hz|s)\b)?))?",
+            re.MULTILINE,
+        )
+        entry = re.compile(r"^`(--[\w-]+)`.*\n:   ((?:.+\n?(?:    )?)*)", re.MULTILINE)
+        for page in self.pages():
             command = page.name.removeprefix("commands/").split("-")[1:]
-            whole = [([], [s for s in page.sections if s.level == 2])]
-            if command and self.subcommands(*command):
-                whole = [([name], [s for s in page.sections if s.title == f"zk4n {command[0]} {name}"])
-                         for name in self.subcommands(*command)]
-                self.assertTrue(all(sections for _, sections in whole))
-            for words, sections in whole:
+            parts = {(): [section for section in page.sections if section.level == 2]}
+            if command and (names := self.subcommands(*command)):
+                titles = {(name,): f"zk4n {command[0]} {name}" for name in names}
+                parts = {
+                    words: [section for section in page.sections if section.title == title]
+                    for words, title in titles.items()
+                }
+                self.assertTrue(all(parts.values()))
+            for words, sections in parts.items():
                 with self.subTest(" ".join([page.name, *words])):
-                    told = {name: (value or "", default or "") for name, value, default in re.findall(
-                        r"^  (?:-\w,)?(--[\w-]+)(?: ([A-Z]+))?(?:[^=\n ]*)?(?:=(\S+(?: (?:dBm?|[MG]Hz|s)\b)?))?",
-                        self.help(*command, *words), re.MULTILINE)}
-                    entries = {}
-                    for section in sections:
-                        for name, text in re.findall(r"^`(--[\w-]+)`.*\n:   ((?:.+\n?(?:    )?)*)", section.text + "\n",
-                                                     re.MULTILINE):
-                            entries[name] = text
+                    told = dict(option.findall(self.help(*command, *words)))
+                    texts = "\n".join(section.text + "\n" for section in sections)
+                    entries = dict(entry.findall(texts))
                     self.assertEqual(set(entries), set(told))
-                    for name, (_, default) in told.items():
+                    for name, default in told.items():
                         if default:
                             self.assertIn(f"`{default}`", entries[name], f"default of {name}")
 
     def test_each_fault_of_the_simulator_has_its_entry(self):
-        told = re.findall(r"^  ([a-z-]+)(?: \(([^)]*)\))?  ", self.help("simulate").partition("\nFaults:")[2], re.MULTILINE)
-        text = next(s for s in BOOK.page("commands/zk4n-simulate").sections if s.title == "Faults").text
+        help_text = self.help("simulate").partition("\nFaults:")[2]
+        told = re.findall(r"^  ([a-z-]+)(?: \(([^)]*)\))?  ", help_text, re.MULTILINE)
+        sections = BOOK.page("commands/zk4n-simulate").sections
+        text = next(section.text for section in sections if section.title == "Faults")
         entries = re.findall(r"^`([a-z-]+)`\n:   .*?\.(?: Takes (.*)\.)?$", text, re.MULTILINE)
         self.assertGreater(len(told), 5)
-        self.assertEqual([(name, re.findall(r"`(\w+)`", values)) for name, values in entries],
-                         [(name, re.findall(r"(\w+)=", values)) for name, values in told])
+        entries = [(name, re.findall(r"`(\w+)`", values)) for name, values in entries]
+        self.assertEqual(entries, [(name, re.findall(r"(\w+)=", values)) for name, values in told])
 
 
 if __name__ == "__main__":

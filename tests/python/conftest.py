@@ -1,5 +1,6 @@
 """What the tests share: the built driver, a simulated instrument, a session with it."""
 
+import contextlib
 import os
 import pathlib
 import subprocess
@@ -21,8 +22,9 @@ DETECTORS = TREE / "data/calibr20.det"
 def surroundings(tmp_path_factory):
     """The built driver, and nothing of the user's."""
     nowhere = tmp_path_factory.mktemp("nowhere")
-    os.environ.update({"ZENTREL_K4N_MODULE": str(DRIVER), "ZENTREL_REGISTRY": str(nowhere / "registry"),
-                       "ZENTREL_COMMON_FILES": str(nowhere), "ZENTREL_DOCUMENTS": str(nowhere)})
+    os.environ["ZENTREL_K4N_MODULE"] = str(DRIVER)
+    os.environ["ZENTREL_REGISTRY"] = str(nowhere / "registry")
+    os.environ["ZENTREL_COMMON_FILES"] = os.environ["ZENTREL_DOCUMENTS"] = str(nowhere)
     yield
     assert _module.Module.load().can_unload(), "something of the driver is still held"
 
@@ -33,6 +35,13 @@ def simulator():
         yield instrument
 
 
+@contextlib.contextmanager
+def simulated(**options):
+    """A session with an instrument of its own; without detector files, as it does not know them."""
+    with k4n.simulate(**options) as instrument, k4n.open(instrument.resource) as session:
+        yield session
+
+
 @pytest.fixture
 def gen(simulator):
     with k4n.open(simulator) as session:
@@ -41,4 +50,5 @@ def gen(simulator):
 
 def zk4n(*arguments, script=None):
     """What the client prints."""
-    return subprocess.run([ZK4N, *map(str, arguments)], input=script, capture_output=True, text=True, check=True).stdout
+    command = [ZK4N, *map(str, arguments)]
+    return subprocess.run(command, input=script, capture_output=True, text=True, check=True).stdout

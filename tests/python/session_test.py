@@ -1,4 +1,4 @@
-"""Sessions: how they open and end, what they say when something is wrong, many of them, many threads."""
+"""Sessions: how they open and end, what they say when something is wrong, many, many threads."""
 
 import gc
 import os
@@ -26,12 +26,14 @@ def test_a_session_tells_what_it_is(simulator):
         rf = gen.rf
         assert repr(gen) == f"<k4n session: K4N-20, serial {gen.serial}, {simulator.resource}>"
         assert gen.model == gen.system.type and gen.serial.startswith("1101190042")
-        assert f"{gen.sweep.list!r}" == f"<Sweep.List of the session with K4N-20 {gen.serial} at {simulator.resource}>"
+        session = f"the session with K4N-20 {gen.serial} at {simulator.resource}"
+        assert repr(gen.sweep.list) == f"<Sweep.List of {session}>"
     assert gen.closed and repr(gen).endswith(", closed>")
     gen.close()
-    for use in (lambda: gen.rf, lambda: rf.frequency, lambda: setattr(rf, "level", 0), gen.errors, lambda: gen.identity,
-                lambda: gen.measure(start=1, stop=2, step=1)):
-        with pytest.raises(k4n.Error, match=f"^the session with K4N-20 .* at {simulator.resource} is closed$"):
+    uses = [lambda: gen.rf, lambda: rf.frequency, lambda: setattr(rf, "level", 0), gen.errors]
+    uses += [lambda: gen.identity, lambda: gen.measure(start=1, stop=2, step=1)]
+    for use in uses:
+        with pytest.raises(k4n.Error, match=f"^{re.escape(session)} is closed$"):
             use()
 
 
@@ -42,11 +44,17 @@ def test_a_session_that_is_dropped_is_closed(simulator):
     k4n.open(simulator).close()
 
 
+def run_program(script, simulator, *options):
+    script = "import os, sys, zentrelk4n as k4n\ngen = k4n.open(sys.argv[1])\n" + script
+    command = [sys.executable, *options, "-c", script, simulator.resource]
+    return subprocess.run(command, text=True, capture_output=True)
+
+
 def test_the_end_of_the_program_closes_what_is_open(simulator):
-    script = ("import os, sys, zentrelk4n as k4n; gen = k4n.open(sys.argv[1]); process = k4n.simulate()._process\n"
-              "assert os.getpgid(process.pid) != os.getpgid(0)\nprint(process.pid)")
-    done = subprocess.run([sys.executable, "-X", "dev", "-c", script, simulator.resource], text=True,
-                          capture_output=True)
+    script = """process = k4n.simulate()._process
+assert os.getpgid(process.pid) != os.getpgid(0)
+print(process.pid)"""
+    done = run_program(script, simulator, "-X", "dev")
     assert (done.returncode, done.stderr) == (0, "")
     with pytest.raises(ProcessLookupError):
         os.kill(int(done.stdout), 0)
@@ -56,19 +64,20 @@ def test_the_end_of_the_program_closes_what_is_open(simulator):
 @pytest.mark.parametrize("arguments, code, name", [
     (dict(id_query=True), 0x47065, "identification query not supported"),
     (dict(reset=True), 0x47066, "reset not supported"),
-    (dict(id_query=True, reset=True), 0x47065, "identification query not supported")])
+    (dict(id_query=True, reset=True), 0x47065, "identification query not supported")])  # fmt: skip
 def test_successes_that_are_more_are_warnings(simulator, arguments, code, name):
     with pytest.warns(k4n.DriverWarning) as caught, k4n.open(simulator, **arguments):
         pass
-    assert [(w.message.code, w.message.name, w.filename) for w in caught] == [(code, name, __file__)]
+    (found,) = caught
+    assert (found.message.code, found.message.name, found.filename) == (code, name, __file__)
 
 
-@pytest.mark.parametrize("filters, told", [([], (3, 0)), (["-Werror"], (1, 1)), (["-Wignore"], (0, 0))])
-def test_every_notice_is_told_each_time_unless_the_program_says_otherwise(simulator, filters, told):
-    script = ("import sys, warnings, zentrelk4n as k4n\ngen = k4n.open(sys.argv[1])\nk4n.ZentrelK4N.close(gen)\n"
-              "for _ in range(3):\n    gen.rf.disable_all_modulation()\n")
-    done = subprocess.run([sys.executable, *filters, "-c", script, simulator.resource], text=True,
-                          capture_output=True)
+@pytest.mark.parametrize(
+    "action, told", [("default", (3, 0)), ("error", (1, 1)), ("ignore", (0, 0))]
+)
+def test_every_notice_is_told_each_time_unless_the_program_says_otherwise(simulator, action, told):
+    script = "k4n.ZentrelK4N.close(gen)\nfor _ in '123':\n    gen.rf.disable_all_modulation()"
+    done = run_program(script, simulator, *([] if action == "default" else [f"-W{action}"]))
     notice = "DriverWarning: RF.DisableAllModulation: 0x00002749 (no instrument session)"
     assert (done.stderr.count(notice), done.returncode) == told
 
@@ -81,7 +90,8 @@ def test_the_instrument_s_notices_have_a_name(recwarn):
 def test_a_session_that_was_closed_behind_its_back(simulator):
     with k4n.open(simulator) as gen:
         k4n.ZentrelK4N.close(gen)
-        with pytest.raises(k4n.K4NError, match="RF.Frequency: 0x8004701D .not connected.: A connection"):
+        told = "RF.Frequency: 0x8004701D .not connected.: A connection"
+        with pytest.raises(k4n.K4NError, match=told):
             gen.rf.frequency = 1e9
 
 
@@ -89,10 +99,10 @@ def test_failures_carry_what_the_driver_tells(gen):
     with pytest.raises(k4n.DriverError) as caught:
         gen.acquisition.channels.item("channela")
     error = pickle.loads(pickle.dumps(caught.value))
-    assert (error.code, error.name, error.member, error.interface, error.source) == (
-        0x80047020, "unknown channel name", "Acquisition.Channels.Item", "IZentrelK4NChannels", "")
-    assert str(error) == ("Acquisition.Channels.Item: 0x80047020 (unknown channel name): "
-                          "ZentrelK4NLib: Unknown channel name.")
+    member, name = "Acquisition.Channels.Item", "unknown channel name"
+    assert (error.code, error.name, error.member) == (0x80047020, name, member)
+    assert (error.interface, error.source) == ("IZentrelK4NChannels", "")
+    assert str(error) == f"{member}: 0x80047020 ({name}): ZentrelK4NLib: Unknown channel name."
     # A failure that brings no text has none of an earlier one, whose information nobody took.
     assert gen.utility._pointer.call(3) < 0
     with pytest.raises(k4n.DriverError) as caught:
@@ -105,35 +115,39 @@ def test_the_error_trail_is_emptied():
     with k4n.simulate(fault=refusal) as instrument, k4n.open(instrument.resource) as gen:
         assert gen.errors() == []
         for _ in range(3):
-            with pytest.raises(k4n.DriverError, match="0xFFFF8002 .instrument: request not supported"):
+            with pytest.raises(k4n.DriverError, match="0xFFFF8002 .instrument: request not supp"):
                 gen.sweep.list.dwell = 1e-3
         assert gen.errors() == [k4n.Record(0xFFFF8002, "", 3)] and gen.errors() == []
 
 
 @pytest.mark.parametrize("resource, hint", [
     ("TCPIP0::127.0.0.1::1::SOCKET", "0xBFFF0011"), ("no resource", "0xBFFF0012"),
-    (None, r"held by process \d+ \(python")], ids=["nobody", "no name", "busy"])
+    (None, r"held by process \d+ \(python")], ids=["nobody", "no name", "busy"])  # fmt: skip
 def test_a_session_that_does_not_open_says_why(gen, resource, hint):
     before = len(os.listdir("/proc/self/fd"))
-    with pytest.raises(k4n.DriverError, match=rf"^Initialize: 0x80047060 \(unknown resource\): .*\. \[.*{hint}.*\]$"):
+    told = rf"^Initialize: 0x80047060 \(unknown resource\): .*\. \[.*{hint}.*\]$"
+    with pytest.raises(k4n.DriverError, match=told):
         k4n.open(resource or gen.resource)
     assert len(os.listdir("/proc/self/fd")) == before
 
 
 def elf(bits):
-    return b"\x7fELF" + bytes([bits // 32]) + bytes(13) + (b"\x03\x00" if bits == 32 else b"\x3e\x00") + bytes(4096)
+    machine = 3 if bits == 32 else 0x3E
+    return b"\x7fELF" + bytes([bits // 32]) + bytes(13) + bytes([machine, 0]) + bytes(4096)
+
+
+ABSENT, WRONG = k4n.DriverNotInstalledError, k4n.UnsupportedConfigurationError
 
 
 @pytest.mark.parametrize("content, kind, text", [
-    (None, k4n.DriverNotInstalledError, r"there is no driver module .*module.so \(as given\)"),
-    (b"text", k4n.DriverNotInstalledError, "module.so is not the driver's module"),
-    (elf(64), k4n.DriverNotInstalledError, "the driver module cannot be loaded: .*module.so"),
-    (elf(32), k4n.UnsupportedConfigurationError, "this Python has 64 bits, and .*module.so is a 32-bit module"),
-    (b"\x7fELF" + bytes(14) + b"\xb7\x00", k4n.UnsupportedConfigurationError, "for another processor"),
-    (b"MZ" + bytes(0x3A) + b"\x40\0\0\0PE\0\0\x64\x86", k4n.UnsupportedConfigurationError,
-     "for Windows, this is Linux"),
-    ((MODULES / "libzevisa64.so").read_bytes(), k4n.DriverNotInstalledError, "it has no class factory")],
-    ids=["none", "text", "broken", "32 bits", "processor", "Windows", "another module"])
+    (None, ABSENT, r"there is no driver module .*module.so \(as given\)"),
+    (b"text", ABSENT, "module.so is not the driver's module"),
+    (elf(64), ABSENT, "the driver module cannot be loaded: .*module.so"),
+    (elf(32), WRONG, "this Python has 64 bits, and .*module.so is a 32-bit module"),
+    (b"\x7fELF" + bytes(14) + b"\xb7\x00", WRONG, "for another processor"),
+    (b"MZ" + bytes(0x3A) + b"\x40\0\0\0PE\0\0\x64\x86", WRONG, "for Windows, this is Linux"),
+    ((MODULES / "libzevisa64.so").read_bytes(), ABSENT, "it has no class factory")],
+    ids=["none", "text", "broken", "32 bits", "processor", "Windows", "other module"])  # fmt: skip
 def test_wrong_modules(tmp_path, content, kind, text):
     if content is not None:
         (tmp_path / "module.so").write_bytes(content)
@@ -147,12 +161,12 @@ def test_where_the_driver_is_looked_for(tmp_path, monkeypatch):
         return [place.file for place in _module.places()][:-1]
 
     monkeypatch.setenv("ZENTREL_K4N_MODULE", "/no/such.so")
-    with pytest.raises(k4n.DriverNotInstalledError, match=r"/no/such.so \(by ZENTREL_K4N_MODULE\)"):
+    with pytest.raises(ABSENT, match=r"/no/such.so \(by ZENTREL_K4N_MODULE\)"):
         k4n.open("x")
     monkeypatch.delenv("ZENTREL_K4N_MODULE")
     monkeypatch.setenv("ZENTREL_REGISTRY", str(tmp_path / "registry"))
     assert found() == []
-    with pytest.raises(k4n.DriverNotInstalledError, match="not installed: no module at /usr/lib/.*zk4n register"):
+    with pytest.raises(ABSENT, match="not installed: no module at /usr/lib/.*zk4n register"):
         if os.path.exists("/usr/lib/x86_64-linux-gnu/zentrel-k4n"):
             pytest.skip("the driver is installed on this machine")
         _module.find()
@@ -164,17 +178,19 @@ def test_where_the_driver_is_looked_for(tmp_path, monkeypatch):
     file.parent.mkdir()
     monkeypatch.setenv("XDG_DATA_HOME", str(tmp_path / "none"))
     monkeypatch.setenv("ZENTREL_MACHINE_REGISTRY", str(file))
-    for root, written, read in (("HKEY_LOCAL_MACHINE", "/machine.so", "/machine.so"),
-                                ("HKEY_CURRENT_USER", r"/\"u\\.so", '/"u\\.so')):
-        with file.open("a") as registry:
-            registry.write(f'[{root}\\Software\\Classes\\clsid\\{CLSID}\\InprocServer32]\n@="{written}"\n')
-        assert found() == [read]
+    key = f"Software\\Classes\\clsid\\{CLSID}\\InprocServer32"
+    with file.open("a", buffering=1) as registry:
+        registry.write(f'[HKEY_LOCAL_MACHINE\\{key}]\n@="/machine.so"\n')
+        assert found() == ["/machine.so"]
         monkeypatch.setenv("XDG_DATA_HOME", str(tmp_path))
+        registry.write(f'[HKEY_CURRENT_USER\\{key}]\n@="/\\"u\\\\.so"\n')
+        assert found() == ['/"u\\.so']
 
 
 @pytest.mark.parametrize("options, text", [
     (dict(kind="nothing"), "--kind"), (dict(min_level="x"), "--min-level"),
-    (dict(program="/no/zk4n"), "cannot be started"), (dict(log=True), "in a terminal")])
+    (dict(program="/no/zk4n"), "cannot be started"),
+    (dict(log=True), "in a terminal")])  # fmt: skip
 def test_simulators_that_do_not_start(options, text):
     with pytest.raises((k4n.Error, ValueError), match=text):
         k4n.simulate(**options)
@@ -203,7 +219,8 @@ def test_sixteen_threads_and_a_close_in_the_middle(simulator):
             failures.append(error)
 
     with warnings.catch_warnings():
-        warnings.simplefilter("ignore", k4n.DriverWarning)  # 10057 of calls that the close overtakes
+        # 10057 of calls that the close overtakes.
+        warnings.simplefilter("ignore", k4n.DriverWarning)
         gen = k4n.open(simulator)
         threads = [threading.Thread(target=use, args=(gen, number)) for number in range(16)]
         for thread in threads:

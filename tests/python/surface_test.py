@@ -1,15 +1,16 @@
-"""Every member of the driver, called from Python and through the client's console, with the same outcome."""
+"""Every member of the driver, called from Python and through the console: the same outcome."""
 
 import ctypes
 import enum
 import json
+import re
 import sys
 import warnings
 
 import pytest
 
 import zentrelk4n as k4n
-from conftest import TREE, zk4n
+from conftest import TREE, simulated, zk4n
 from zentrelk4n._members import Choice
 
 sys.path.insert(0, str(TREE / "server/interface"))
@@ -23,8 +24,13 @@ LEFT_OUT = {"Initialize", "Close"}
 # What these read depends on the moment: below.
 OF_THE_MOMENT = ("PLLState", "ERGState", "LevelState", "RFButton")
 
-SAMPLES = {"long": ["2"], "double": ["0.125"], "VARIANT_BOOL": ["true", "false"], "BSTR": ['"ChannelB"'],
-           "SAFEARRAY(double)": ["[1e9, -3, 40]"]}
+SAMPLES = {
+    "long": ["2"],
+    "double": ["0.125"],
+    "VARIANT_BOOL": ["true", "false"],
+    "BSTR": ['"ChannelB"'],
+    "SAFEARRAY(double)": ["[1e9, -3, 40]"],
+}
 UNITS = {"Hz": "1.5e9", "dBm": "-7.5", "dB": "0.5", "s": "1e-3"}
 
 
@@ -51,7 +57,8 @@ def commands(interface, path):
             rows = [()]
             for parameter in given:
                 rows = [(*row, sample) for row in rows for sample in samples(parameter)]
-            calls = [f"{name}({', '.join(row)})" if row or member.kind == "method" else name for row in rows]
+            called = bool(given) or member.kind == "method"
+            calls = [name + f"({', '.join(row)})" * called for row in rows]
             yield from calls
             if child:
                 yield from commands(child, calls[0] + ".")
@@ -59,13 +66,13 @@ def commands(interface, path):
 
 def script():
     lines = list(commands(INTERFACES["IZentrelK4N"], ""))
-    for interface, path in (("IIviDriverIdentity", "Identity."), ("IIviDriverOperation", "Operation.")):
-        lines += commands(INTERFACES[interface], path)
+    for group in ("Identity", "Operation"):
+        lines += commands(INTERFACES[f"IIviDriver{group}"], group + ".")
     return lines
 
 
 def snake_path(line):
-    """The command with the members' Python names; texts, numbers and what stands in brackets stay."""
+    """The command with the members' Python names; texts, numbers and arguments stay."""
     head, equals, tail = line.partition(" = ")
     parts = head.split("(", 1)
     names = ".".join(map(surface_snake, parts[0].split(".")))
@@ -77,8 +84,7 @@ def snake_path(line):
 
 
 def surface_snake(name):
-    return "".join("_" + c if c.isupper() and i and (not name[i - 1].isupper() or name[i + 1:i + 2].islower()) else c
-                   for i, c in enumerate(name)).lower()
+    return re.sub(r"(?<!^)(?<![A-Z])(?=[A-Z])|(?<!^)(?=[A-Z][a-z])", "_", name).lower()
 
 
 def outcome_of(gen, line):
@@ -95,8 +101,8 @@ def outcome_of(gen, line):
     with warnings.catch_warnings(record=True) as caught:
         warnings.simplefilter("always")
         try:
-            result = exec(f"gen.{target} = {value}", found) if equals else eval(f"gen.{target}", found)
-            code, text = 0, None
+            run = exec if equals else eval
+            result, code, text = run(f"gen.{target}{equals}{value}", found), 0, None
         except k4n.DriverError as error:
             result, code, text = None, error.code, error.description or None
     assert len(caught) <= 1 and all(w.category is k4n.DriverWarning for w in caught)
@@ -122,18 +128,19 @@ def same(python, told):
 def test_every_member_does_as_from_cpp(spelling):
     lines = script()
     with k4n.simulate() as instrument:
-        told = [json.loads(line) for line in zk4n(
-            "shell", "--json", script="\n".join([f'Initialize("{instrument.resource}", false, false)', *lines, ""]),
-        ).splitlines()][1:]
+        opened = f'Initialize("{instrument.resource}", false, false)'
+        answers = zk4n("shell", "--json", script="\n".join([opened, *lines, ""]))
+    told = [json.loads(line) for line in answers.splitlines()][1:]
     assert [answer["command"] for answer in told] == lines
-    with k4n.simulate() as instrument, k4n.open(instrument.resource) as gen:
+    with simulated() as gen:
         for line, answer in zip(lines, told):
             code, value, arrays, text = outcome_of(gen, spelling(line))
             assert f"0x{code:08X}" == answer["hresult"], line
             assert text == (answer["error"] and answer["error"]["description"]), line
             if code < 0x80000000 and not line.endswith(OF_THE_MOMENT):
-                results = value if isinstance(value, tuple) else [value]
-                expected = list(answer["out"].values()) if isinstance(value, tuple) else [answer["value"]]
+                many = isinstance(value, tuple)
+                results = value if many else [value]
+                expected = list(answer["out"].values()) if many else [answer["value"]]
                 assert all(map(same, results, expected)), f"{line}: {results} {expected}"
             if arrays:
                 assert arrays == list(answer["out"].values()), line
@@ -148,9 +155,9 @@ def test_every_member_does_as_from_cpp(spelling):
     ("level_state", "parameter=79,status=6,after=1", False, []),
     ("level_state", "parameter=0,status=-32740", True, []),
     ("rf_button", "parameter=0,status=-32761", False, []),
-    ("rf_button", "parameter=34,status=-32740", None, [0xFFFF801C])])
+    ("rf_button", "parameter=34,status=-32740", None, [0xFFFF801C])])  # fmt: skip
 def test_each_state_is_its_own(name, fault, value, told):
-    with k4n.simulate(fault=f"refuse:command=4,{fault}") as instrument, k4n.open(instrument.resource) as gen:
+    with simulated(fault=f"refuse:command=4,{fault}") as gen:
         if value is None:
             with pytest.raises(k4n.DriverError):
                 getattr(gen.system, name)
@@ -165,8 +172,10 @@ def test_each_member_tells_what_it_is():
         for member in interface.members:
             described = python.__dict__[member.name]
             assert described is python.__dict__[surface_snake(member.name)]
-            told = [member.help or member.name] + [f" in {p.unit}" for p in member.parameters if p.unit]
-            assert all(words in described.__doc__ for words in told), member
+            units = [f" in {p.unit}" for p in member.parameters if p.unit]
+            told = [member.help or member.name, *units]
+            text = " ".join(described.__doc__.split())
+            assert all(" ".join(words.split()) in text for words in told), member
 
 
 def test_enumerations_have_the_library_s_values():
@@ -178,19 +187,25 @@ def test_enumerations_have_the_library_s_values():
 def test_settings_are_of_their_kind(gen):
     gen.sweep.mode = k4n.SweepMode.POWER_STEP
     assert gen.sweep.mode is k4n.SweepMode.POWER_STEP
-    assert Choice(k4n.SweepMode).decode(ctypes.c_int32(77)) == 77  # a number that no enumeration has is told as it is
+    # A number that no enumeration has is told as it is.
+    assert Choice(k4n.SweepMode).decode(ctypes.c_int32(77)) == 77
     gen.rf.frequency = "2.5 GHz"
     gen.rf.output_enabled = True
     assert gen.rf.frequency == 2.5e9 and gen.rf.output_enabled is True
-    assert gen.rf is gen.RF and gen.acquisition.channels.item("ChannelB") is gen.acquisition.channels.item("ChannelB")
+    item = gen.acquisition.channels.item
+    assert gen.rf is gen.RF and item("ChannelB") is item("ChannelB")
 
 
 def test_settings_refuse_what_they_cannot_be(gen):
     with pytest.raises(AttributeError):
         gen.rf.frequenzy = 1e9  # not a new attribute
     for group, name, value, error in [
-            (gen.rf, "frequency", "2.4 GHertz", ValueError), (gen.rf, "output_enabled", "off", TypeError),
-            (gen.acquisition, "averaging", 1 << 31, OverflowError), (gen.acquisition, "averaging", 1.5, TypeError),
-            (gen.system, "type", "x", AttributeError), (gen, "rf", None, AttributeError)]:
+        (gen.rf, "frequency", "2.4 GHertz", ValueError),
+        (gen.rf, "output_enabled", "off", TypeError),
+        (gen.acquisition, "averaging", 1 << 31, OverflowError),
+        (gen.acquisition, "averaging", 1.5, TypeError),
+        (gen.system, "type", "x", AttributeError),
+        (gen, "rf", None, AttributeError),
+    ]:
         with pytest.raises(error, match="only be read" if error is AttributeError else None):
             setattr(group, name, value)

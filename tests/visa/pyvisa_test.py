@@ -1,4 +1,5 @@
 """The VISA library as PyVISA drives it, against a scripted instrument and the simulator."""
+import functools
 import math
 import pathlib
 import re
@@ -60,7 +61,8 @@ class PyVisaTest(unittest.TestCase):
 
     def test_query_clear_and_flush(self):
         self.session.read_termination = "\n"
-        for drop in (self.session.clear, lambda: self.session.flush(BufferOperation.discard_receive_buffer)):
+        flush = functools.partial(self.session.flush, BufferOperation.discard_receive_buffer)
+        for drop in (self.session.clear, flush):
             self.assertEqual(self.session.query("*IDN?"), "Zentrel,K4N")
             self.assertEqual(self.session.read_bytes(6), b"behind")
             self.assertEqual(self.session.query("*IDN?"), "Zentrel,K4N")
@@ -95,7 +97,8 @@ class PyVisaTest(unittest.TestCase):
         self.assertEqual(info.resource_name, self.name.replace("TCPIP", "TCPIP0"))
         self.assertEqual(self.session.resource_manufacturer_name, "Zentrel")
         self.fails(StatusCode.error_invalid_resource_name, self.manager.open_resource, "COM1")
-        self.fails(StatusCode.error_resource_not_found, self.manager.open_resource, "TCPIP::127.0.0.1::1::SOCKET")
+        nobody = "TCPIP::127.0.0.1::1::SOCKET"
+        self.fails(StatusCode.error_resource_not_found, self.manager.open_resource, nobody)
 
     def test_numbers_of_the_header(self):
         header = pathlib.Path(__file__).parents[2] / "visa/Visa.h"
@@ -105,9 +108,8 @@ class PyVisaTest(unittest.TestCase):
         self.assertEqual(ours, {name: getattr(constants, name) & 0xFFFFFFFF for name in ours})
 
     def test_events_status_byte_and_closing(self):
-        self.fails(
-            StatusCode.error_invalid_event, self.session.enable_event, EventType.service_request, EventMechanism.queue
-        )
+        event = (EventType.service_request, EventMechanism.queue)
+        self.fails(StatusCode.error_invalid_event, self.session.enable_event, *event)
         self.fails(StatusCode.error_nonsupported_operation, self.session.read_stb)
         self.session.close()
         self.assertRaises(InvalidSession, lambda: self.session.session)
@@ -116,7 +118,8 @@ class PyVisaTest(unittest.TestCase):
         self.assertRaises(InvalidSession, lambda: self.manager.session)
 
     def test_simulator(self):
-        simulator = subprocess.Popen([PROGRAM, "simulate", "--port", "0"], stdout=subprocess.PIPE, text=True)
+        command = [PROGRAM, "simulate", "--port", "0"]
+        simulator = subprocess.Popen(command, stdout=subprocess.PIPE, text=True)
         self.addCleanup(simulator.communicate)
         self.addCleanup(simulator.kill)
         session = self.manager.open_resource(simulator.stdout.readline().strip(), timeout=5000)

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Makes the captures anew: capture.py CLIENT FOLDER [NAME...].
 
-CLIENT is the built zk4n. Each capture is a session of the driver with a simulated instrument, whose bytes a relay
-between them keeps; packets are made of them, between two addresses of the documentation. No rights are needed.
-Afterwards `wireshark_test.py --write` makes the expected texts: look at each line that differs.
+CLIENT is the built zk4n. Each capture is a session of the driver with a simulated instrument, whose
+bytes a relay between them keeps; packets are made of them, between two addresses of the
+documentation. No rights are needed. Afterwards `wireshark_test.py --write` makes the expected
+texts: look at each line that differs.
 """
 
 import pathlib
@@ -80,8 +81,8 @@ class Relay:
     def _serve(self):
         client = self.listener.accept()[0]
         server = socket.create_connection(("127.0.0.1", self.port))
-        directions = [threading.Thread(target=self._pass_on, args=pair)
-                      for pair in ((client, server, True), (server, client, False))]
+        pairs = ((client, server, True), (server, client, False))
+        directions = [threading.Thread(target=self._pass_on, args=pair) for pair in pairs]
         for direction in directions:
             direction.start()
         for direction in directions:
@@ -140,11 +141,12 @@ def write_capture(path, server_port, chunks):
     records = []
 
     def send(moment, from_client, flags, payload=b""):
-        data = packet(server_port, from_client, numbers[from_client], numbers[not from_client] if flags & ACK else 0,
-                      flags, payload, len(records))
-        microseconds = round((moment - start) * 1e6) + 1000
-        records.append(struct.pack("<IIII", 1_700_000_000 + microseconds // 1_000_000, microseconds % 1_000_000,
-                                   len(data), len(data)) + data)
+        acknowledged = numbers[not from_client] if flags & ACK else 0
+        order = (numbers[from_client], acknowledged, flags, payload, len(records))
+        data = packet(server_port, from_client, *order)
+        seconds, microseconds = divmod(round((moment - start) * 1e6) + 1000, 1_000_000)
+        stamp = (1_700_000_000 + seconds, microseconds)
+        records.append(struct.pack("<IIII", *stamp, len(data), len(data)) + data)
         numbers[from_client] += len(payload) + (1 if flags & (SYN | FIN) else 0)
 
     send(start - 0.0003, True, SYN)
@@ -152,7 +154,7 @@ def write_capture(path, server_port, chunks):
     send(start - 0.0001, True, ACK)
     for moment, from_client, data in chunks:
         for at in range(0, len(data), LARGEST_SEGMENT):
-            send(moment, from_client, PUSH | ACK, data[at:at + LARGEST_SEGMENT])
+            send(moment, from_client, PUSH | ACK, data[at : at + LARGEST_SEGMENT])
     end = chunks[-1][0] + 0.0001
     send(end, True, FIN | ACK)
     send(end + 0.0001, False, FIN | ACK)
@@ -168,7 +170,8 @@ def read_capture(path):
         if size > 54:
             from_client = source == CLIENT_PORT
             port = target if from_client else source
-            chunks.append((seconds + microseconds / 1e6, from_client, data[at + 16 + 54:at + 16 + size]))
+            payload = data[at + 16 + 54 : at + 16 + size]
+            chunks.append((seconds + microseconds / 1e6, from_client, payload))
         at += 16 + size
     return port, chunks
 
@@ -182,20 +185,22 @@ def run_client(client, script, resource, folder):
         file = pathlib.Path(folder) / "script.zk"
         file.write_text(script.replace("RESOURCE", resource))
         command = [client, "shell", str(file)]
-    print(subprocess.run(command, check=False, capture_output=True, text=True, stdin=subprocess.DEVNULL).stdout[-300:])
+    ran = subprocess.run(command, capture_output=True, text=True, stdin=subprocess.DEVNULL)
+    print(ran.stdout[-300:])
 
 
 def make(client, name, path):
     script, port, fault = CAPTURES[name]
-    faults = ["--fault", fault] if fault else []
-    with tempfile.TemporaryDirectory() as folder, \
-            subprocess.Popen([client, "simulate", "--port", "0", *faults], stdout=subprocess.PIPE, text=True) as simulator:
+    command = [client, "simulate", "--port", "0", *(["--fault", fault] if fault else [])]
+    with tempfile.TemporaryDirectory() as folder:
+        simulator = subprocess.Popen(command, stdout=subprocess.PIPE, text=True)
         try:
             relay = Relay(int(simulator.stdout.readline().split("::")[2]))
             run_client(client, script, relay.resource(), folder)
             relay.finish()
         finally:
             simulator.terminate()
+            simulator.communicate()
     write_capture(path, port, relay.chunks)
 
 

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""The Wireshark dissector over kept captures: wireshark_test.py TREE MAKE_TABLES TSHARK [unittest's arguments].
+"""The dissector over kept captures: wireshark_test.py TREE MAKE_TABLES TSHARK [ARGUMENT...]
 
-Each capture beside its expected text: a line a message, with every field that it has. With --write as the first
-argument of unittest, the texts are made anew: look at each line that differs.
+Each capture beside its expected text: a line a message, with every field that it has. The arguments
+are unittest's; with --write as the first, the texts are made anew: look at each line that differs.
 """
 
 import concurrent.futures
@@ -25,34 +25,33 @@ LONGEST_VALUE = 100
 
 
 def tshark(*arguments):
-    """Its output, with the dissector in the folder of personal plugins; a fault of the dissector's own is the test's."""
+    """Its output, with the dissector among the personal plugins; its own faults are the test's."""
     with tempfile.TemporaryDirectory() as home:
         plugins = pathlib.Path(home, ".local", "lib", "wireshark", "plugins")
         plugins.mkdir(parents=True)
         shutil.copy(DISSECTOR, plugins)
-        environment = {name: value for name, value in os.environ.items() if not name.startswith(("XDG_", "WIRESHARK_"))}
-        ran = subprocess.run([TSHARK, *arguments], check=False, text=True, capture_output=True,
-                             env={**environment, "HOME": home})
+        theirs = {k: v for k, v in os.environ.items() if not k.startswith(("XDG_", "WIRESHARK_"))}
+        command, environment = [TSHARK, *arguments], {**theirs, "HOME": home}
+        ran = subprocess.run(command, text=True, capture_output=True, env=environment)
     if ran.returncode or "Lua Error:" in ran.stderr + ran.stdout:
         raise AssertionError(ran.stderr + ran.stdout[-2000:])
     return ran.stdout
 
 
 def all_fields():
-    columns = (line.split("\t") for line in tshark("-G", "fields").splitlines())
-    return sorted(column[2] for column in columns if column[0] == "F" and column[2].startswith("zk4n."))
+    return sorted(re.findall(r"^F\t[^\t]*\t(zk4n\.[^\t]*)", tshark("-G", "fields"), re.MULTILINE))
 
 
 def told(path, fields):
     """A line a message: the frame, its fields, and what the dissector finds wrong."""
     names = ["frame.number", *fields, "_ws.expert.message"]
-    output = tshark("-n", "-2", "-r", str(path), "-Y", "zk4n || zk4n.bad_header_word", "-T", "fields", "-E", "occurrence=a",
-                    *(part for name in names for part in ("-e", name)))
+    options = "-n -2 -T fields -E occurrence=a -Y".split() + ["zk4n || zk4n.bad_header_word"]
+    output = tshark("-r", path, *options, *(part for name in names for part in ("-e", name)))
     lines = []
     for line in output.splitlines():
         frame, *values = line.split("\t")
-        pairs = [f"{name.removeprefix('zk4n.')}={shortened(value)}"
-                 for name, value in zip(names[1:], values) if value]
+        met = [(name, value) for name, value in zip(names[1:], values) if value]
+        pairs = [f"{name.removeprefix('zk4n.')}={shortened(value)}" for name, value in met]
         lines.append(" ".join([frame, *pairs]))
     return "\n".join(lines) + "\n"
 
@@ -74,10 +73,12 @@ class Captures(unittest.TestCase):
 
     def test_each_message_is_told(self):
         self.assertGreater(len(self.fields), 60)
-        self.assertEqual(sorted(path.stem for path in CAPTURES.glob("*.pcap")), sorted(capture.CAPTURES))
+        names = sorted(capture.CAPTURES)
+        files = [CAPTURES / f"{name}.pcap" for name in names]
+        self.assertEqual(sorted(CAPTURES.glob("*.pcap")), sorted(files))
         with concurrent.futures.ThreadPoolExecutor(2) as pool:
-            texts = pool.map(lambda name: told(CAPTURES / f"{name}.pcap", self.fields), capture.CAPTURES)
-        for name, text in zip(capture.CAPTURES, texts):
+            texts = pool.map(lambda file: told(file, self.fields), files)
+        for name, text in zip(names, texts):
             file = CAPTURES / f"{name}.txt"
             if WRITE:
                 file.write_text(text)
@@ -85,18 +86,22 @@ class Captures(unittest.TestCase):
                 self.assertEqual(text, file.read_text())
 
     def test_filters_of_the_manual_are_ones(self):
-        rows = re.findall(r"^\| (`.*zk4n.*?) \|", (TREE / "docs/manual/protocol.md").read_text(), re.MULTILINE)
+        page = (TREE / "docs/manual/protocol.md").read_text()
+        rows = re.findall(r"^\| (`.*zk4n.*?) \|", page, re.MULTILINE)
         filters = re.findall(r"`([^`]+)`", " ".join(row.split(" | ")[0] for row in rows))
         self.assertGreater(len(filters), 5)
-        tshark("-r", str(CAPTURES / "drop.pcap"), "-Y", " || ".join(f"({text})" for text in filters))
+        tshark("-r", CAPTURES / "drop.pcap", "-Y", " || ".join(f"({text})" for text in filters))
 
     def test_segments_of_any_size_give_the_same(self):
-        """Also on another port, where the first message is found by its header word once it is there as a whole."""
+        """Also on another port, where the first whole message is found by its header word."""
         _, chunks = capture.read_capture(CAPTURES / "demo.pcap")
         expected = without_places((CAPTURES / "demo.txt").read_text())
         for size, port in ((7, capture.USUAL_PORT), (16, capture.OTHER_PORT)):
-            pieces = [(moment, from_client, data[at:at + size])
-                      for moment, from_client, data in chunks for at in range(0, len(data), size)]
+            pieces = [
+                (moment, from_client, data[at : at + size])
+                for moment, from_client, data in chunks
+                for at in range(0, len(data), size)
+            ]
             with self.subTest(size), tempfile.TemporaryDirectory() as folder:
                 path = pathlib.Path(folder) / "pieces.pcap"
                 capture.write_capture(path, port, pieces)
@@ -109,8 +114,8 @@ class Sources(unittest.TestCase):
             made = pathlib.Path(folder) / "zk4n.lua"
             shutil.copy(DISSECTOR, made)
             subprocess.run([MAKE_TABLES, str(made)], check=True)
-            self.assertEqual(made.read_text(), DISSECTOR.read_text(),
-                             "make_dissector_tables tools/wireshark/zk4n.lua mends it")
+            advice = "make_dissector_tables tools/wireshark/zk4n.lua mends it"
+            self.assertEqual(made.read_text(), DISSECTOR.read_text(), advice)
 
     def test_each_fault_of_the_simulator_has_its_capture(self):
         source = (TREE / "simulator" / "FaultText.cpp").read_text()

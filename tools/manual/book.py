@@ -1,9 +1,11 @@
-"""The manual's source, docs/manual, as pages and sections, and what the builder makes of a page: Markdown in which the
-calls of a member, its parameters and its results are tables. `docs/manual/index.md` lists the pages in their order.
+"""The manual's source, docs/manual, as pages and sections, and what the builder makes of a page:
+Markdown in which the calls of a member, its parameters and its results are tables.
+`docs/manual/index.md` lists the pages in their order.
 
-A page whose head names an `interface` describes its members, a section each, under their names. A section begins with
-its parameters as a definition list (`value` stands for that of a property); a block `results` lists what the member
-returns beside S_OK, and a block `console` is an example, which the tests run.
+A page whose head names an `interface` describes its members, a section each, under their names. A
+section begins with its parameters as a definition list (`value` stands for that of a property); a
+block `results` lists what the member returns beside S_OK, and a block `console` is an example,
+which the tests run.
 """
 
 import dataclasses
@@ -26,14 +28,16 @@ NOT_SUPPORTED = "ZentrelK4NLib: Does not support this class-compliant feature: {
 
 # Results that many members share: code, text, when.
 SHARED_RESULTS = {
-    "no-session": [("0x8004701D", "A connection to the instrument has not been established.", "No session is open.")],
+    "no-session": [("0x8004701D", "A connection to the instrument has not been established.",
+                    "No session is open.")],
     "no-model": [("0x00002749", "", "No session is open. A success code (10057).")],
     "exchange": [("0xFFFF8xxx", "", "The instrument refuses; the error trail has a record."),
                  ("0xBFFFxxxx", "", "The link fails; the error trail has a record.")],
-    "no-model-modulated": [("0x00002749", "", "No session is open while the modulator is switched on; the setting is "
-                            "kept. A success code (10057).")],
-    "negative-time": [("0x80047010", "", "The time is negative or no number; nothing is sent or kept.")],
-}
+    "no-model-modulated": [("0x00002749", "", "No session is open while the modulator is switched "
+                            "on; the setting is kept. A success code (10057).")],
+    "negative-time": [("0x80047010", "",
+                       "The time is negative or no number; nothing is sent or kept.")],
+}  # fmt: skip
 
 
 @dataclasses.dataclass
@@ -79,7 +83,7 @@ def blocks(lines, name):
     for line in lines:
         if inside is None and re.match(rf"```{name}\b", line):
             inside = []
-            found.append((line[3 + len(name):].split(), inside))
+            found.append((line[3 + len(name) :].split(), inside))
         elif inside is not None and line == "```":
             inside = None
         elif inside is not None:
@@ -94,15 +98,19 @@ def anchor_of(title):
 def read_page(folder, name):
     """A line {{_NAME}} stands for the file of that name, which several pages share."""
     file = folder / f"{name}.md"
-    text = re.sub(r"^\{\{(_\w+)\}\}$", lambda m: file.with_name(m[1] + ".md").read_text().rstrip(), file.read_text(),
-                  flags=re.MULTILINE)
+    text = re.sub(
+        r"^\{\{(_\w+)\}\}$",
+        lambda m: file.with_name(m[1] + ".md").read_text().rstrip(),
+        file.read_text(),
+        flags=re.MULTILINE,
+    )
     lines = text.split("\n")
     assert lines[0] == "---", f"{name}.md has no head"
     end = lines.index("---", 1)
     head = dict(line.split(": ", 1) for line in lines[1:end])
     page = Page(name, head, [], [])
     target, fenced = page.intro, False
-    for line in lines[end + 1:]:
+    for line in lines[end + 1 :]:
         fenced ^= line.startswith("```")
         heading = None if fenced else re.match(r"(##+) (.*)", line)
         if heading:
@@ -117,6 +125,7 @@ def read_page(folder, name):
 @dataclasses.dataclass(frozen=True)
 class Entry:
     """A line of the contents: a chapter has no page of its own."""
+
     depth: int
     title: str
     page: str
@@ -126,26 +135,41 @@ class Book:
     def __init__(self, folder=TREE / "docs" / "manual"):
         self.folder = folder
         index = (folder / "index.md").read_text()
-        self.contents = [Entry(len(m[1]) // 2, m[2] or m[4], m[3] or "")
-                         for m in re.finditer(r"^( *)- (?:\[([^\]]+)\]\(([^)]+)\.md\)|(.+))$", index, re.MULTILINE)]
-        self.pages = [read_page(folder, name) for name in ["index"] + [e.page for e in self.contents if e.page]]
+        self.contents = [
+            Entry(len(m[1]) // 2, m[2] or m[4], m[3] or "")
+            for m in re.finditer(
+                r"^( *)- (?:\[([^\]]+)\]\(([^)]+)\.md\)|(.+))$", index, re.MULTILINE
+            )
+        ]
+        self.pages = [
+            read_page(folder, name)
+            for name in ["index"] + [e.page for e in self.contents if e.page]
+        ]
         self.targets = self.link_targets()
 
     def page(self, name):
         return next(page for page in self.pages if page.name == name)
 
     def link_targets(self):
-        """From what stands as code in a text to (page, anchor): members, enumerations, their values, and codes."""
+        """From what stands as code in a text to (page, anchor): members, enumerations, their
+        values, and codes.
+        """
         targets = {}
         for page in self.pages:
             if not page.interface:
                 continue
             path = PATHS[page.interface.name]
-            prefixes = {page.interface.name, calls.group(page.interface), ".".join(name for name, _ in path)}
+            prefixes = {
+                page.interface.name,
+                calls.group(page.interface),
+                ".".join(name for name, _ in path),
+            }
             for prefix in prefixes:
                 targets.setdefault(prefix, (page.name, ""))
                 for section in page.sections:
-                    targets.setdefault(f"{prefix}.{section.title}".lstrip("."), (page.name, section.anchor))
+                    targets.setdefault(
+                        f"{prefix}.{section.title}".lstrip("."), (page.name, section.anchor)
+                    )
         for page in self.pages:
             if page.name == "reference/enumerations":
                 for section in page.sections:
@@ -160,8 +184,11 @@ class Book:
 
 def result_codes(page):
     """Of the rows of its tables."""
-    return [result for section in page.sections
-            for result in re.findall(r"^\| `(0x[0-9A-F]{8})`", section.text, re.MULTILINE)]
+    return [
+        result
+        for section in page.sections
+        for result in re.findall(r"^\| `(0x[0-9A-F]{8})`", section.text, re.MULTILINE)
+    ]
 
 
 def definitions(lines):
@@ -202,13 +229,27 @@ def outcomes(section, members):
             key, _, name = parts[0].partition(" ")
             if key == "unsupported":
                 method = members[0].kind == "method"
-                text = NOT_SUPPORTED.format("method" if method else "property", name or members[0].name)
-                found.append(Outcome("0x80047011" if method else "0x80047012", text,
-                                     parts[1] if len(parts) > 1 else "Always."))
+                text = NOT_SUPPORTED.format(
+                    "method" if method else "property", name or members[0].name
+                )
+                found.append(
+                    Outcome(
+                        "0x80047011" if method else "0x80047012",
+                        text,
+                        parts[1] if len(parts) > 1 else "Always.",
+                    )
+                )
             elif key == "no-object":
                 text = NOT_SUPPORTED.format("property", members[0].parameters[-1].type)
-                found.append(Outcome("0x80047012", text, "There was no memory for the group's object when the driver's "
-                                     "was created.", False))
+                found.append(
+                    Outcome(
+                        "0x80047012",
+                        text,
+                        "There was no memory for the group's object when the driver's "
+                        "was created.",
+                        False,
+                    )
+                )
             elif key.startswith("0x"):
                 found.append(Outcome(*parts[:3], parts[3:] != ["unshown"]))
             else:
@@ -217,10 +258,16 @@ def outcomes(section, members):
 
 
 def summary(section, members):
-    """A line for the table of the members: of a property what its value is, otherwise the first sentence."""
+    """A line for the table of the members: of a property what its value is, otherwise the first
+    sentence.
+    """
     described, rest = definitions(section.lines)
     sentence = re.split(r"(?<=[.;]) ", " ".join(itertools.takewhile(str.strip, rest)))[0]
-    if is_property(members) and access(members) != "group" and not sentence.startswith("Not supported"):
+    if (
+        is_property(members)
+        and access(members) != "group"
+        and not sentence.startswith("Not supported")
+    ):
         sentence = re.split(r"; |, a value of |\. ", described[0][1])[0]
     return sentence[0].upper() + sentence[1:].rstrip(".:;")
 
@@ -256,12 +303,16 @@ def overview(page):
     if interface.name in calls.QUERIED.values():
         rows += [("COM, C#", "by a query of the root object for the interface")]
     elif path:
-        rows += [("COM, C#", " &rarr; ".join(code(name) for name in [calls.ROOT, *map("".join, path)]))]
+        rows += [
+            ("COM, C#", " &rarr; ".join(code(name) for name in [calls.ROOT, *map("".join, path)]))
+        ]
     else:
         root = next(coclass for coclass in LIBRARY.coclasses if coclass.creatable)
-        rows += [("COM, C#", "the object that its class creates"),
-                 ("Class", f"{code(f'{LIBRARY.name}.{root.name}')}, {code('{' + root.clsid + '}')}"),
-                 ("Library", f"{LIBRARY.name} {LIBRARY.version}, {code('{' + LIBRARY.libid + '}')}")]
+        rows += [
+            ("COM, C#", "the object that its class creates"),
+            ("Class", f"{code(f'{LIBRARY.name}.{root.name}')}, {code('{' + root.clsid + '}')}"),
+            ("Library", f"{LIBRARY.name} {LIBRARY.version}, {code('{' + LIBRARY.libid + '}')}"),
+        ]
     rows += [("Python", code(python)), ("Console", code(console) if console else "the bare names")]
     lines = table("reach", [], [(f"**{name}**", cell) for name, cell in rows])
     members = []
@@ -269,13 +320,21 @@ def overview(page):
         found = accessors(interface, section.title)
         if found:
             value = found[0].parameters[-1] if is_property(found) else None
-            members.append((f"[{code(section.title)}](#{section.anchor})", access(found), value.unit if value else "",
-                            summary(section, found)))
+            members.append(
+                (
+                    f"[{code(section.title)}](#{section.anchor})",
+                    access(found),
+                    value.unit if value else "",
+                    summary(section, found),
+                )
+            )
     return lines + table("members", ["Member", "Kind", "Unit", "What it does"], members)
 
 
 def member_tables(interface, section):
-    """The calls of a member, what its source says of it, and its parameters; then the rest of its lines."""
+    """The calls of a member, what its source says of it, and its parameters; then the rest of its
+    lines.
+    """
     members, path = accessors(interface, section.title), PATHS[interface.name]
     described, rest = definitions(section.lines)
     described = dict(described)
@@ -283,9 +342,14 @@ def member_tables(interface, section):
     if members[0].help:
         lines += [f'<p class="help">{members[0].help}</p>', ""]
     ordered = sorted(members, key=lambda member: member.kind)  # get before put
-    rows = [("COM", [calls.com_call(m) for m in ordered]), ("C#", [emit_csharp.signature(m) for m in ordered]),
-            ("Python", [calls.python_call(m, path) for m in ordered])]
-    lines += table("calls", [], [(f"**{name}**", "<br>".join(map(code, texts))) for name, texts in rows])
+    rows = [
+        ("COM", [calls.com_call(m) for m in ordered]),
+        ("C#", [emit_csharp.signature(m) for m in ordered]),
+        ("Python", [calls.python_call(m, path) for m in ordered]),
+    ]
+    lines += table(
+        "calls", [], [(f"**{name}**", "<br>".join(map(code, texts))) for name, texts in rows]
+    )
     parameters = []
     if is_property(members):
         value = members[0].parameters[0]
@@ -294,7 +358,9 @@ def member_tables(interface, section):
         words = {"in": "in", "unstated": "in", "inout": "in, out", "retval": "out"}
         for p in members[0].parameters:
             direction = words[p.direction] + (", optional" if p.optional else "")
-            parameters.append((code(p.name), f"{code(p.type)}, {direction}", p.unit, described.get(p.name, "")))
+            parameters.append(
+                (code(p.name), f"{code(p.type)}, {direction}", p.unit, described.get(p.name, ""))
+            )
     if parameters:
         lines += table("parameters", ["Parameter", "Type", "Unit", "Meaning"], parameters)
     return lines + rest
@@ -340,7 +406,14 @@ def enumeration_table(section):
     rows = []
     for name, number in enumeration.values:
         bits = f", {code(f'0x{number & 0xFFFFFFFF:08X}')}" if number < -1 else ""
-        rows.append((code(name), f"{number}{bits}", code(calls.python_value(enumeration, name)), described.get(name, "")))
+        rows.append(
+            (
+                code(name),
+                f"{number}{bits}",
+                code(calls.python_value(enumeration, name)),
+                described.get(name, ""),
+            )
+        )
     lines = [f'<p class="help">{enumeration.help}</p>', ""] if enumeration.help else []
     lines += [f"In Python `{calls.enum_name(enumeration)}`.", ""] + rest
     return lines + [""] + table("values", ["Value", "Number", "Python", "Meaning"], rows)
@@ -353,6 +426,7 @@ def relative(target, page):
 
 def link_code(line, book, page):
     """Code that names a member, an enumeration or a result becomes a link to what is said of it."""
+
     def link(match):
         inner = match[2]
         word = re.match(r"[\w.]+", inner)
@@ -364,6 +438,7 @@ def link_code(line, book, page):
             return match[0]
         way = "" if name == page.name else relative(name, page.name) + ".md"
         return f"{match[1]}[`{inner}`]({way}{'#' + anchor if anchor else ''})"
+
     return re.sub(r"(\[?)`([^`]+)`", link, line)
 
 
@@ -383,5 +458,7 @@ def markdown(book, page):
         if line.startswith("```console"):
             result += example_head(line.split()[1:])
             continue
-        result.append(line if fenced or line.startswith(("#", "```")) else link_code(line, book, page))
+        result.append(
+            line if fenced or line.startswith(("#", "```")) else link_code(line, book, page)
+        )
     return "\n".join(result) + "\n"

@@ -1,18 +1,23 @@
-"""How a member of the surface is called in COM and Python, and by which path it is reached from the root."""
+"""How a member of the surface is called in COM and Python, and by which path it is reached from the
+root.
+"""
 
 import re
 
 from emit_python import enum_name, snake
 
 ROOT = "IZentrelK4N"
-# What no property leads to: interfaces that a query of the root gives, under the names that the clients have for them.
+# What no property leads to: interfaces that a query of the root gives, under the names that the
+# clients have for them.
 QUERIED = {"Identity": "IIviDriverIdentity", "Operation": "IIviDriverOperation"}
 CHANNEL = '"ChannelA"'  # stands for any in paths
 
 
 def python_value(enumeration, value):
-    prefix = next(p for p in ("ZentrelK4N" + enum_name(enumeration), "E_ZENTRELK4N_") if value.startswith(p))
-    return snake(value[len(prefix):]).upper()
+    prefix = next(
+        p for p in ("ZentrelK4N" + enum_name(enumeration), "E_ZENTRELK4N_") if value.startswith(p)
+    )
+    return snake(value[len(prefix) :]).upper()
 
 
 def paths(interfaces):
@@ -57,8 +62,11 @@ def com_call(member):
 
 def python_call(member, path):
     place = f"{python_path(path)}.{snake(member.name)}"
-    given = [snake(p.name) + ("=None" if p.optional else "") for p in member.parameters
-             if p.direction in ("in", "unstated")]
+    given = [
+        snake(p.name) + ("=None" if p.optional else "")
+        for p in member.parameters
+        if p.direction in ("in", "unstated")
+    ]
     results = [snake(p.name) for p in member.parameters if p.direction in ("inout", "retval")]
     if member.kind == "put":
         return f"{place} = value"

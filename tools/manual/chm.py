@@ -1,4 +1,6 @@
-"""The manual as the help file that the type library names, compiled by chmcmd. It opens at the names of members."""
+"""The manual as the help file that the type library names, compiled by chmcmd. It opens at the
+names of members.
+"""
 
 import html
 import pathlib
@@ -25,7 +27,8 @@ TOPIC = """<!DOCTYPE html>
 </body>
 </html>
 """
-# The binary form of the index would hold a part of an address in the compiler's memory, another one each time.
+# The binary form of the index would hold a part of an address in the compiler's memory, another one
+# each time.
 PROJECT = """[OPTIONS]
 Compatibility=1.1 or later
 Compiled file={name}
@@ -39,7 +42,8 @@ Language=0x409 English (United States)
 Title={title}
 
 [WINDOWS]
-main="{title}","contents.hhc","index.hhk","index.html","index.html",,,,,0x63520,240,0x387e,[80,60,1180,860],0x0,,,,,,0
+main="{title}","contents.hhc","index.hhk","index.html","index.html",,,,,\
+0x63520,240,0x387e,[80,60,1180,860],0x0,,,,,,0
 
 [FILES]
 {files}
@@ -61,7 +65,8 @@ def ascii_title(text):
 
 def item(name, place=""):
     local = f'<param name="Local" value="{place}">' if place else ""
-    return f'<li><object type="text/sitemap"><param name="Name" value="{ascii_title(name)}">{local}</object>'
+    named = f'<param name="Name" value="{ascii_title(name)}">{local}'
+    return f'<li><object type="text/sitemap">{named}</object>'
 
 
 def contents(book):
@@ -76,7 +81,11 @@ def contents(book):
         lines.append(item(entry.title, entry.page and f"{entry.page}.html"))
         page = book.page(entry.page) if entry.page else None
         if page and page.interface:
-            lines += ["<ul>", *(item(s.title, f"{page.name}.html#{s.anchor}") for s in page.sections), "</ul>"]
+            lines += [
+                "<ul>",
+                *(item(s.title, f"{page.name}.html#{s.anchor}") for s in page.sections),
+                "</ul>",
+            ]
     return LIST.format("\n".join(lines + ["</ul>"] * (depth + 1)))
 
 
@@ -104,18 +113,19 @@ def index(book):
 
 def raster(picture, file):
     """The viewer has no vectors of its own."""
-    subprocess.run(["rsvg-convert", "--width", "900", "--keep-aspect-ratio", "--background-color", "white", "-o",
-                    str(file), str(picture)], check=True)
+    shape = "--width 900 --keep-aspect-ratio --background-color white".split()
+    subprocess.run(["rsvg-convert", *shape, "-o", str(file), str(picture)], check=True)
 
 
 def without_times(data):
-    """The same content gives the same file: the compiler writes when it ran into two places, the file's header and the
-    first entry of the topic #SYSTEM, which is kept uncompressed."""
+    """The same content gives the same file: the compiler writes when it ran into two places, the
+    file's header and the first entry of the topic #SYSTEM, which is kept uncompressed.
+    """
     data = bytearray(data)
     time_entry = data.find(struct.pack("<IHH", 3, 10, 4))
     if data[:4] != b"ITSF" or time_entry < 0:
         raise RuntimeError("chmcmd's file is not laid out as expected")
-    data[16:20] = data[time_entry + 8:time_entry + 12] = bytes(4)
+    data[16:20] = data[time_entry + 8 : time_entry + 12] = bytes(4)
     return bytes(data)
 
 
@@ -128,7 +138,11 @@ def write(book, bodies, file):
             topic = folder / f"{page.name}.html"
             topic.parent.mkdir(parents=True, exist_ok=True)
             body = re.sub(r'(<img src="[^"]*)\.svg"', r'\1.png"', bodies[page.name])
-            topic.write_text(TOPIC.format(title=html.escape(page.title), up=source.relative("", page.name), body=body))
+            topic.write_text(
+                TOPIC.format(
+                    title=html.escape(page.title), up=source.relative("", page.name), body=body
+                )
+            )
             names.append(f"{page.name}.html")
         (folder / "pictures").mkdir()
         for picture in sorted((book.folder / "pictures").glob("*.svg")):
@@ -137,8 +151,12 @@ def write(book, bodies, file):
         (folder / "contents.hhc").write_text(contents(book))
         (folder / "index.hhk").write_text(index(book))
         project = folder / "manual.hhp"
-        project.write_text(PROJECT.format(name=file.name, title=html_pages.MANUAL, files="\n".join(names)))
-        made = subprocess.run(["chmcmd", "--no-html-scan", project.name], cwd=folder, capture_output=True, text=True)
+        project.write_text(
+            PROJECT.format(name=file.name, title=html_pages.MANUAL, files="\n".join(names))
+        )
+        made = subprocess.run(
+            ["chmcmd", "--no-html-scan", project.name], cwd=folder, capture_output=True, text=True
+        )
         if made.returncode != 0 or not (folder / file.name).exists():
             raise RuntimeError(made.stdout + made.stderr)
         file.write_bytes(without_times((folder / file.name).read_bytes()))

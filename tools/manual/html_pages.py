@@ -1,4 +1,6 @@
-"""The manual as HTML: pages that need neither a server nor the network, with contents at the side and a search."""
+"""The manual as HTML: pages that need neither a server nor the network, with contents at the side
+and a search.
+"""
 
 import concurrent.futures
 import html
@@ -18,12 +20,14 @@ FORMAT = "markdown-smart-tex_math_dollars-citations-yaml_metadata_block-raw_tex-
 
 
 def pandoc(text, *options):
-    return subprocess.run(["pandoc", "-f", FORMAT, *options], input=text, capture_output=True, text=True,
-                          check=True).stdout
+    return subprocess.run(
+        ["pandoc", "-f", FORMAT, *options], input=text, capture_output=True, text=True, check=True
+    ).stdout
 
 
 def render(book):
     """The body of each page, by its name."""
+
     def body(page):
         made = pandoc(source.markdown(book, page), "-t", "html5", "--no-highlight", "--wrap=none")
         made = re.sub(r'href="([^":#]*)\.md(#[^"]*)?"', r'href="\1.html\2"', made)
@@ -31,8 +35,11 @@ def render(book):
         # Columns are as wide as their content wants; results can be linked to.
         made = re.sub(r"<colgroup>.*?</colgroup>\n", "", made, flags=re.DOTALL)
         if page.name == "reference/results":
-            made = re.sub(r"<tr[^>]*>\s*(<td[^>]*><code>(0x[0-9A-F]{8})</code>)", r'<tr id="\2">\n\1', made)
+            made = re.sub(
+                r"<tr[^>]*>\s*(<td[^>]*><code>(0x[0-9A-F]{8})</code>)", r'<tr id="\2">\n\1', made
+            )
         return made
+
     with concurrent.futures.ThreadPoolExecutor() as pool:
         return dict(zip([page.name for page in book.pages], pool.map(body, book.pages)))
 
@@ -77,8 +84,14 @@ def search_index(book, bodies):
             continue
         for anchor, title, text, its_calls in TextOf(bodies[page.name]).sections:
             title, words = title.strip(), re.sub(r"\s+", " ", f"{text} {its_calls}").strip()
-            rows.append([full_title(page, title) or page.title, page.title if title else "",
-                         f"{page.name}.html{'#' + anchor if anchor else ''}", words])
+            rows.append(
+                [
+                    full_title(page, title) or page.title,
+                    page.title if title else "",
+                    f"{page.name}.html{'#' + anchor if anchor else ''}",
+                    words,
+                ]
+            )
     lines = ",\n".join(json.dumps(row, ensure_ascii=False, separators=(",", ":")) for row in rows)
     return f"const searchIndex = [{lines}];\n"
 
@@ -93,9 +106,14 @@ def contents(book, page):
         if not entry.page:
             lines.append(f'<li class="chapter">{title}')
         elif entry.page == page.name:
-            sections = "".join(f'<li><a href="#{s.anchor}">{html.escape(s.title)}</a></li>' for s in page.sections
-                               if s.level == 2)
-            lines.append(f'<li class="here"><a href="{way}">{title}</a><ul class="sections">{sections}</ul>')
+            sections = "".join(
+                f'<li><a href="#{s.anchor}">{html.escape(s.title)}</a></li>'
+                for s in page.sections
+                if s.level == 2
+            )
+            lines.append(
+                f'<li class="here"><a href="{way}">{title}</a><ul class="sections">{sections}</ul>'
+            )
         else:
             lines.append(f'<li><a href="{way}">{title}</a>')
     return "\n".join(lines) + "</li></ul>" * (depth + 1)
@@ -108,8 +126,10 @@ def neighbours(book, page):
     for step, mark in ((-1, "&larr; {}"), (1, "{} &rarr;")):
         if 0 <= place + step < len(order):
             other = book.pages[place + step]
-            links.append(f'<a href="{source.relative(other.name, page.name)}.html">'
-                         f"{mark.format(html.escape(other.title))}</a>")
+            links.append(
+                f'<a href="{source.relative(other.name, page.name)}.html">'
+                f"{mark.format(html.escape(other.title))}</a>"
+            )
         else:
             links.append("<span></span>")
     return f'<nav class="neighbours">{"".join(links)}</nav>'
@@ -129,7 +149,8 @@ def page_html(book, page, body):
 <body data-up="{up}">
 <header>
 <a class="manual" href="{up}index.html">{MANUAL}</a>
-<input id="search" type="search" placeholder="Search (press /)" autocomplete="off" aria-label="Search the manual">
+<input id="search" type="search" placeholder="Search (press /)" autocomplete="off"
+ aria-label="Search the manual">
 <ol id="found" hidden></ol>
 </header>
 <nav id="contents">
@@ -155,4 +176,6 @@ def write(book, bodies, folder):
     (folder / "search-index.js").write_text(search_index(book, bodies))
     for name in ("content.css", "frame.css", "search.js"):
         shutil.copyfile(HERE / name, folder / name)
-    shutil.copytree(book.folder / "pictures", folder / "pictures", ignore=shutil.ignore_patterns("*.py", "make"))
+    shutil.copytree(
+        book.folder / "pictures", folder / "pictures", ignore=shutil.ignore_patterns("*.py", "make")
+    )
