@@ -108,7 +108,7 @@ endfunction()
 
 # zk_exports(module list.def) - the names in the list leave the module, and no others, on both
 # systems: the module's own sources are compiled with default visibility, so that the list alone
-# decides.
+# decides. What stays inside cannot be replaced, so the compiler need not leave room for that.
 function(zk_exports module list)
   cmake_path(ABSOLUTE_PATH list)
   if(WIN32)
@@ -121,6 +121,7 @@ function(zk_exports module list)
   set(version_script ${CMAKE_CURRENT_BINARY_DIR}/${module}.map)
   file(CONFIGURE OUTPUT ${version_script} CONTENT
     "{\n  global:\n    @names@;\n  local:\n    *;\n};\n" @ONLY)
+  target_compile_options(${module} PRIVATE -fno-semantic-interposition)
   target_link_options(${module} PRIVATE LINKER:--version-script=${version_script})
   set_target_properties(${module} PROPERTIES CXX_VISIBILITY_PRESET default LINK_DEPENDS
     ${version_script})
