@@ -47,8 +47,9 @@ function(zk_write_layers file)
       set(owned)
     endif()
     zk_json_list(owned ${owned})
-    list(APPEND entries
-      "\"${target}\": {\"folder\": \"${folder}\", \"sources\": ${sources}, \"links\": ${links}, \"headers\": ${owned}}")
+    string(CONCAT entry "\"${target}\": {\"folder\": \"${folder}\", \"sources\": ${sources}, "
+      "\"links\": ${links}, \"headers\": ${owned}}")
+    list(APPEND entries "${entry}")
   endforeach()
   list(JOIN entries ",\n " entries)
   file(WRITE ${file} "{${entries}}\n")

@@ -2,25 +2,28 @@
 set(debian ${CMAKE_CURRENT_SOURCE_DIR}/debian)
 
 install(TARGETS platform_com LIBRARY DESTINATION ${ZK_MODULES_DIR} COMPONENT runtime)
+set(installed_modules "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${ZK_MODULES_DIR}")
 install(CODE "file(CREATE_LINK $<TARGET_FILE_NAME:zevisa64>
-  \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${ZK_MODULES_DIR}/libzevisa.so\" SYMBOLIC)" COMPONENT runtime)
+  \"${installed_modules}/libzevisa.so\" SYMBOLIC)" COMPONENT runtime)
 
 # All users have it, unless they have one of their own. `zk4n measure --simulate` wants this one.
 set(detector_dir "${CMAKE_INSTALL_DATADIR}/Zentrel Shared/Detectors")
 install(FILES ${CMAKE_SOURCE_DIR}/data/calibr20.det DESTINATION ${detector_dir} COMPONENT runtime)
 file(RELATIVE_PATH detector_file /${ZK_MODULES_DIR} "/${detector_dir}/calibr20.det")
 install(CODE "file(CREATE_LINK \"${detector_file}\"
-  \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${ZK_MODULES_DIR}/calibr20.det\" SYMBOLIC)" COMPONENT runtime)
+  \"${installed_modules}/calibr20.det\" SYMBOLIC)" COMPONENT runtime)
 
 install(FILES ${debian}/zk4n.bash-completion RENAME zk4n
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT runtime)
 file(GLOB man_pages ${ZK_KIT}/manual/man/man1/*.1.gz)
 install(FILES ${man_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT runtime)
 
-install(DIRECTORY ${CMAKE_SOURCE_DIR}/platform/com/linux DESTINATION ${ZK_INCLUDE_DIR}/platform/com COMPONENT dev)
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/platform/com/linux
+  DESTINATION ${ZK_INCLUDE_DIR}/platform/com COMPONENT dev)
 set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZentrelK4N)
 include(CMakePackageConfigHelpers)
-configure_package_config_file(cmake/ZentrelK4NConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/ZentrelK4NConfig.cmake
+configure_package_config_file(cmake/ZentrelK4NConfig.cmake.in
+  ${CMAKE_CURRENT_BINARY_DIR}/ZentrelK4NConfig.cmake
   INSTALL_DESTINATION ${config_dir}
   PATH_VARS ZK_MODULES_DIR ZK_INCLUDE_DIR)
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/ZentrelK4NConfigVersion.cmake
@@ -34,7 +37,8 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zentrel-k4n.pc
 
 # What every Debian package has: whose it is, and its changes.
 set(maintainer "Zentrel K4N driver <driver@zentrel.example>")
-string(TIMESTAMP release_date "%a, %d %b %Y %H:%M:%S +0000" UTC)  # of SOURCE_DATE_EPOCH where that is set
+# Of SOURCE_DATE_EPOCH where that is set.
+string(TIMESTAMP release_date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(${debian}/changelog.in changelog @ONLY)
 execute_process(COMMAND gzip -9nc ${CMAKE_CURRENT_BINARY_DIR}/changelog
   OUTPUT_FILE ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz COMMAND_ERROR_IS_FATAL ANY)

@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::string_view kBegin = "-- Tables: made by make_dissector_tables\n";
 constexpr std::string_view kEnd = "-- End of tables\n";
+constexpr std::size_t kColumns = 100;
 
 /// A table of names by number; the names hold nothing that Lua would want escaped.
 template <typename Row, typename Key>
@@ -22,15 +23,23 @@ void WriteNames(std::ostream& out, const char* name, std::span<const Row> rows, 
   out << "}\n";
 }
 
+/// A field of a form, with as many elements on a line as fit.
 void WriteElements(std::ostream& out, const char* name,
                    std::span<const simulator::ElementName> elements) {
-  out << ", " << name << " = {";
+  std::string line = std::string("   ") + name + " = {";
   const char* separator = "";
   for (const auto& [element, unit] : elements) {
-    out << separator << "{\"" << element << "\", \"" << SymbolOf(unit) << "\"}";
+    std::string entry("{\"");
+    entry.append(element).append("\", \"").append(SymbolOf(unit)).append("\"}");
+    if (line.size() + entry.size() + 5 > kColumns) {
+      out << line << ",\n";
+      line = "      ";
+      separator = "";
+    }
+    line += separator + entry;
     separator = ", ";
   }
-  out << "}";
+  out << line << "}";
 }
 
 std::string Tables() {
@@ -41,8 +50,9 @@ std::string Tables() {
   out << "local forms = {\n";
   for (const simulator::ParameterForm& form : simulator::ParameterForms()) {
     out << "  {id = " << form.id << ", count = " << int{form.count} << ", type = " << int{form.type}
-        << ", signed = " << (form.is_signed ? "true" : "false");
+        << ", signed = " << (form.is_signed ? "true" : "false") << ",\n";
     WriteElements(out, "elements", form.elements.first(form.count));
+    out << ",\n";
     WriteElements(out, "entry", form.entry);
     out << "},\n";
   }

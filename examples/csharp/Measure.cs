@@ -1,5 +1,6 @@
-// Measure RESOURCE [DETECTOR_FILE] - opens the instrument, sets a fixed frequency, steps through a range, prints the
-// traces of all channels and what is in the error trail, and closes. The driver must be registered (`zk4n check` tells).
+// Measure RESOURCE [DETECTOR_FILE] - opens the instrument, sets a fixed frequency, steps through a
+// range, prints the traces of all channels and what is in the error trail, and closes. The driver
+// must be registered (`zk4n check` tells).
 
 using System;
 using System.Diagnostics;
@@ -26,20 +27,22 @@ class MeasureExample
         Console.Write(string.Format(CultureInfo.InvariantCulture, format, values) + "\n");
     }
 
-    /// Failures are negative. Of the other results only 0 is plain success: 1 to 6 are notices of the instrument,
-    /// Initialize has two warnings, and 10057 says that there is no session.
+    /// Failures are negative. Of the other results only 0 is plain success: 1 to 6 are notices of
+    /// the instrument, Initialize has two warnings, and 10057 says that there is no session.
     static void Check(string member, int result)
     {
         // After a success, too: what was said on the way to it is not about a later failure.
         string description = Results.Description();
         if (result < 0 || result == NoSession)
-            throw new Failure(string.Format("{0}: 0x{1:X8}", member, result) + (description == null ? "" : ": " + description));
+            throw new Failure(string.Format("{0}: 0x{1:X8}", member, result) +
+                              (description == null ? "" : ": " + description));
         if (result != 0) Print("Note of {0}: 0x{1:X8}", member, result);
     }
 
     static void Open(IZentrelK4N driver, string resource)
     {
-        // An identification query cannot be had: the driver opens the session, and says so by its result.
+        // An identification query cannot be had: the driver opens the session, and says so by its
+        // result.
         Check("Initialize", driver.Initialize(resource, True, False, null));
         IZentrelK4NSystem system;
         string type, serial;
@@ -62,7 +65,8 @@ class MeasureExample
         Check("RF.Level", rf.get_Level(out level));
         Check("RF.OutputEnabled", rf.get_OutputEnabled(out enabled));
         // Here true reads 1, in other places -1: only "not 0" is right everywhere.
-        Print("Output: {0:F3} GHz, {1:F2} dBm, {2}", frequency / 1e9, level, enabled != 0 ? "on" : "off");
+        Print("Output: {0:F3} GHz, {1:F2} dBm, {2}",
+              frequency / 1e9, level, enabled != 0 ? "on" : "off");
     }
 
     static void SetSweep(IZentrelK4N driver)
@@ -73,12 +77,14 @@ class MeasureExample
         Check("Sweep", driver.get_Sweep(out sweep));
         Check("Sweep.FrequencyStep", sweep.get_FrequencyStep(out steps));
         Check("Sweep.FrequencyStep.ConfigureStartStop", steps.ConfigureStartStop(
-            Start, Stop, ZentrelK4NFrequencyStepScalingEnum.ZentrelK4NFrequencyStepScalingLinear, Step));
+            Start, Stop, ZentrelK4NFrequencyStepScalingEnum.ZentrelK4NFrequencyStepScalingLinear,
+            Step));
         // The instrument may have corrected them.
         Check("Sweep.FrequencyStep.Start", steps.get_Start(out start));
         Check("Sweep.FrequencyStep.Stop", steps.get_Stop(out stop));
         Check("Sweep.FrequencyStep.Size", steps.get_Size(out step));
-        Print("Sweep: {0:F3} to {1:F3} GHz in steps of {2:F3} GHz", start / 1e9, stop / 1e9, step / 1e9);
+        Print("Sweep: {0:F3} to {1:F3} GHz in steps of {2:F3} GHz",
+              start / 1e9, stop / 1e9, step / 1e9);
         Check("Sweep.Configure", sweep.Configure(
             ZentrelK4NSweepModeEnum.ZentrelK4NSweepModeFrequencyStep,
             ZentrelK4NSweepTriggerSourceEnum.ZentrelK4NSweepTriggerSourceSoftware));
@@ -93,7 +99,8 @@ class MeasureExample
         {
             ZentrelK4NAcquisitionStatusEnum status;
             Check("Acquisition.Status", acquisition.get_Status(out status));
-            if (status == ZentrelK4NAcquisitionStatusEnum.ZentrelK4NAcquisitionStatusComplete) return;
+            if (status == ZentrelK4NAcquisitionStatusEnum.ZentrelK4NAcquisitionStatusComplete)
+                return;
             if (status == ZentrelK4NAcquisitionStatusEnum.ZentrelK4NAcquisitionStatusUnknown)
                 throw new Failure("the measurement failed");
             if (waited.ElapsedMilliseconds > Patience) throw new Failure("no data came");
@@ -118,24 +125,29 @@ class MeasureExample
             Check("Channels.Name", channels.get_Name(i + 1, out name));
             Check("Channels.Item", channels.get_Item(name, out all[i]));
             heading += "  " + name;
-            if (detectorFile == null) continue; // the driver has loaded calibr20.det, where there is one
-            Check("Channel.LoadDetectorDataFromFile", all[i].LoadDetectorDataFromFile(detectorFile));
+            // Without a file the driver has loaded calibr20.det, where there is one.
+            if (detectorFile == null) continue;
+            Check("Channel.LoadDetectorDataFromFile",
+                  all[i].LoadDetectorDataFromFile(detectorFile));
         }
         Acquire(acquisition);
         double start = 0, step = 0; // Hz
         for (int i = 0; i < count; ++i)
-            Check("Channel.FetchData", all[i].FetchData(ref traces[i], ref start, ref step)); // null before
+            // The array is null before.
+            Check("Channel.FetchData", all[i].FetchData(ref traces[i], ref start, ref step));
         Print("{0}", heading);
         for (int point = 0; point < traces[0].Length; ++point)
         {
-            string row = string.Format(CultureInfo.InvariantCulture, "{0,8:F3}", (start + step * point) / 1e9);
+            double gigahertz = (start + step * point) / 1e9;
+            string row = string.Format(CultureInfo.InvariantCulture, "{0,8:F3}", gigahertz);
             foreach (double[] trace in traces)
                 row += string.Format(CultureInfo.InvariantCulture, "{0,10:F2}", trace[point]);
             Print("{0}", row);
         }
     }
 
-    /// What the driver has written down: also failures that no result told of. Whether there is nothing.
+    /// What the driver has written down: also failures that no result told of. Whether there is
+    /// nothing.
     static bool PrintErrorTrail(IZentrelK4N driver)
     {
         IIviDriverUtility utility;

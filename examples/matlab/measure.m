@@ -1,6 +1,7 @@
 function done = measure(resource, detectorFile)
-%MEASURE  Opens the instrument, sets a fixed frequency, steps through a range, prints the traces of all channels and what is
-%   in the error trail, and closes; measure(RESOURCE) or measure(RESOURCE, DETECTOR_FILE). True when all went well.
+%MEASURE  Opens the instrument, sets a fixed frequency, steps through a range, prints the traces of
+%   all channels and what is in the error trail, and closes; measure(RESOURCE) or
+%   measure(RESOURCE, DETECTOR_FILE). True when all went well.
 %   The driver is called through its Python package, zentrelk4n.
 
 k4n = py.importlib.import_module('zentrelk4n');
@@ -9,7 +10,8 @@ if nargin > 1
     detectors = char(detectorFile);
 end
 
-% Some successes say more than success: Python warns of them, which MATLAB does not show. They go to a file.
+% Some successes say more than success: Python warns of them, which MATLAB does not show. They go to
+% a file.
 notes = [tempname '.log'];
 py.logging.basicConfig(pyargs('filename', notes, 'filemode', 'w', 'force', true));
 py.logging.captureWarnings(true);
@@ -44,7 +46,8 @@ rf.frequency = 2.4e9;
 rf.output_enabled = true;
 % The driver reads 1 for true here, in other places -1. The package makes true of both.
 states = {'off', 'on'};
-fprintf('Output: %.3f GHz, %.2f dBm, %s\n', rf.frequency / 1e9, rf.level, states{1 + rf.output_enabled});
+fprintf('Output: %.3f GHz, %.2f dBm, %s\n', ...
+        rf.frequency / 1e9, rf.level, states{1 + rf.output_enabled});
 end
 
 

@@ -1,6 +1,6 @@
 Attribute VB_Name = "ZentrelMeasure"
-' Opens the instrument, sets a fixed frequency, steps through a range, prints the traces of all channels and what is in the
-' error trail to the Immediate window, and closes.
+' Opens the instrument, sets a fixed frequency, steps through a range, prints the traces of all
+' channels and what is in the error trail to the Immediate window, and closes.
 '
 ' Needs a reference to "IVI ZentrelK4N 1.2 Type Library" (Tools, References) and 64-bit Office.
 Option Explicit
@@ -52,8 +52,8 @@ Private Sub OpenSession(ByVal Driver As ZentrelK4NLib.ZentrelK4N, ByVal Resource
     Dim Instrument As ZentrelK4NLib.IZentrelK4NSystem
     Dim TypeText As String
     Dim SerialNumber As String
-    ' An identification query cannot be had. The driver says so by a success code, which VBA does not show: nor does it
-    ' show 10057, "no session", so whether there is one is asked for.
+    ' An identification query cannot be had. The driver says so by a success code, which VBA does
+    ' not show: nor does it show 10057, "no session", so whether there is one is asked for.
     Doing = "Initialize": Driver.Initialize ResourceName, True, False
     If CInt(Driver.Initialized) = 0 Then Err.Raise vbObjectError + 1, , "there is no session"
     Doing = "System": Set Instrument = Driver.System
@@ -69,9 +69,11 @@ Private Sub SetFixedFrequency(ByVal Driver As ZentrelK4NLib.ZentrelK4N)
     Doing = "RF.Level": RF.Level = OutputLevel
     Doing = "RF.Frequency": RF.Frequency = CwFrequency
     Doing = "RF.OutputEnabled": RF.OutputEnabled = True
-    ' Here true reads 1, in other places -1: "= True" and "Not" fail on 1, "<> 0" is right everywhere.
+    ' Here true reads 1, in other places -1: "= True" and "Not" fail on 1, "<> 0" is right
+    ' everywhere.
     If CInt(RF.OutputEnabled) <> 0 Then State = "on" Else State = "off"
-    Debug.Print "Output: " & Fixed(RF.Frequency / 1000000000#, 3) & " GHz, " & Fixed(RF.Level, 2) & " dBm, " & State
+    Debug.Print "Output: " & Fixed(RF.Frequency / 1000000000#, 3) & " GHz, " & _
+        Fixed(RF.Level, 2) & " dBm, " & State
 End Sub
 
 Private Sub SetSweep(ByVal Driver As ZentrelK4NLib.ZentrelK4N)
@@ -80,10 +82,12 @@ Private Sub SetSweep(ByVal Driver As ZentrelK4NLib.ZentrelK4N)
     Doing = "Sweep": Set Sweep = Driver.Sweep
     Doing = "Sweep.FrequencyStep": Set Steps = Sweep.FrequencyStep
     Doing = "Sweep.FrequencyStep.ConfigureStartStop"
-    Steps.ConfigureStartStop StartFrequency, StopFrequency, ZentrelK4NFrequencyStepScalingLinear, StepSize
+    Steps.ConfigureStartStop StartFrequency, StopFrequency, _
+        ZentrelK4NFrequencyStepScalingLinear, StepSize
     ' The instrument may have corrected them.
-    Debug.Print "Sweep: " & Fixed(Steps.Start / 1000000000#, 3) & " to " & Fixed(Steps.Stop / 1000000000#, 3) & _
-        " GHz in steps of " & Fixed(Steps.Size / 1000000000#, 3) & " GHz"
+    Debug.Print "Sweep: " & Fixed(Steps.Start / 1000000000#, 3) & " to " & _
+        Fixed(Steps.Stop / 1000000000#, 3) & " GHz in steps of " & _
+        Fixed(Steps.Size / 1000000000#, 3) & " GHz"
     Doing = "Sweep.Configure"
     Sweep.Configure ZentrelK4NSweepModeFrequencyStep, ZentrelK4NSweepTriggerSourceSoftware
 End Sub
@@ -98,7 +102,9 @@ Private Sub Acquire(ByVal Acquisition As ZentrelK4NLib.IZentrelK4NAcquisition)
     Do
         Doing = "Acquisition.Status": Status = Acquisition.Status
         If Status = ZentrelK4NAcquisitionStatusComplete Then Exit Do
-        If Status = ZentrelK4NAcquisitionStatusUnknown Then Err.Raise vbObjectError + 2, , "the measurement failed"
+        If Status = ZentrelK4NAcquisitionStatusUnknown Then
+            Err.Raise vbObjectError + 2, , "the measurement failed"
+        End If
         Waited = Timer - Started
         If Waited < 0 Then Waited = Waited + 86400  ' midnight
         If Waited > Patience Then Err.Raise vbObjectError + 3, , "no data came"
@@ -124,7 +130,8 @@ Private Sub MeasureTraces(ByVal Driver As ZentrelK4NLib.ZentrelK4N, ByVal Detect
     If DetectorFile <> "" Then  ' else the driver has loaded calibr20.det, where there is one
         For Index = 1 To UBound(Traces)
             Doing = "Channels.Item": Set Channel = Channels.Item(Channels.Name(Index))
-            Doing = "Channel.LoadDetectorDataFromFile": Channel.LoadDetectorDataFromFile DetectorFile
+            Doing = "Channel.LoadDetectorDataFromFile"
+            Channel.LoadDetectorDataFromFile DetectorFile
         Next
     End If
     Acquire Acquisition

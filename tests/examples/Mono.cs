@@ -1,5 +1,5 @@
-// What .NET does for the C# example, and Mono does not: it joins the thread to COM, and passes arrays of numbers. For
-// Mono the test declares those as pointers.
+// What .NET does for the C# example, and Mono does not: it joins the thread to COM, and passes
+// arrays of numbers. For Mono the test declares those as pointers.
 
 using System;
 using System.Reflection;
@@ -23,7 +23,8 @@ static class Mono
     [DllImport("oleaut32.dll")]
     static extern int SafeArrayDestroy(IntPtr array);
 
-    public static int FetchData(this IZentrelK4NChannel channel, ref double[] values, ref double start, ref double step)
+    public static int FetchData(this IZentrelK4NChannel channel, ref double[] values,
+                                ref double start, ref double step)
     {
         IntPtr array = IntPtr.Zero, data;
         int last;
@@ -41,7 +42,8 @@ static class Mono
     static int Main(string[] arguments)
     {
         CoInitializeEx(IntPtr.Zero, 0);
-        MethodInfo main = typeof(MeasureExample).GetMethod("Main", BindingFlags.NonPublic | BindingFlags.Static);
+        MethodInfo main = typeof(MeasureExample).GetMethod(
+            "Main", BindingFlags.NonPublic | BindingFlags.Static);
         return (int)main.Invoke(null, new object[] { arguments });
     }
 }

@@ -1,10 +1,12 @@
-# compare.sh ZK4N DETECTOR_FILE EXPECTED RUNNER COMMAND... - an example against the simulated instrument: a measurement, an
-# instrument that refuses a level, and none at all. Every language's example prints the expected text. RUNNER starts programs
-# of the system that the example is for; it may be empty.
+# compare.sh ZK4N DETECTOR_FILE EXPECTED RUNNER COMMAND... - an example against the simulated
+# instrument: a measurement, an instrument that refuses a level, and none at all. Every language's
+# example prints the expected text. RUNNER starts programs of the system that the example is for; it
+# may be empty.
 set -eu
 zk4n=$1 detector_file=$2 expected=$3 runner=$4
 shift 4
-# A program with an administrator's rights, as those under Wine have, sees no class that is registered for a user.
+# A program with an administrator's rights, as those under Wine have, sees no class that is
+# registered for a user.
 who=--user
 [ -z "$runner" ] || who=
 folder=$(mktemp -d)

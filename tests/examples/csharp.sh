@@ -1,5 +1,5 @@
-# csharp.sh WORK COM_MODULE TEXT_MODULE COMPARE_ARGUMENT... - compiles the C# example as it is, and compares what it prints
-# under Mono with the expected text. 77 without Mono.
+# csharp.sh WORK COM_MODULE TEXT_MODULE COMPARE_ARGUMENT... - compiles the C# example as it is, and
+# compares what it prints under Mono with the expected text. 77 without Mono.
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 source=$here/../../examples/csharp
@@ -15,7 +15,9 @@ mkdir -p "$work/modules"
 compile() { mcs -langversion:5 -platform:x64 -warnaserror "$@"; }
 compile -out:"$work/Windows.exe" "$source"/*.cs
 
-sed 's/\[In, Out, MarshalAs(UnmanagedType.SafeArray[^]]*\] ref double\[\]/ref IntPtr/g' "$source/ZentrelK4N.cs" >"$work/Pointers.cs"
+sed 's/\[In, Out, MarshalAs(UnmanagedType.SafeArray[^]]*\] ref double\[\]/ref IntPtr/g' \
+  "$source/ZentrelK4N.cs" >"$work/Pointers.cs"
 compile -main:Mono -out:"$work/Mono.exe" "$work/Pointers.cs" "$source/Measure.cs" "$here/Mono.cs"
 for name in ole32 oleaut32; do ln -s "$com_module" "$work/modules/lib$name.so"; done
-exec bash "$here/compare.sh" "$@" env LD_LIBRARY_PATH="$work/modules" LD_PRELOAD="$text_module" mono "$work/Mono.exe"
+exec bash "$here/compare.sh" "$@" \
+  env LD_LIBRARY_PATH="$work/modules" LD_PRELOAD="$text_module" mono "$work/Mono.exe"

@@ -1,8 +1,15 @@
-# Sourced by the tests of the packages: what they have in common. $folder is their own, removed in the end.
+# Sourced by the tests of the packages: what they have in common. $folder is their own, removed in
+# the end.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 folder=$(mktemp -d)
-trap 'kill $(jobs -p) 2>/dev/null || true; wait; umount -l "$folder/view" 2>/dev/null || true; rm -rf "$folder"' EXIT
+end_all() {
+  kill $(jobs -p) 2>/dev/null || true
+  wait
+  umount -l "$folder/view" 2>/dev/null || true
+  rm -rf "$folder"
+}
+trap end_all EXIT
 
 fail() {
   printf '%s\n' "FAILED: $*" >&2
@@ -37,12 +44,13 @@ end_simulation() {
   wait %1 2>/dev/null || true
 }
 
-# expect_measures COMMAND... - zk4n measures with the registered driver: every result is a success, each trace has its
-# points, and they are levels that the simulated instrument has.
+# expect_measures COMMAND... - zk4n measures with the registered driver: every result is a success,
+# each trace has its points, and they are levels that the simulated instrument has.
 expect_measures() {
   local commands
   commands=$(grep -c '^[A-Za-z]' "$folder/measure.zk")
-  "$@" shell --registered --json "$folder/measure.zk" </dev/null >"$folder/measured" || fail "$*: $(cat "$folder/measured")"
+  "$@" shell --registered --json "$folder/measure.zk" </dev/null >"$folder/measured" ||
+    fail "$*: $(cat "$folder/measured")"
   python3 - "$folder/measured" "$commands" <<'END' || fail "measured: $(cat "$folder/measured")"
 import json, sys
 lines = [json.loads(line) for line in open(sys.argv[1])]

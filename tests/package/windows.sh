@@ -1,5 +1,5 @@
-# windows.sh MSI OLDER_MSI ZIP - the Windows packages under Wine, in a prefix of their own: installed over an older
-# version, used, repaired and removed; the ZIP, too.
+# windows.sh MSI OLDER_MSI ZIP - the Windows packages under Wine, in a prefix of their own:
+# installed over an older version, used, repaired and removed; the ZIP, too.
 . "$(dirname "$0")/checks.sh"
 root=$(cd "$here/../.." && pwd)
 new=$(realpath "$1") old=$(realpath "$2") zip=$(realpath "$3")
@@ -12,13 +12,18 @@ trap 'kill $(jobs -p) 2>/dev/null || true; wait; end_wine; rm -rf "$folder"' EXI
 
 wine() { "$root/scripts/wine-run" "$@"; }
 drive=$ZK_WINEPREFIX/drive_c
-msiexec() { wine msiexec "$@" /qn </dev/null >"$folder/msiexec" 2>&1 || fail "msiexec $*: $? $(cat "$folder/msiexec")"; }
+msiexec() {
+  wine msiexec "$@" /qn </dev/null >"$folder/msiexec" 2>&1 ||
+    fail "msiexec $*: $? $(cat "$folder/msiexec")"
+}
+environment='HKLM\System\CurrentControlSet\Control\Session Manager\Environment'
 
-# What there is: files, and the registry but for the installer's own books and Wine's. Wine leaves semicolons of the search path.
+# What there is: files, and the registry but for the installer's own books and Wine's. Wine leaves
+# semicolons of the search path.
 snapshot() {
   local key
   (cd "$drive" && find . -not -path './windows/Installer*' -not -path './k4n/*' | sort) >"$1"
-  for key in 'HKLM\Software' 'HKCU\Software' 'HKLM\System\CurrentControlSet\Control\Session Manager\Environment'; do
+  for key in 'HKLM\Software' 'HKCU\Software' "$environment"; do
     wine reg export "$key" 'C:\k4n\exported.reg' /y >/dev/null 2>&1 </dev/null
     iconv -f utf16 -t utf8 "$drive/k4n/exported.reg" | tr -d '\r' |
       awk 'BEGIN { RS = ""; FS = "\n" } $1 !~ /\\Installer(\\|\])|\\Software\\Wine/ { print }' |
@@ -30,7 +35,9 @@ wine cmd /c 'mkdir C:\k4n' </dev/null >/dev/null 2>&1
 cp "$new" "$drive/k4n/new.msi"
 cp "$old" "$drive/k4n/old.msi"
 # The interface of the IVI Foundation may be another maker's already.
-shared='HKLM\Software\Classes\Interface\'$(sed -n 's/^interface IIviDriverUtility \({[^}]*}\).*/\1/p' "$root/tests/typelib/expected.txt")
+surface=$root/tests/typelib/expected.txt
+iid=$(sed -n 's/^interface IIviDriverUtility \({[^}]*}\).*/\1/p' "$surface")
+shared="HKLM\\Software\\Classes\\Interface\\$iid"
 for key in "$shared" "$shared\\TypeLib"; do
   wine reg add "$key" /ve /d "another maker's" /f </dev/null >/dev/null 2>&1
 done
@@ -44,12 +51,11 @@ expect 'DisplayVersion +REG_SZ +0\.9\.0\n' entry
 msiexec /i 'C:\k4n\new.msi'
 expect "DisplayVersion +REG_SZ +$version\n" entry
 [ "$(entry | grep -c 'Zentrel K4N driver')" -eq 1 ] || fail "the older version is still there"
-expect ';C:\\Program Files\\Zentrel\\K4N\\bin' wine reg query \
-  'HKLM\System\CurrentControlSet\Control\Session Manager\Environment' /v PATH
+expect ';C:\\Program Files\\Zentrel\\K4N\\bin' wine reg query "$environment" /v PATH
 cmp -s "$detector" "$root/data/calibr20.det" || fail "no detector file in $detector"
 
-for file in bin/IviZentrelK4N.chm doc/html/index.html doc/examples/csharp/ZentrelK4N.cs lib/ZentrelK4NLib.tlb \
-  include/ZentrelK4NLib.h 'python/zentrelk4n-*.whl' wireshark/zk4n.lua; do
+for file in bin/IviZentrelK4N.chm doc/html/index.html doc/examples/csharp/ZentrelK4N.cs \
+  lib/ZentrelK4NLib.tlb include/ZentrelK4NLib.h 'python/zentrelk4n-*.whl' wireshark/zk4n.lua; do
   compgen -G "$drive/Program Files/Zentrel/K4N/$file" >/dev/null || fail "there is no $file"
 done
 for link in Console 'Detector files' Examples Help; do
@@ -59,12 +65,14 @@ done
 # From another folder, found by the search path, with the registered driver.
 cd "$folder"
 expect "^zk4n $version\n" wine zk4n --version
-expect '\nok +registration [^\n]*C:\\Program Files\\Zentrel\\K4N\\bin\\ZentrelK4NLib.dll\nok +VISA library ' wine zk4n check
+found='\nok +registration [^\n]*C:\\Program Files\\Zentrel\\K4N\\bin\\ZentrelK4NLib.dll\n'
+expect "${found}ok +VISA library " wine zk4n check
 simulate "$root/scripts/wine-run" "$installed"
 expect_measures wine zk4n
 end_simulation
 
-# Repairing brings back what is lost, and its registration, but leaves the detector file to its owner.
+# Repairing brings back what is lost, and its registration, but leaves the detector file to its
+# owner.
 echo "the owner's" >"$detector"
 rm "$drive/Program Files/Zentrel/K4N/bin/ZentrelK4NLib.dll"
 wine reg delete 'HKLM\Software\Classes\ZentrelK4NLib.ZentrelK4N' /f </dev/null >/dev/null 2>&1

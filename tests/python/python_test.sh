@@ -1,5 +1,5 @@
-# python_test.sh MODULES_FOLDER WORK_FOLDER [ARGUMENT...] - the package's tests with the first interpreter that has pytest;
-# arguments go to pytest.
+# python_test.sh MODULES_FOLDER WORK_FOLDER [ARGUMENT...] - the package's tests with the first
+# interpreter that has pytest; arguments go to pytest.
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 export ZK_MODULES=$1 ZK_WORK=$2 PYTHONPATH=$here/../../python PYTHONDONTWRITEBYTECODE=1

@@ -1,5 +1,5 @@
-# commands.sh ZK4N DRIVER LOCK_HOLDER [RUNNER] - zk4n register, zk4n check and zk4n shell --registered as processes:
-# what they say, and their exit status.
+# commands.sh ZK4N DRIVER LOCK_HOLDER [RUNNER] - zk4n register, zk4n check and zk4n shell
+# --registered as processes: what they say, and their exit status.
 set -u
 zk4n=$1 driver=$2 lock_holder=$3 runner=${4:-}
 folder=$(mktemp -d)
@@ -9,7 +9,8 @@ children=()
 trap 'kill "${children[@]}" 2>/dev/null; wait; rm -rf "$folder"' EXIT
 failures=0
 
-# expect STATUS PATTERN ARGUMENT... - zk4n with the arguments ends so and says something that matches.
+# expect STATUS PATTERN ARGUMENT... - zk4n with the arguments ends so and says something that
+# matches.
 expect() {
   local status=$1 pattern=$2 said got
   shift 2
@@ -17,7 +18,8 @@ expect() {
   got=$?
   said=$(tr -d '\r' <<<"$said")
   if [ $got -ne "$status" ] || ! grep -Pqz "$pattern" <<<"$said"; then
-    printf '%s\n' "zk4n $*" "  expected status $status and: $pattern" "  got status $got and:" "$said"
+    printf '%s\n' "zk4n $*" "  expected status $status and: $pattern" "  got status $got and:" \
+      "$said"
     failures=$((failures + 1))
   fi
 }
@@ -32,17 +34,22 @@ start() {
 
 name=$(basename "$driver")
 expect 0 'Registration removed for all users: ' register --remove
-expect 1 "ok +bitness +64-bit program, 64-bit driver [^\n]*$name\nFAILED +registration +[^\n]*not registered: run zk4n register" check
+pattern="ok +bitness +64-bit program, 64-bit driver [^\n]*$name\n"
+pattern+='FAILED +registration +[^\n]*not registered: run zk4n register'
+expect 1 "$pattern" check
 expect 0 "^Registered for all users: [^\n]*$name\n" register
 echo Close >"$folder/close.zk"
 # Errors come from the class that reports them: what a child forwards is the root's.
-printf '%s\n' Close Sweep.PowerStep.Reset 'Sweep.PowerStep.Start = 1' 'PulseGenerator.Output.Enabled = true' >"$folder/errors.zk"
+printf '%s\n' Close Sweep.PowerStep.Reset 'Sweep.PowerStep.Start = 1' \
+  'PulseGenerator.Output.Enabled = true' >"$folder/errors.zk"
 sources=
 for class in ZentrelK4N ZentrelK4NPowerStep ZentrelK4N ZentrelK4N; do
   sources+="[^\n]*\"source\":\"ZentrelK4NLib.$class.1\"[^\n]*\n"
 done
 expect 0 "^$sources" shell --json --registered "$folder/errors.zk"
-expect 0 "ok +registration +ZentrelK4NLib.ZentrelK4N in [^\n]*$name\nok +VISA library +[^\n]*zevisa[^\n]*\nok +settings +no file, the defaults\nnot tried +connection +" check
+pattern="ok +registration +ZentrelK4NLib.ZentrelK4N in [^\n]*$name\n"
+pattern+='ok +VISA library +[^\n]*zevisa[^\n]*\nok +settings +no file, the defaults\n'
+expect 0 "${pattern}not tried +connection +" check
 expect 0 "^Registered for this user: [^\n]*$name\n" register --user
 expect 0 "^Registration removed for this user: [^\n]*$name\n" register --user --remove
 expect 2 '^zk4n: cannot read [^\n]*none.so\n' register --module "$folder/none.so"
@@ -50,7 +57,8 @@ expect 2 'cannot read ' check --module "$folder"
 expect 1 '^zk4n: [^\n]*zevisa64[^\n]* is not the driver module: it has no DllInstall\n' \
   register --module "$(ls "$(dirname "$driver")"/*zevisa64.*)"
 printf 'MZ or not' >"$folder/text.so"
-expect 1 'FAILED +bitness +64-bit program, but no driver module in ' check --module "$folder/text.so"
+expect 1 'FAILED +bitness +64-bit program, but no driver module in ' \
+  check --module "$folder/text.so"
 printf '\177ELF\001' >"$folder/old.so"
 expect 1 'FAILED +bitness +64-bit program, 32-bit driver [^\n]*: they cannot work together' \
   check --module "$folder/old.so"
@@ -58,27 +66,34 @@ expect 1 'FAILED +bitness +64-bit program, 32-bit driver [^\n]*: they cannot wor
 start "$folder/resource" "$zk4n" simulate --port 0 --serial 12345 --show
 for _ in $(seq 300); do [ -s "$folder/resource" ] && break; sleep 0.1; done
 resource=$(head -n 1 "$folder/resource" | tr -d '\r')
-expect 0 'ok +connection +TCPIP[^\n]*SOCKET\nok +lock +free\nok +identity +K4N[^\n]*, serial number 12345' check --resource "$resource"
+pattern='ok +connection +TCPIP[^\n]*SOCKET\nok +lock +free\n'
+pattern+='ok +identity +K4N[^\n]*, serial number 12345'
+expect 0 "$pattern" check --resource "$resource"
 printf '[*]\nread-ceiling = 50\ncolour = red\nno-delay\n' >"$folder/visa.ini"
-ZEVISA_CONFIG=$folder/visa.ini \
-  expect 0 'ok +settings +[^\n]*visa.ini\nignored +settings +line 3: no such key: colour\nignored +settings +line 4: [^\n]*: no-delay\nok +connection +TCPIP[^\n]*, settings of \[\*\]\nok +lock' \
-    check --resource "$resource"
-# The simulator shows what it is asked for, and what that changes at it: the mask is written before and after.
+pattern='ok +settings +[^\n]*visa.ini\nignored +settings +line 3: no such key: colour\n'
+pattern+='ignored +settings +line 4: [^\n]*: no-delay\n'
+pattern+='ok +connection +TCPIP[^\n]*, settings of \[\*\]\nok +lock'
+ZEVISA_CONFIG=$folder/visa.ini expect 0 "$pattern" check --resource "$resource"
+# The simulator shows what it is asked for, and what that changes at it: the mask is written before
+# and after.
 said=$(tr -d '\r' <"$folder/resource")
-pattern="\n   feature mask +0xFFFF\n(?s:.*)\n2: write feature mask #23 \[65531\] -> 0 \[65531\]\n   feature mask +0xFFFB\n2: "
+pattern="\n   feature mask +0xFFFF\n(?s:.*)\n2: write feature mask #23 \[65531\] -> 0 \[65531\]\n"
+pattern+="   feature mask +0xFFFB\n2: "
 pattern+="(?s:.*)\n2: read file #10 \\\\FRAM\\\\TYPE.TXT -> 0 K4N"
 if ! grep -Pqz "$pattern" <<<"$said"; then
   printf '%s\n' "simulate --show says:" "$said"
   failures=$((failures + 1))
 fi
-expect 0 'ok +registration +not used with --module: [^\n]*\n(.|\n)*ok +identity +K4N' check --resource "$resource" --module "$driver"
+expect 0 'ok +registration +not used with --module: [^\n]*\n(.|\n)*ok +identity +K4N' \
+  check --resource "$resource" --module "$driver"
 
 start "$folder/holder" "$lock_holder" "$resource"
 for _ in $(seq 100); do
   $runner "$zk4n" check --resource "$resource" | grep -q 'FAILED' && break
   sleep 0.1
 done
-expect 1 'FAILED +lock +held by process [0-9]+ \([^\n]*lock_hold[^\n]*\), which' check --resource "$resource"
+expect 1 'FAILED +lock +held by process [0-9]+ \([^\n]*lock_hold[^\n]*\), which' \
+  check --resource "$resource"
 kill "${children[@]}"
 wait
 children=()

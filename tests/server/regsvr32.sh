@@ -1,4 +1,5 @@
-# regsvr32.sh DRIVER SURFACE RUNNER - Windows' own registration program, in both directions, for all users and for one.
+# regsvr32.sh DRIVER SURFACE RUNNER - Windows' own registration program, in both directions, for all
+# users and for one.
 set -u
 driver=$1 surface=$2 runner=$3
 failures=0
@@ -19,7 +20,8 @@ expect() {
 
 run() {
   step="regsvr32 $*"
-  $runner regsvr32 /s "$@" "Z:${driver//\//\\}" || { echo "$step: status $?"; failures=$((failures + 1)); }
+  $runner regsvr32 /s "$@" "Z:${driver//\//\\}" ||
+    { echo "$step: status $?"; failures=$((failures + 1)); }
 }
 
 # in_part ROOT ANSWER

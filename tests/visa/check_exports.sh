@@ -1,4 +1,5 @@
-# check_exports.sh LIST COMMAND... - the names that COMMAND (nm -D or objdump -p) shows as exported are those of LIST.
+# check_exports.sh LIST COMMAND... - the names that COMMAND (nm -D or objdump -p) shows as exported
+# are those of LIST.
 set -eu
 list=$1
 shift

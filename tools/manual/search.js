@@ -1,4 +1,5 @@
-// The search: every word must occur in a section. A section is the better the more of the words begin its title.
+// The search: every word must occur in a section. A section is the better the more of the words
+// begin its title.
 "use strict";
 (function () {
   const field = document.getElementById("search");
@@ -14,7 +15,7 @@
     for (const word of words) {
       const inTitle = section.lowTitle.indexOf(word);
       if (section.lowTitle === word || section.lowTitle.endsWith("." + word)) rating += 100;
-      else if (inTitle === 0 || section.lowTitle[inTitle - 1] === "." || section.lowTitle[inTitle - 1] === " ") rating += 40;
+      else if (inTitle === 0 || ". ".includes(section.lowTitle[inTitle - 1])) rating += 40;
       else if (inTitle > 0) rating += 20;
       else if (section.low.includes(word)) rating += 1;
       else return 0;

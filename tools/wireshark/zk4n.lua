@@ -1,9 +1,10 @@
--- Wireshark dissector of the Zentrel K4N / L5S wire protocol: a file for the folder of personal Lua plugins
--- (Help, About, Folders), or for `tshark -X lua_script:zk4n.lua`. Wireshark 3.6 or newer.
+-- Wireshark dissector of the Zentrel K4N / L5S wire protocol: a file for the folder of personal Lua
+-- plugins (Help, About, Folders), or for `tshark -X lua_script:zk4n.lua`. Wireshark 3.6 or newer.
 --
--- Messages are found on TCP port 8888, and on any other port by the header word of a connection's first request.
--- Filters begin with "zk4n.": zk4n.command, zk4n.parameter, zk4n.status, zk4n.number, zk4n.time, zk4n.points, and each
--- element by its parameter, in its unit: zk4n.frequency.start > 1e9.
+-- Messages are found on TCP port 8888, and on any other port by the header word of a connection's
+-- first request. Filters begin with "zk4n.": zk4n.command, zk4n.parameter, zk4n.status,
+-- zk4n.number, zk4n.time, zk4n.points, and each element by its parameter, in its unit:
+-- zk4n.frequency.start > 1e9.
 
 local HEADER_WORD = 0x55AA
 local HEADER_SIZE = 16
@@ -56,43 +57,115 @@ local parameter_names = {
   [92] = "phase delay",
 }
 local forms = {
-  {id = 0, count = 1, type = 96, signed = false, elements = {{"frequency", "Hz"}}, entry = {}},
-  {id = 0, count = 3, type = 64, signed = false, elements = {{"start", "Hz"}, {"points", ""}, {"step", "Hz"}}, entry = {}},
-  {id = 0, count = 3, type = 96, signed = true, elements = {{"start", "Hz"}, {"points", ""}, {"step", "Hz"}}, entry = {}},
-  {id = 0, count = 4, type = 96, signed = true, elements = {{"start", "Hz"}, {"points", ""}, {"step", "Hz"}, {"stop", "Hz"}}, entry = {}},
-  {id = 2, count = 0, type = 96, signed = false, elements = {}, entry = {{"frequency", "Hz"}}},
-  {id = 3, count = 1, type = 32, signed = false, elements = {{"kind", ""}}, entry = {}},
-  {id = 4, count = 1, type = 16, signed = false, elements = {{"factor", ""}}, entry = {}},
-  {id = 5, count = 2, type = 64, signed = false, elements = {{"selector", ""}, {"dwell", "ns"}}, entry = {}},
-  {id = 7, count = 5, type = 16, signed = false, elements = {{"code", ""}, {"falling edge", ""}, {"value", ""}, {"flag", ""}, {"last", ""}}, entry = {}},
-  {id = 7, count = 10, type = 16, signed = false, elements = {{"code", ""}, {"falling edge", ""}, {"value", ""}, {"flag", ""}, {"last", ""}, {"second code", ""}, {"second falling edge", ""}, {"second value", ""}, {"second flag", ""}, {"second last", ""}}, entry = {}},
-  {id = 8, count = 5, type = 16, signed = false, elements = {{"code", ""}, {"inverse", ""}, {"width", "us"}, {"flag", ""}, {"last", ""}}, entry = {}},
-  {id = 8, count = 10, type = 16, signed = false, elements = {{"code", ""}, {"inverse", ""}, {"width", "us"}, {"flag", ""}, {"last", ""}, {"second code", ""}, {"second inverse", ""}, {"second width", "us"}, {"second flag", ""}, {"second last", ""}}, entry = {}},
-  {id = 11, count = 1, type = 32, signed = false, elements = {{"mode", ""}}, entry = {}},
-  {id = 12, count = 2, type = 33, signed = true, elements = {{"output", ""}, {"level", "dBm"}}, entry = {}},
-  {id = 12, count = 2, type = 66, signed = true, elements = {{"output", ""}, {"level", "dBm"}}, entry = {}},
-  {id = 12, count = 4, type = 66, signed = true, elements = {{"output", ""}, {"level", "dBm"}, {"points", ""}, {"step", "dB"}}, entry = {}},
-  {id = 17, count = 1, type = 16, signed = false, elements = {{"enabled", ""}}, entry = {}},
-  {id = 17, count = 2, type = 64, signed = false, elements = {{"enabled", ""}, {"frequency", "Hz"}}, entry = {}},
-  {id = 23, count = 1, type = 32, signed = false, elements = {{"mask", ""}}, entry = {}},
-  {id = 31, count = 2, type = 64, signed = false, elements = {{"mode", ""}, {"source", ""}}, entry = {{"width", "ns"}, {"gap", "ns"}}},
-  {id = 31, count = 3, type = 64, signed = false, elements = {{"mode", ""}, {"source", ""}, {"inverse", ""}}, entry = {{"width", "ns"}, {"gap", "ns"}}},
-  {id = 34, count = 1, type = 32, signed = false, elements = {{"pressed", ""}}, entry = {}},
-  {id = 37, count = 3, type = 64, signed = false, elements = {{"width", "ns"}, {"gap", "ns"}, {"delay", "ns"}}, entry = {}},
-  {id = 76, count = 4, type = 66, signed = true, elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""}}, entry = {{"level", "dBm"}}},
-  {id = 79, count = 5, type = 66, signed = true, elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""}, {"level", "dBm"}}, entry = {}},
-  {id = 79, count = 7, type = 66, signed = true, elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""}, {"level", "dBm"}, {"points", ""}, {"step", "dB"}}, entry = {}},
-  {id = 79, count = 8, type = 66, signed = true, elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""}, {"level", "dBm"}, {"points", ""}, {"step", "dB"}, {"stop", "dBm"}}, entry = {}},
-  {id = 79, count = 5, type = 98, signed = true, elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""}, {"level", "dBm"}}, entry = {}},
-  {id = 79, count = 7, type = 98, signed = true, elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""}, {"level", "dBm"}, {"points", ""}, {"step", "dB"}}, entry = {}},
-  {id = 79, count = 8, type = 98, signed = true, elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""}, {"level", "dBm"}, {"points", ""}, {"step", "dB"}, {"stop", "dBm"}}, entry = {}},
-  {id = 92, count = 1, type = 66, signed = true, elements = {{"delay", ""}}, entry = {}},
+  {id = 0, count = 1, type = 96, signed = false,
+   elements = {{"frequency", "Hz"}},
+   entry = {}},
+  {id = 0, count = 3, type = 64, signed = false,
+   elements = {{"start", "Hz"}, {"points", ""}, {"step", "Hz"}},
+   entry = {}},
+  {id = 0, count = 3, type = 96, signed = true,
+   elements = {{"start", "Hz"}, {"points", ""}, {"step", "Hz"}},
+   entry = {}},
+  {id = 0, count = 4, type = 96, signed = true,
+   elements = {{"start", "Hz"}, {"points", ""}, {"step", "Hz"}, {"stop", "Hz"}},
+   entry = {}},
+  {id = 2, count = 0, type = 96, signed = false,
+   elements = {},
+   entry = {{"frequency", "Hz"}}},
+  {id = 3, count = 1, type = 32, signed = false,
+   elements = {{"kind", ""}},
+   entry = {}},
+  {id = 4, count = 1, type = 16, signed = false,
+   elements = {{"factor", ""}},
+   entry = {}},
+  {id = 5, count = 2, type = 64, signed = false,
+   elements = {{"selector", ""}, {"dwell", "ns"}},
+   entry = {}},
+  {id = 7, count = 5, type = 16, signed = false,
+   elements = {{"code", ""}, {"falling edge", ""}, {"value", ""}, {"flag", ""}, {"last", ""}},
+   entry = {}},
+  {id = 7, count = 10, type = 16, signed = false,
+   elements = {{"code", ""}, {"falling edge", ""}, {"value", ""}, {"flag", ""}, {"last", ""},
+      {"second code", ""}, {"second falling edge", ""}, {"second value", ""}, {"second flag", ""},
+      {"second last", ""}},
+   entry = {}},
+  {id = 8, count = 5, type = 16, signed = false,
+   elements = {{"code", ""}, {"inverse", ""}, {"width", "us"}, {"flag", ""}, {"last", ""}},
+   entry = {}},
+  {id = 8, count = 10, type = 16, signed = false,
+   elements = {{"code", ""}, {"inverse", ""}, {"width", "us"}, {"flag", ""}, {"last", ""},
+      {"second code", ""}, {"second inverse", ""}, {"second width", "us"}, {"second flag", ""},
+      {"second last", ""}},
+   entry = {}},
+  {id = 11, count = 1, type = 32, signed = false,
+   elements = {{"mode", ""}},
+   entry = {}},
+  {id = 12, count = 2, type = 33, signed = true,
+   elements = {{"output", ""}, {"level", "dBm"}},
+   entry = {}},
+  {id = 12, count = 2, type = 66, signed = true,
+   elements = {{"output", ""}, {"level", "dBm"}},
+   entry = {}},
+  {id = 12, count = 4, type = 66, signed = true,
+   elements = {{"output", ""}, {"level", "dBm"}, {"points", ""}, {"step", "dB"}},
+   entry = {}},
+  {id = 17, count = 1, type = 16, signed = false,
+   elements = {{"enabled", ""}},
+   entry = {}},
+  {id = 17, count = 2, type = 64, signed = false,
+   elements = {{"enabled", ""}, {"frequency", "Hz"}},
+   entry = {}},
+  {id = 23, count = 1, type = 32, signed = false,
+   elements = {{"mask", ""}},
+   entry = {}},
+  {id = 31, count = 2, type = 64, signed = false,
+   elements = {{"mode", ""}, {"source", ""}},
+   entry = {{"width", "ns"}, {"gap", "ns"}}},
+  {id = 31, count = 3, type = 64, signed = false,
+   elements = {{"mode", ""}, {"source", ""}, {"inverse", ""}},
+   entry = {{"width", "ns"}, {"gap", "ns"}}},
+  {id = 34, count = 1, type = 32, signed = false,
+   elements = {{"pressed", ""}},
+   entry = {}},
+  {id = 37, count = 3, type = 64, signed = false,
+   elements = {{"width", "ns"}, {"gap", "ns"}, {"delay", "ns"}},
+   entry = {}},
+  {id = 76, count = 4, type = 66, signed = true,
+   elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""}},
+   entry = {{"level", "dBm"}}},
+  {id = 79, count = 5, type = 66, signed = true,
+   elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""},
+      {"level", "dBm"}},
+   entry = {}},
+  {id = 79, count = 7, type = 66, signed = true,
+   elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""},
+      {"level", "dBm"}, {"points", ""}, {"step", "dB"}},
+   entry = {}},
+  {id = 79, count = 8, type = 66, signed = true,
+   elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""},
+      {"level", "dBm"}, {"points", ""}, {"step", "dB"}, {"stop", "dBm"}},
+   entry = {}},
+  {id = 79, count = 5, type = 98, signed = true,
+   elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""},
+      {"level", "dBm"}},
+   entry = {}},
+  {id = 79, count = 7, type = 98, signed = true,
+   elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""},
+      {"level", "dBm"}, {"points", ""}, {"step", "dB"}},
+   entry = {}},
+  {id = 79, count = 8, type = 98, signed = true,
+   elements = {{"output", ""}, {"attenuator mode", ""}, {"setting 1", ""}, {"setting 2", ""},
+      {"level", "dBm"}, {"points", ""}, {"step", "dB"}, {"stop", "dBm"}},
+   entry = {}},
+  {id = 92, count = 1, type = 66, signed = true,
+   elements = {{"delay", ""}},
+   entry = {}},
 }
 -- End of tables
 
 local zk4n = Proto("zk4n", "Zentrel K4N / L5S")
 
--- Fields ------------------------------------------------------------------------------------------------------------
+-- Fields ------------------------------------------------------------------------------------------
 
 local fields = {
   word = ProtoField.uint16("zk4n.word", "Header word", base.HEX),
@@ -135,7 +208,8 @@ for _, form in ipairs(forms) do
       local name, unit = element[1], element[2]
       local key = abbreviation(parameter_names[form.id], name)
       if not element_fields[key] then
-        local label = name:sub(1, 1):upper() .. name:sub(2) .. (unit ~= "" and " (" .. unit .. ")" or "")
+        local in_unit = unit ~= "" and " (" .. unit .. ")" or ""
+        local label = name:sub(1, 1):upper() .. name:sub(2) .. in_unit
         element_fields[key] = ProtoField.double(key, label)
         table.insert(registered, element_fields[key])
       end
@@ -144,22 +218,26 @@ for _, form in ipairs(forms) do
 end
 zk4n.fields = registered
 
+local group, severity = expert.group, expert.severity
+local function expert_of(name, text, group, severity)
+  return ProtoExpert.new("zk4n." .. name, text, group, severity)
+end
 local experts = {
-  refused = ProtoExpert.new("zk4n.refused", "Negative status", expert.group.RESPONSE_CODE, expert.severity.WARN),
-  header_word = ProtoExpert.new("zk4n.bad_header_word", "No header word", expert.group.MALFORMED, expert.severity.ERROR),
-  length = ProtoExpert.new("zk4n.bad_length", "Wrong length", expert.group.MALFORMED, expert.severity.ERROR),
-  mismatch = ProtoExpert.new("zk4n.mismatch", "Answer to something else", expert.group.PROTOCOL, expert.severity.WARN),
-  unpaired = ProtoExpert.new("zk4n.unpaired", "Answer without a request", expert.group.SEQUENCE, expert.severity.WARN),
-  unanswered = ProtoExpert.new("zk4n.unanswered", "The request before has no answer", expert.group.SEQUENCE,
-    expert.severity.NOTE),
-  late = ProtoExpert.new("zk4n.late", "The answer to an earlier request", expert.group.SEQUENCE, expert.severity.WARN),
-  order = ProtoExpert.new("zk4n.bad_number", "Number out of order", expert.group.SEQUENCE, expert.severity.WARN),
+  refused = expert_of("refused", "Negative status", group.RESPONSE_CODE, severity.WARN),
+  header_word = expert_of("bad_header_word", "No header word", group.MALFORMED, severity.ERROR),
+  length = expert_of("bad_length", "Wrong length", group.MALFORMED, severity.ERROR),
+  mismatch = expert_of("mismatch", "Answer to something else", group.PROTOCOL, severity.WARN),
+  unpaired = expert_of("unpaired", "Answer without a request", group.SEQUENCE, severity.WARN),
+  unanswered = expert_of(
+    "unanswered", "The request before has no answer", group.SEQUENCE, severity.NOTE),
+  late = expert_of("late", "The answer to an earlier request", group.SEQUENCE, severity.WARN),
+  order = expert_of("bad_number", "Number out of order", group.SEQUENCE, severity.WARN),
 }
 local expert_list = {}
 for _, entry in pairs(experts) do table.insert(expert_list, entry) end
 zk4n.experts = expert_list
 
--- Connections: what the first pass finds out about each message, for that pass and the later ones ------------------------
+-- Connections: what the first pass finds out about each message, for that pass and the later ones -
 
 local tcp_stream = Field.new("tcp.stream")
 local frame_time = Field.new("frame.time_epoch")
@@ -188,7 +266,8 @@ end
 local function begin_request(message, connection, pinfo)
   local last = connection.last
   message.frame, message.time = pinfo.number, frame_time().value
-  message.out_of_order = last and message.number ~= (last.number + 1) % 0x100000000 and last.number or nil
+  local follows = not last or message.number == (last.number + 1) % 0x100000000
+  message.out_of_order = not follows and last.number or nil
   message.unanswered = last and not last.answer and last.number or nil
   connection.requests[message.number] = message
   connection.last = message
@@ -198,14 +277,15 @@ end
 local function pair_answer(message, connection, pinfo)
   message.frame, message.time = pinfo.number, frame_time().value
   local request = connection.requests[message.number]
-  if not request and connection.last and not connection.last.answer then request = connection.last end
+  local last = connection.last
+  if not request and last and not last.answer then request = last end
   if request and not request.answer then
     request.answer, message.request = message, request
     message.late = request ~= connection.last and connection.last.number or nil
   end
 end
 
--- Numbers of a body ---------------------------------------------------------------------------------------------------------
+-- Numbers of a body -------------------------------------------------------------------------------
 
 local function integer(range, is_signed)
   local value, weight = 0, 1
@@ -222,7 +302,8 @@ local function fraction_of(type) return type % 16 end
 
 local function form_of(message)
   for _, form in ipairs(forms) do
-    if form.id == message.parameter and form.count == message.count and form.type == message.type then return form end
+    local same_form = form.count == message.count and form.type == message.type
+    if form.id == message.parameter and same_form then return form end
   end
 end
 
@@ -261,17 +342,19 @@ local function add_elements(tree, body, message)
     local value = integer(range, is_signed) / divisor
     tree:add(field, range, value)
     if i <= SHOWN then
-      table.insert(shown, (name .. " " .. string.format("%.12g", value) .. " " .. unit):match("^%s*(.-)%s*$"))
+      local text = string.format("%s %.12g %s", name, value, unit)
+      table.insert(shown, text:match("^%s*(.-)%s*$"))
     end
   end
   if count > SHOWN then table.insert(shown, "...") end
   return #shown > 0 and ": " .. table.concat(shown, ", ") or ""
 end
 
--- Bodies --------------------------------------------------------------------------------------------------------------------
+-- Bodies ------------------------------------------------------------------------------------------
 
 local function is_file(message)
-  return message.command == READ and message.parameter == FILE and message.count == 2 and message.type == 0x40
+  return message.command == READ and message.parameter == FILE and message.count == 2 and
+    message.type == 0x40
 end
 local function is_serial_number(message)
   return message.command == READ and message.parameter == SERIAL_NUMBER and message.count == 1 and
@@ -322,7 +405,9 @@ local function add_parameter(tree, body, message)
     if is_serial_number(message) and body:len() >= 4 then message.key = body(2, 2):le_uint() end
     return "" -- the values of a read request mean nothing
   end
-  if message.command == READ and message.parameter == IDENTITY then return add_text(tree, text_range(body, 2)) end
+  if message.command == READ and message.parameter == IDENTITY then
+    return add_text(tree, text_range(body, 2))
+  end
   if is_serial_number(message) then
     local key = message.request and message.request.key
     return key and add_serial_number(tree, body, key) or ""
@@ -348,8 +433,8 @@ end
 local function add_block(tree, body, message)
   local points = (body:len() - 2) / POINT_SIZE
   if points < 0 or points ~= math.floor(points) then
-    tree:add(fields.body, body):add_proto_expert_info(experts.length, "A block is 12 n + 2 bytes long, this one " ..
-      body:len())
+    local text = "A block is 12 n + 2 bytes long, this one " .. body:len()
+    tree:add(fields.body, body):add_proto_expert_info(experts.length, text)
     return ": " .. body:len() .. " bytes"
   end
   tree:add(fields.points, body(0, body:len() - 2), points)
@@ -358,11 +443,13 @@ local function add_block(tree, body, message)
   local range = body(body:len() - 2, 2)
   local item = tree:add_le(fields.block_status, range)
   local status = range:le_int()
-  if status < 0 then item:add_proto_expert_info(experts.refused, "Block status " .. status_text(status)) end
+  if status < 0 then
+    item:add_proto_expert_info(experts.refused, "Block status " .. status_text(status))
+  end
   return string.format(": %d points, %s", points, status_text(status))
 end
 
--- Messages --------------------------------------------------------------------------------------------------------------------
+-- Messages ----------------------------------------------------------------------------------------
 
 local function header_of(tvb, offset)
   local message = {
@@ -379,13 +466,15 @@ local function header_of(tvb, offset)
   return message
 end
 
--- In a frame the same message may be met more than once; a later pass takes what the first one found out.
+-- In a frame the same message may be met more than once; a later pass takes what the first one
+-- found out.
 local function remember(message, pinfo, connection, body)
   message.is_request = is_request(pinfo, connection, message.status)
   if (message.command == WRITE or message.command == READ) and body:len() >= 2 then
     message.parameter = body(0, 2):le_uint()
   end
-  local key = table.concat({pinfo.number, sender(pinfo), message.number, message.command, message.status}, " ")
+  local words = {pinfo.number, sender(pinfo), message.number, message.command, message.status}
+  local key = table.concat(words, " ")
   if exchanges[key] then return exchanges[key] end
   exchanges[key] = message
   if message.is_request then
@@ -418,11 +507,12 @@ end
 
 local function check_request(tree, message)
   if message.out_of_order then
-    tree:add_proto_expert_info(experts.order, string.format("Request %d follows request %d", message.number,
-      message.out_of_order))
+    tree:add_proto_expert_info(experts.order, string.format(
+      "Request %d follows request %d", message.number, message.out_of_order))
   end
   if message.unanswered then
-    tree:add_proto_expert_info(experts.unanswered, "Request " .. message.unanswered .. " has no answer")
+    tree:add_proto_expert_info(
+      experts.unanswered, "Request " .. message.unanswered .. " has no answer")
   end
 end
 
@@ -433,21 +523,24 @@ local function check_answer(tree, message)
     return
   end
   if message.late then
-    tree:add_proto_expert_info(experts.late, "Request " .. message.late .. " was sent before this answer came")
+    tree:add_proto_expert_info(
+      experts.late, "Request " .. message.late .. " was sent before this answer came")
   end
   if request.command ~= message.command then
     tree:add_proto_expert_info(experts.mismatch, "The request had command " .. request.command)
   elseif message.parameter and request.parameter ~= message.parameter then
-    tree:add_proto_expert_info(experts.mismatch, "The request was of parameter " .. tostring(request.parameter))
+    tree:add_proto_expert_info(
+      experts.mismatch, "The request was of parameter " .. tostring(request.parameter))
   elseif message.mark and message.mark ~= "A" and message.mark ~= "@" then
     tree:add_proto_expert_info(experts.mismatch, "A block's mark is A or @")
   end
   local length = request.length
-  local has_its_length = (message.command == WRITE or message.command == READ) and message.status >= 0 and
-    not is_file(request) and not is_serial_number(request)
+  local has_its_length = (message.command == WRITE or message.command == READ) and
+    message.status >= 0 and not is_file(request) and not is_serial_number(request)
   -- A byte may have been added to the request.
   if has_its_length and message.length ~= length and message.length + 1 ~= length then
-    tree:add_proto_expert_info(experts.length, string.format("A body of %d bytes instead of %d", message.length, length))
+    tree:add_proto_expert_info(experts.length, string.format(
+      "A body of %d bytes instead of %d", message.length, length))
   end
 end
 
@@ -462,7 +555,8 @@ end
 local function title_of(message)
   local title = command_names[message.command] or "command " .. message.command
   if message.parameter then
-    title = title .. " " .. (parameter_names[message.parameter] or "parameter") .. " #" .. message.parameter
+    local name = parameter_names[message.parameter] or "parameter"
+    title = title .. " " .. name .. " #" .. message.parameter
   end
   return title
 end
@@ -470,8 +564,12 @@ end
 local function add_body(tree, body, message)
   if body:len() == 0 then return "" end
   if message.is_request or message.status >= 0 then
-    if message.command == WRITE or message.command == READ then return add_parameter(tree, body, message) end
-    if message.command == DATA and not message.is_request then return add_block(tree, body, message) end
+    if message.command == WRITE or message.command == READ then
+      return add_parameter(tree, body, message)
+    end
+    if message.command == DATA and not message.is_request then
+      return add_block(tree, body, message)
+    end
   end
   tree:add(fields.body, body)
   return ""
