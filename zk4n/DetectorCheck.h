@@ -32,8 +32,8 @@ class DetectorCheck {
 
   std::string name_;
   measurement::DetectorFile file_;
-  std::vector<double> frequencies_;  // MHz
-  std::vector<double> levels_;       // linear
+  std::vector<double> frequencies_;  ///< MHz
+  std::vector<double> levels_;       ///< linear
 };
 
 }  // namespace zk4n

@@ -68,13 +68,13 @@ class DriverClient {
 
   struct TrailRecord {
     HRESULT code;
-    std::string message;  // empty where the driver knows no more than the code
+    std::string message;  ///< empty where the driver knows no more than the code
     bool operator==(const TrailRecord&) const = default;
   };
   [[nodiscard]] std::optional<TrailRecord> TakeTrailRecord() const;
   [[nodiscard]] std::string ErrorTrail() const;
 
-  os::Module module_;  // released last: the objects' code lives in it
+  os::Module module_;  ///< released last: the objects' code lives in it
   ComPtr<IZentrelK4N> root_;
 };
 

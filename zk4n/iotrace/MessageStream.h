@@ -43,8 +43,8 @@ class MessageStream {
  private:
   struct Run {
     std::vector<std::uint8_t> known;
-    std::size_t missing = 0;  // behind them
-    std::size_t dropped = 0;  // of the known ones
+    std::size_t missing = 0;  ///< behind them
+    std::size_t dropped = 0;  ///< of the known ones
 
     [[nodiscard]] std::span<const std::uint8_t> Known() const {
       return std::span(known).subspan(dropped);

@@ -40,20 +40,20 @@ class SessionReader {
 
   std::uint64_t process_;
   std::uint64_t session_;
-  bool joined_;  // in its middle: the first answer may belong to a request before the trace
+  bool joined_;  ///< in its middle: the first answer may belong to a request before the trace
   Listener* listener_;
 
   MessageStream out_;
   MessageStream in_;
   std::optional<Exchange> pending_;
-  TimePoint last_read_;                // its end, of the pending exchange; else its beginning
-  unsigned timeouts_ = 0;              // of the pending exchange
-  bool body_asked_ = false;            // since the header of its answer came
-  bool out_of_step_ = false;           // what is read is dropped up to the next request
-  bool lost_track_ = false;            // told once
-  std::optional<StreamMessage> copy_;  // passed over last, for the pending exchange
+  TimePoint last_read_;                ///< its end, of the pending exchange; else its beginning
+  unsigned timeouts_ = 0;              ///< of the pending exchange
+  bool body_asked_ = false;            ///< since the header of its answer came
+  bool out_of_step_ = false;           ///< what is read is dropped up to the next request
+  bool lost_track_ = false;            ///< told once
+  std::optional<StreamMessage> copy_;  ///< passed over last, for the pending exchange
   std::optional<std::uint32_t> last_number_;
-  unsigned numbers_repeated_ = 0;  // answers in a row that carried their requests' numbers
+  unsigned numbers_repeated_ = 0;  ///< answers in a row that carried their requests' numbers
 };
 
 }  // namespace iotrace

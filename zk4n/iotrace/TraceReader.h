@@ -29,7 +29,7 @@ class TraceReader {
   [[nodiscard]] std::size_t GoodLines() const { return good_lines_; }
 
  private:
-  using Key = std::pair<std::uint64_t, std::uint64_t>;  // process, session
+  using Key = std::pair<std::uint64_t, std::uint64_t>;  ///< process, session
 
   void Dispatch(const TraceLine& call);
   void Open(const TraceLine& call);
