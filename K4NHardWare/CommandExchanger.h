@@ -52,9 +52,9 @@ class CommandExchanger final : public uIEvent::EventProcessor {
   };
   /// What the last exchange still waits for.
   struct Pending {
-    std::uint32_t answers = 0;  // not received yet
-    bool is_data_read = false;  // received by polling
-    Progress progress;          // of the first missing answer
+    std::uint32_t answers = 0;  ///< not received yet
+    bool is_data_read = false;  ///< received by polling
+    Progress progress;          ///< of the first missing answer
   };
 
   Status GetInStep();
@@ -67,11 +67,11 @@ class CommandExchanger final : public uIEvent::EventProcessor {
 
   std::unique_ptr<uDevice::Interface> device_;
   Pending pending_;
-  std::uint32_t unanswered_ = 0;        // late answers of earlier exchanges that may still come
-  std::uint32_t sequence_ = 0;          // the last number used
-  bool clear_first_ = false;            // clear the device before the next request
-  std::uint32_t numbers_repeated_ = 0;  // answers in a row with the right sequence number
-  bool copy_may_come_ = false;          // the last answer may arrive twice
-  bool numbers_disproved_ = false;      // this instrument's sequence numbers are of no use
+  std::uint32_t unanswered_ = 0;        ///< late answers of earlier exchanges that may still come
+  std::uint32_t sequence_ = 0;          ///< the last number used
+  bool clear_first_ = false;            ///< clear the device before the next request
+  std::uint32_t numbers_repeated_ = 0;  ///< answers in a row with the right sequence number
+  bool copy_may_come_ = false;          ///< the last answer may arrive twice
+  bool numbers_disproved_ = false;      ///< this instrument's sequence numbers are of no use
   std::atomic<bool> abandoned_ = false;
 };

@@ -142,7 +142,7 @@ class D3THardWare final : public uIEvent::EventProcessor {
   /// Which generation of the power commands the instrument speaks, 0 to 5.
   [[nodiscard]] std::uint32_t power_variant() const { return power_variant_; }
 
-  // Parameters that no setting of the driver uses yet.
+  // --- Parameters that no setting of the driver uses yet
   Status WritePulseTrainFixed(std::array<std::uint32_t, 3>& elements);
   Status WriteSwitchSetting(bool& enabled, std::uint32_t& value);
   /// The frequency is in MHz; the value has 1/256 steps and 16 bits.
@@ -195,16 +195,16 @@ class D3THardWare final : public uIEvent::EventProcessor {
   Status ReadStateCode(k4n::Parameter parameter, Status bad_code, bool& good);
 
   CommandExchanger& exchanger_;
-  ProtocolMessage message_;                   // reused, so that no transaction allocates a body
-  std::vector<HardWareParametr> parameters_;  // in the order of kParameterTable
+  ProtocolMessage message_;                   ///< reused, so that no transaction allocates a body
+  std::vector<HardWareParametr> parameters_;  ///< in the order of kParameterTable
 
   std::uint32_t frequency_class_ = 0;
   k4n::IdentityRecord identity_;
   static constexpr std::uint32_t kVariantUnprobed = 3;
   std::uint32_t power_variant_ = kVariantUnprobed;
-  bool power_variant_settled_ = false;  // no further probe
+  bool power_variant_settled_ = false;  ///< no further probe
   bool two_trigger_groups_ = true;
-  bool pulse_polarity_ = false;  // the pulse train carries a polarity element
+  bool pulse_polarity_ = false;  ///< the pulse train carries a polarity element
   double minimum_frequency_ = 0.0;
   double maximum_frequency_ = 0.0;
   bool wide_frequency_ = false;

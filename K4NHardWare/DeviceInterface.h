@@ -52,7 +52,7 @@ class Interface {
 
   std::unique_ptr<VisaLibrary> library_;
   std::string resource_name_;
-  std::uint32_t resource_manager_ = 0;  // never closed: unloading the library ends it
+  std::uint32_t resource_manager_ = 0;  ///< never closed: unloading the library ends it
   std::uint32_t session_ = 0;
   std::atomic<Status> last_status_ = Status::kOk;
 };

@@ -30,6 +30,6 @@ class DriverLog {
  private:
   void Write(const std::string& entry);
 
-  std::uint32_t last_tick_ = 0;  // of the last timed line
+  std::uint32_t last_tick_ = 0;  ///< of the last timed line
   std::ofstream file_;
 };

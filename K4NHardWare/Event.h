@@ -35,7 +35,7 @@ class Event {
   const void* source_;
 };
 
-// The factories. Each returns a new event, or null when there is no memory for it. Only error
+// --- The factories. Each returns a new event, or null when there is no memory for it. Only error
 // events are raised by the driver itself.
 Event* MakeEvent(const void* source, std::string_view name, void* data, std::uint32_t type,
                  std::uint32_t kind);

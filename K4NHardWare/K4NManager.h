@@ -185,7 +185,8 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   [[nodiscard]] T Cached(T k4n::InstrumentSettings::*setting) const;
 
   void AbandonExchange();
-  // The functions below are called within an operation.
+
+  // --- Called within an operation
   Status OpenSession(const std::string& resource_name);
   Status StartSession(bool generator_only);
   Status EndSession(Output output);
@@ -226,15 +227,15 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   StatusAnd<bool> ReadState(std::atomic<bool>& state, k4n::Site site, Read&& read,
                             Told told = Told::kAlways);
 
-  // Lock order: operation lock, data lock (in the measurement block), session lock; the locks
-  // inside `trail_` and the Synchronized values are leaves.
+  /// Lock order: operation lock, data lock (in the measurement block), session lock; the locks
+  /// inside `trail_` and the Synchronized values are leaves.
   mutable std::recursive_mutex operation_mutex_;
-  // Held while the session's objects are created or destroyed, and by ErrorQuery, which must not
-  // wait for an operation on the instrument.
+  /// Held while the session's objects are created or destroyed, and by ErrorQuery, which must not
+  /// wait for an operation on the instrument.
   std::mutex session_mutex_;
-  std::atomic<bool> connected_ = false;  // for everybody else
+  std::atomic<bool> connected_ = false;  ///< for everybody else
   std::unique_ptr<CommandExchanger> exchanger_;
-  std::unique_ptr<D3THardWare> model_;  // null: no session
+  std::unique_ptr<D3THardWare> model_;  ///< null: no session
   k4n::ProtocolLibrary protocol_;
 
   k4n::ErrorTrail trail_;
@@ -248,9 +249,9 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   std::atomic<measurement::InstrumentKind> instrument_kind_ =
       measurement::InstrumentKind::kAnalyser;
   std::atomic<bool> firmware_newer_ = false;
-  // The mode last programmed as a whole; guarded by the operation lock.
+  /// The mode last programmed as a whole; guarded by the operation lock.
   k4n::SweepMode measurement_mode_ = k4n::SweepMode::kContinuousWave;
-  std::atomic<bool> sweep_armed_ = false;  // kept: never reset, not even by a new session
+  std::atomic<bool> sweep_armed_ = false;  ///< kept: never reset, not even by a new session
 
   k4n::MeasurementBlock block_;
   k4n::MeasurementWorker worker_{trail_, settings_, block_};

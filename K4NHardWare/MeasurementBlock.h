@@ -45,7 +45,7 @@ class MeasurementBlock {
   bool ready_ = false;
   measurement::ReadingFormat format_{};
   std::vector<std::uint8_t> points_;
-  InstrumentSettings settings_;  // as they were when the block was stored
+  InstrumentSettings settings_;  ///< as they were when the block was stored
 };
 
 }  // namespace k4n

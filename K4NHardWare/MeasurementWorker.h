@@ -23,7 +23,7 @@ struct InstrumentState {
   std::atomic<bool> rf_button = false;
   std::atomic<bool> pll_locked = false;
   std::atomic<bool> level_settled = false;
-  std::atomic<bool> erg_good = true;  // cleared by a fault only
+  std::atomic<bool> erg_good = true;  ///< cleared by a fault only
 };
 
 /// Start, Stop, Pause and Resume are called by one thread at a time (the manager's operation lock
@@ -83,9 +83,9 @@ class MeasurementWorker {
   MeasurementBlock& block_;
   D3THardWare* model_ = nullptr;
 
-  // Each release of `stop_request_` is answered by exactly one release of `stopped_`. The end of a
-  // software-triggered sweep is signalled by `measuring_` only, so that no acknowledgement is left
-  // over for a later pause.
+  /// Each release of `stop_request_` is answered by exactly one release of `stopped_`. The end of a
+  /// software-triggered sweep is signalled by `measuring_` only, so that no acknowledgement is left
+  /// over for a later pause.
   os::Semaphore run_;
   os::Semaphore stop_request_;
   os::Semaphore stopped_;
@@ -95,9 +95,9 @@ class MeasurementWorker {
   InstrumentState state_;
 
   std::vector<std::uint8_t> receive_buffer_;
-  std::uint32_t button_polled_ = 0;  // tick count
+  std::uint32_t button_polled_ = 0;  ///< tick count
 
-  std::thread thread_;  // last: it uses everything above
+  std::thread thread_;  ///< last: it uses everything above
 };
 
 }  // namespace k4n

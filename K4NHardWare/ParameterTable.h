@@ -104,10 +104,10 @@ static_assert(
 // Element indices, by the parameters that have them.
 
 struct FrequencyElement {
-  enum : std::size_t { kStart, kPoints, kStep, kStop };  // Hz; kStop in the four-element form
+  enum : std::size_t { kStart, kPoints, kStep, kStop };  ///< Hz; kStop in the four-element form
 };
 struct DwellElement {
-  enum : std::size_t { kSelector, kTime };  // the selector is always 0
+  enum : std::size_t { kSelector, kTime };  ///< the selector is always 0
 };
 /// kPower0, kPower1 and kPowerSweep1.
 struct SimplePowerElement {
@@ -135,13 +135,13 @@ struct SwitchElement {
   enum : std::size_t { kEnabled, kZero, kValue };
 };
 struct ReferenceElement {
-  enum : std::size_t { kEnabled, kFrequency };  // the short form has only the first
+  enum : std::size_t { kEnabled, kFrequency };  ///< the short form has only the first
 };
 struct ScaledElement {
   enum : std::size_t { kFrequency, kNumber, kValue };
 };
 struct SyncElement {
-  enum : std::size_t { kWidth, kOffTime, kDelay };  // ns
+  enum : std::size_t { kWidth, kOffTime, kDelay };  ///< ns
 };
 /// Parameters of one element.
 struct OnlyElement {

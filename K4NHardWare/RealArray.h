@@ -39,7 +39,7 @@ class RealArray {
   HRESULT locked_ = E_INVALIDARG;
   bool keep_locked_ = false;
   std::span<double> elements_;
-  std::size_t count_ = 0;  // as if the array started at 0
+  std::size_t count_ = 0;  ///< as if the array started at 0
 };
 
 }  // namespace k4n

@@ -21,9 +21,9 @@ struct ResourceName {
 }  // namespace k4n
 
 namespace resource_error {
-inline constexpr Status kNotSocket{26208};  // the fourth piece is not "SOCKET"
-inline constexpr Status kNotTcpip{26209};   // the first piece is not "TCPIP" and digits
-inline constexpr Status kBadPort{26210};    // the third piece is not a number
+inline constexpr Status kNotSocket{26208};  ///< the fourth piece is not "SOCKET"
+inline constexpr Status kNotTcpip{26209};   ///< the first piece is not "TCPIP" and digits
+inline constexpr Status kBadPort{26210};    ///< the third piece is not a number
 inline constexpr Status kTooManyPieces{26212};
 }  // namespace resource_error
 

@@ -96,7 +96,7 @@ class EntryPoint<Result(Arguments..., ...)> final : public EntryPointBase {
 /// Owns the loaded module. The driver calls nine of the entry points; the others complete the
 /// table.
 class VisaLibrary {
-  std::vector<EntryPointBase*> entries_;  // in the order of the declarations below
+  std::vector<EntryPointBase*> entries_;  ///< in the order of the declarations below
 
  public:
   static constexpr int kNotLoaded = -1;

@@ -93,7 +93,7 @@ class ComObject final : public Class {
       return left;
     }
 
-    // While an object goes, references taken and given back must not bring it down a second time.
+    /// While an object goes, references taken and given back must not bring it down a second time.
     void Pin() { references_ = kPinned; }
 
    private:

@@ -14,7 +14,7 @@ namespace driver {
 /// The name that every built message starts with.
 inline constexpr std::string_view kLibraryName = "ZentrelK4NLib";
 
-// Texts that members report as they stand, without the library's name in front.
+/// Texts that members report as they stand, without the library's name in front.
 inline constexpr std::string_view kNotConnectedText =
     "A connection to the instrument has not been established.";
 inline constexpr std::string_view kInstrumentErrorText =

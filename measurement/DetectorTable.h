@@ -34,8 +34,8 @@ class DetectorTable {
   /// A part of an axis, from <= x < to, that uses one pair of points.
   struct Interval {
     double from;
-    double to;     // the axis value of the second point too, where the points differ
-    double width;  // between the two points; 0 beyond an end of the axis (one point)
+    double to;     ///< the axis value of the second point too, where the points differ
+    double width;  ///< between the two points; 0 beyond an end of the axis (one point)
     std::size_t first;
     std::size_t second;
 
@@ -55,17 +55,17 @@ class DetectorTable {
    private:
     [[nodiscard]] const Interval& Search(double x) const;
 
-    std::vector<Interval> intervals_;  // ascending; one before the first point, one a point
+    std::vector<Interval> intervals_;  ///< ascending; one before the first point, one a point
     double front_ = 0.0;
-    double steps_per_unit_ = 0.0;  // exact where the points are evenly spaced, a guess elsewhere
+    double steps_per_unit_ = 0.0;  ///< exact where the points are evenly spaced, a guess elsewhere
   };
 
-  Axis frequencies_;  // MHz
-  Axis levels_;       // log10
+  Axis frequencies_;  ///< MHz
+  Axis levels_;       ///< log10
   std::size_t level_count_ = 0;
-  std::vector<double> values_;  // one run of level values a frequency
-  // Used if an axis is not monotonic or not finite: there the result of a search depends on its
-  // start, so the matrix is searched as it is. Empty in the default object.
+  std::vector<double> values_;  ///< one run of level values a frequency
+  /// Used if an axis is not monotonic or not finite: there the result of a search depends on its
+  /// start, so the matrix is searched as it is. Empty in the default object.
   CSimpleMatrix irregular_;
 };
 

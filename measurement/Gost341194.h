@@ -29,13 +29,13 @@ class Gost341194 {
   [[nodiscard]] Digest Finish();
 
  private:
-  using Block = std::array<std::uint64_t, 4>;  // 256 bits, little-endian
+  using Block = std::array<std::uint64_t, 4>;  ///< 256 bits, little-endian
   using RoundTable = std::array<std::array<std::uint32_t, 256>, 4>;
 
   void Absorb(const std::uint8_t* bytes);
   void Compress(const Block& message);
 
-  RoundTable round_table_;  // substitution and rotation by 11, one table a byte of the word
+  RoundTable round_table_;  ///< substitution and rotation by 11, one table a byte of the word
   Block state_{};
   Block sum_{};
   std::array<std::uint8_t, 32> pending_{};

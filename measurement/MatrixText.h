@@ -83,14 +83,14 @@ class MatrixText {
 
   std::string text_;
   std::string header_;
-  std::vector<double> numbers_;  // row by row
+  std::vector<double> numbers_;  ///< row by row
   std::uint32_t columns_ = 0;
   std::uint32_t rows_ = 0;
   std::uint32_t uneven_row_ = 0;
   std::string stored_digest_;
-  std::string early_digest_;  // empty: computed when it is needed
+  std::string early_digest_;  ///< empty: computed when it is needed
   bool has_digest_ = false;
-  std::size_t signed_header_size_ = 0;  // of header_, when there is a digest line
+  std::size_t signed_header_size_ = 0;  ///< of header_, when there is a digest line
   bool data_follows_digest_ = false;
 };
 

@@ -63,9 +63,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   RequestParser parser_;
   std::array<std::uint8_t, 16384> received_{};
   bool reading_ = false;
-  std::deque<Outgoing> outgoing_;  // the first is being sent
-  std::size_t sent_ = 0;           // bytes of the first
-  asio::steady_timer timer_;       // of delays and pauses
+  std::deque<Outgoing> outgoing_;  ///< the first is being sent
+  std::size_t sent_ = 0;           ///< bytes of the first
+  asio::steady_timer timer_;       ///< of delays and pauses
   bool open_ = true;
 };
 

@@ -23,8 +23,8 @@ class FaultList {
  private:
   struct Pending {
     Fault fault;
-    std::uint32_t met = 0;     // requests that were let pass
-    std::uint32_t struck = 0;  // those that it struck
+    std::uint32_t met = 0;     ///< requests that were let pass
+    std::uint32_t struck = 0;  ///< those that it struck
   };
   std::vector<Pending> pending_;
   std::uint64_t struck_ = 0;

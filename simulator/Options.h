@@ -27,7 +27,7 @@ enum class FrequencyForm {
   kFourElement,  ///< start, points, step, stop of 6 bytes
 };
 
-// In the order in which a person reads them; there are few of these, and their size is no matter.
+/// In the order in which a person reads them; there are few of these, and their size is no matter.
 // NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding)
 struct Options {
   // Where it listens.

@@ -48,7 +48,7 @@ class Settings {
     std::uint8_t type;
     bool is_signed;
     bool (*known)(const Options&);
-    void (Settings::*set)(const Form&, std::span<const double>);  // null: read only
+    void (Settings::*set)(const Form&, std::span<const double>);  ///< null: read only
     Values (Settings::*get)(const Form&) const;
   };
   static const std::span<const Form> kForms;
@@ -81,7 +81,7 @@ class Settings {
   void SetPulseHead(std::span<const double> values);
   std::int16_t WriteFrequencyTable(const Message& request, std::uint16_t id, Bytes& answer);
 
-  // The others.
+  // --- The others
   void SetKind(const Form& form, std::span<const double> values);
   [[nodiscard]] Values GetKind(const Form& form) const;
   void SetAveraging(const Form& form, std::span<const double> values);
@@ -107,7 +107,7 @@ class Settings {
 
   const Options options_;
   InstrumentState state_;
-  bool power_woken_ = false;  // the power commands of generation 0 have been addressed
+  bool power_woken_ = false;  ///< the power commands of generation 0 have been addressed
 };
 
 /// To the nearest multiple of `step`; unchanged for a step of 0.

@@ -54,7 +54,7 @@ class Simulator {
   /// comes of the fault can be seen at the other end.
   [[nodiscard]] std::uint64_t StruckRequests() const;
 
-  // What happens at the instrument rather than on the wire.
+  // --- What happens at the instrument rather than on the wire
   void SetDevice(const DeviceUnderTest& device);
   /// A pulse at the trigger connector: starts the sweep that waits for it, or its next point.
   void FireTrigger();

@@ -58,7 +58,7 @@ class RequestParser {
 
  private:
   Bytes buffer_;
-  std::size_t position_ = 0;  // of the first byte that is not taken yet
+  std::size_t position_ = 0;  ///< of the first byte that is not taken yet
 };
 
 /// An answer's bytes; a body over kMaxBody is cut.

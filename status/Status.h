@@ -24,12 +24,12 @@ enum class [[nodiscard]] Status : std::int32_t{
     kWrongInstrumentKind = 20503,
 
     // Instrument codes.
-    kInstrumentNoIdentity = -32767,    // 0x8001
-    kInstrumentNotSupported = -32766,  // 0x8002
-    kInstrumentFormUnknown = -32765,   // 0x8003
-    kInstrumentPllUnlocked = -32761,   // 0x8007
-    kInstrumentErgFault = -32740,      // 0x801C
-    kInstrumentFileMissing = -32509,   // 0x8103
+    kInstrumentNoIdentity = -32767,    ///< 0x8001
+    kInstrumentNotSupported = -32766,  ///< 0x8002
+    kInstrumentFormUnknown = -32765,   ///< 0x8003
+    kInstrumentPllUnlocked = -32761,   ///< 0x8007
+    kInstrumentErgFault = -32740,      ///< 0x801C
+    kInstrumentFileMissing = -32509,   ///< 0x8103
 
     // VISA statuses that the driver tests or returns itself.
     kVisaFirst = SignedBits(0xBFFF0000),

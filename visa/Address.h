@@ -11,10 +11,10 @@ namespace zevisa {
 
 /// An IPv4 or IPv6 address with its port, ready for the system.
 struct Address {
-  alignas(8) std::array<std::byte, 128> bytes{};  // the system's sockaddr_storage
+  alignas(8) std::array<std::byte, 128> bytes{};  ///< the system's sockaddr_storage
   std::size_t length = 0;
   int family = 0;
-  std::string text;  // the numeric address, one for every spelling of it
+  std::string text;  ///< the numeric address, one for every spelling of it
 };
 
 /// The addresses of a host, in the order to try them; none when it is unknown. The host is a

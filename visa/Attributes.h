@@ -37,7 +37,7 @@ enum class Slot : std::uint8_t {
   kWriteBufferSize,
   kFileAppend,
   kDma,
-  kNumbers,  // the texts follow
+  kNumbers,  ///< the texts follow
   kAddress = kNumbers,
   kHostName,
   kName,

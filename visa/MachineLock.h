@@ -28,7 +28,7 @@ class MachineLock {
  private:
   static constexpr std::intptr_t kNone = -1;
   std::intptr_t handle_ = kNone;
-  // A second name, which says who the holder is. The lock holds without it.
+  /// A second name, which says who the holder is. The lock holds without it.
   std::intptr_t note_ = kNone;
 };
 

@@ -49,9 +49,9 @@ class ResourceLock {
 
   const std::string name_;
   mutable std::mutex mutex_;
-  std::atomic<ViSession> exclusive_ = 0;  // the owner
+  std::atomic<ViSession> exclusive_ = 0;  ///< the owner
   unsigned exclusive_depth_ = 0;
-  std::map<ViSession, unsigned> shared_;  // the depth of each session that shares
+  std::map<ViSession, unsigned> shared_;  ///< the depth of each session that shares
   std::string key_;
   MachineLock machine_;
 };

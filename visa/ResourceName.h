@@ -14,7 +14,7 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b);
 
 struct ResourceName {
   std::uint16_t board = 0;
-  std::string host;  // a name, or a numeric address without brackets
+  std::string host;  ///< a name, or a numeric address without brackets
   std::uint16_t port = 0;
 
   /// The name in full: capitals, the board always told. Fits a client's buffer of 256 bytes.

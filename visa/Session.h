@@ -93,10 +93,12 @@ class Session {
     const std::lock_guard guard(direction);
     return closed_ ? VI_ERROR_ABORT : body();
   }
-  // In turn only, reading.
+
+  // --- In turn only: reading
   ViStatus Fill(std::span<ViByte> buffer, int terminator, ViUInt32& returned);
   ViStatus Drop(std::uint32_t quiet_time, std::uint32_t cap_time);
-  // In turn only, writing.
+
+  // --- In turn only: writing
   ViStatus Push(std::span<const ViByte> bytes, ViUInt32& returned);
   ViStatus SendUnsent();
 
@@ -115,16 +117,16 @@ class Session {
   const Trace trace_;
   Attributes attributes_{Owner::kSession};
   Socket socket_;
-  std::shared_ptr<ResourceLock> lock_;  // set before other threads see the session
+  std::shared_ptr<ResourceLock> lock_;  ///< set before other threads see the session
   std::atomic<bool> closed_ = false;
-  std::mutex lock_mutex_;  // an acquisition and the close do not cross
+  std::mutex lock_mutex_;  ///< an acquisition and the close do not cross
 
   std::mutex read_mutex_;
-  std::vector<ViByte> kept_;  // arrived behind a terminator: the next read begins here
+  std::vector<ViByte> kept_;  ///< arrived behind a terminator: the next read begins here
   std::size_t kept_from_ = 0;
 
   std::mutex write_mutex_;
-  std::vector<ViByte> unsent_;  // buffered
+  std::vector<ViByte> unsent_;  ///< buffered
 };
 
 }  // namespace zevisa

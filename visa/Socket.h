@@ -15,7 +15,7 @@ namespace zevisa {
 /// What one transfer came to. Bytes may have been sent also when it failed; a count of received
 /// bytes above 0 goes with VI_SUCCESS only.
 struct Transfer {
-  ViStatus status;  // VI_SUCCESS, VI_ERROR_TMO, _CONN_LOST, _ABORT or _IO
+  ViStatus status;  ///< VI_SUCCESS, VI_ERROR_TMO, _CONN_LOST, _ABORT or _IO
   std::size_t count;
 };
 

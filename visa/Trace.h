@@ -13,7 +13,7 @@ namespace zevisa {
 /// Where calls are told; nowhere without a file. What cannot be traced for want of memory is not.
 struct Trace {
   std::shared_ptr<TraceFile> file;
-  std::size_t data = Settings{}.trace_data;  // bytes of a transfer that a line shows
+  std::size_t data = Settings{}.trace_data;  ///< bytes of a transfer that a line shows
 };
 
 /// The trace of all calls of the process, in the file that ZEVISA_TRACE named when a client last

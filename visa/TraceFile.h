@@ -48,8 +48,8 @@ class TraceFile {
   std::atomic<std::uint64_t> limit_ = std::uint64_t{Settings{}.trace_size} * 1024;
   std::mutex mutex_;
   AppendFile file_;
-  bool torn_ = false;       // the last line came in part
-  std::uint64_t lost_ = 0;  // lines
+  bool torn_ = false;       ///< the last line came in part
+  std::uint64_t lost_ = 0;  ///< lines
 };
 
 }  // namespace zevisa

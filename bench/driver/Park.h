@@ -23,7 +23,7 @@ class Park {
 
  private:
   std::vector<std::uint16_t> ports_;
-  int alive_ = -1;  // the process ends when this end of the pipe closes
+  int alive_ = -1;  ///< the process ends when this end of the pipe closes
   pid_t process_ = -1;
 };
 

@@ -36,7 +36,7 @@ class EchoInstrument {
   std::uint16_t port_ = 0;
   int listener_;
   std::thread thread_;
-  std::vector<std::jthread> clients_;  // the accepting thread's
+  std::vector<std::jthread> clients_;  ///< the accepting thread's
 };
 
 /// Stands between one client and an instrument, passes on what each sends, and notes when.

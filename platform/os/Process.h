@@ -9,9 +9,9 @@ namespace os {
 /// The program's name, for people; empty when the system does not tell.
 std::string ProgramName();
 
-// The numbers under which the system's own tools show this process and its threads.
+/// The number under which the system's own tools show this process.
 std::uint64_t ProcessNumber();
-/// Of the calling thread. Asking again costs nothing: logs do so for each line.
+/// That of the calling thread. Asking again costs nothing: logs do so for each line.
 std::uint64_t ThreadNumber();
 
 }  // namespace os

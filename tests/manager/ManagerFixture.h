@@ -200,7 +200,7 @@ class ManagerTest : public testing::Test {
   TraceMatrix trace_;
 };
 
-// Requests, as ManagerTest::Requests gives them.
+// --- Requests, as ManagerTest::Requests gives them
 inline std::string PowerRequest(unsigned output, std::string_view level, unsigned atten_mode = 3) {
   return WriteRequest(5, 0x62, PowerBody(output, level, atten_mode));
 }

@@ -35,7 +35,7 @@ class WireClient {
  private:
   asio::io_context context_;
   asio::ip::tcp::socket socket_;
-  asio::error_code end_;  // of the last Receive; operation_aborted after its time
+  asio::error_code end_;  ///< of the last Receive; operation_aborted after its time
 };
 
 }  // namespace simulator

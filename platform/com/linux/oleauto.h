@@ -4,7 +4,7 @@
 
 #include "platform/com/linux/oaidl.h"
 
-// Texts. Every allocating function gives null when there is no memory.
+// --- Texts. Every allocating function gives null when there is no memory.
 WINOLEAUTAPI_(BSTR) SysAllocString(const OLECHAR* text);
 /// A null `text` gives zeros.
 WINOLEAUTAPI_(BSTR) SysAllocStringLen(const OLECHAR* text, UINT length);
@@ -33,7 +33,7 @@ WINOLEAUTAPI SafeArrayUnlock(SAFEARRAY* array);
 WINOLEAUTAPI SafeArrayAccessData(SAFEARRAY* array, void** data);
 WINOLEAUTAPI SafeArrayUnaccessData(SAFEARRAY* array);
 
-// Error information, one object for each thread.
+// --- Error information, one object for each thread
 WINOLEAUTAPI CreateErrorInfo(ICreateErrorInfo** info);
 /// Replaces the thread's object (null: removes it), taking a reference of its own.
 WINOLEAUTAPI SetErrorInfo(ULONG reserved, IErrorInfo* info);
