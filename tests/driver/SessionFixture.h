@@ -146,8 +146,8 @@ class Bench {
     return trace;
   }
   struct Output {
-    double frequency;  // Hz
-    double level;      // dBm
+    double frequency;  ///< Hz
+    double level;      ///< dBm
   };
   /// Every point of a trace against what the simulated device does to the output, which is told for
   /// a place of the axis.
