@@ -76,6 +76,20 @@ TEST_F(LinkTest, AnotherClientsSettingRestartsTheSweep) {
   EXPECT_EQ(reply.body.size(), kSweepBlock);
 }
 
+TEST_F(LinkTest, ASweepWhoseReaderIsGoneIsGivenUp) {
+  SetSlowSweep();
+  EXPECT_EQ(client_.Exchange(Dwell(50000)).status, 0);
+  {
+    WireClient gone(simulator_.Port());
+    gone.Send(kDataRequest);
+    EXPECT_TRUE(gone.StaysQuiet(milliseconds(100)));
+  }
+  while (simulator_.ConnectionCount() > 1) std::this_thread::sleep_for(milliseconds(1));
+  const auto start = steady_clock::now();
+  EXPECT_EQ(client_.Exchange(kDataRequest).body.size(), kSweepBlock);
+  EXPECT_GE(steady_clock::now() - start, milliseconds(499)) << "a sweep of its own";
+}
+
 TEST_F(LinkTest, AnExternalTriggerStartsTheSweep) {
   EXPECT_EQ(client_.Exchange(Request(3, 4, 0x60, kSweepElements)).status, 0);
   EXPECT_EQ(client_.Exchange(Request(3, 5, 0x10, {7, 0, 1, 0, 0, 0, 2})).status, 0);
@@ -127,6 +141,17 @@ TEST_F(LinkTest, ATakenPortIsAnError) {
   options.port = simulator_.Port();
   Simulator second(options);
   EXPECT_THROW(second.Start(), std::system_error);
+}
+
+TEST(SmallInstrument, IsNamedByAnAddressThatReachesIt) {
+  for (const auto& [address, host] : {std::pair("0.0.0.0", "127.0.0.1"),
+                                      {"127.0.0.2", "127.0.0.2"},
+                                      {"::", "[::1]"},
+                                      {"fe80::1", "[fe80::1]"}}) {
+    Options options;
+    options.address = address;
+    EXPECT_EQ(Simulator(options).ResourceName(), "TCPIP0::" + std::string(host) + "::0::SOCKET");
+  }
 }
 
 TEST(SmallInstrument, ClosesTooManyConnections) {

@@ -68,12 +68,14 @@ TEST(Settings, FrequencyFormsTellTheirLimitsAndOlderInstrumentsRefuseNewerOnes) 
 
 TEST(Settings, AFrequencySweepIsCutToTheLimitsAndToOneBlock) {
   const Values cut{1e9, 5461, 1e3, 1005460000};
-  Check(Options{},
+  Settings settings{Options{}};
+  Check(settings,
         {{"one block, the stop follows", 0, 0x60, {1e9, 10001, 1e3, 0}, cut},
          {"downwards to the lower limit", 0, 0x60, {20e9, 3, -10e9, 0}, {20e9, 2, -10e9, 10e9}},
          {"fixed frequency below the limit", 0, 0x60, {1}, {10e6}},
          {"elements missing", 0, 0x60, {1}, {}, status::kUnknownForm, 4},
          {"element size unknown", 0, 0x50, kProbe, {}, status::kUnknownForm}});
+  EXPECT_EQ(settings.state().frequency.step, 0.0) << "of the fixed one";
 }
 
 TEST(Settings, LevelsAreClampedAndRounded) {
@@ -81,7 +83,7 @@ TEST(Settings, LevelsAreClampedAndRounded) {
   Check(
       Options{},
       {{"rounded to 0.01 dB", 79, 0x62, {1, 3, 0, 0, -12.346}, {1, 3, 0, 0, -12.35}},
-       {"over the limit, unknown attenuator mode", 79, 0x62, {0, 9, 0, 0, 64}, {0, 3, 0, 0, 20}}});
+       {"over the limit, unknown attenuator mode", 79, 0x62, {0, 6, 0, 0, 64}, {0, 3, 0, 0, 20}}});
 }
 
 TEST(Settings, ALevelSweepEndsWithinTheLimits) {
@@ -129,11 +131,17 @@ TEST(Settings, ListsComeInChunks) {
         {{"1 Hz raised to the lower limit", 2, 0x60, {0, 2, 1e9, 1}, {0, 2, 1e9, 10e6}, 0, 0},
          {"second chunk", 2, 0x60, {2, 1, 2e9}, {}, 0, 0},
          {"a gap", 2, 0x60, {7, 0}, {}, status::kUnknownForm, 0},
+         {"elements of another size", 2, 0x40, {0, 1, 1e9}, {}, status::kUnknownForm, 0},
+         {"an element before the chunk", 2, 0x60, {0, 0, 1, 1e9}, {}, status::kUnknownForm, 1},
          {"more values announced than there are", 2, 0x60, {0, 9}, {}, status::kUnknownForm, 0},
          {"levels", 76, 0x42, {1, 2, 0, 0, 0, 2, -60, 30}, {1, 2, 0, 0, 0, 2, -60, 20}, 0, 4}});
   EXPECT_EQ(settings.state().frequency.list, (Values{1e9, 10e6, 2e9}));
   EXPECT_EQ(settings.SweepPoints(), 6U) << "three frequencies at each of two levels";
   EXPECT_EQ(settings.state().attenuator_mode, 2U);
+  Check(settings, {{"none: the list ends there", 2, 0x60, {1, 0}, {}, 0, 0},
+                   {"a table of frequencies", 26, 0x21, {1, -2}, {}, 0, 0},
+                   {"in whole numbers", 26, 0x20, {1, 2}, {}, status::kUnknownForm, 0}});
+  EXPECT_EQ(settings.state().frequency.list, Values{1e9});
 }
 
 TEST(Settings, PulseTrainsComeInChunks) {
@@ -146,7 +154,8 @@ TEST(Settings, PulseTrainsComeInChunks) {
   EXPECT_TRUE(pulses.inverse);
   EXPECT_EQ(pulses.pulses, (std::vector<Pulse>{{10, 30}, {100, 0}}));
   Check(settings, {{"off, without the polarity element", 31, 0x40, {0, 3, 0, 1, 0, 0}, {}, 0, 2},
-                   {"the head alone leaves the pulses", 31, 0x40, {2, 2, 5}, {2, 2, 1}}});
+                   {"the head alone leaves the pulses", 31, 0x40, {2, 2, 5}, {2, 2, 1}},
+                   {"not inverse", 31, 0x40, {2, 2, 0}}});
   EXPECT_EQ(pulses.pulses.size(), 1U);
 }
 
@@ -179,6 +188,7 @@ TEST(Settings, SmallSettingsAnswerWithWhatWasSet) {
                     {"no compensation mode 9", 11, 0x20, {9}, {4}},
                     {"sync generator", 37, 0x40, {14, 100, 0}, {10, 100, 0}},
                     {"nameless", 28, 0x10, {3, 0, 5, 3}},
+                    {"nameless, too", 27, 0x40, {1, 2, 3}},
                     {"identity is read only", 15, 0x10, {}, {}, status::kUnknownForm, 100},
                     {"unknown parameter", 200, 0x10, {0}, {}, status::kUnknownParameter}});
   Check(no_frequency,
