@@ -28,6 +28,10 @@ class Writer {
  public:
   Writer& Play(const std::string& line) {
     if (std::sscanf(line.c_str(), "session %d", &session_) == 1) return *this;
+    if (line.starts_with("raw ")) {
+      text_ += line.substr(4) + "\n";
+      return *this;
+    }
     const bool is_message = line.starts_with("send ") || line.starts_with("come ");
     return is_message ? Message(line) : Call(line);
   }
@@ -121,44 +125,20 @@ std::string Told(const std::string& trace, bool json = false, std::size_t piece 
 }
 
 TEST(IoTraceReportTest, TellsEachTrace) {
-  EXPECT_EQ(Cases().size(), 42U);
+  EXPECT_EQ(Cases().size(), 43U);
   for (const auto& [name, entry] : Cases()) {
     EXPECT_THAT(Told(entry.trace), StartsWith(entry.told + "exchanges ")) << name;
   }
 }
 
-TEST(IoTraceReportTest, DamagedLinesAreToldByTheirPlaceAndPassedOver) {
-  const std::string good = Cases().at("the trace ends").trace;
-  const std::string beginning = good.substr(0, 28);
-  const std::pair<std::string, const char*> rows[] = {
-      {"Dear Sirs", "not a line of an I/O trace"},
-      {"2026-13-25T16:18:00.000000Z 1 1 1 viRead - 0 VI_SUCCESS", "not a line of an I/O trace"},
-      {beginning + "x 1 1 viRead - 0 VI_SUCCESS", "no process number"},
-      {beginning + "1 -1 1 viRead - 0 VI_SUCCESS", "no thread number"},
-      {beginning + "1 1 x viRead - 0 VI_SUCCESS", "no session"},
-      {beginning + "1 1 1 vi:Read - 0 VI_SUCCESS", "no call"},
-      {beginning + "1 1 1 viRead 3/ 0 VI_SUCCESS", "no counts of bytes"},
-      {beginning + "1 1 1 viRead 1048577/9 0 VI_SUCCESS", "more bytes than a message holds"},
-      {beginning + "1 1 1 viRead 1/1 1s VI_SUCCESS", "no duration"},
-      {beginning + "1 1 1 viRead 1/1 1", "no status"},
-      {beginning + "1 1 1 viRead 1/1 1 VI_SUCCESS data=0g", "data that is not hexadecimal"},
-      {beginning + "1 1 1 viRead 1/1 1 VI_SUCCESS data=0102", "data of 2 bytes, 1 were moved"},
-      {beginning + "1 1 1 viRead 2/2 1 VI_SUCCESS data=0102...", "data of 2 bytes, 2 were moved"},
-      {beginning + "1 1 1 viOpen - 1 VI_SUCCESS resource=\"a", "a text without an end"},
-      {beginning + "1 1 1 viOpen - 1 VI_SUCCESS resource=\"a\"b", "no space behind a text"},
-      {std::string(2200000, 'a'), "longer than a line of an I/O trace"},
-  };
-  std::string trace;
-  std::string expected;
-  for (const auto& [line, why] : rows) {
-    trace += line + "\n";
-    expected +=
-        "t.log:" + std::to_string(std::count(trace.begin(), trace.end(), '\n')) + ": " + why + "\n";
-  }
-  const std::string told = Told(trace + "\n" + good + good.substr(0, 40), false, 100000);
-  EXPECT_THAT(told, StartsWith(expected + "t.log:20: no counts of bytes\n"));
-  EXPECT_THAT(told, HasSubstr("damaged lines   17\n"));
+TEST(IoTraceReportTest, LinesWithoutAnEndAreToldByTheirPlaceAndPassedOver) {
+  const std::string good = Cases().at("the trace ends").trace;  // two lines
+  const std::string told =
+      Told(std::string(2200000, 'a') + "\n\n" + good + good.substr(0, 40), false, 100000);
+  EXPECT_THAT(told, StartsWith("t.log:1: longer than a line of an I/O trace\n"
+                               "t.log:5: no counts of bytes\n"));
   EXPECT_THAT(told, HasSubstr("factor 8 -> the trace ends\n"));
+  EXPECT_THAT(told, HasSubstr("damaged lines   2\n"));
 }
 
 TEST(IoTraceReportTest, SummaryCountsAndNamesTheSlowest) {
