@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
+#include <fstream>
 
 #include "platform/com/Com.h"
+#include "platform/os/GrowingFile.h"
 #include "platform/os/Notice.h"
+#include "tests/platform/EnvironmentVariable.h"
 #include "tests/platform/TemporaryFolder.h"
 
 #ifdef _WIN32
@@ -116,15 +120,12 @@ TEST(Folders, CommonFilesHaveNoSeparatorAtTheEnd) {
   const auto expect = [](const std::vector<fs::path>& folders) {
     EXPECT_EQ(os::CommonFilesFolders(), folders);
   };
-  setenv("XDG_DATA_HOME", "/home/u//", 1);
+  const EnvironmentVariable home("XDG_DATA_HOME", "/home/u//");
   expect({"/home/u", "/usr/local/share", "/usr/share"});
-  setenv("XDG_DATA_DIRS", "/a/:none:/b", 1);
+  const EnvironmentVariable machine("XDG_DATA_DIRS", "/a/:none:/b");
   expect({"/home/u", "/a", "/b"});
-  setenv("ZENTREL_COMMON_FILES", "/srv/\xE6\xB8\xAC/", 1);
+  const EnvironmentVariable own("ZENTREL_COMMON_FILES", "/srv/\xE6\xB8\xAC/");
   expect({"/srv/\xE6\xB8\xAC"});
-  for (const char* name : {"ZENTREL_COMMON_FILES", "XDG_DATA_DIRS", "XDG_DATA_HOME"}) {
-    unsetenv(name);
-  }
 #endif
 }
 
@@ -135,16 +136,55 @@ TEST(Folders, SettingsAreTheUsersThenTheMachines) {
   EXPECT_TRUE(folders[0].is_absolute() && folders[1].is_absolute() && folders[0] != folders[1]);
   EXPECT_EQ(os::PathFromEnvironment("APPDATA"), folders[0]);
 #else
-  setenv("XDG_CONFIG_HOME", "/home/u/", 1);
-  EXPECT_EQ(os::SettingsFolders(), (std::vector<fs::path>{"/home/u", "/etc/xdg"}));
-  setenv("XDG_CONFIG_HOME", "not/absolute", 1);
-  setenv("XDG_CONFIG_DIRS", "/a/:none:/b", 1);
+  {
+    const EnvironmentVariable user("XDG_CONFIG_HOME", "/home/u/");
+    EXPECT_EQ(os::SettingsFolders(), (std::vector<fs::path>{"/home/u", "/etc/xdg"}));
+  }
+  const EnvironmentVariable user("XDG_CONFIG_HOME", "not/absolute");
+  const EnvironmentVariable machine("XDG_CONFIG_DIRS", "/a/:none:/b");
   EXPECT_EQ(os::SettingsFolders(), (std::vector<fs::path>{"/a", "/b"}));
   EXPECT_EQ(os::PathFromEnvironment("XDG_CONFIG_DIRS"), "/a/:none:/b");
-  unsetenv("XDG_CONFIG_HOME");
-  unsetenv("XDG_CONFIG_DIRS");
 #endif
   EXPECT_EQ(os::PathFromEnvironment("ZENTREL_NO_SUCH_VARIABLE"), fs::path());
+}
+
+#ifndef _WIN32
+TEST_F(Files, AGrowingFileLeavesNoDescriptorOpen) {
+  const auto count = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
+  const auto before = count();
+  for (const fs::path& path : {fs::path("/dev/null"), fs::path(__FILE__)}) os::GrowingFile{path};
+  EXPECT_EQ(count(), before);
+}
+
+TEST(Folders, DocumentsAreBelowTheHomeWhenNothingElseIsSaid) {
+  const std::string home = getenv("HOME");
+  EXPECT_EQ(os::DocumentsFolder(), home + "/Documents");
+  const EnvironmentVariable desktop("XDG_DOCUMENTS_DIR", "/home/u/Texts/");
+  EXPECT_EQ(os::DocumentsFolder(), "/home/u/Texts");
+  const EnvironmentVariable own("ZENTREL_DOCUMENTS", "/srv/texts");
+  EXPECT_EQ(os::DocumentsFolder(), "/srv/texts");
+}
+#endif
+
+TEST_F(Files, AGrowingFileIsReadOnUntilAnotherTakesItsPlace) {
+  const fs::path path = folder_.path() / "growing.txt";
+  std::ofstream(path, std::ios::binary) << "abc";
+  os::GrowingFile file(path);
+  ASSERT_TRUE(file.IsOpen());
+  std::array<char, 10> text{};
+  EXPECT_EQ(file.Read(text), 3U);
+  EXPECT_EQ(file.Read(text), 0U);
+  std::ofstream(path, std::ios::binary | std::ios::app) << "de";
+  EXPECT_TRUE(file.IsStillAt(path));
+  EXPECT_EQ(file.Read(text), 2U);
+  EXPECT_STREQ(text.data(), "dec");
+  EXPECT_FALSE(file.IsStillAt(folder_.path() / "missing"));
+  const fs::path other = folder_.path() / "other.txt";
+  std::ofstream(other, std::ios::binary) << "abcde";
+  EXPECT_FALSE(file.IsStillAt(other));
+  fs::resize_file(path, 4);
+  EXPECT_FALSE(file.IsStillAt(path)) << "it has lost what was read";
+  EXPECT_FALSE(os::GrowingFile(folder_.path()).IsOpen());
 }
 
 TEST(Notice, HookReceivesTheWarningAndMaySetAnother) {

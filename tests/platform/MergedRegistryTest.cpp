@@ -59,8 +59,10 @@ TEST_F(MergedRegistry, ChangesOfOthersAreSeenAtOnce) {
       File(), std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
   EXPECT_EQ(TextOf(HKEY_CURRENT_USER, nullptr), u"a");
   EXPECT_EQ(TextOf(HKEY_CURRENT_USER, nullptr), u"a") << "kept";
-  for (const char* text : {"b", "c", "d"}) {  // within the clock's tick
+  const auto tick = std::filesystem::file_time_type::clock::now();  // one for all of them
+  for (const char* text : {"b", "c", "d"}) {
     WriteFile(head + text + "\"\n");
+    std::filesystem::last_write_time(File(), tick);
     EXPECT_EQ(TextOf(HKEY_CURRENT_USER, nullptr), os::ToWide(text, os::kUtf8CodePage));
   }
   std::filesystem::remove(File());
