@@ -18,7 +18,7 @@ TEST_F(ManagerTest, ThrowingSendIsAFailedReadAndEndsTheTriggeredSweep) {
   EXPECT_TRUE(WaitUntil([this] { return !IsMeasuring(); }));
   EXPECT_THAT(ErrorRecords(), ElementsAre(kThrown));
   manager_.RequestSoftwareTrigger();
-  visa_.CompleteData('A', Block(4));
+  visa_.CompleteData(Block(4));
   EXPECT_TRUE(WaitForBlock());
   EXPECT_EQ(trace_.ColumnCount(), 4);
 }
@@ -31,7 +31,7 @@ TEST_F(ManagerTest, StopRequestIsAcknowledgedThoughClearingThrows) {
   visa_.SetResult(Function::kClear, scripted::kThrow, 1);
   EXPECT_EQ(manager_.SetDwell(1.0), 0);
   EXPECT_THAT(ErrorRecords(), ElementsAre(kThrown));
-  visa_.CompleteData('A', Block(2));
+  visa_.CompleteData(Block(2));
   EXPECT_TRUE(WaitForBlock()) << "reading goes on";
 }
 
@@ -51,7 +51,7 @@ TEST_F(ManagerTest, WorkerOfALibraryThatAlwaysThrowsDoesNotSpin) {
   visa_.ClearRecord();
   EXPECT_EQ(manager_.SetDwell(1.0), 0);
   ASSERT_TRUE(WaitUntilRequested("6", 1));
-  visa_.CompleteData('A', Block(2));
+  visa_.CompleteData(Block(2));
   EXPECT_TRUE(WaitForBlock());
 }
 

@@ -1,5 +1,4 @@
 // What happens at connection, and the axes whose form is chosen there.
-#include <algorithm>
 #include <cmath>
 #include <iterator>
 
@@ -10,14 +9,10 @@ namespace {
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 
-constexpr const char* kLimitsAnswer =
-    "00 00 | 80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00";
-
 struct FormCase : Row {
   std::vector<std::uint16_t> probe_statuses;  // of the frequency probes, in their order
-  const char* answer;                         // body of the last of them
+  Bytes answer;                               // to the last of them
   ResultCode result;
-  std::vector<std::string> frequency_requests;
   double maximum;
   std::uint32_t frequency_class;
 };
@@ -25,40 +20,31 @@ struct FormCase : Row {
 class FormTest : public LinkTest, public testing::WithParamInterface<FormCase> {};
 
 TEST_P(FormTest, FindsTheForm) {
-  visa_.Answer(0);
-  visa_.Answer(0, "17 00 FB FF");
-  visa_.Answer(0, "0F 00");
-  const auto& statuses = GetParam().probe_statuses;
-  for (std::size_t i = 0; i < statuses.size(); ++i) {
-    visa_.Answer(statuses[i], i + 1 == statuses.size() ? GetParam().answer : "");
-    if (statuses[i] >= 0x8000) visa_.Answer(0);  // the recovery
-  }
-  EXPECT_EQ(model_.Initialize(), GetParam().result);
-  const auto order = visa_.RequestOrder();
-  std::vector<std::string> probes;
-  std::copy_if(order.begin(), order.end(), std::back_inserter(probes),
-               [](const std::string& text) { return text.starts_with("3:0/"); });
-  EXPECT_THAT(probes, ElementsAreArray(GetParam().frequency_requests));
-  EXPECT_EQ(model_.minimum_frequency(), GetParam().result == Status::kOk ? 1e7 : 0.0);
-  EXPECT_EQ(model_.maximum_frequency(), GetParam().maximum);
-  EXPECT_EQ(model_.frequency_class(), GetParam().frequency_class);
+  const FormCase& row = GetParam();
+  Answer({0, 0, 0});
+  Answer(row.probe_statuses, row.answer);
+  EXPECT_EQ(model_.Initialize(), row.result);
+  std::vector<std::string> forms = {"3:0/60x4", "3:0/60x3", "3:0/40x3"};
+  forms.resize(row.probe_statuses.size());
+  std::vector<std::string> probes = visa_.RequestOrder();
+  std::erase_if(probes, [](const std::string& name) { return !name.starts_with("3:0/"); });
+  EXPECT_EQ(probes, forms);
+  EXPECT_EQ(model_.minimum_frequency(), row.result == Status::kOk ? 1e7 : 0.0);
+  EXPECT_EQ(model_.maximum_frequency(), row.maximum);
+  EXPECT_EQ(model_.frequency_class(), row.frequency_class);
 }
 
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Forms, FormTest,
-    testing::ValuesIn(std::vector<FormCase>{
-        {"FourElement", {0}, kLimitsAnswer, 0, {"3:0/60x4"}, 2e10, 2},
-        {"NoticesOfTheProbeDoNotCount", {1}, kLimitsAnswer, 0, {"3:0/60x4"}, 2e10, 2},
-        {"UnusableNoticeKeepsFourElement", {2}, kLimitsAnswer, 0, {"3:0/60x4"}, 2e10, 2},
-        {"Wide", {0x8003, 0}, "00 00 | 80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 91 D2 ED 00 00", 0, {"3:0/60x4", "3:0/60x3"}, 4e9, 1},
-        {"Narrow", {0x8003, 0x8003, 0}, "00 00 | 80 96 98 00 | 02 00 00 00 | 80 91 D2 ED", 0, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, 4e9, 1},
-        {"OtherRefusalOfFourElementEnds", {0x8002}, "", -32766, {"3:0/60x4"}, 0, 0},
-        {"OtherRefusalOfWideEnds", {0x8003, 0x8005}, "", -32763, {"3:0/60x4", "3:0/60x3"}, 0, 0},
-        {"NoFormAtAllEnds", {0x8003, 0x8003, 0x8003}, "", -32765, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, 0, 0},
-    }),
-    RowName());
-// clang-format on
+const std::vector<FormCase> kFormCases = {
+    {"FourElement", {0}, kLimits, 0, 20e9, 2},
+    {"NoticesOfTheProbeDoNotCount", {1}, kLimits, 0, 20e9, 2},
+    {"UnusableNoticeKeepsFourElement", {2}, kLimits, 0, 20e9, 2},
+    {"Wide", {0x8003, 0}, Body(0, 0x60, {1e7, 2, 3.99e9}), 0, 4e9, 1},
+    {"Narrow", {0x8003, 0x8003, 0}, Body(0, 0x40, {1e7, 2, 3.99e9}), 0, 4e9, 1},
+    {"OtherRefusalOfFourElementEnds", {0x8002}, {}, -32766, 0, 0},
+    {"OtherRefusalOfWideEnds", {0x8003, 0x8005}, {}, -32763, 0, 0},
+    {"NoFormAtAllEnds", {0x8003, 0x8003, 0x8003}, {}, -32765, 0, 0},
+};
+INSTANTIATE_TEST_SUITE_P(Forms, FormTest, testing::ValuesIn(kFormCases), RowName());
 
 TEST_F(LinkTest, InstrumentWithOneTriggerGroup) {
   visa_.Rule(4, 8, 0x8003, 0, 1);
@@ -69,8 +55,8 @@ TEST_F(LinkTest, InstrumentWithOneTriggerGroup) {
   EXPECT_EQ(model_.SetTriggerInput(0, input), 0);
   EXPECT_EQ(model_.SetTriggerInput(1, input), 0);
   EXPECT_EQ(model_.SetTriggerOutput(1, output), 0);
-  EXPECT_THAT(Requests(), ElementsAre(WriteRequest(5, 0x10, "08 00 | 01 01 03 00 00 00"),
-                                      WriteRequest(5, 0x10, "07 00 | 04 00 01 00 03 00")));
+  EXPECT_THAT(visa_.Requests(),
+              ElementsAre(Write(8, 0x10, {1, 1, 3, 0, 0}), Write(7, 0x10, {4, 0, 1, 0, 3})));
 }
 
 TEST_F(LinkTest, RefusalsAtConnection) {
@@ -101,7 +87,6 @@ TEST_F(LinkTest, RefusalsAtConnection) {
 }
 
 // --- Identity
-// ------------------------------------------------------------------------------------------
 
 TEST_F(LinkTest, IdentityDatesFollowTheirKeysOrLead) {
   struct Case {
@@ -119,10 +104,10 @@ TEST_F(LinkTest, IdentityDatesFollowTheirKeysOrLead) {
                        {std::string("7.8.2011\0009", 10), {2011, 8, 7}, {}, {}}};
   for (const Case& row : rows) {
     // The high byte of an answer's identifier may be anything.
-    std::vector<std::uint8_t> body = {15, 0x7F};
+    Bytes body = {15, 0x7F};
     body.insert(body.end(), row.text.begin(), row.text.end());
     body.resize(102);
-    visa_.RuleBody(4, 15, 0, scripted::ToHex(body));
+    visa_.RuleBody(4, 15, body);
     InitializeModel();
     EXPECT_EQ(model_.identity().manufactured.Ordinal(), row.manufactured.Ordinal());
     EXPECT_EQ(model_.identity().dsp_program.Ordinal(), row.dsp_program.Ordinal());
@@ -131,22 +116,19 @@ TEST_F(LinkTest, IdentityDatesFollowTheirKeysOrLead) {
 }
 
 TEST_F(LinkTest, IdentityThatIsMissingOrMakesNoSenseCostsTheDatesAlone) {
-  struct Case {
-    std::uint16_t status;
-    const char* body;
-  };
-  for (const Case& row :
-       {Case{0, "10 00 | 31 2E 32 2E 32 30 30 33 00"}, Case{0x8001, ""}, Case{0x8002, ""}}) {
-    SCOPED_TRACE(row.status);
-    visa_.RuleBody(4, 15, 0, "0F 7F | 31 2E 32 2E 32 30 30 33 00");
+  const std::pair<std::uint16_t, Bytes> rows[] = {
+      {0, "10 00 | 31 2E 32 2E 32 30 30 33 00"_hex}, {0x8001, {}}, {0x8002, {}}};
+  for (const auto& [status, body] : rows) {
+    SCOPED_TRACE(status);
+    visa_.RuleBody(4, 15, "0F 7F | 31 2E 32 2E 32 30 30 33 00"_hex);
     EXPECT_EQ(model_.Initialize(), 0);
     EXPECT_TRUE(model_.identity().manufactured.IsKnown());
     visa_.ClearRecord();
-    visa_.RuleBody(4, 15, row.status, row.body, 0, 1);
-    visa_.Answer(0);
-    visa_.Answer(0);
+    Answer({0, 0});
+    visa_.Answer(status, body);
     EXPECT_EQ(model_.Initialize(), 0);
-    EXPECT_THAT(visa_.Requests()[2], testing::StartsWith("AA 55 04 00 00 80 66 00 64 10 0F 00"));
+    EXPECT_EQ(visa_.RequestOrder()[2], "4:15/10x100");
+    EXPECT_EQ(visa_.Requests()[2].header_id, 15U);
     EXPECT_THAT(visa_.RequestOrder(), testing::Contains("3:0/60x4"));
     EXPECT_FALSE(model_.identity().manufactured.IsKnown());
   }
@@ -191,24 +173,17 @@ TEST(IdentityDateTest, Texts) {
 }
 
 // --- Frequency
-// -----------------------------------------------------------------------------------------
-
-struct CwCase {
-  double wanted;
-  const char* element;
-};
 
 TEST_F(LinkTest, CwFrequencyIsClampedAndWholeHertz) {
   InitializeModel();
-  for (const CwCase& row :
-       {CwCase{1e9 + 0.9, "00 CA 9A 3B 00 00"}, CwCase{1.0, "80 96 98 00 00 00"},
-        CwCase{-1e9, "80 96 98 00 00 00"}, CwCase{1e12, "00 C8 17 A8 04 00"},
-        CwCase{std::nan(""), "80 96 98 00 00 00"}}) {
+  const std::pair<double, double> rows[] = {
+      {1e9 + 0.9, 1e9}, {1.0, 1e7}, {-1e9, 1e7}, {1e12, 20e9}, {std::nan(""), 1e7}};
+  for (const auto& [wanted, sent] : rows) {
     visa_.ClearRecord();
-    double frequency = row.wanted;
-    visa_.Answer(0, "00 00 | 40 42 0F 00 00 00");
+    double frequency = wanted;
+    visa_.Answer(0, Body(0, 0x60, {1e6}));
     EXPECT_EQ(model_.SetCwFrequency(frequency), 0);
-    EXPECT_THAT(Requests(), ElementsAre(WriteRequest(1, 0x60, std::string("00 00") + row.element)));
+    EXPECT_THAT(visa_.Requests(), ElementsAre(Write(0, 0x60, {sent})));
     EXPECT_EQ(frequency, 1e6);
   }
 }
@@ -216,37 +191,31 @@ TEST_F(LinkTest, CwFrequencyIsClampedAndWholeHertz) {
 TEST_F(LinkTest, FourElementSweeps) {
   struct Case {
     const char* name;
-    double start, stop, step;
-    std::string elements;  // start, points, step, stop
+    StepSettings sweep;
+    std::vector<double> sent;  // start, points, step, stop
   };
-  // clang-format off
   const Case rows[] = {
-      {"exact", 1e9, 2e9, 1e8, "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
-      {"a step that does not fit is spread over the points", 1e9, 2e9, 3e8, "00 CA 9A 3B 00 00 | 04 00 00 00 00 00 | 55 43 DE 13 00 00 | 00 94 35 77 00 00"},
-      {"step zero is one point", 1e9, 2e9, 0, "00 CA 9A 3B 00 00 | 01 00 00 00 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"},
-      {"downward", 2e9, 1e9, -1e8, "00 94 35 77 00 00 | 0B 00 00 00 00 00 | 00 1F 0A FA FF FF | 00 CA 9A 3B 00 00"},
-      {"downward with an upward step: no points", 2e9, 1e9, 1e8, "00 94 35 77 00 00 | F8 FF FF FF FF FF | 00 00 00 00 00 00 | 00 CA 9A 3B 00 00"},
-      {"limits clamp", -5, 1e12, 1e12, "80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00"},
-      {"fractions of hertz are cut", 1e9 + 0.7, 2e9, 1e8, "00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00 | 00 94 35 77 00 00"},
-      {"a tiny step does not overflow the count", 1e9, 2e9, 1e-300, "00 CA 9A 3B 00 00 | FF FF FF 7F 00 00 | 00 00 00 00 00 00 | 00 94 35 77 00 00"},
+      {"exact", {1e9, 2e9, 1e8}, {1e9, 11, 1e8, 2e9}},
+      {"a step that does not fit is spread", {1e9, 2e9, 3e8}, {1e9, 4, 333'333'333, 2e9}},
+      {"step zero is one point", {1e9, 2e9, 0}, {1e9, 1, 0, 2e9}},
+      {"downward", {2e9, 1e9, -1e8}, {2e9, 11, -1e8, 1e9}},
+      {"downward with an upward step: no points", {2e9, 1e9, 1e8}, {2e9, -8, 0, 1e9}},
+      {"limits clamp", {-5, 1e12, 1e12}, {1e7, 2, 19.99e9, 20e9}},
+      {"fractions of hertz are cut", {1e9 + 0.7, 2e9, 1e8}, {1e9, 11, 1e8, 2e9}},
+      {"a tiny step does not overflow", {1e9, 2e9, 1e-300}, {1e9, 0x7FFFFFFF, 0, 2e9}},
   };
-  // clang-format on
   InitializeModel();
-  for (const Case& row : rows) {
+  for (Case row : rows) {
     visa_.ClearRecord();
-    StepSettings sweep{row.start, row.stop, row.step};
-    visa_.Answer(0,
-                 "00 00 | 64 00 00 00 00 00 | 03 00 00 00 00 00 | 0A 00 00 00 00 00 |"
-                 "79 00 00 00 00 00");
-    EXPECT_EQ(model_.SetFrequencySweep(sweep), 0);
-    EXPECT_THAT(Requests(), ElementsAre(WriteRequest(4, 0x60, "00 00" + row.elements))) << row.name;
-    EXPECT_THAT(Elements(sweep), ElementsAre(100, 121, 10)) << row.name;
+    visa_.Answer(0, Body(0, 0x60, {100, 3, 10, 121}));
+    EXPECT_EQ(model_.SetFrequencySweep(row.sweep), 0);
+    EXPECT_THAT(visa_.Requests(), ElementsAre(Write(0, 0x60, row.sent))) << row.name;
+    EXPECT_THAT(Elements(row.sweep), ElementsAre(100, 121, 10)) << row.name;
   }
 }
 
 TEST_F(LinkTest, NegativeFrequenciesBecomeZeroWhateverTheLimits) {
-  visa_.RuleBody(3, 0, 0, "00 00 | F6 FF FF FF FF FF | 02 00 00 00 00 00 | 14 00 00 00 00 00", 0x60,
-                 1);
+  visa_.RuleBody(3, 0, Body(0, 0x60, {-10, 2, 20}), 0x60, 1);
   ASSERT_EQ(model_.Initialize(), 0);
   StepSettings sweep{-5, -2, 1};
   EXPECT_EQ(model_.SetFrequencySweep(sweep), 0);
@@ -256,31 +225,21 @@ TEST_F(LinkTest, NegativeFrequenciesBecomeZeroWhateverTheLimits) {
 TEST_F(LinkTest, WideAndNarrowSweepsComputeTheirStop) {
   struct Case {
     std::int32_t refused_probes;
-    std::string probe;  // asks for the largest span
-    std::string request;
-    const char* answer;
-    std::vector<double> sweep;
+    unsigned type;
+    double largest_span;  // which the probe asks for
+    double step_answered;
+    double stop;
   };
-  // clang-format off
-  const Case rows[] = {
-      {1, WriteRequest(3, 0x60, "00 00 | 00 00 00 00 00 00 | 02 00 00 00 00 00 | 00 E8 76 48 17 00"),
-       WriteRequest(3, 0x60, "00 00 | 00 CA 9A 3B 00 00 | 0B 00 00 00 00 00 | 00 E1 F5 05 00 00"),
-       "00 00 | 64 00 00 00 00 00 | 03 00 00 00 00 00 | F6 FF FF FF FF FF", {100, 80, -10}},
-      {2, WriteRequest(3, 0x40, "00 00 | 00 00 00 00 | 02 00 00 00 | 40 6A 7A EE"),
-       WriteRequest(3, 0x40, "00 00 | 00 CA 9A 3B | 0B 00 00 00 | 00 E1 F5 05"),
-       "00 00 | 64 00 00 00 | 03 00 00 00 | 0A 00 00 00", {100, 120, 10}},
-  };
-  // clang-format on
-  for (const Case& row : rows) {
+  for (const Case& row : {Case{1, 0x60, 1e11, -10, 80}, Case{2, 0x40, 4.001e9, 10, 120}}) {
     visa_.Rule(3, 0, 0x8003, 0x60, row.refused_probes);
     ASSERT_EQ(model_.Initialize(), 0);
-    EXPECT_THAT(Requests(), testing::Contains(row.probe));
+    EXPECT_THAT(visa_.Requests(), testing::Contains(Write(0, row.type, {0, 2, row.largest_span})));
     visa_.ClearRecord();
     StepSettings sweep{1e9, 2e9, 1e8};
-    visa_.Answer(0, row.answer);
+    visa_.Answer(0, Body(0, row.type, {100, 3, row.step_answered}));
     EXPECT_EQ(model_.SetFrequencySweep(sweep), 0);
-    EXPECT_THAT(Requests(), ElementsAre(row.request));
-    EXPECT_EQ(Elements(sweep), row.sweep);
+    EXPECT_THAT(visa_.Requests(), ElementsAre(Write(0, row.type, {1e9, 11, 1e8})));
+    EXPECT_THAT(Elements(sweep), ElementsAre(100, row.stop, row.step_answered));
   }
 }
 

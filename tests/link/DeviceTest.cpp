@@ -21,7 +21,7 @@ TEST(DeviceTest, OpensUnderTheGivenNameAndClosesTheSessionOnly) {
   EXPECT_THAT(order, testing::ElementsAre(Function::kOpenDefaultRM, Function::kOpen,
                                           Function::kSetAttribute, Function::kClose));
   const auto open = visa.Calls(Function::kOpen).at(0);
-  EXPECT_EQ(std::string(open.bytes, open.bytes + open.size), "tcpip::Odd Name::5025::SOCKET");
+  EXPECT_EQ(std::string(open.bytes.begin(), open.bytes.end()), "tcpip::Odd Name::5025::SOCKET");
   EXPECT_EQ(visa.Calls(Function::kSetAttribute).at(0).value, 2000U);
   EXPECT_EQ(visa.control().OpenSessions(), 0U);
 }
@@ -29,9 +29,9 @@ TEST(DeviceTest, OpensUnderTheGivenNameAndClosesTheSessionOnly) {
 TEST(DeviceTest, ReadsCountCompletionCodesAsZeroAndReportPartialCounts) {
   scripted::Visa visa;
   Interface device(kResource);
-  std::vector<std::uint8_t> request(16);
+  const Bytes request(16);
   std::uint32_t count = 99;
-  visa.AnswerRaw("01 02 03");
+  visa.control().QueueRaw("01 02 03"_hex);
   EXPECT_EQ(device.Write(request, count), 0);
   EXPECT_EQ(count, 16U);
   std::array<std::uint8_t, 2> buffer{};

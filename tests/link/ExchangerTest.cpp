@@ -14,7 +14,7 @@ class ExchangerTest : public testing::Test {
 
   Status Exchange() {
     message_.Begin(Command::kWriteParameter, 1, 0x10);
-    message_.Append(std::vector<std::uint8_t>{4, 0, 8});
+    message_.Append(Bytes{4, 0, 8});
     const std::array<ProtocolMessage*, 1> messages = {&message_};
     return exchanger_.SendMessages(messages);
   }
@@ -48,7 +48,7 @@ TEST_F(ExchangerTest, SeveralMessagesAreAllSentBeforeTheFirstAnswerIsRead) {
 }
 
 struct FailureCase : Row {
-  std::string answer;  // on the wire
+  Bytes answer;  // on the wire
   ResultCode result;
 };
 
@@ -56,7 +56,7 @@ class FailureTest : public ExchangerTest, public testing::WithParamInterface<Fai
 
 TEST_P(FailureTest, OfABlockingExchangeAndOfAPoll) {
   for (const bool polls : {false, true}) {
-    visa_.AnswerRaw(GetParam().answer);
+    visa_.control().QueueRaw(GetParam().answer);
     EXPECT_EQ(polls ? Poll() : Exchange(), GetParam().result);
     // A silence between the two is what lets the next answer begin at its beginning.
     exchanger_.device().Clear();
@@ -65,28 +65,27 @@ TEST_P(FailureTest, OfABlockingExchangeAndOfAPoll) {
   }
 }
 
-// clang-format off
 const std::vector<FailureCase> kFailureCases = {
-    {"WrongMagic", "AA 54 03 00 00 00 00 00 00 00 00 00 01 00 00 00", kViolation},
-    {"MagicTurnedRound", "55 AA 03 00 00 00 00 00 00 00 00 00 01 00 00 00", kViolation},
-    {"HalfAHeader", "AA 55 03 00 00 00 00", scripted::kTimeout},
-    {"Silence", "", scripted::kTimeout},
-    {"7001BytesAreLongerThanAnyBuffer", "AA 55 03 00 00 00 59 1B 00 00 00 00 01 00 00 00 01 02 03", kViolation},
+    {"WrongMagic", "AA 54 03 00 00 00 00 00 00 00 00 00 01 00 00 00"_hex, kViolation},
+    {"MagicTurnedRound", "55 AA 03 00 00 00 00 00 00 00 00 00 01 00 00 00"_hex, kViolation},
+    {"HalfAHeader", "AA 55 03 00 00 00 00"_hex, scripted::kTimeout},
+    {"Silence", {}, scripted::kTimeout},
+    {"7001BytesAreLongerThanAnyBuffer",
+     "AA 55 03 00 00 00 59 1B 00 00 00 00 01 00 00 00 | 01 02 03"_hex, kViolation},
 };
-// clang-format on
 INSTANTIATE_TEST_SUITE_P(Headers, FailureTest, testing::ValuesIn(kFailureCases), RowName());
 
 TEST_F(ExchangerTest, AnswerThatFillsTheBufferIsTaken) {
-  visa_.Answer(0, scripted::ToHex(std::vector<std::uint8_t>(7000, 0x5A)));
+  visa_.Answer(0, Bytes(7000, 0x5A));
   EXPECT_EQ(Exchange(), 0);
   EXPECT_EQ(message_.payload().size(), 7000U);
   EXPECT_EQ(message_.payload().back(), 0x5A);
 }
 
 TEST_F(ExchangerTest, BlockLongerThanTheCallersBufferIsDropped) {
-  visa_.CompleteData(0, 'A', scripted::ToHex(std::vector<std::uint8_t>(65, 1)));
+  visa_.CompleteData(Bytes(65, 1));
   EXPECT_EQ(Poll(), kViolation);
-  visa_.CompleteData(0, 'A', scripted::ToHex(std::vector<std::uint8_t>(64, 2)));
+  visa_.CompleteData(Bytes(64, 2));
   EXPECT_EQ(Poll(), 0);
   EXPECT_EQ(Clears(), 1U);
   EXPECT_EQ(payload_.size(), 64U);
@@ -101,11 +100,11 @@ TEST_F(ExchangerTest, BodyIsAssembledFromPiecesAndTheTimeoutRestored) {
   };
   EXPECT_EQ(Exchange(), 0);
   EXPECT_THAT(timeouts(), ElementsAre(1000, 2000));
-  const std::string body = scripted::ToHex(std::vector<std::uint8_t>(24, 7));
+  const Bytes body(24, 7);
   visa_.Answer(0, body);
   visa_.control().SpoilAnswer({.piece = 17});
   EXPECT_EQ(Exchange(), 0);
-  EXPECT_EQ(scripted::ToHex(message_.payload()), body);
+  EXPECT_EQ(ToHex(message_.payload()), ToHex(body));
   // Set for each part, restored to what the first failure had left.
   EXPECT_THAT(timeouts(), ElementsAre(1000, 1000, 1000, 1000));
 }
@@ -128,25 +127,24 @@ TEST_F(ExchangerTest, LibraryThatReadsNothingSuccessfullyIsAnError) {
 }
 
 // --- Data reads
-// ----------------------------------------------------------------------------------------
 
 TEST_F(ExchangerTest, PollContinuesWhereItStoppedWithoutANewRequest) {
   EXPECT_EQ(Poll(), scripted::kTimeout);
   EXPECT_EQ(Poll(), scripted::kTimeout);
   EXPECT_EQ(RequestCount(), 1U);
-  visa_.CompleteData(0, 'A', "01 02 03 04");
+  visa_.CompleteData("01 02 03 04"_hex);
   EXPECT_EQ(Poll(), 0);
-  EXPECT_EQ(scripted::ToHex(payload_), "01 02 03 04");
+  EXPECT_EQ(ToHex(payload_), "01 02 03 04");
   EXPECT_EQ(Poll(), scripted::kTimeout);
   EXPECT_EQ(RequestCount(), 2U);
 }
 
 TEST_F(ExchangerTest, PollTakesABodyInPieces) {
-  visa_.Answer(0, "01 02 03 04");
+  visa_.Answer(0, "01 02 03 04"_hex);
   visa_.control().SpoilAnswer({.piece = 17});
   EXPECT_EQ(Poll(), scripted::kTimeout);
   EXPECT_EQ(Poll(), 0);
-  EXPECT_EQ(scripted::ToHex(payload_), "01 02 03 04");
+  EXPECT_EQ(ToHex(payload_), "01 02 03 04");
   EXPECT_EQ(RequestCount(), 1U);
 }
 
@@ -156,18 +154,18 @@ TEST_F(ExchangerTest, CommandDropsAPendingReadByClearing) {
   EXPECT_EQ(Clears(), 1U);
   EXPECT_EQ(Exchange(), 0);
   EXPECT_EQ(Clears(), 1U);
-  visa_.CompleteData(0, 'A', "01 02");
+  visa_.CompleteData("01 02"_hex);
   EXPECT_EQ(Poll(), 0);
   EXPECT_THAT(visa_.RequestOrder(), ElementsAre("6", "3:4/10x1", "3:4/10x1", "6"));
 }
 
 TEST_F(ExchangerTest, CommandDropsAReadWhoseHeaderIsIn) {
-  visa_.AnswerRaw("AA 55 06 00 00 00 04 00 00 41 00 00 01 00 00 00 01");
+  visa_.control().QueueRaw("AA 55 06 00 00 00 04 00 00 41 00 00 01 00 00 00 01"_hex);
   EXPECT_EQ(Poll(), scripted::kTimeout);
   EXPECT_EQ(Exchange(), 0);
-  visa_.CompleteData(0, 'A', "07 08");
+  visa_.CompleteData("07 08"_hex);
   EXPECT_EQ(Poll(), 0);
-  EXPECT_EQ(scripted::ToHex(payload_), "07 08");
+  EXPECT_EQ(ToHex(payload_), "07 08");
 }
 
 TEST_F(ExchangerTest, FailedClearIsTheResultAndNothingIsSent) {
@@ -182,11 +180,11 @@ TEST_F(ExchangerTest, FailedClearIsTheResultAndNothingIsSent) {
 TEST_F(ExchangerTest, FailedExchangeIsClearedBeforeTheNextRequestUntilAClearWorks) {
   for (const bool polls : {false, true}) {
     visa_.ClearRecord();
-    visa_.AnswerRaw("");
+    visa_.control().QueueRaw({});
     EXPECT_EQ(Exchange(), scripted::kTimeout);
     visa_.SetResult(Function::kClear, 0xBFFF003E, 2);
     // Whether the link is gone shows in the exchange.
-    visa_.CompleteData('A', std::vector<std::uint8_t>(2, 0));
+    visa_.CompleteData(Bytes(2));
     EXPECT_EQ(polls ? Poll() : Exchange(), 0);
     EXPECT_EQ(Clears(), 1U);
     EXPECT_EQ(Exchange(), 0);
@@ -234,15 +232,16 @@ class BlockTest : public LinkTest {
 };
 
 TEST_F(BlockTest, FormatIsAskedForAndHandedBack) {
-  visa_.CompleteData(0, '@', "01 00 00 00 02 00 00 00 03 00 00 00 | 00 00");
+  visa_.CompleteData("01 00 00 00 02 00 00 00 03 00 00 00 | 00 00"_hex, '@');
   EXPECT_EQ(Read(), 0);
   EXPECT_EQ(received_, Received(14, '@'));
   EXPECT_EQ(buffer_[4], 2);
-  visa_.CompleteData(0, 'A', "00 00");
+  visa_.CompleteData("00 00"_hex);
   EXPECT_EQ(Poll(ReadingFormat::kInteger), 0);
   EXPECT_EQ(received_, Received(2, 'A'));
-  EXPECT_THAT(Requests(), ElementsAre(Request(6, 0, 'A', 0, ""), Request(6, 0, '@', 0, "")));
-  visa_.CompleteData(0, 'B', "00 00");
+  EXPECT_THAT(visa_.Requests(),
+              ElementsAre(Request{.command = 6, .type = 'A'}, Request{.command = 6, .type = '@'}));
+  visa_.CompleteData("00 00"_hex, 'B');
   EXPECT_EQ(Read(), kViolation);
   EXPECT_EQ(model_.Recover(), 0);
   EXPECT_EQ(visa_.Calls(Function::kClear).size(), 1U) << "the awaited answer may come still";
@@ -250,19 +249,19 @@ TEST_F(BlockTest, FormatIsAskedForAndHandedBack) {
 
 TEST_F(BlockTest, StatusInTheHeaderIsNoBlock) {
   for (const std::uint16_t code : {std::uint16_t{6}, std::uint16_t{0x8007}}) {
-    visa_.CompleteData(code, '@', "01 02 03 04");
+    visa_.CompleteData("01 02 03 04"_hex, '@', code);
     EXPECT_EQ(Read(), static_cast<std::int16_t>(code));
     EXPECT_EQ(received_, Received(0, 0));
   }
   EXPECT_TRUE(keeper_.events.empty());
-  EXPECT_EQ(Requests().size(), 2U);
+  EXPECT_EQ(visa_.Requests().size(), 2U);
 }
 
 TEST_F(BlockTest, NegativeStatusWordRaisesOneEventAndIsReturned) {
-  visa_.CompleteData(0, 'A', "01 00 00 00 02 00 00 00 03 00 00 00 | 1C 80");
+  visa_.CompleteData("01 00 00 00 02 00 00 00 03 00 00 00 | 1C 80"_hex);
   EXPECT_EQ(Poll(), -32740);
   EXPECT_EQ(received_, Received(14, 'A'));
-  visa_.CompleteData(0, 'A', "07 80");
+  visa_.CompleteData("07 80"_hex);
   EXPECT_EQ(Read(), -32761);
   ASSERT_EQ(keeper_.events.size(), 2U);
   const uIEvent::Event& event = *keeper_.events[0];
@@ -276,18 +275,17 @@ TEST_F(BlockTest, NegativeStatusWordRaisesOneEventAndIsReturned) {
 TEST_F(BlockTest, LengthsFromNothingToTheLargest) {
   for (const std::size_t size :
        {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{65535}}) {
-    const std::vector<std::uint8_t> block(size, 1);
-    visa_.CompleteData('A', block);
+    const Bytes block(size, 1);
+    visa_.CompleteData(block);
     EXPECT_EQ(Read(), 0);
     EXPECT_EQ(received_, Received(size, 'A'));
-    visa_.CompleteData('A', block);
+    visa_.CompleteData(block);
     EXPECT_EQ(Poll(), 0);
     EXPECT_EQ(received_, Received(size, 'A'));
   }
 }
 
 // --- Events
-// --------------------------------------------------------------------------------------------
 
 TEST_F(LinkTest, EventOfTheExchangerReachesTheTopUnchanged) {
   int payload = 0;

@@ -1,12 +1,15 @@
 // Bytes as tests write and show them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
+
+using Bytes = std::vector<std::uint8_t>;
 
 /// "AA 55 01".
 inline std::string ToHex(std::span<const std::uint8_t> bytes) {
@@ -21,8 +24,8 @@ inline std::string ToHex(std::span<const std::uint8_t> bytes) {
 }
 
 /// Pairs of digits; blanks and the separators | : are skipped.
-inline std::vector<std::uint8_t> FromHex(std::string_view text) {
-  std::vector<std::uint8_t> bytes;
+inline Bytes FromHex(std::string_view text) {
+  Bytes bytes;
   std::string digits;
   for (const char c : text) {
     if (c == ' ' || c == '|' || c == ':') continue;
@@ -34,3 +37,4 @@ inline std::vector<std::uint8_t> FromHex(std::string_view text) {
   if (!digits.empty()) throw std::invalid_argument("odd number of hexadecimal digits");
   return bytes;
 }
+inline Bytes operator""_hex(const char* text, std::size_t size) { return FromHex({text, size}); }

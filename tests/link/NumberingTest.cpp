@@ -36,7 +36,7 @@ class NumberingTest : public LinkTest, public testing::WithParamInterface<Instru
   }
   /// A sweep is read as the worker reads it, and its block is the expected one.
   void ExpectBlock(std::uint8_t content) {
-    visa_.CompleteData('A', std::vector<std::uint8_t>(14, content));
+    visa_.CompleteData(Bytes(14, content));
     EXPECT_EQ(Poll(), 0);
     EXPECT_EQ(length_, 14U);
     EXPECT_EQ(buffer_[0], content);
@@ -99,7 +99,7 @@ TEST_P(NumberingTest, LateAnswerIsNoBlock) {
   visa_.control().DelayAnswer();
   EXPECT_EQ(model_.SetFrequencySweep(sweep), scripted::kTimeout);
   visa_.ClearRecord();
-  visa_.CompleteData('A', std::vector<std::uint8_t>(14, 7));
+  visa_.CompleteData(Bytes(14, 7));
   const Status polled = Poll();
   EXPECT_EQ(visa_.Calls(scripted::Function::kClear).size(), 1U);
   if (GetParam().is_known_by_numbers) {

@@ -19,16 +19,13 @@
 namespace scripted {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 constexpr std::size_t kHeaderSize = 16;
 constexpr std::size_t kSpoiltCapacity = 7000;  // of a body
 constexpr std::uint16_t kDataCommand = 6;
 constexpr ViSession kManagerSession = 1;
 
-Bytes ToBytes(const std::uint8_t* bytes, std::size_t size) {
-  return size == 0 ? Bytes() : Bytes(bytes, bytes + size);
-}
+using View = std::span<const std::uint8_t>;
+Bytes ToBytes(View bytes) { return {bytes.begin(), bytes.end()}; }
 
 struct Call {
   Function function;
@@ -39,18 +36,13 @@ struct Call {
 };
 
 struct Answer {
-  bool raw = false;
-  std::int16_t status = 0;
+  std::uint16_t status = 0;
   Bytes bytes;
+  bool is_raw = false;
   std::optional<char> format = {};
 };
 
-struct Rule {
-  std::uint16_t command;
-  std::uint8_t identifier;
-  std::uint8_t type;
-  std::int32_t times;
-  bool echo;
+struct KeptRule : Rule {
   Answer answer;
 };
 
@@ -70,7 +62,7 @@ struct State {
   std::array<ForcedResult, static_cast<std::size_t>(Function::kCount)> forced{};
   std::deque<Answer> answers;
   std::deque<Answer> blocks;
-  std::deque<Rule> rules;
+  std::deque<KeptRule> rules;  // the newest first
   std::deque<Call> record;
   std::set<std::uint32_t> sessions;
   std::uint32_t timeout = 2000;
@@ -95,26 +87,21 @@ class Script final : public Control, public State {
     const std::lock_guard lock(mutex_);
     forced[static_cast<std::size_t>(function)] = {result, times};
   }
-  void QueueAnswer(std::int16_t status, const std::uint8_t* body, std::size_t size) override {
+  void QueueAnswer(std::uint16_t status, View body) override {
     const std::lock_guard lock(mutex_);
-    answers.push_back({false, status, ToBytes(body, size)});
+    answers.push_back({status, ToBytes(body)});
   }
-  void QueueRaw(const std::uint8_t* bytes, std::size_t size) override {
+  void QueueRaw(View bytes) override {
     const std::lock_guard lock(mutex_);
-    answers.push_back({true, 0, ToBytes(bytes, size)});
+    answers.push_back({.bytes = ToBytes(bytes), .is_raw = true});
   }
-  void SetRule(std::uint16_t command, std::uint8_t identifier, std::uint8_t type,
-               std::int16_t status, bool echo, const std::uint8_t* body, std::size_t size,
-               std::int32_t times) override {
+  void SetRule(const Rule& rule) override {
     const std::lock_guard lock(mutex_);
-    // The newest rule counts.
-    rules.push_front(
-        {command, identifier, type, times, echo, {false, status, ToBytes(body, size)}});
+    rules.push_front({rule, {rule.status, ToBytes(rule.body)}});
   }
-  void CompleteData(std::int16_t status, char format, const std::uint8_t* body,
-                    std::size_t size) override {
+  void CompleteData(View body, char format, std::uint16_t status) override {
     const std::lock_guard lock(mutex_);
-    blocks.push_back({false, status, ToBytes(body, size), format});
+    blocks.push_back({.status = status, .bytes = ToBytes(body), .format = format});
     if (data_request) SendBlock(*std::exchange(data_request, std::nullopt));
   }
   void SetNumbering(Numbering of_answers) override {
@@ -142,8 +129,7 @@ class Script final : public Control, public State {
     const std::lock_guard lock(mutex_);
     if (index >= record.size()) return false;
     const Call& call = record[index];
-    view = {call.function, call.session,      call.value,
-            call.result,   call.bytes.data(), call.bytes.size()};
+    view = {call.function, call.session, call.value, call.result, call.bytes};
     return true;
   }
   void ClearRecord() override {
@@ -174,7 +160,7 @@ class Script final : public Control, public State {
  private:
   std::optional<std::int32_t> TakeForced(Function function);
   void HandleRequest(const Bytes& request);
-  Rule* FindRule(const Bytes& request);
+  KeptRule* FindRule(const Bytes& request);
   void Send(const Bytes& request, const Answer& answer);
   void Number(Bytes& answer);
   void SendBlock(const Bytes& request);
@@ -258,7 +244,7 @@ void Script::HandleRequest(const Bytes& request) {
     answers.pop_front();
     return;
   }
-  Rule* const rule = FindRule(request);
+  KeptRule* const rule = FindRule(request);
   if (rule == nullptr && request[2] == kDataCommand) {
     if (blocks.empty()) {
       data_request = request;
@@ -274,10 +260,10 @@ void Script::HandleRequest(const Bytes& request) {
   Send(request, answer);
 }
 
-Rule* Script::FindRule(const Bytes& request) {
-  const std::uint8_t identifier = request.size() > kHeaderSize ? request[kHeaderSize] : 0;
+KeptRule* Script::FindRule(const Bytes& request) {
+  const std::uint8_t id = request.size() > kHeaderSize ? request[kHeaderSize] : 0;
   const auto rule = std::ranges::find_if(rules, [&](const Rule& item) {
-    return item.times != 0 && item.command == request[2] && item.identifier == identifier &&
+    return item.times != 0 && item.command == request[2] && item.id == id &&
            (item.type == 0 || item.type == request[9]);
   });
   if (rule == rules.end()) return nullptr;
@@ -292,7 +278,7 @@ void Script::SendBlock(const Bytes& request) {
 
 void Script::Send(const Bytes& request, const Answer& answer) {
   Bytes bytes;
-  if (!answer.raw) {
+  if (!answer.is_raw) {
     bytes.assign(request.begin(), request.begin() + kHeaderSize);
     bytes[4] = static_cast<std::uint8_t>(answer.status);
     bytes[5] = static_cast<std::uint8_t>(answer.status >> 8);
@@ -353,7 +339,7 @@ void Script::SendSpoiled(Bytes bytes) {
   const std::size_t piece = spoilt->piece != 0 ? spoilt->piece : bytes.size();
   for (std::size_t at = 0; at < bytes.size(); at += piece) {
     const std::size_t size = std::min(piece, bytes.size() - at);
-    to_read.push_back({ToBytes(bytes.data() + at, size), at + size < bytes.size()});
+    to_read.push_back({ToBytes(View(bytes).subspan(at, size)), at + size < bytes.size()});
   }
 }
 
@@ -381,7 +367,7 @@ ViStatus viOpenDefaultRM(ViSession* manager) {
 }
 ViStatus viOpen(ViSession, const char* name, ViAccessMode mode, ViUInt32 timeout,
                 ViSession* session) {
-  const scripted::Bytes bytes(name, name + std::strlen(name));
+  const Bytes bytes(name, name + std::strlen(name));
   return TheScript().Run({Function::kOpen, 0, std::uint64_t{mode} << 16 | timeout, 0, bytes},
                          [&](Call& call) {
                            const ViStatus result = TheScript().Open(*session);
@@ -419,7 +405,7 @@ ViStatus viRead(ViSession session, ViByte* buffer, ViUInt32 count, ViUInt32* ret
 }
 ViStatus viWrite(ViSession session, const ViByte* buffer, ViUInt32 count, ViUInt32* returned) {
   *returned = 0;
-  return TheScript().Run({Function::kWrite, session, count, 0, scripted::ToBytes(buffer, count)},
+  return TheScript().Run({Function::kWrite, session, count, 0, scripted::ToBytes({buffer, count})},
                          [&](Call& call) {
                            *returned = count;
                            TheScript().TakeRequests(call.bytes);

@@ -13,6 +13,7 @@
 
 #include "platform/os/Module.h"
 #include "tests/link/Hex.h"
+#include "tests/link/Request.h"
 
 namespace scripted {
 
@@ -38,8 +39,7 @@ struct CallView {
   std::uint32_t session;
   std::uint64_t value;
   std::int32_t result;
-  const std::uint8_t* bytes;
-  std::size_t size;
+  std::span<const std::uint8_t> bytes;
 };
 
 inline constexpr std::int32_t kForEver = -1;
@@ -60,6 +60,17 @@ struct Spoiling {
   std::uint32_t silences = 0;  ///< time-outs of reads that find nothing more, before `then`
   /// What reads and clears give from then on until LinkIsBack or viOpen.
   std::int32_t then = kGoesOn;
+};
+
+/// Answers every request of this kind that finds no queued answer. The newest rule counts.
+struct Rule {
+  std::uint16_t command = 0;
+  std::uint8_t id = 0;    ///< low byte of the body
+  std::uint8_t type = 0;  ///< 0: any
+  std::int32_t times = kForEver;
+  std::uint16_t status = 0;  ///< the 16 bits on the wire
+  bool echo = false;         ///< the request's body in place of `body`
+  std::span<const std::uint8_t> body = {};
 };
 
 /// What number an answer carries.
@@ -85,18 +96,13 @@ class Control {
   /// Answers the next request that has no answer yet: status and body in a correct frame that
   /// repeats the request's command, count and type, and its number unless SetNumbering says
   /// otherwise.
-  virtual void QueueAnswer(std::int16_t status, const std::uint8_t* body, std::size_t size) = 0;
+  virtual void QueueAnswer(std::uint16_t status, std::span<const std::uint8_t> body) = 0;
   /// As QueueAnswer with exactly these bytes on the wire, also none.
-  virtual void QueueRaw(const std::uint8_t* bytes, std::size_t size) = 0;
-  /// Answers every request with this command, identifier (low byte of the body) and type code (0:
-  /// any) that finds no queued answer; with `echo` the request's body is sent back in place of
-  /// `body`.
-  virtual void SetRule(std::uint16_t command, std::uint8_t identifier, std::uint8_t type,
-                       std::int16_t status, bool echo, const std::uint8_t* body, std::size_t size,
-                       std::int32_t times) = 0;
+  virtual void QueueRaw(std::span<const std::uint8_t> bytes) = 0;
+  virtual void SetRule(const Rule& rule) = 0;
   /// Completes the data request that waits, or else the next one. `format`: the answer's type byte.
-  virtual void CompleteData(std::int16_t status, char format, const std::uint8_t* body,
-                            std::size_t size) = 0;
+  virtual void CompleteData(std::span<const std::uint8_t> body, char format,
+                            std::uint16_t status) = 0;
 
   virtual void SetNumbering(Numbering numbering) = 0;
   /// The answer to the next request comes right before the answer to the one after it.
@@ -122,11 +128,7 @@ class Control {
 using ControlFunction = Control*();
 inline constexpr char kControlName[] = "ScriptedVisaControl";
 
-using ::FromHex;
-using ::ToHex;
-
-/// The test's side: holds the module loaded and speaks hexadecimal. Starts and ends with a fresh
-/// script.
+/// The test's side: holds the module loaded. Starts and ends with a fresh script.
 class Visa {
  public:
   Visa() {
@@ -147,33 +149,19 @@ class Visa {
     control_->SetResult(function, static_cast<std::int32_t>(result), times);
   }
   /// `status` as the 16 bits on the wire.
-  void Answer(std::uint16_t status, std::string_view body_hex = {}) {
-    const auto body = FromHex(body_hex);
-    control_->QueueAnswer(static_cast<std::int16_t>(status), body.data(), body.size());
-  }
-  void AnswerRaw(std::string_view hex) {
-    const auto bytes = FromHex(hex);
-    control_->QueueRaw(bytes.data(), bytes.size());
-  }
+  void Answer(std::uint16_t status, const Bytes& body = {}) { control_->QueueAnswer(status, body); }
   /// Status and the request's own body for every such request.
-  void Rule(std::uint16_t command, std::uint8_t identifier, std::uint16_t status,
-            std::uint8_t type = 0, std::int32_t times = kForEver) {
-    control_->SetRule(command, identifier, type, static_cast<std::int16_t>(status), true, nullptr,
-                      0, times);
+  void Rule(std::uint16_t command, std::uint8_t id, std::uint16_t status, std::uint8_t type = 0,
+            std::int32_t times = kForEver) {
+    control_->SetRule({command, id, type, times, status, true});
   }
-  /// Status and this body.
-  void RuleBody(std::uint16_t command, std::uint8_t identifier, std::uint16_t status,
-                std::string_view body_hex, std::uint8_t type = 0, std::int32_t times = kForEver) {
-    const auto body = FromHex(body_hex);
-    control_->SetRule(command, identifier, type, static_cast<std::int16_t>(status), false,
-                      body.data(), body.size(), times);
+  /// Status 0 and this body.
+  void RuleBody(std::uint16_t command, std::uint8_t id, const Bytes& body, std::uint8_t type = 0,
+                std::int32_t times = kForEver) {
+    control_->SetRule({command, id, type, times, 0, false, body});
   }
-  void CompleteData(std::uint16_t status, char format, std::string_view body_hex) {
-    const auto body = FromHex(body_hex);
-    control_->CompleteData(static_cast<std::int16_t>(status), format, body.data(), body.size());
-  }
-  void CompleteData(char format, std::span<const std::uint8_t> body) {
-    control_->CompleteData(0, format, body.data(), body.size());
+  void CompleteData(const Bytes& body, char format = 'A', std::uint16_t status = 0) {
+    control_->CompleteData(body, format, status);
   }
 
   /// All recorded calls of one function.
@@ -185,37 +173,20 @@ class Visa {
     }
     return calls;
   }
-  /// Everything that was written since the record was cleared, one text for each header and the
-  /// body behind it.
-  [[nodiscard]] std::vector<std::string> Requests() const {
-    std::vector<std::string> requests;
-    bool header = true;
-    for (const CallView& call : Calls(Function::kWrite)) {
-      const std::string text = ToHex({call.bytes, call.size});
-      if (header) {
-        requests.push_back(text);
-      } else if (!text.empty()) {
-        requests.back() += " | " + text;
-      }
-      header = !header;
+  /// What was written since the record was cleared, without a request of which there is only the
+  /// header yet.
+  [[nodiscard]] std::vector<Request> Requests() const {
+    std::vector<Request> requests;
+    const auto writes = Calls(Function::kWrite);
+    for (std::size_t i = 0; i + 1 < writes.size(); i += 2) {
+      requests.push_back(Parse(writes[i].bytes, writes[i + 1].bytes));
     }
     return requests;
   }
-  /// As Requests, shortened to what matters for an order: command, then identifier, type code and
-  /// count of the parameter, for example "3:12/42x4"; the command alone without a body.
+  /// The names of these requests.
   [[nodiscard]] std::vector<std::string> RequestOrder() const {
     std::vector<std::string> order;
-    const auto writes = Calls(Function::kWrite);
-    for (std::size_t i = 0; i + 1 < writes.size(); i += 2) {
-      if (writes[i].size < 16) continue;
-      const std::uint8_t* const header = writes[i].bytes;
-      std::string text = std::to_string(header[2]);
-      if (writes[i + 1].size != 0) {
-        text += ':' + std::to_string(writes[i + 1].bytes[0]) + '/' + ToHex({header + 9, 1}) + 'x' +
-                std::to_string(header[8]);
-      }
-      order.push_back(text);
-    }
+    for (const Request& request : Requests()) order.push_back(request.Name());
     return order;
   }
   void ClearRecord() { control_->ClearRecord(); }

@@ -8,8 +8,6 @@
 #include "K4NHardWare/ResourceName.h"
 #include "tests/link/LinkFixture.h"
 
-using namespace k4n;
-
 namespace {
 
 TEST(HardWareParametrTest, RoundTrips) {
@@ -43,9 +41,8 @@ TEST(HardWareParametrTest, RoundTrips) {
                                 .fractional_bytes = row.fractional_bytes,
                                 .is_signed = row.is_signed});
     parameter.SetValue(row.written, 1);
-    const std::string zeros = scripted::ToHex(std::vector<std::uint8_t>(row.size));
-    EXPECT_EQ(scripted::ToHex(parameter.Serialise()), "5C 00 " + zeros + " " + row.bytes)
-        << row.name;
+    const std::string zeros = ToHex(Bytes(row.size));
+    EXPECT_EQ(ToHex(parameter.Serialise()), "5C 00 " + zeros + " " + row.bytes) << row.name;
     EXPECT_EQ(parameter.GetValue(0), 0.0) << row.name;
     EXPECT_EQ(parameter.GetValue(1), row.read) << row.name;
   }
@@ -65,9 +62,9 @@ TEST(HardWareParametrTest, ImageTakesIdentifierAndWholeElementsOnly) {
   HardWareParametr parameter({.identifier = 4, .element_count = 2, .element_size = 2});
   parameter.Deserialise(std::array<std::uint8_t, 5>{0x11, 0x01, 0x34, 0x12, 0xFF});
   EXPECT_EQ(parameter.identifier(), 0x111);
-  EXPECT_EQ(scripted::ToHex(parameter.Serialise()), "11 00 34 12 00 00");
+  EXPECT_EQ(ToHex(parameter.Serialise()), "11 00 34 12 00 00");
   parameter.Deserialise(std::array<std::uint8_t, 8>{4, 0, 1, 0, 2, 0, 3, 0});
-  EXPECT_EQ(scripted::ToHex(parameter.Serialise()), "04 00 01 00 02 00");
+  EXPECT_EQ(ToHex(parameter.Serialise()), "04 00 01 00 02 00");
   parameter.Deserialise(std::array<std::uint8_t, 1>{9});
   EXPECT_EQ(parameter.identifier(), 4);
 }
@@ -81,7 +78,7 @@ TEST(HardWareParametrTest, ElementOutsideThrows) {
 TEST(ProtocolMessageTest, FullBodyThrows) {
   ProtocolMessage message;
   message.Begin(Command::kWriteParameter);
-  message.Append(std::vector<std::uint8_t>(7000));
+  message.Append(Bytes(7000));
   EXPECT_EQ(Thrown([&] { message.Append(std::array<std::uint8_t, 1>{}); }),
             "Debug: Message too long. ProtocolMessage::Append");
 }

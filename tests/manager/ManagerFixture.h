@@ -10,6 +10,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "K4NHardWare/K4NManager.h"
@@ -17,33 +18,12 @@
 #include "tests/link/LinkFixture.h"
 #include "tests/platform/WaitUntil.h"
 
-using namespace k4n;
-
 /// How gtest names a trail's records: "0x80047060@1002", "-6@691".
 inline void PrintTo(const ErrorRecord& record, std::ostream* stream) {
   PrintTo(record.status, stream);
   *stream << '@' << static_cast<int>(record.site);
 }
 
-inline std::string Repeat(std::string_view hex, int count) {
-  std::string text;
-  for (int i = 0; i < count; ++i) text += hex;
-  return text;
-}
-
-constexpr std::string_view kMinus20 = "00 00 EC FF FF FF";
-/// The power parameter without sweep: output switch, attenuator mode, two further settings, and the
-/// level as its six bytes.
-inline std::string PowerBody(unsigned output, std::string_view level, unsigned atten_mode = 3) {
-  return "4F 00 | 00 00 0" + std::to_string(output) + " 00 00 00 | 00 00 0" +
-         std::to_string(atten_mode) + " 00 00 00 | 00 00 08 00 00 00 | 00 00 09 00 00 00 |" +
-         std::string(level);
-}
-
-// Answers of the standard instrument: 10 MHz to 20 GHz, power commands of variant 5; the output at
-// -20 dBm.
-constexpr const char* kLimits =
-    "00 00 | 80 96 98 00 00 00 | 02 00 00 00 00 00 | 80 31 7F A7 04 00 | 00 C8 17 A8 04 00";
 /// The output switch as the instrument reports it: on is 1 and nothing else.
 enum class Output : unsigned { kOff, kOn, kNeither };
 
@@ -73,18 +53,20 @@ inline std::vector<ErrorRecord> Refusals(const std::vector<int>& sites) {
   return trail;
 }
 
+/// The power parameter without sweep: output switch, attenuator mode, two further settings, level.
+inline std::vector<double> PowerElements(Output output, double level = -20, unsigned atten = 3) {
+  return {static_cast<double>(output), static_cast<double>(atten), 8, 9, level};
+}
+inline Bytes PowerBody(Output output, double level = -20) {
+  return Body(kPowerId, 0x62, PowerElements(output, level));
+}
+
 /// A data block whose readings are all the same.
-inline std::vector<std::uint8_t> Block(int points, std::uint16_t status_word = 0,
-                                       std::int32_t reading = 256) {
-  std::vector<std::uint8_t> bytes;
-  const auto put = [&bytes](std::uint32_t value, int size) {
-    for (int i = 0; i < size; ++i) bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-  };
-  for (int i = 0; i < points; ++i) {
-    for (int channel = 0; channel < 3; ++channel) put(static_cast<std::uint32_t>(reading), 4);
-  }
-  put(status_word, 2);
-  return bytes;
+inline Bytes Block(int points, std::uint16_t status_word = 0, double reading = 256) {
+  Bytes block = scripted::Encode(0x40, std::vector<double>(3 * std::size_t(points), reading));
+  const Bytes word = scripted::Encode(0x20, {static_cast<double>(status_word)});
+  block.insert(block.end(), word.begin(), word.end());
+  return block;
 }
 
 inline Status SetFrequencyStep(CK4NManager& manager) {
@@ -105,18 +87,27 @@ inline Status TriggerImmediately(CK4NManager& manager) {
 
 class ManagerTest : public testing::Test {
  protected:
-  ManagerTest() { visa_.RuleBody(kRead, kPowerId, 0, PowerBody(1, kMinus20)); }
+  ManagerTest() { visa_.RuleBody(kRead, kPowerId, PowerBody(Output::kOn)); }
 
   Status Initialize(const char* option = "", const char* resource = kResource) {
-    visa_.RuleBody(kWrite, kFrequencyId, 0, kLimits, 0x60, 1);
+    ExpectLimits();
     return manager_.Initialize(resource, option);
   }
+  /// The next session asks for them once.
+  void ExpectLimits() { visa_.RuleBody(kWrite, kFrequencyId, kLimits, 0x60, 1); }
   /// Opens a session and forgets what that put on the wire, and what is in the trail.
   void Open(Output output = Output::kOn, const char* option = "") {
-    while (TakeError().first != 0) continue;
-    visa_.RuleBody(kRead, kPowerId, 0, PowerBody(static_cast<unsigned>(output), kMinus20));
+    DrainTrail();
+    visa_.RuleBody(kRead, kPowerId, PowerBody(output));
     ASSERT_EQ(Initialize(option), 0);
-    ASSERT_EQ(ErrorRecords().size(), 0U);
+    ASSERT_THAT(ErrorRecords(), testing::IsEmpty());
+    visa_.ClearRecord();
+  }
+  /// A session whose sweep mode was refused, and none was programmed before.
+  void OpenUnarmed() {
+    visa_.Rule(kWrite, kFrequencyId, kRefusal);
+    ASSERT_EQ(Initialize(), 0);
+    ASSERT_FALSE(DrainTrail().empty());
     visa_.ClearRecord();
   }
 
@@ -152,33 +143,25 @@ class ManagerTest : public testing::Test {
   [[nodiscard]] bool HasList(std::uint8_t id) {
     visa_.ClearRecord();
     manager_.SetSweepMode(SweepMode::kList);
-    const std::string_view one_value =
-        id == kPowerListId ? "00 00 01 00 00 00 C4 FF" : "01 00 00 00 00 00 80 96 98 00 00 00";
-    std::string sent;
-    for (const std::string& request : visa_.Requests()) {
-      if (request.find("| " + scripted::ToHex({&id, 1})) != std::string::npos) sent = request;
+    std::vector<double> sent;
+    for (const Request& request : visa_.Requests()) {
+      if (request.id == id) sent = request.Elements();
     }
+    const double stand_in = id == kPowerListId ? -60 : 1e7;
     EXPECT_FALSE(sent.empty());
-    return !sent.ends_with(one_value);
+    return sent.size() < 2 || sent[sent.size() - 2] != 1 || sent.back() != stand_in;
   }
   /// Has the worker store a block that nobody has fetched yet.
   void StoreBlock(SweepMode mode) {
     ASSERT_EQ(manager_.SetSweepMode(mode), 0);
     const std::size_t records = ErrorRecords().size();
-    visa_.CompleteData('A', Block(1, 7));  // its word goes into the trail after it was stored
+    visa_.CompleteData(Block(1, 7));  // its word goes into the trail after it was stored
     manager_.RequestSoftwareTrigger();
     ASSERT_TRUE(WaitUntil([&] { return ErrorRecords().size() > records; }));
   }
   /// Fetches the next block, which the worker may not have stored yet.
   [[nodiscard]] bool WaitForBlock() {
     return WaitUntil([this] { return manager_.FetchData(trace_) == Status::kOk; });
-  }
-
-  /// The requests as "header without its number | body".
-  [[nodiscard]] std::vector<std::string> Requests() const {
-    std::vector<std::string> requests = visa_.Requests();
-    for (std::string& request : requests) request.erase(35, 12);
-    return requests;
   }
 
   /// All records of the trail, oldest first, each by itself.
@@ -195,15 +178,15 @@ class ManagerTest : public testing::Test {
     return {ToCode(report.status), std::move(report.message)};
   }
 
+  /// Takes all records, which are those that ErrorRecords told.
+  std::vector<ErrorRecord> DrainTrail() {
+    std::vector<ErrorRecord> records = ErrorRecords();
+    for (const ErrorRecord& record : records) EXPECT_EQ(TakeError().first, record.status);
+    EXPECT_EQ(TakeError().first, 0);
+    return records;
+  }
+
   scripted::Visa visa_;
   CK4NManager manager_;
   TraceMatrix trace_;
 };
-
-// --- Requests, as ManagerTest::Requests gives them
-inline std::string PowerRequest(unsigned output, std::string_view level, unsigned atten_mode = 3) {
-  return WriteRequest(5, 0x62, PowerBody(output, level, atten_mode));
-}
-inline std::string TriggerInputRead() {
-  return ReadRequest(10, 0x10, 7, "07 00" + Repeat(" 00", 10));
-}

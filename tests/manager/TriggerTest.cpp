@@ -7,12 +7,24 @@ using enum TriggerAction;
 using enum TriggerSource;
 using Mode = TriggerOutputMode;
 
+using Values = std::vector<double>;
+
+auto Fields(const SweepTriggerSettings& trigger) {
+  return std::tuple(trigger.source, trigger.action, trigger.falling_edge, trigger.single_step);
+}
+
+/// The first group of a trigger parameter, the other one all zeros.
+Values Group(Values group) {
+  group.resize(10);
+  return group;
+}
+
 struct TriggerCase : Row {
   SweepTriggerSettings trigger;
-  const char* sent;    // code, edge, value, flag, last; none: nothing is sent
-  const char* answer;  // null: as sent
-  ResultCode result;
-  SweepTriggerSettings kept;
+  Values sent;                                    // none: nothing is sent
+  Values answer;                                  // none: as sent
+  std::optional<SweepTriggerSettings> kept = {};  // none: as set
+  ResultCode result = 0;
 };
 
 class TriggerTest : public ManagerTest, public testing::WithParamInterface<TriggerCase> {};
@@ -21,25 +33,21 @@ TEST_P(TriggerTest, MapsBothWays) {
   Open();
   StartMeasuring();
   const TriggerCase& row = GetParam();
-  if (row.answer != nullptr) {
-    visa_.RuleBody(kWrite, kTriggerInputId, 0,
-                   "07 00 |" + std::string(row.answer) + Repeat(" 00", 5), 0, 1);
+  if (!row.answer.empty()) {
+    const Bytes answer = Body(kTriggerInputId, 0x10, Group(row.answer));
+    visa_.RuleBody(kWrite, kTriggerInputId, answer, 0, 1);
   }
   EXPECT_EQ(manager_.SetSweepTrigger(row.trigger), row.result);
-  if (row.sent != nullptr) {
-    EXPECT_THAT(Requests(), testing::Contains(WriteRequest(
-                                10, 0x10, "07 00 |" + std::string(row.sent) + Repeat(" 00", 5))));
-  } else {
-    EXPECT_EQ(Requested("3:7/10x10"), 0U);
-  }
-  const SweepTriggerSettings kept = manager_.GetSweepTrigger();
-  EXPECT_EQ(kept.source, row.kept.source);
-  EXPECT_EQ(kept.action, row.kept.action);
-  EXPECT_EQ(kept.falling_edge, row.kept.falling_edge);
-  EXPECT_EQ(kept.single_step, row.kept.single_step);
+  std::vector<Request> writes = visa_.Requests();
+  std::erase_if(writes, [](const Request& request) { return request.command != kWrite; });
+  std::vector<Request> sent = {Write(kTriggerInputId, 0x10, Group(row.sent))};
+  if (row.sent.empty()) sent.clear();
+  EXPECT_EQ(writes, sent);
+  const SweepTriggerSettings kept = row.kept.value_or(row.trigger);
+  EXPECT_EQ(Fields(manager_.GetSweepTrigger()), Fields(kept));
   EXPECT_TRUE(ErrorRecords().empty());
 
-  const bool software = row.kept.source == kSoftware;
+  const bool software = kept.source == kSoftware;
   EXPECT_EQ(IsMeasuring(), Status::kOk == row.result && !software)
       << "the worker stays paused after -1";
   // The next operation ends and gives the worker back.
@@ -47,36 +55,45 @@ TEST_P(TriggerTest, MapsBothWays) {
   EXPECT_TRUE(software || WaitUntilRequested("6", 1));
 }
 
-// clang-format off
+constexpr SweepTriggerSettings kStep{kExternal, kSwitch, false, true};
+constexpr SweepTriggerSettings kPoint{kExternal, kMeasure, false, true};
+constexpr SweepTriggerSettings kLine{kSoftware, kSwitch, false, false};
+constexpr SweepTriggerSettings kFree{kImmediate, kSwitch, false, false};
 const std::vector<TriggerCase> kTriggerCases = {
-    {"Immediate", {kImmediate, kMeasure, true, false}, "00 01 00 00 02", nullptr, 0, {kImmediate, kMeasure, true, false}},
-    {"External", {kExternal, kSwitch, false, false}, "01 00 00 00 02", nullptr, 0, {kExternal, kSwitch, false, false}},
-    {"Step", {kExternal, kSwitch, true, true}, "02 01 00 00 02", nullptr, 0, {kExternal, kSwitch, true, true}},
-    {"Measure", {kExternal, kMeasure, false, true}, "03 00 00 00 02", nullptr, 0, {kExternal, kMeasure, false, true}},
-    {"SoftwareRunsFreely", {kSoftware, kSwitch, false, false}, "00 00 00 00 02", nullptr, 0, {kSoftware, kSwitch, false, false}},
-    {"AnswersFreeRun", {kExternal, kSwitch, false, true}, "02 00 00 00 02", "00 01 00 00 02", 0, {kImmediate, kSwitch, true, true}},
-    {"AnswersSweep", {kExternal, kMeasure, false, true}, "03 00 00 00 02", "01 00 00 00 02", 0, {kExternal, kMeasure, false, false}},
-    {"AnswersStep", {kExternal, kMeasure, false, true}, "03 00 00 00 02", "02 00 00 00 02", 0, {kExternal, kSwitch, false, true}},
-    {"AnswersPoint", {kImmediate, kSwitch, false, false}, "00 00 00 00 02", "03 00 00 00 02", 0, {kExternal, kMeasure, false, true}},
-    {"AnswersLine", {kImmediate, kSwitch, false, false}, "00 00 00 00 02", "04 00 00 00 02", 0, {kSoftware, kSwitch, false, false}},
-    {"NoSuchSource", {kUnknown, kMeasure, true, true}, nullptr, nullptr, -1, {kImmediate, kSwitch, false, false}},
-    {"NoSuchAnswer", {kExternal, kMeasure, true, true}, "03 01 00 00 02", "05 00 00 00 02", -1, {kImmediate, kSwitch, false, false}},
+    {"Immediate", {kImmediate, kMeasure, true, false}, {0, 1, 0, 0, 2}, {}},
+    {"External", {kExternal, kSwitch, false, false}, {1, 0, 0, 0, 2}, {}},
+    {"Step", {kExternal, kSwitch, true, true}, {2, 1, 0, 0, 2}, {}},
+    {"Measure", kPoint, {3, 0, 0, 0, 2}, {}},
+    {"SoftwareRunsFreely", kLine, {0, 0, 0, 0, 2}, {}},
+    {"AnswersFreeRun",
+     kStep,
+     {2, 0, 0, 0, 2},
+     {0, 1, 0, 0, 2},
+     {{kImmediate, kSwitch, true, true}}},
+    {"AnswersSweep", kPoint, {3, 0, 0, 0, 2}, {1, 0, 0, 0, 2}, {{kExternal, kMeasure}}},
+    {"AnswersStep", kPoint, {3, 0, 0, 0, 2}, {2, 0, 0, 0, 2}, kStep},
+    {"AnswersPoint", kFree, {0, 0, 0, 0, 2}, {3, 0, 0, 0, 2}, kPoint},
+    {"AnswersLine", kFree, {0, 0, 0, 0, 2}, {4, 0, 0, 0, 2}, kLine},
+    {"NoSuchSource", {kUnknown, kMeasure, true, true}, {}, {}, kFree, -1},
+    {"NoSuchAnswer",
+     {kExternal, kMeasure, true, true},
+     {3, 1, 0, 0, 2},
+     {5, 0, 0, 0, 2},
+     kFree,
+     -1},
 };
-// clang-format on
 INSTANTIATE_TEST_SUITE_P(Sources, TriggerTest, testing::ValuesIn(kTriggerCases), RowName());
 
-/// External power control, switched while the worker measures; one parameter's next answer.
+/// External power control, switched while the worker measures.
 struct PowerControlCase : Row {
   bool enabled;
-  std::uint8_t id;
-  std::uint16_t status;
-  const char* answer;  // null: as sent
-  ResultCode result;
-  std::vector<std::string> sent;  // identifier, code, edge, value, flag, last
-  bool is_switching;              // afterwards
+  std::vector<Values> sent;  // identifier and first group
+  bool is_switching;         // afterwards
   TriggerSource source;
   Mode mode;
-  std::vector<int> trail;
+  ResultCode result = 0;
+  std::uint8_t refused = 0;  // identifier; 0: the trigger's answer is an unknown one for result -1
+  std::vector<int> trail = {};
 };
 
 class PowerControlTest : public ManagerTest,
@@ -86,13 +103,19 @@ TEST_P(PowerControlTest, SwitchesTriggerAndOutput) {
   Open();
   StartMeasuring();
   const PowerControlCase& row = GetParam();
-  if (row.answer != nullptr) {
-    visa_.RuleBody(kWrite, row.id, row.status, row.answer + Repeat(" 00", 5), 0, 1);
+  if (row.refused != 0) {
+    visa_.Rule(kWrite, row.refused, kRefusal, 0, 1);
+  } else if (Status::kOk != row.result) {
+    visa_.RuleBody(kWrite, kTriggerInputId, Body(kTriggerInputId, 0x10, Group({5, 0, 1, 0, 3})));
   }
   EXPECT_EQ(manager_.SetExtPwrCtrl(row.enabled), row.result);
-  std::vector<std::string> sent;
-  for (const std::string& request : Requests()) {
-    if (request.starts_with("AA 55 03")) sent.push_back(request.substr(38, 20));
+  std::vector<Values> sent;
+  for (const Request& request : visa_.Requests()) {
+    if (request.command != kWrite) continue;
+    Values group = request.Elements();
+    group.resize(5);
+    group.insert(group.begin(), request.id);
+    sent.push_back(group);
   }
   EXPECT_EQ(sent, row.sent);
   EXPECT_EQ(manager_.GetExtPwrCtrl(), row.is_switching);
@@ -102,110 +125,98 @@ TEST_P(PowerControlTest, SwitchesTriggerAndOutput) {
   EXPECT_EQ(IsMeasuring(), row.source == kImmediate) << "the worker is resumed in any case";
 }
 
-constexpr auto kIn = kTriggerInputId;
-constexpr auto kOut = kTriggerOutputId;
-constexpr const char* kInOn = "07 00 04 00 01 00 03";
-constexpr const char* kOutOn = "08 00 06 00 01 01 00";
+const Values kInOn = {7, 4, 0, 1, 0, 3};
+const Values kOutOn = {8, 6, 0, 1, 1, 0};
 // clang-format off
 const std::vector<PowerControlCase> kPowerControlCases = {
-    {"On", true, 0, 0, nullptr, 0, {kInOn, kOutOn}, false, kSoftware, Mode::kSoftware, {}},
-    {"Off", false, 0, 0, nullptr, 0, {"07 00 00 00 01 00 03", "08 00 00 00 01 01 00"}, false, kImmediate, Mode::kNone, {}},
-    {"UnknownAnswerToTheTrigger", true, kIn, 0, "07 00 05 00 01 00 03", -1, {kInOn}, true, kImmediate, Mode::kSweep, {}},
-    {"RefusedTrigger", true, kIn, kRefusal, kInOn, kRefusalStatus, {kInOn}, true, kImmediate, Mode::kSweep, {631}},
-    {"RefusedOutput", true, kOut, kRefusal, kOutOn, kRefusalStatus, {kInOn, kOutOn}, false, kSoftware, Mode::kSoftware, {661}},
+    {"On", true, {kInOn, kOutOn}, false, kSoftware, Mode::kSoftware},
+    {"Off", false, {{7, 0, 0, 1, 0, 3}, {8, 0, 0, 1, 1, 0}}, false, kImmediate, Mode::kNone},
+    {"UnknownAnswerToTheTrigger", true, {kInOn}, true, kImmediate, Mode::kSweep, -1},
+    {"RefusedTrigger", true, {kInOn}, true, kImmediate, Mode::kSweep,
+     kRefusalStatus, kTriggerInputId, {631}},
+    {"RefusedOutput", true, {kInOn, kOutOn}, false, kSoftware, Mode::kSoftware,
+     kRefusalStatus, kTriggerOutputId, {661}},
 };
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Steps, PowerControlTest, testing::ValuesIn(kPowerControlCases), RowName());
 
-struct WidthCase {
-  double microseconds;
-  unsigned sent;
-};
 TEST_F(ManagerTest, TriggerOutputWidthIsCutToMicroseconds) {
+  const std::pair<double, double> rows[] = {
+      {1.94, 1}, {1.96, 2}, {300.0, 255}, {-1.0, 0}, {std::nan(""), 0}};
   Open();
-  for (const auto& [width, sent] : {WidthCase{1.94, 1}, WidthCase{1.96, 2}, WidthCase{300.0, 255},
-                                    WidthCase{-1.0, 0}, WidthCase{std::nan(""), 0}}) {
+  for (const auto& [width, sent] : rows) {
     visa_.ClearRecord();
     EXPECT_EQ(manager_.SetTriggerOutput({.width = width, .enabled = true}), 0);
     EXPECT_EQ(manager_.GetTriggerOutput().width, sent);
     EXPECT_FALSE(manager_.GetTriggerOutput().inverse);
-    EXPECT_THAT(
-        Requests()[1],
-        testing::HasSubstr("| 08 00 01 00 " + scripted::ToHex({{static_cast<std::uint8_t>(sent)}}) +
-                           " 00 00"));
+    Values written = visa_.Requests()[1].Elements();
+    written.resize(5);
+    EXPECT_EQ(written, (Values{1, 0, sent, 0, 0}));
   }
 }
-
-/// Output settings before and after, and the code that the second line is given then.
-struct RouteCase {
-  const char* name;
-  TriggerOutputSettings before;
-  TriggerOutputSettings after;
-  const char* code;  // null: the line is left alone
-};
-const std::array kRoutes{
-    RouteCase{"SyncGenerator",
-              {.mode = Mode::kSweep},
-              {.mode = Mode::kSyncGenerator, .enabled = true},
-              "05"},
-    RouteCase{"SyncGeneratorOfADisabledOutput",
-              {.mode = Mode::kSweep},
-              {.mode = Mode::kSyncGenerator},
-              nullptr},
-    RouteCase{"Back",
-              {.mode = Mode::kSyncGenerator, .enabled = true},
-              {.mode = Mode::kSweep, .enabled = true},
-              "05"},
-    RouteCase{"BackAndOff",
-              {.mode = Mode::kSyncGenerator, .enabled = true},
-              {.mode = Mode::kSweep},
-              "00"},
-    RouteCase{"SwitchedOn", {.mode = Mode::kSweep}, {.mode = Mode::kSweep, .enabled = true}, "00"},
-    RouteCase{"AnotherMode",
-              {.mode = Mode::kSweep, .enabled = true},
-              {.mode = Mode::kNextStep, .enabled = true},
-              nullptr},
-};
 
 TEST_F(ManagerTest, SecondLineIsTheSyncGenerators) {
-  Open();
-  for (const RouteCase& row : kRoutes) {
-    SCOPED_TRACE(row.name);
-    ASSERT_EQ(manager_.SetTriggerOutput(row.before), 0);
+  struct Setting {
+    Mode mode;
+    bool enabled;
+  };
+  struct Case {
+    const char* name;
+    Setting before;
+    Setting after;
+    std::optional<double> code;  // that the second line is given; none: it is left alone
+  };
+  const Case rows[] = {
+      {"sync generator", {Mode::kSweep, false}, {Mode::kSyncGenerator, true}, 5},
+      {"sync generator, disabled", {Mode::kSweep, false}, {Mode::kSyncGenerator, false}, {}},
+      {"back", {Mode::kSyncGenerator, true}, {Mode::kSweep, true}, 5},
+      {"back and off", {Mode::kSyncGenerator, true}, {Mode::kSweep, false}, 0},
+      {"switched on", {Mode::kSweep, false}, {Mode::kSweep, true}, 0},
+      {"another mode", {Mode::kSweep, true}, {Mode::kNextStep, true}, {}},
+  };
+  const auto put = [this](const Setting& setting) {
     visa_.ClearRecord();
-    EXPECT_EQ(manager_.SetTriggerOutput(row.after), 0);
-    const auto requests = Requests();
-    ASSERT_EQ(requests.size(), row.code == nullptr ? 2U : 6U) << "reads and writes";
-    if (row.code == nullptr) continue;
-    EXPECT_THAT(requests[3], testing::EndsWith(row.code + std::string(" 00 01 01 00")));
-    EXPECT_THAT(requests[5], testing::EndsWith(row.code + std::string(" 01 01 01 00")));
+    EXPECT_EQ(manager_.SetTriggerOutput({.mode = setting.mode, .enabled = setting.enabled}), 0);
+  };
+  Open();
+  for (const Case& row : rows) {
+    SCOPED_TRACE(row.name);
+    put(row.before);
+    put(row.after);
+    const auto requests = visa_.Requests();
+    ASSERT_EQ(requests.size(), row.code ? 6U : 2U) << "reads and writes";
+    if (!row.code) continue;
+    const auto second_group = [](const Request& request) {
+      const Values elements = request.Elements();
+      return Values(elements.begin() + 5, elements.end());
+    };
+    EXPECT_EQ(second_group(requests[3]), (Values{*row.code, 0, 1, 1, 0}));
+    EXPECT_EQ(second_group(requests[5]), (Values{*row.code, 1, 1, 1, 0}));
   }
 }
 
-/// The trigger output of a session with mode 2 on, refused: what is returned, kept and recorded.
-struct OutputRefusal {
-  Mode asked;
-  std::uint8_t id;
-  std::int32_t times;
-  ResultCode result;
-  Mode mode;
-  bool enabled;
-  std::vector<int> trail;
-};
-// clang-format off
-const std::array kOutputRefusals{
-    // Kept only once the second line is set, for a disabled output, too.
-    OutputRefusal{Mode::kSingleStep, kTriggerOutputId, 1, 0, Mode::kSingleStep, false, {661}},
-    OutputRefusal{Mode::kSingleStep, kTriggerOutputId, 2, kRefusalStatus, Mode::kNextStep, true, {661, 663}},
-    OutputRefusal{Mode::kSyncGenerator, kTriggerInputId, 1, kRefusalStatus, Mode::kNextStep, true, {662}},
-};
-// clang-format on
-
+/// In a session with mode kNextStep on.
 TEST_F(ManagerTest, RefusedTriggerOutputReadsDisabled) {
-  for (const OutputRefusal& row : kOutputRefusals) {
+  struct Case {
+    Mode asked;
+    std::uint8_t refused;
+    std::int32_t times;
+    ResultCode result;
+    Mode mode;
+    bool enabled;
+    std::vector<int> trail;
+  };
+  constexpr auto kOut = kTriggerOutputId;
+  const Case rows[] = {
+      // Kept only once the second line is set, for a disabled output, too.
+      {Mode::kSingleStep, kOut, 1, 0, Mode::kSingleStep, false, {661}},
+      {Mode::kSingleStep, kOut, 2, kRefusalStatus, Mode::kNextStep, true, {661, 663}},
+      {Mode::kSyncGenerator, kTriggerInputId, 1, kRefusalStatus, Mode::kNextStep, true, {662}},
+  };
+  for (const Case& row : rows) {
     Open();
     ASSERT_EQ(manager_.SetTriggerOutput({.mode = Mode::kNextStep, .enabled = true}), 0);
-    visa_.Rule(kWrite, row.id, kRefusal, 0, row.times);
+    visa_.Rule(kWrite, row.refused, kRefusal, 0, row.times);
     EXPECT_EQ(manager_.SetTriggerOutput({.mode = row.asked, .enabled = true}), row.result);
     EXPECT_EQ(manager_.GetTriggerOutput().mode, row.mode);
     EXPECT_EQ(manager_.GetTriggerOutput().enabled, row.enabled);
