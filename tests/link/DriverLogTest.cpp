@@ -44,7 +44,8 @@ class DriverLogTest : public testing::Test {
 };
 
 constexpr const char* kOpening =
-    R"(\r\n\r\n------------------- Log started \d\d/\d\d/\d\d \[\d\d:\d\d:\d\d\] ----------------------------)";
+    R"(\r\n\r\n------------------- Log started \d\d/\d\d/\d\d \[\d\d:\d\d:\d\d\] )"
+    "----------------------------";
 constexpr const char* kClosing =
     R"(\r\n---------------------------- Log closed ----------------------------)";
 

@@ -41,10 +41,8 @@ struct Row {
   const char* name;
 };
 template <typename Case>
-  requires std::same_as<decltype(Case::name), const char*>
-void PrintTo(const Case& row, std::ostream* stream) {
-  *stream << row.name;
-}
+requires std::same_as<decltype(Case::name), const char*>
+void PrintTo(const Case& row, std::ostream* stream) { *stream << row.name; }
 struct RowName {
   template <typename Case>
   std::string operator()(const testing::TestParamInfo<Case>& info) const {

@@ -4,10 +4,8 @@
 
 namespace {
 
-using scripted::Numbering;
-
 struct Instrument : Row {
-  Numbering numbering;
+  scripted::Numbering* numbering;
   std::uint32_t wrap;              ///< the number at which answers stop to match
   bool is_known_by_numbers;        ///< late answers are told from others
   std::int32_t after_first_abort;  ///< of the setting that aborts a sweep read
@@ -157,17 +155,16 @@ TEST_P(NumberingTest, OldAnswersWithoutEndAreTakenForTheAnswer) {
   EXPECT_EQ(Set(30), 30);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Instruments, NumberingTest,
-    testing::ValuesIn(std::vector<Instrument>{
-        {"RepeatsNumbers", Numbering::kRequests, 300, true, 0},
-        {"AlwaysZero", Numbering::kZero, 300, false, 0},
-        {"AlwaysOne", Numbering::kOne, 300, false, 0},
-        // Its answer has the aborted request's number, until it is known to count by itself.
-        {"OwnCount", Numbering::kOwnCount, 300, true, scripted::kTimeout},
-        {"EightBits", Numbering::kRequests8Bits, 256, true, 0},
-        {"SixteenBits", Numbering::kRequests16Bits, 65536, true, 0},
-    }),
-    RowName());
+using Number = std::uint32_t;
+const std::vector<Instrument> kInstruments = {
+    {"RepeatsNumbers", [](Number request, Number) { return request; }, 300, true, 0},
+    {"AlwaysZero", [](Number, Number) { return Number{0}; }, 300, false, 0},
+    {"AlwaysOne", [](Number, Number) { return Number{1}; }, 300, false, 0},
+    // Its answer has the aborted request's number, until it is known to count by itself.
+    {"OwnCount", [](Number, Number count) { return count; }, 300, true, scripted::kTimeout},
+    {"EightBits", [](Number request, Number) { return request & 0xFF; }, 256, true, 0},
+    {"SixteenBits", [](Number request, Number) { return request & 0xFFFF; }, 65536, true, 0},
+};
+INSTANTIATE_TEST_SUITE_P(Instruments, NumberingTest, testing::ValuesIn(kInstruments), RowName());
 
 }  // namespace

@@ -132,7 +132,8 @@ const std::vector<Operation> kOperations = {
      {Write(26, 0x21, 2, "80 01 | C0 FF"_hex)}, {{2, 1}}, {2, 1}},
     {"FrequencyListOfTwo", List(ListAxis::kFrequency, {1e9, 2e10}),
      {Write(2, 0x60, 0, "00 00 00 00 00 00 | 02 00 00 00 00 00 | 00 CA 9A 3B 00 00 |"
-                        "00 C8 17 A8 04 00"_hex)}, {{0, 2, 1e9 + 1, 2e10 + 1}}, {1e9 + 1, 2e10 + 1}},
+                        "00 C8 17 A8 04 00"_hex)},
+     {{0, 2, 1e9 + 1, 2e10 + 1}}, {1e9 + 1, 2e10 + 1}},
     {"PowerListCarriesLevelSettings",
      List(ListAxis::kPower, {-60.5}, {1, AttenMode::kOptimumSwr, 7}),
      {Write(76, 0x42, 4, "00 00 01 00 | 00 00 03 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 |"

@@ -69,7 +69,7 @@ struct State {
   Bytes written;  // of the request that is not complete
   std::deque<Part> to_read;
   std::optional<Bytes> data_request;  // that waits for its block
-  Numbering numbering = Numbering::kRequests;
+  Numbering* numbering = nullptr;     // none: as its request
   std::uint32_t answer_count = 0;
   bool delays_answer = false;
   Bytes delayed;
@@ -104,7 +104,7 @@ class Script final : public Control, public State {
     blocks.push_back({.status = status, .bytes = ToBytes(body), .format = format});
     if (data_request) SendBlock(*std::exchange(data_request, std::nullopt));
   }
-  void SetNumbering(Numbering of_answers) override {
+  void SetNumbering(Numbering* of_answers) override {
     const std::lock_guard lock(mutex_);
     numbering = of_answers;
   }
@@ -304,29 +304,11 @@ void Script::Send(const Bytes& request, const Answer& answer) {
 void Script::Number(Bytes& answer) {
   constexpr std::size_t kNumber = 12;
   ++answer_count;
-  const auto put = [&](std::uint32_t number) {
-    for (std::size_t i = 0; i < 4; ++i) {
-      answer[kNumber + i] = static_cast<std::uint8_t>(number >> (8 * i));
-    }
-  };
-  switch (numbering) {
-    case Numbering::kRequests:
-      break;
-    case Numbering::kZero:
-      put(0);
-      break;
-    case Numbering::kOne:
-      put(1);
-      break;
-    case Numbering::kOwnCount:
-      put(answer_count);
-      break;
-    case Numbering::kRequests8Bits:
-      answer[kNumber + 1] = 0;
-      [[fallthrough]];
-    case Numbering::kRequests16Bits:
-      answer[kNumber + 2] = answer[kNumber + 3] = 0;
-  }
+  if (numbering == nullptr) return;
+  std::uint32_t number = 0;
+  std::memcpy(&number, &answer[kNumber], sizeof number);
+  number = numbering(number, answer_count);
+  std::memcpy(&answer[kNumber], &number, sizeof number);
 }
 
 void Script::SendSpoiled(Bytes bytes) {

@@ -73,15 +73,8 @@ struct Rule {
   std::span<const std::uint8_t> body = {};
 };
 
-/// What number an answer carries.
-enum class Numbering : std::uint32_t {
-  kRequests,  ///< its request's
-  kZero,
-  kOne,
-  kOwnCount,       ///< that of the answers
-  kRequests8Bits,  ///< the low byte of its request's
-  kRequests16Bits,
-};
+/// What number an answer carries, by its request's and by the count of the answers.
+using Numbering = std::uint32_t(std::uint32_t request, std::uint32_t count);
 
 /// What the module offers; safe from any thread. Without a script every request is answered at once
 /// with status 0 and its own body, and data requests (command 6) stay unanswered. A read that finds
@@ -104,7 +97,7 @@ class Control {
   virtual void CompleteData(std::span<const std::uint8_t> body, char format,
                             std::uint16_t status) = 0;
 
-  virtual void SetNumbering(Numbering numbering) = 0;
+  virtual void SetNumbering(Numbering* numbering) = 0;
   /// The answer to the next request comes right before the answer to the one after it.
   virtual void DelayAnswer() = 0;
   /// Spoils one of the answers to come, once.
