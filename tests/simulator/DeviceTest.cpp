@@ -67,7 +67,7 @@ void Set(Options& options, double value) {
 
 constexpr double kHour = 3.6e12;  // ns
 constexpr const char* kFrequency = "frequency limits: 1 Hz to 1 THz, the lower not above the upper";
-constexpr const char* kLevel = "level limits: -127 to 127 dBm, the lower not above the upper";
+constexpr const char* kLevelLimits = "level limits: -127 to 127 dBm, the lower not above the upper";
 constexpr const char* kReference = "reference limits: 0 to 4.29 GHz, the lower not above the upper";
 constexpr const char* kResolution = "dwell and time resolution: at most 1 s";
 constexpr const char* kTexts = "serial number and type: at most 100 characters";
@@ -83,8 +83,8 @@ struct Range {
 const Range kRanges[] = {
     {kFrequency, Set<&Options::min_frequency>, 0.9, 1.0, 2e10, 3e10},
     {kFrequency, Set<&Options::max_frequency>, 9e6, 1e7, 1e12, 1.1e12},
-    {kLevel, Set<&Options::min_level>, -127.5, -127, 20, 20.5},
-    {kLevel, Set<&Options::max_level>, -70.5, -70, 127, 127.5},
+    {kLevelLimits, Set<&Options::min_level>, -127.5, -127, 20, 20.5},
+    {kLevelLimits, Set<&Options::max_level>, -70.5, -70, 127, 127.5},
     {"level resolution: 0 to 127 dB", Set<&Options::level_resolution>, -0.1, 0, 127, 127.5},
     {"initial level: a number", Set<&Options::initial_level>, -HUGE_VAL, -1e308, 1e308, HUGE_VAL},
     {"power variant: 0 to 5", Set<&Options::power_variant>, -1, 0, 5, 6},
