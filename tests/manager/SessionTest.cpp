@@ -189,7 +189,7 @@ constexpr Status kWarning{0x3FFF007D};
 constexpr Status kNotSupported = Status::kInstrumentNotSupported;
 constexpr Status kFormUnknown = Status::kInstrumentFormUnknown;
 constexpr Status kFailed = Status::kIdentificationFailed;
-constexpr Status kUnknown = Status::kUnknownResource;
+constexpr Status kMissing = Status::kUnknownResource;
 constexpr Function kManager = Function::kOpenDefaultRM;
 constexpr const char* kKind = "3:3/20x1";
 constexpr const char* kState = "4:79/62x5";
@@ -205,9 +205,9 @@ const std::vector<InitializeCase> kInitializeCases = {
     {"OpenWithANoticeIsNoFailure", Fail(Function::kOpen, Status{3}), 3, {}, {}, {"1"}},
     {"TimeoutCannotBeSet", Fail(Function::kSetAttribute, kNoAttribute),
      kNoAttribute, {{kNoAttribute, 991}}, {}, {"1"}},
-    {"NoRecovery", Refuse(1, 0, 0x8002), kUnknown, {{kNotSupported, 1002}}, {"1"}, {kKind, kLevel}},
+    {"NoRecovery", Refuse(1, 0, 0x8002), kMissing, {{kNotSupported, 1002}}, {"1"}, {kKind, kLevel}},
     {"NoFrequencyForm", Refuse(kWrite, kFrequencyId, 0x8003),
-     kUnknown, {{kFormUnknown, 1002}}, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, {kKind, kLevel}},
+     kMissing, {{kFormUnknown, 1002}}, {"3:0/60x4", "3:0/60x3", "3:0/40x3"}, {kKind, kLevel}},
     {"OtherFailureOfTheModelGoesOn", RefuseFirst,
      0, {{kRefusalStatus, 1002}}, {"1", kKind, kLevel, "3:31/40x2"}, {"4:15/10x100"}},
     {"OtherKindGoesOn", AnswerOtherKind,
