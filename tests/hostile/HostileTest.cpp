@@ -229,8 +229,7 @@ TEST_F(HostileTest, EveryOperationSurvivesEveryFaultOfEveryAnswer) {
 
 /// The worker's reads meet the same faults; what is known to be wrong is never handed out.
 TEST_F(HostileTest, MeasuringSurvivesEveryFaultOfABlock) {
-  const std::vector<Fault> faults = Faults();
-  for (const Fault& fault : faults) {
+  for (const Fault& fault : Faults()) {
     SCOPED_TRACE(fault.name);
     Open();
     StartMeasuring();
@@ -258,13 +257,11 @@ TEST_F(HostileTest, MeasuringSurvivesEveryFaultOfABlock) {
     ExpectNothingGrows();
     if (HasFailure()) return;
   }
-  std::printf("a running sweep x %zu faults, all survived\n", faults.size());
 }
 
 /// So does a client's own read, before any sweep was programmed.
 TEST_F(HostileTest, SingleReadSurvivesEveryFaultOfABlock) {
-  const std::vector<Fault> faults = Faults();
-  for (const Fault& fault : faults) {
+  for (const Fault& fault : Faults()) {
     SCOPED_TRACE(fault.name);
     OpenUnarmed();
     Spoiling spoiling = fault.spoiling;
@@ -290,7 +287,6 @@ TEST_F(HostileTest, SingleReadSurvivesEveryFaultOfABlock) {
     ExpectNothingGrows();
     if (HasFailure()) return;
   }
-  std::printf("a single read x %zu faults, all survived\n", faults.size());
 }
 
 /// Only the client can tell that nothing more will come.

@@ -132,8 +132,8 @@ TEST_P(AxisTest, TriesTheRequestThenProgramsTheMode) {
   std::vector<std::string> order;
   for (const Request& request : visa_.Requests()) {
     const bool is_power = request.id == kPowerId || request.id == kPowerListId;
-    const char* const output = request.Elements().front() == 1 ? " on" : " off";
-    order.push_back(request.Name() + (is_power ? output : ""));
+    order.push_back(request.Name());
+    if (is_power) order.back() += request.Elements().front() == 1 ? " on" : " off";
   }
   EXPECT_THAT(order, ElementsAreArray(GetParam().order));
 }
@@ -150,6 +150,8 @@ const std::vector<AxisCase> kAxisCases = [] {
   const char* const off = "3:79/62x5 off";
   const char* const cw = "3:0/60x1";
   const char* const step = "3:0/60x4";
+  const char* const read_trigger = "4:7/10x10";
+  const char* const trigger = "3:7/10x10";
   return std::vector<AxisCase>{
       {"FrequencyInCw", kCw, kOn, frequency, {cw}},
       {"FrequencyInPowerStep", kPowerStep, kOn, frequency, {cw}},
@@ -170,11 +172,7 @@ const std::vector<AxisCase> kAxisCases = [] {
       {"PowerStepInFrequencyStep", kFrequencyStep, kOn, SetPowerStep, {trial_step, cw_level, step}},
       {"OutputOffInPowerStep", kPowerStep, kOn, output(false), {off}},
       {"OutputOnInPowerStep", kPowerStep, kOff, output(true), {power_step}},
-      {"ModeList",
-       kCw,
-       kOn,
-       SetMode(kList),
-       {"3:76/42x4 on", "3:2/60x0", "4:7/10x10", "3:7/10x10"}},
+      {"ListMode", kCw, kOn, SetMode(kList), {"3:76/42x4 on", "3:2/60x0", read_trigger, trigger}},
   };
 }();
 INSTANTIATE_TEST_SUITE_P(Axes, AxisTest, testing::ValuesIn(kAxisCases), RowName());

@@ -32,6 +32,9 @@ TEST_F(ManagerTest, ConnectionByteForByte) {
                                           "17 00 FB FF",
                                           "AA 55 04 00 00 80 66 00 64 10 0F 00 03 00 00 00"};
   for (std::size_t i = 0; i < first.size(); ++i) EXPECT_EQ(ToHex(writes[i].bytes), first[i]);
+  for (std::size_t i = 0; i < writes.size(); i += 2) {
+    EXPECT_EQ(writes[i].bytes[12], i / 2 + 1) << "number of the message";
+  }
   const auto opened = visa_.Calls(Function::kOpen);
   ASSERT_EQ(opened.size(), 1U);
   EXPECT_EQ(opened[0].value, (std::uint64_t{5} << 16) + 1000) << "locked, within a second";
@@ -136,7 +139,7 @@ class InitializeTest : public ManagerTest, public testing::WithParamInterface<In
 TEST_P(InitializeTest, EndsAsItMust) {
   const InitializeCase& row = GetParam();
   const bool connected = Status::kOk == row.result;
-  visa_.RuleBody(kWrite, kFrequencyId, kLimits, 0x60, 1);
+  ExpectLimits();
   row.arrange(visa_);
   EXPECT_EQ(manager_.Initialize(kResource, row.option), row.result);
   std::vector<ErrorRecord> trail;

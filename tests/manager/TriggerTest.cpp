@@ -58,6 +58,7 @@ TEST_P(TriggerTest, MapsBothWays) {
 constexpr SweepTriggerSettings kStep{kExternal, kSwitch, false, true};
 constexpr SweepTriggerSettings kPoint{kExternal, kMeasure, false, true};
 constexpr SweepTriggerSettings kLine{kSoftware, kSwitch, false, false};
+constexpr SweepTriggerSettings kFreeStep{kImmediate, kSwitch, true, true};
 constexpr SweepTriggerSettings kFree{kImmediate, kSwitch, false, false};
 const std::vector<TriggerCase> kTriggerCases = {
     {"Immediate", {kImmediate, kMeasure, true, false}, {0, 1, 0, 0, 2}, {}},
@@ -65,22 +66,13 @@ const std::vector<TriggerCase> kTriggerCases = {
     {"Step", {kExternal, kSwitch, true, true}, {2, 1, 0, 0, 2}, {}},
     {"Measure", kPoint, {3, 0, 0, 0, 2}, {}},
     {"SoftwareRunsFreely", kLine, {0, 0, 0, 0, 2}, {}},
-    {"AnswersFreeRun",
-     kStep,
-     {2, 0, 0, 0, 2},
-     {0, 1, 0, 0, 2},
-     {{kImmediate, kSwitch, true, true}}},
+    {"AnswersFreeRun", kStep, {2, 0, 0, 0, 2}, {0, 1, 0, 0, 2}, kFreeStep},
     {"AnswersSweep", kPoint, {3, 0, 0, 0, 2}, {1, 0, 0, 0, 2}, {{kExternal, kMeasure}}},
     {"AnswersStep", kPoint, {3, 0, 0, 0, 2}, {2, 0, 0, 0, 2}, kStep},
     {"AnswersPoint", kFree, {0, 0, 0, 0, 2}, {3, 0, 0, 0, 2}, kPoint},
     {"AnswersLine", kFree, {0, 0, 0, 0, 2}, {4, 0, 0, 0, 2}, kLine},
     {"NoSuchSource", {kUnknown, kMeasure, true, true}, {}, {}, kFree, -1},
-    {"NoSuchAnswer",
-     {kExternal, kMeasure, true, true},
-     {3, 1, 0, 0, 2},
-     {5, 0, 0, 0, 2},
-     kFree,
-     -1},
+    {"NoSuchAnswer", kPoint, {3, 0, 0, 0, 2}, {5, 0, 0, 0, 2}, kFree, -1},
 };
 INSTANTIATE_TEST_SUITE_P(Sources, TriggerTest, testing::ValuesIn(kTriggerCases), RowName());
 

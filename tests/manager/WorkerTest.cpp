@@ -171,23 +171,18 @@ TEST_F(ManagerTest, EachErgFaultIsToldOnceToCallersOnManyThreads) {
   StartMeasuring();
   std::atomic<int> told = 0;
   std::atomic<bool> done = false;
-  std::vector<std::thread> callers;
-  constexpr int kCallers = 2;
-  callers.reserve(kCallers);
-  for (int i = 0; i < kCallers; ++i) {
-    callers.emplace_back([&] {
-      while (!done) {
-        if (!State(&M::GetErgState)) ++told;
-      }
-    });
-  }
+  const auto call = [&] {
+    while (!done) {
+      if (!State(&M::GetErgState)) ++told;
+    }
+  };
+  const std::array<std::jthread, 2> callers{std::jthread(call), std::jthread(call)};
   for (int fault = 1; fault <= kFaults && !HasFailure(); ++fault) {
     visa_.CompleteData(Block(1, 0x801C));
     EXPECT_TRUE(WaitUntil([&] { return told >= fault; })) << "fault " << fault << " is lost";
     EXPECT_LE(told, fault) << "told twice";
   }
   done = true;
-  for (std::thread& caller : callers) caller.join();
 }
 
 TEST_F(ManagerTest, StateIsAskedForWhileNothingIsMeasured) {
