@@ -102,6 +102,11 @@ TEST_F(ManagerTest, SecondInitializeForgetsTheState) {
   }
 }
 
+TEST_F(ManagerTest, IsTheTopOfTheChainOfEvents) {
+  EXPECT_EQ(manager_.SetManager(&manager_), &manager_);
+  EXPECT_EQ(manager_.GetProcessor(), nullptr);
+}
+
 TEST_F(ManagerTest, DestructionSwitchesTheOutputOff) {
   {
     CK4NManager manager;
