@@ -85,12 +85,17 @@ TEST(DetectorFile, VersionZeroGetsALevelColumn) {
   EXPECT_EQ(matrix.GetItem(0, 0), 0.0) << "the corner is no level";
   EXPECT_DOUBLE_EQ(matrix.GetItem(0, 1), std::log10(5e6 / 16777216));
   EXPECT_EQ(matrix.GetItem(1, 1), 1.0) << "values are not converted";
+  matrix.SetItem(0, 0, 7.0);
+  ASSERT_EQ(LoadDetectorFile(matrix, file.Path(), &header), Status::kOk);
+  EXPECT_EQ(matrix.GetItem(0, 0), 0.0) << "what another file left there is gone";
 }
 
 TEST(DetectorFile, LevelColumnIsNotTheReaders) {
   CSimpleMatrix matrix;
   CNewDetectorMatrixConvertor rest(matrix);
   EXPECT_EQ(rest.EndLoad(2, 3), Status::kOk) << "no table, no levels";
+  EXPECT_EQ(rest.Resize(2, 0), Status::kOk);
+  EXPECT_EQ(rest.EndLoad(2, 0), Status::kOk) << "no rows, no levels";
   EXPECT_EQ(rest.Resize(2, 3), Status::kOk);
   EXPECT_EQ(rest.SetItem(1, 2, 7.0), Status::kOk);
   EXPECT_EQ(matrix.GetCols(), 3U);

@@ -33,7 +33,7 @@ TEST(TraceMatrix, SameSizeKeepsTheValues) {
 }
 
 TEST(TraceMatrix, CountBelowOneEmpties) {
-  EXPECT_EQ(TraceMatrix().RowCount(), 0) << "nor is there anything at first";
+  EXPECT_EQ(TraceMatrix().RowCount() + TraceMatrix().ColumnCount(), 0) << "nor at first";
   for (const auto& [rows, columns] : {std::pair{3, 0}, {0, 5}, {-1, 5}, {3, -7}}) {
     TraceMatrix matrix = Filled({{1, 2}});
     EXPECT_EQ(matrix.Resize(rows, columns), -1) << rows << " x " << columns;
