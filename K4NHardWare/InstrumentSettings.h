@@ -12,8 +12,6 @@
 
 namespace k4n {
 
-inline constexpr std::size_t kChannelCount = measurement::kTraceChannels;
-
 /// What the axes of the generator do.
 enum class SweepMode : std::uint32_t {
   kContinuousWave = 0,
@@ -114,7 +112,7 @@ struct InstrumentSettings {
   std::uint32_t compensation_mode = 0;  ///< any number: the instrument checks it
   TriggerOutputSettings trigger_output;
   SyncGeneratorSettings sync_generator;
-  std::array<measurement::ChannelTransform, kChannelCount>
+  std::array<measurement::ChannelTransform, measurement::kTraceChannels>
       channels;  ///< offset 0, multiplier 1, divider 1
 };
 

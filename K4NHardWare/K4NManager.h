@@ -244,7 +244,7 @@ class CK4NManager final : public uIEvent::IEventProcessor {
   k4n::Synchronized<k4n::SweepList> frequency_list_;
   k4n::Synchronized<k4n::SweepList> power_list_;
   k4n::Synchronized<
-      std::array<std::shared_ptr<const measurement::DetectorTable>, k4n::kChannelCount>>
+      std::array<std::shared_ptr<const measurement::DetectorTable>, measurement::kTraceChannels>>
       detector_tables_;
   std::atomic<measurement::InstrumentKind> instrument_kind_ =
       measurement::InstrumentKind::kAnalyser;

@@ -40,7 +40,7 @@ std::optional<std::int32_t> CK4NManager::GetAveraging() const {
 Status CK4NManager::LoadDetectorData(std::size_t channel, const std::filesystem::path& file) {
   if (instrument_kind_ == measurement::InstrumentKind::kGenerator)
     return Status::kMethodNotSupported;
-  if (channel >= kChannelCount) return Status::kOk;
+  if (channel >= measurement::kTraceChannels) return Status::kOk;
   return Guarded([&] {
     std::shared_ptr<const measurement::DetectorTable> table;
     const Status result = measurement::LoadDetectorTable(file, table);
@@ -72,15 +72,15 @@ Status CK4NManager::FetchData(TraceMatrix& trace) {
 
 Status CK4NManager::SetChannel(std::size_t channel, double measurement::ChannelTransform::*element,
                                double value, bool is_valid) {
-  if (channel >= kChannelCount) return Status::kOk;
+  if (channel >= measurement::kTraceChannels) return Status::kOk;
   if (!is_valid) return Status::kInvalidValue;
   settings_.With([&](InstrumentSettings& live) { live.channels[channel].*element = value; });
   return Status::kOk;
 }
 
 measurement::ChannelTransform CK4NManager::GetChannel(std::size_t channel) const {
-  return channel < kChannelCount ? Cached(&InstrumentSettings::channels)[channel]
-                                 : measurement::ChannelTransform{};
+  return channel < measurement::kTraceChannels ? Cached(&InstrumentSettings::channels)[channel]
+                                               : measurement::ChannelTransform{};
 }
 
 Status CK4NManager::SetChannelOffset(std::size_t channel, double offset) {

@@ -136,7 +136,7 @@ void CK4NManager::LoadDefaults() {
   frequency_list_.Set(nullptr);
   power_list_.Set(nullptr);
   measurement_mode_ = SweepMode::kContinuousWave;
-  InstrumentState& state = worker_.state();
+  StateFlags& state = worker_.state();
   state.rf_button = false;
   state.pll_locked = false;
   state.level_settled = false;

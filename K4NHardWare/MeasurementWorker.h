@@ -19,7 +19,7 @@ namespace k4n {
 struct ReceivedBlock;
 
 /// The instrument's last known state, updated by the worker while it measures.
-struct InstrumentState {
+struct StateFlags {
   std::atomic<bool> rf_button = false;
   std::atomic<bool> pll_locked = false;
   std::atomic<bool> level_settled = false;
@@ -59,7 +59,7 @@ class MeasurementWorker {
   void RequestSoftwareTrigger() { trigger_pending_ = true; }
   [[nodiscard]] bool IsTriggerPending() const { return trigger_pending_; }
 
-  [[nodiscard]] InstrumentState& state() { return state_; }
+  [[nodiscard]] StateFlags& state() { return state_; }
 
   /// Reads one block in the caller's thread and waits for it; the worker must be paused.
   /// VI_ERROR_TMO if the instrument answers with a notice instead of a block; other failures also
@@ -92,7 +92,7 @@ class MeasurementWorker {
   std::atomic<bool> quit_ = false;
   std::atomic<bool> measuring_ = false;
   std::atomic<bool> trigger_pending_ = false;
-  InstrumentState state_;
+  StateFlags state_;
 
   std::vector<std::uint8_t> receive_buffer_;
   std::uint32_t button_polled_ = 0;  ///< tick count

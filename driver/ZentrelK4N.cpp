@@ -135,7 +135,7 @@ STDMETHODIMP CZentrelK4N::Initialize(BSTR resource_name, VARIANT_BOOL id_query, 
     if (opened != Status::kOk) {
       return BuiltError(IID_IIviDriver, Status::kUnknownResource, resource);
     }
-    for (std::size_t channel = 0; channel < k4n::kChannelCount; ++channel) {
+    for (std::size_t channel = 0; channel < measurement::kTraceChannels; ++channel) {
       LoadDetectorDataFromFile(channel, kDefaultDetectorFile);
     }
     if (id_query != VARIANT_FALSE) return ToCode(Status::kIdQueryNotSupported);

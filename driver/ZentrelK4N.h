@@ -266,7 +266,7 @@ class CZentrelK4N : public driver::CallFrame,
   Acquisition acquisition_;
   CK4NManager manager_;
   std::shared_ptr<driver::OwnerLink> link_;
-  std::array<ComPtr<IZentrelK4NChannel>, k4n::kChannelCount> channels_;
+  std::array<ComPtr<IZentrelK4NChannel>, measurement::kTraceChannels> channels_;
   ComPtr<IZentrelK4NPowerStep> power_step_;
   ComPtr<IZentrelK4NPulseGenerator> pulse_generator_;
   ComPtr<IZentrelK4NPulseModulation> pulse_modulation_;

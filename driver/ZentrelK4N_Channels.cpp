@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 const IID& kChannels = __uuidof(IZentrelK4NChannels);
 const IID& kChannel = __uuidof(IZentrelK4NChannel);
 
-constexpr std::array<os::WideView, k4n::kChannelCount> kNames{
+constexpr std::array<os::WideView, measurement::kTraceChannels> kNames{
     OLESTR("ChannelA"), OLESTR("ChannelB"), OLESTR("ChannelR")};
 
 /// A client's name for a detector file, converted to two code pages in the order in which they are

@@ -14,7 +14,7 @@ class FetchTest : public ManagerTest {
  protected:
   void LoadDetectors() {
     const TempFile file(kFrequencyDetector);
-    for (std::size_t channel = 0; channel < kChannelCount; ++channel) {
+    for (std::size_t channel = 0; channel < kTraceChannels; ++channel) {
       ASSERT_EQ(manager_.LoadDetectorData(channel, file.Path()), 0);
     }
   }
@@ -181,17 +181,17 @@ TEST_F(FetchTest, FailedDetectorLoadKeepsTheTable) {
   EXPECT_EQ(manager_.LoadDetectorData(0, "no such file.det"), Status::kCannotOpenFile);
   const TempFile bad("#VERSION 9\n1 2\n");
   EXPECT_EQ(manager_.LoadDetectorData(0, bad.Path()), Status::kInvalidFileFormat);
-  EXPECT_EQ(manager_.LoadDetectorData(kChannelCount, bad.Path()), 0) << "no such channel";
+  EXPECT_EQ(manager_.LoadDetectorData(kTraceChannels, bad.Path()), 0) << "no such channel";
   visa_.CompleteData(Block(1), '@');
   ASSERT_EQ(manager_.FetchData(trace_), 0);
   EXPECT_THAT(Row(0), ElementsAre(10.0));
 }
 
 TEST_F(FetchTest, ThereIsNoFourthChannel) {
-  EXPECT_EQ(manager_.SetChannelOffset(kChannelCount, 1.0), 0);
-  EXPECT_EQ(manager_.SetChannelOffset(kChannelCount, 2e11), 0) << "whatever the value";
-  EXPECT_EQ(manager_.SetChannelDivider(kChannelCount, 0.5), 0);
-  EXPECT_EQ(manager_.GetChannel(kChannelCount), ChannelTransform{});
+  EXPECT_EQ(manager_.SetChannelOffset(kTraceChannels, 1.0), 0);
+  EXPECT_EQ(manager_.SetChannelOffset(kTraceChannels, 2e11), 0) << "whatever the value";
+  EXPECT_EQ(manager_.SetChannelDivider(kTraceChannels, 0.5), 0);
+  EXPECT_EQ(manager_.GetChannel(kTraceChannels), ChannelTransform{});
 }
 
 }  // namespace
