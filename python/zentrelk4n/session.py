@@ -8,7 +8,6 @@ import os
 import threading
 import warnings
 import weakref
-from types import TracebackType
 from typing import (
     Callable,
     Dict,
@@ -266,12 +265,7 @@ class Session(ZentrelK4N):
     def __enter__(self) -> Session:
         return self
 
-    def __exit__(
-        self,
-        kind: Optional[Type[BaseException]],
-        error: Optional[BaseException],
-        traceback: Optional[TracebackType],
-    ) -> None:
+    def __exit__(self, *_: object) -> None:
         self.close()
 
     def __del__(self) -> None:

@@ -8,8 +8,7 @@ import shutil
 import subprocess
 import sys
 from pathlib import Path
-from types import TracebackType
-from typing import Dict, Iterator, List, Optional, Tuple, Type, Union
+from typing import Dict, Iterator, List, Optional, Tuple, Union
 
 from . import _module
 from .errors import DriverNotInstalledError, Error
@@ -107,12 +106,7 @@ class Simulator:
     def __enter__(self) -> Simulator:
         return self
 
-    def __exit__(
-        self,
-        kind: Optional[Type[BaseException]],
-        error: Optional[BaseException],
-        traceback: Optional[TracebackType],
-    ) -> None:
+    def __exit__(self, *_: object) -> None:
         self.close()
 
     def __repr__(self) -> str:
