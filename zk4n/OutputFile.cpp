@@ -5,18 +5,22 @@
 
 namespace zk4n {
 
-OutputFile::OutputFile(std::filesystem::path path) : path_(std::move(path)), temporary_(path_) {
-  temporary_ += ".part";
+namespace fs = std::filesystem;
+
+OutputFile::OutputFile(fs::path path) : path_(std::move(path)) {
   std::error_code error;
-  if (std::filesystem::is_directory(path_, error)) return;
-  stream_.open(temporary_, std::ios::binary | std::ios::trunc);
-  if (!stream_.is_open()) temporary_.clear();
+  const fs::file_status there = fs::status(path_, error);
+  if (fs::is_directory(there)) return;
+  const bool is_file = !fs::exists(there) || fs::is_regular_file(there);
+  const fs::path written = is_file ? fs::path(path_) += ".part" : path_;
+  stream_.open(written, std::ios::binary | std::ios::trunc);
+  if (is_file && stream_.is_open()) temporary_ = written;
 }
 
 OutputFile::~OutputFile() {
   stream_.close();
   std::error_code ignored;
-  if (!temporary_.empty()) std::filesystem::remove(temporary_, ignored);
+  if (!temporary_.empty()) fs::remove(temporary_, ignored);
 }
 
 bool OutputFile::Write(const std::string& content) {
@@ -26,8 +30,9 @@ bool OutputFile::Write(const std::string& content) {
 }
 
 bool OutputFile::Commit() {
+  if (temporary_.empty()) return true;
   std::error_code error;
-  std::filesystem::rename(temporary_, path_, error);
+  fs::rename(temporary_, path_, error);
   if (error) return false;
   temporary_.clear();
   return true;

@@ -7,8 +7,9 @@
 
 namespace zk4n {
 
-/// Written whole or not at all: into a neighbouring temporary file, which takes the name at last.
-/// Opened early, so that a name that cannot be written is known before the work is done.
+/// Written whole or not at all: into a neighbouring temporary file, which takes the name at last. A
+/// device or a pipe is written as it is, and stays what it is. Opened early, so that a name that
+/// cannot be written is known before the work is done.
 class OutputFile {
  public:
   explicit OutputFile(std::filesystem::path path);
@@ -26,7 +27,7 @@ class OutputFile {
 
  private:
   std::filesystem::path path_;
-  std::filesystem::path temporary_;
+  std::filesystem::path temporary_;  ///< empty when there is none to take the name
   std::ofstream stream_;
 };
 

@@ -173,8 +173,13 @@ class PartLock {
  private:
   static LSTATUS MakeFolder(const fs::path& file) {
     std::error_code error;
-    if (!file.empty()) fs::create_directories(file.parent_path(), error);
-    return file.empty() || error ? StatusOf(error.value()) : ERROR_SUCCESS;
+    // A device would be lost to the file that takes its name.
+    const fs::file_status there = fs::status(file, error);
+    if (file.empty() || (fs::exists(there) && !fs::is_regular_file(there))) {
+      return ERROR_WRITE_FAULT;
+    }
+    fs::create_directories(file.parent_path(), error);
+    return error ? StatusOf(error.value()) : ERROR_SUCCESS;
   }
   /// The lock is a file of its own, since the registry's is a new one after every change.
   os::FileDescriptor Lock(const fs::path& file) {

@@ -118,6 +118,15 @@ TEST_F(TwoFiles, TheMachinesIsForAdministrators) {
   EXPECT_EQ(Key(HKEY_CLASSES_ROOT, u"C").Result(), ERROR_ACCESS_DENIED);
 }
 
+TEST_F(TwoFiles, ADeviceStaysOne) {
+  const auto device = machine_.parent_path() / "device";
+  create_directories(device.parent_path());
+  create_symlink("/dev/null", device);
+  setenv("ZENTREL_MACHINE_REGISTRY", device.c_str(), 1);
+  EXPECT_EQ(Key(HKEY_LOCAL_MACHINE, kMachine + u"A").Result(), ERROR_WRITE_FAULT);
+  EXPECT_TRUE(is_symlink(device));
+}
+
 TEST_F(MergedRegistry, KeyNameWithALineBreakIsRefused) {
   EXPECT_EQ(Key(HKEY_CURRENT_USER, u"A\n[B]").Result(), ERROR_INVALID_PARAMETER);
 }
