@@ -1,5 +1,5 @@
-# commands.sh ZK4N DRIVER LOCK_HOLDER [RUNNER] - zk4n register, zk4n check and zk4n shell
-# --registered as processes: what they say, and their exit status.
+# commands.sh ZK4N DRIVER LOCK_HOLDER [RUNNER] - zk4n register, zk4n check, zk4n shell --registered
+# and zk4n measure on a terminal as processes: what they say, and their exit status.
 set -u
 zk4n=$1 driver=$2 lock_holder=$3 runner=${4:-}
 folder=$(mktemp -d)
@@ -56,12 +56,30 @@ expect 2 '^zk4n: cannot read [^\n]*none.so\n' register --module "$folder/none.so
 expect 2 'cannot read ' check --module "$folder"
 expect 1 '^zk4n: [^\n]*zevisa64[^\n]* is not the driver module: it has no DllInstall\n' \
   register --module "$(ls "$(dirname "$driver")"/*zevisa64.*)"
-printf 'MZ or not' >"$folder/text.so"
-expect 1 'FAILED +bitness +64-bit program, but no driver module in ' \
-  check --module "$folder/text.so"
-printf '\177ELF\001' >"$folder/old.so"
-expect 1 'FAILED +bitness +64-bit program, 32-bit driver [^\n]*: they cannot work together' \
-  check --module "$folder/old.so"
+if [ -z "$runner" ]; then
+  ln -s /dev/null "$folder/device"
+  ZENTREL_REGISTRY=$folder/device expect 1 \
+    "^zk4n: registering [^\n]*: 0x8007001D \(registry cannot be written\)\n" register
+fi
+# Heads of modules. A Windows one tells at byte 0x3C where its header lies.
+none='FAILED +bitness +64-bit program, but no driver module in '
+other='FAILED +bitness +64-bit program, 32-bit driver [^\n]*: they cannot work together'
+good='ok +bitness +64-bit program, 64-bit driver '
+while read -r -u 3 verdict head; do
+  printf "$head" >"$folder/head.so"
+  expect 1 "^${!verdict}" check --module "$folder/head.so"
+done 3<<'END'
+none MZ or not
+none \177ELF\003
+other \177ELF\001
+good \177ELF\002
+none MZ%058d\100\000\000\000PE\000\000\252\001
+none mZ%058d\100\000\000\000PE\000\000\144\206
+other MZ%058d\100\000\000\000PE\000\000\114\001
+good MZ%058d\100\000\000\000PE\000\000\144\206
+good MZ%058d\372\017\000\000%04026dPE\000\000\144\206
+none MZ%058d\373\017\000\000%04027dPE\000\000\144\206
+END
 
 start "$folder/resource" "$zk4n" simulate --port 0 --serial 12345 --show
 for _ in $(seq 300); do [ -s "$folder/resource" ] && break; sleep 0.1; done
@@ -102,4 +120,16 @@ expect 1 'FAILED +connection +[^\n]*0xBFFF0012' check --resource 'no resource'
 expect 0 'Registration removed for all users: ' register --remove
 expect 1 'FAILED +registration' check
 expect 1 '^zk4n: ZentrelK4NLib.ZentrelK4N: 0x800401F3' shell --registered "$folder/close.zk"
+
+# A failure begins a line of its own below the bar.
+if [ -z "$runner" ]; then
+  measure="'$zk4n' measure --simulate --module '$driver' --step 1GHz"
+  said=$(script -qec "$measure && $measure --fault drop:command=6" /dev/null | tr '\r' '@')
+  pattern='^@Measuring \[\.{40}\]   0 %(?s:.*)@Measuring \[#{40}\] 100 %@\n(?s:.*)'
+  pattern+='@Measuring \[\.{40}\]   0 %@\nzk4n: measurement: '
+  if ! grep -Pqz "$pattern" <<<"$said"; then
+    printf '%s\n' "zk4n measure on a terminal says:" "$said"
+    failures=$((failures + 1))
+  fi
+fi
 [ $failures -eq 0 ]

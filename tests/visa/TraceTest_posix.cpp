@@ -57,6 +57,13 @@ TEST_F(VisaTraceProcesses, WriteWholeLinesIntoOneFile) {
   EXPECT_EQ(processes.size(), std::size_t{kProcesses} + 1);
 }
 
+TEST_F(VisaTrace, IsForAllWhomTheUsersMaskLets) {
+  const mode_t mask = umask(0);
+  umask(mask);
+  const auto permissions = std::filesystem::status(trace_file_).permissions();
+  EXPECT_EQ(static_cast<mode_t>(permissions), 0666 & ~mask);
+}
+
 // Each that comes to a full file may find that another has put it aside: one that renamed the new
 // file in its place would throw the full one away.
 TEST_F(VisaTraceProcesses, PutOneFullFileAsideTogether) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "simulator/Simulator.h"
+#include "tests/platform/Content.h"
 #include "tests/platform/WaitUntil.h"
 #include "tests/zk4n/ProgramFixture.h"
 
@@ -57,6 +58,20 @@ TEST_F(ClientTest, BadArgumentsGiveOneLineAndWriteNothing) {
       {"simulate --address 192.0.2.1", "cannot listen on 192.0.2.1"},
   };
   ExpectFailures(cases, 2);
+}
+
+TEST_F(ClientTest, HelpIsThatOfTheFile) {
+  std::string help;
+  for (const char* const command :
+       {"", "measure", "shell", "simulate", "register", "check", "detector", "detector check",
+        "detector value", "detector sign", "detector convert", "detector plot", "trace"}) {
+    const Result result = Run(Words(std::string(command) + " --help"));
+    EXPECT_EQ(result.status, 0);
+    help += result.output;
+  }
+  std::erase(help, '\r');
+  EXPECT_EQ(help, ContentOf(ZK_REPORTS "/help.txt"));
+  std::ofstream("client_test_help.txt", std::ios::binary) << help;
 }
 
 TEST_F(ClientTest, FailuresOfDriverAndInstrumentTellResultNameAndDescription) {
@@ -141,7 +156,7 @@ TEST_F(ClientTest, MeasuresTheResponseOfTheDevice) {
        .fixed = -10.0},
       // More points than one block holds.
       {"--start 1e9 --stop 2G --step 100kHz", 10001, 1e9, 1e5},
-      {"--kind detectors"},
+      {"--kind detectors --averaging 14"},
       {"--frequency-form wide"},
       {"--frequency-form narrow --max-frequency 4GHz"},
       {"--trigger-groups 1 --no-pulse-modulator --no-serial-query --no-reference-frequency "

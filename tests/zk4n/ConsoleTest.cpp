@@ -190,7 +190,7 @@ TEST_F(ConsoleTest, ShowsUnitsNamesAndHintsToPeople) {
       {"Utility.ErrorQuery", "0xFFFF8005 (instrument error code)"},
       {"Utility.ErrorQuery", "ErrorCode = 0\nErrorMessage = null"},
       {"trail", "no records"},
-      {"help RF", "Level = double dBm"},
+      {"help RF", "\n  Level = double dBm\n"},
       {"RF.Levle", "fault: IZentrelK4NRF has no member Levle"},
       {"release", "ok"},
       {"RF", "fault: there is no driver object: it was released, new creates one"},

@@ -53,6 +53,7 @@ TEST(Quantity, ShowsEngineeringPrefixes) {
   EXPECT_EQ(FormatQuantity(999.0, Unit::kHertz), "999 Hz");
   EXPECT_EQ(FormatQuantity(0.0, Unit::kHertz), "0 Hz");
   EXPECT_EQ(FormatQuantity(5e-3, Unit::kSecond), "5 ms");
+  EXPECT_EQ(FormatQuantity(2e-14, Unit::kSecond), "0.02 ps");
   EXPECT_EQ(FormatQuantity(-1500.0, Unit::kDecibelMilliwatt), "-1500 dBm");
   EXPECT_EQ(FormatQuantity(std::nan(""), Unit::kHertz), "nan Hz");
 }
