@@ -128,6 +128,26 @@ function(zk_exports module list)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
 endfunction()
 
+# zk_version_resource(module description) - what Windows tells of a file: this, and its version.
+set(ZK_VERSION_RESOURCE ${CMAKE_CURRENT_LIST_DIR}/VersionResource.rc.in)
+function(zk_version_resource module description)
+  if(NOT WIN32)
+    return()
+  endif()
+  get_target_property(type ${module} TYPE)
+  if(type STREQUAL EXECUTABLE)
+    set(kind VFT_APP)
+    set(suffix .exe)
+  else()
+    set(kind VFT_DLL)
+    set(suffix .dll)
+  endif()
+  set(resource ${CMAKE_CURRENT_BINARY_DIR}/${module}.rc)
+  configure_file(${ZK_VERSION_RESOURCE} ${resource} @ONLY)
+  target_sources(${module} PRIVATE ${resource})
+  set_source_files_properties(${resource} PROPERTIES INCLUDE_DIRECTORIES ${ZK_GENERATED_INCLUDE})
+endfunction()
+
 # zk_test(name SOURCES... LIBS... [ENV NAME=VALUE...] [TIMEOUT s] [COST s]) - a GoogleTest program,
 # one CTest entry; one that takes long starts first, by its cost. Test programs live in bin/tests,
 # away from the modules, so that a module is found only where a test puts it.

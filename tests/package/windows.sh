@@ -54,6 +54,10 @@ expect "DisplayVersion +REG_SZ +$version\n" entry
 expect ';C:\\Program Files\\Zentrel\\K4N\\bin' wine reg query "$environment" /v PATH
 cmp -s "$detector" "$root/data/calibr20.det" || fail "no detector file in $detector"
 
+for file in zk4n.exe zevisa64.dll ZeVISA.dll ZentrelK4NLib.dll; do
+  strings -el "$drive/Program Files/Zentrel/K4N/bin/$file" | grep -A 1 -x FileVersion |
+    grep -qx "$version.0" || fail "$file does not tell its version"
+done
 for file in bin/IviZentrelK4N.chm doc/html/index.html doc/examples/csharp/ZentrelK4N.cs \
   lib/ZentrelK4NLib.tlb include/ZentrelK4NLib.h 'python/zentrelk4n-*.whl' wireshark/zk4n.lua; do
   compgen -G "$drive/Program Files/Zentrel/K4N/$file" >/dev/null || fail "there is no $file"
