@@ -116,7 +116,7 @@ std::vector<std::uint8_t> TextData(const os::WideString& text) {
 /// Texts separated by \0; the last one has two terminators.
 std::vector<std::uint8_t> TextsData(os::WideString texts) {
   constexpr os::WideChar kSeparator[] = {'\\', '0', 0};
-  for (std::size_t at = 0; (at = texts.find(kSeparator, at)) != texts.npos; ++at) {
+  for (std::size_t at = 0; (at = texts.find(kSeparator, at)) != texts.npos;) {
     texts.replace(at, 2, 1, 0);
   }
   texts += os::WideChar{};
