@@ -12,6 +12,8 @@ OutputFile::OutputFile(fs::path path) : path_(std::move(path)) {
   const fs::file_status there = fs::status(path_, error);
   if (fs::is_directory(there)) return;
   const bool is_file = !fs::exists(there) || fs::is_regular_file(there);
+  // A link stays one, too.
+  if (const fs::path real = fs::canonical(path_, error); is_file && !error) path_ = real;
   const fs::path written = is_file ? fs::path(path_) += ".part" : path_;
   stream_.open(written, std::ios::binary | std::ios::trunc);
   if (is_file && stream_.is_open()) temporary_ = written;

@@ -8,8 +8,8 @@
 namespace zk4n {
 
 /// Written whole or not at all: into a neighbouring temporary file, which takes the name at last. A
-/// device or a pipe is written as it is, and stays what it is. Opened early, so that a name that
-/// cannot be written is known before the work is done.
+/// link, a device and a pipe stay what they are: what they lead to is written. Opened early, so
+/// that a name that cannot be written is known before the work is done.
 class OutputFile {
  public:
   explicit OutputFile(std::filesystem::path path);

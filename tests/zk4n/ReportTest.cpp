@@ -88,7 +88,7 @@ TEST(OutputFile, IsWrittenWholeOrNotAtAll) {
   const TemporaryFolder temporary;
   const auto& folder = temporary.path();
   std::filesystem::create_directory(folder / "sub");
-  auto file = folder / "trace.csv";
+  const auto file = folder / "trace.csv";
   for (const char* const content : {"first", "second\n"}) {
     OutputFile output(file);
     EXPECT_TRUE(output.Write(content) && output.Commit());
@@ -100,13 +100,19 @@ TEST(OutputFile, IsWrittenWholeOrNotAtAll) {
   using Iterator = std::filesystem::recursive_directory_iterator;
   EXPECT_EQ(std::distance(Iterator(folder), Iterator()), 2) << "something was left behind";
 #ifndef _WIN32
-  std::filesystem::create_symlink("/dev/full", file += ".device");
+  const auto link = folder / "link";
+  const auto device = folder / "device";
+  std::filesystem::create_symlink(file, link);
+  std::filesystem::create_symlink("/dev/full", device);
   {
-    OutputFile output(file);
-    EXPECT_FALSE(output.Write("too much"));
-    EXPECT_TRUE(output.Commit());
+    OutputFile through_link(link);
+    EXPECT_TRUE(through_link.Write("through a link") && through_link.Commit());
+    OutputFile to_device(device);
+    EXPECT_FALSE(to_device.Write("too much"));
+    EXPECT_TRUE(to_device.Commit());
   }
-  EXPECT_TRUE(is_symlink(file)) << "a device stays one";
+  EXPECT_EQ(ContentOf(file), "through a link");
+  EXPECT_TRUE(is_symlink(link) && is_symlink(device));
 #endif
 }
 
