@@ -75,8 +75,9 @@ std::string DriverClient::Utf8(const Bstr& text) {
 }
 
 void DriverClient::Check(HRESULT result, const char* member) const {
-  if (result >= 0 && result != kNoSession) return;
+  // Taken of every call: what one that succeeds leaves is nothing of the next one's.
   const std::string description = TakeDescription();
+  if (result >= 0 && result != kNoSession) return;
   std::string text = std::string(member) + ": " + ResultText(result, description);
   throw DriverError(result, text + ErrorTrail());
 }
