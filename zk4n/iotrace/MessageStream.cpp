@@ -20,10 +20,7 @@ bool MessageStream::HasHeaderWord() const {
   return Front(2).size() < 2 || Word() == simulator::kHeaderWord;
 }
 
-std::uint16_t MessageStream::Word() const {
-  const std::vector<std::uint8_t> front = Front(2);
-  return front.size() < 2 ? std::uint16_t{0} : simulator::ReadWord(front, 0);
-}
+std::uint16_t MessageStream::Word() const { return simulator::ReadWord(Front(2), 0); }
 
 bool MessageStream::HidesHeader() const {
   const std::size_t wanted = std::min(size_, simulator::kHeaderSize);

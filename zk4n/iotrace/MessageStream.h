@@ -30,7 +30,7 @@ class MessageStream {
   [[nodiscard]] std::size_t size() const { return size_; }
   /// Whether they begin like a message does, as far as is known.
   [[nodiscard]] bool HasHeaderWord() const;
-  /// The two bytes that should be the header word.
+  /// The two bytes that should be the header word; only where HasHeaderWord is false.
   [[nodiscard]] std::uint16_t Word() const;
   /// Whether a header cannot be known, so that nothing behind it can be told apart.
   [[nodiscard]] bool HidesHeader() const;
