@@ -145,29 +145,8 @@ TEST_F(DetectorTest, RefusalsTellWhyAndWriteNothing) {
     for (int i = 0; i < 17000; ++i) text += "1\n";
     return text;
   }());
-  const Failure bad_arguments[] = {
-      {"detector", "subcommand is required"},
-      {"detector check", "FILE is required"},
-      {"detector value @3.det --level 1", "--frequency and --level, or neither"},
-      {"detector value @3.det --level 1 --frequency 1GHz", "--frequency: not a number: 1GHz"},
-      {"detector value @none.det --level 1 --frequency 1", "cannot read"},
-      {"detector sign @3.det @0.det", "0.det exists; --force"},
-      {"detector sign @3.det @none/new.det", "cannot write"},
-      {"detector convert @0.det @3.det", "3.det exists; --force"},
-      {"detector plot @3.det", "--svg is required"},
-      {"detector plot @3.det --svg @", "cannot write"},
-  };
-  ExpectFailures(bad_arguments, 2);
-  const Failure bad_files[] = {
-      {"detector value @bad.det --level 1 --frequency 1",
-       "0x8004705C (invalid file format): data line 2"},
-      {"detector sign @0.det @new.det", "is of version 0: convert"},
-      {"detector sign @bad.det @0.det --force", "data line 2"},
-      {"detector convert @3.det @new.det", "is of version 3 already"},
-      {"detector convert @long.det @new.det", "0x80047010 (invalid value): too many levels"},
-      {"detector plot @flat.det --svg @new.svg", "no frequency or no level"},
-  };
-  ExpectFailures(bad_files, 1);
+  ExpectFailures("bad arguments of detector", 2);
+  ExpectFailures("failures of detector", 1);
   const Result check = Run(Words("detector check @3.det @bad.det"));
   EXPECT_EQ(check.status, 1);
   EXPECT_EQ(check.errors, "");
@@ -213,7 +192,7 @@ TEST(DetectorSvg, HasACurveForEachLevelButNotForThousands) {
 
   CSimpleMatrix of_one_level;
   of_one_level.Resize(2, 2);
-  EXPECT_EQ(CountOf(DetectorAsSvg(of_one_level, ""), curve), 1U);
+  EXPECT_THAT(DetectorAsSvg(of_one_level, ""), HasSubstr("height=\"404.00\" fill=\"#35186e\"/>"));
 
   CSimpleMatrix odd;
   odd.Resize(3, 5001);
