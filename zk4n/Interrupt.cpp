@@ -16,9 +16,7 @@ void OnInterrupt(int signal_number) {
 
 }  // namespace
 
-InterruptGuard::InterruptGuard() : previous_(std::signal(SIGINT, OnInterrupt)) {
-  requested.store(false);
-}
+InterruptGuard::InterruptGuard() : previous_(std::signal(SIGINT, OnInterrupt)) {}
 
 InterruptGuard::~InterruptGuard() {
   if (previous_ != SIG_ERR) std::signal(SIGINT, previous_);

@@ -11,7 +11,7 @@ class InterruptGuard {
   InterruptGuard(const InterruptGuard&) = delete;
   InterruptGuard& operator=(const InterruptGuard&) = delete;
 
-  /// True once Ctrl-C was pressed.
+  /// True once Ctrl-C was pressed; for as long as the process lives.
   [[nodiscard]] static bool Requested();
 
  private:
