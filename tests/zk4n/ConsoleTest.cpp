@@ -75,6 +75,7 @@ class ConsoleTest : public testing::Test {
   }
 
   static constexpr std::uint16_t kDwell = 5;
+  static constexpr std::uint16_t kSyncGenerator = 37;
   const TemporaryFolder temporary_;
   const fs::path& folder_ = temporary_.path();
   std::optional<simulator::Simulator> instrument_;
@@ -172,6 +173,9 @@ TEST_F(ConsoleTest, GoesOnAfterLinesThatAreNoCommands) {
 }
 
 TEST_F(ConsoleTest, ShowsPeopleWhatTheFileHas) {
+  auto loss = simulator::Fault::DropAfter(0);
+  loss.parameter = kSyncGenerator;
+  instrument_->InjectFault(loss);
   std::string input;
   std::string shown;
   for (const std::string& line : LinesOfFile(ZK_REPORTS "/console.txt")) {

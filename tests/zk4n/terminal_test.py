@@ -27,7 +27,7 @@ class Terminal(unittest.TestCase):
             ("\x12Fre\x1b\n", "(not connected)"),  # the last line with these letters
             ("RF.\t", "Configure  DisableAllModulation  Frequency  IsSettled"),
             ("\x03Initialized\n", "false (0)"),  # no end, but a line of its own
-            ("Utility\t", "."),
+            ("Oper\t", "ation."),
             ("\x03nobody\t\x03Identity.Ve\t", "ndor"),
         ]
         client.expect_exact(PROMPT)
