@@ -47,13 +47,13 @@ std::string Hexadecimal(Status code) {
 }
 
 // FormatMessage's rules, as far as the templates use them: %n is the n-th insert, "%n!X!" the code
-// as a hexadecimal number; what was inserted is not looked at again.
+// as a hexadecimal number; what was inserted is not looked at again. No template ends in a %.
 os::WideString Format(std::string_view text, Status code, std::span<const os::WideView> inserts) {
   os::WideString result;
   while (!text.empty()) {
     const std::size_t mark = text.find('%');
     result += os::ToWide(text.substr(0, mark));
-    if (mark == std::string_view::npos || mark + 1 == text.size()) break;
+    if (mark == std::string_view::npos) break;
     const auto index = static_cast<std::size_t>(text[mark + 1] - '1');
     text.remove_prefix(mark + 2);
     if (text.starts_with(kHexadecimalMark)) {
