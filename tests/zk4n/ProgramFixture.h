@@ -63,7 +63,7 @@ class ProgramTest : public testing::Test {
   }
 
   [[nodiscard]] std::string File(const std::string& name) const {
-    return (folder_ / "files" / name).string();
+    return (folder_ / "files" / name).generic_string();
   }
   /// Names of the files.
   [[nodiscard]] std::vector<std::string> Files() const {
