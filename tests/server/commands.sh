@@ -24,6 +24,13 @@ expect() {
   fi
 }
 
+# is_for_user STATUS - whether the user's part of the registry file knows classes (0) or not (1).
+is_for_user() {
+  [ -n "$runner" ] && return
+  grep -Fqx '[HKEY_CURRENT_USER\Software\Classes\CLSID]' "$ZENTREL_REGISTRY"
+  [ $? -eq "$1" ] || { echo "registered for others than asked"; failures=$((failures + 1)); }
+}
+
 # start OUTPUT COMMAND... - in the background, until the end; waits for its first line.
 start() {
   local output=$1
@@ -38,6 +45,7 @@ pattern="ok +bitness +64-bit program, 64-bit driver [^\n]*$name\n"
 pattern+='FAILED +registration +[^\n]*not registered: run zk4n register'
 expect 1 "$pattern" check
 expect 0 "^Registered for all users: [^\n]*$name\n" register
+is_for_user 1
 echo Close >"$folder/close.zk"
 # Errors come from the class that reports them: what a child forwards is the root's.
 printf '%s\n' Close Sweep.PowerStep.Reset 'Sweep.PowerStep.Start = 1' \
@@ -51,8 +59,7 @@ pattern="ok +registration +ZentrelK4NLib.ZentrelK4N in [^\n]*$name\n"
 pattern+='ok +VISA library +[^\n]*zevisa[^\n]*\nok +settings +no file, the defaults\n'
 expect 0 "${pattern}not tried +connection +" check
 expect 0 "^Registered for this user: [^\n]*$name\n" register --user
-[ -n "$runner" ] || grep -Fqx '[HKEY_CURRENT_USER\Software\Classes\CLSID]' "$ZENTREL_REGISTRY" ||
-  failures=$((failures + 1))
+is_for_user 0
 expect 0 "^Registration removed for this user: [^\n]*$name\n" register --user --remove
 expect 2 '^zk4n: cannot read [^\n]*none.so\n' register --module "$folder/none.so"
 expect 2 'cannot read ' check --module "$folder"

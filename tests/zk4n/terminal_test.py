@@ -50,8 +50,8 @@ class Terminal(unittest.TestCase):
         self.assertEqual(client.wait(), 1)
 
     def test_ctrl_c_ends_a_measurement(self):
-        client = on_terminal("measure", "--simulate", "--dwell", "1s")
-        client.expect_exact("]   0 %")
+        client = on_terminal("measure", "--simulate", "--dwell", "20ms")
+        client.expect_exact("]   1 %")  # of some ten seconds
         client.send("\x03")
         client.expect_exact("zk4n: interrupted")
         client.expect(pexpect.EOF)
