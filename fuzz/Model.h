@@ -22,9 +22,9 @@ class Model final : public uIEvent::IEventProcessor {
     script().Reset();
   }
 
-  static scripted::Control& script() {
+  static scripted::Visa& script() {
     static scripted::Visa visa;
-    return visa.control();
+    return visa;
   }
   D3THardWare* operator->() { return &model_; }
   D3THardWare& operator*() { return model_; }

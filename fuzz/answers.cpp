@@ -81,11 +81,11 @@ constexpr void (*kOperations[])(D3THardWare& model, Arguments& a) = {
 };
 
 /// Well framed answers: status, size, body.
-void QueueFramed(fuzz::Input& input, scripted::Control& script) {
+void QueueFramed(fuzz::Input& input, scripted::Visa& script) {
   while (!input.rest().empty()) {
     const auto status = static_cast<std::uint16_t>(input.TakeByte() | input.TakeByte() << 8);
     const auto body = input.Take(std::size_t{input.TakeByte()} * 2);
-    script.QueueAnswer(status, body);
+    script.Answer(status, body);
   }
 }
 
@@ -98,7 +98,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if ((selector & 0x80) != 0) {
     QueueFramed(input, model.script());
   } else {
-    model.script().QueueRaw(input.rest());
+    model.script().AnswerRaw(input.rest());
     model.EndSilence();
   }
   Arguments arguments;

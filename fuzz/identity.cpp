@@ -22,7 +22,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::vector<std::uint8_t> body = {kIdentifier, 0};
   const auto text = input.Take(7000 - body.size());
   body.insert(body.end(), text.begin(), text.end());
-  model.script().SetRule({.command = kRead, .id = kIdentifier, .times = 1, .body = body});
+  model.script().RuleBody(kRead, kIdentifier, body, 0, 1);
   model->Initialize();
   RequireDate(model->identity().manufactured);
   RequireDate(model->identity().dsp_program);

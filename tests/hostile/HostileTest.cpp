@@ -31,40 +31,40 @@ size_t Announce(Byte* answer, size_t length, size_t size) {
   return size;
 }
 template <int delta>  // bytes that the body is longer
-size_t Resize(Byte* answer, size_t size, size_t) {
+size_t Resize(Byte* answer, size_t size) {
   const size_t length = size - kHeader + std::max(delta, -static_cast<int>(size - kHeader));
   return Announce(answer, length, kHeader + length);
 }
 template <int delta>  // bytes that the header announces more than there are
-size_t Misannounce(Byte* answer, size_t size, size_t) {
+size_t Misannounce(Byte* answer, size_t size) {
   const size_t length = size - kHeader + std::max(delta, -static_cast<int>(size - kHeader));
   return Announce(answer, std::min<size_t>(length, 0xFFFF), size);
 }
 template <int code, bool has_body>
-size_t Answer(Byte* answer, size_t size, size_t) {
+size_t Answer(Byte* answer, size_t size) {
   answer[4] = static_cast<Byte>(code);
   answer[5] = static_cast<Byte>(code >> 8);
   return has_body ? size : Announce(answer, 0, kHeader);
 }
 template <size_t at, Byte mask>
-size_t Flip(Byte* answer, size_t size, size_t) {
+size_t Flip(Byte* answer, size_t size) {
   if (at < size) answer[at] ^= mask;
   return size;
 }
 template <size_t count>
-size_t AppendGarbage(Byte* answer, size_t size, size_t) {
+size_t AppendGarbage(Byte* answer, size_t size) {
   std::fill_n(answer + size, count, Byte{0xA5});
   return size + count;
 }
-size_t Twice(Byte* answer, size_t size, size_t) {
+size_t Twice(Byte* answer, size_t size) {
   std::copy_n(answer, size, answer + size);
   return 2 * size;
 }
 template <size_t kept>
-size_t Cut(Byte*, size_t size, size_t) {
+size_t Cut(Byte*, size_t size) {
   return std::min(size, kept);
 }
-size_t CutInTheMiddle(Byte*, size_t size, size_t) { return kHeader + (size - kHeader) / 2; }
+size_t CutInTheMiddle(Byte*, size_t size) { return kHeader + (size - kHeader) / 2; }
 
 std::vector<Fault> Faults() {
   std::vector<Fault> faults = {
@@ -136,7 +136,7 @@ class HostileTest : public ManagerTest {
   /// Nothing more is held than after the first call: objects, without those of the script.
   void ExpectNothingGrows() {
     constexpr long kTrailsBuffers = 2;  // which come and go
-    visa_.control().Reset();
+    visa_.Reset();
     visa_.RuleBody(kRead, kPowerId, PowerBody(Output::kOn));
     const long now = LiveAllocations();
     if (held_ == 0) held_ = now;
@@ -163,9 +163,9 @@ class HostileTest : public ManagerTest {
     spoiling.after = answer;
     ExpectLimits();
     visa_.ClearRecord();
-    visa_.control().SpoilAnswer(spoiling);
+    visa_.SpoilAnswer(spoiling);
     const Status result = operation.run(manager_);
-    EXPECT_LT(visa_.control().CallCount(), 1000U) << "the member ends soon";
+    EXPECT_EQ(visa_.CallAt(1000), nullptr) << "the member ends soon";
     const auto trail = DrainTrail();
     std::vector<int> sites = operation.trail;  // none: a failure is only returned
     sites.insert(sites.end(), operation.sites.begin(), operation.sites.end());
@@ -181,7 +181,7 @@ class HostileTest : public ManagerTest {
     EXPECT_TRUE(!fails || fault.misleads || spoiling.then != Spoiling::kGoesOn ||
                 !manager_.IsConnected())
         << "the next member fails";
-    EXPECT_TRUE(visa_.control().LinkIsBack()) << "nothing was spoiled";
+    EXPECT_TRUE(visa_.LinkIsBack()) << "nothing was spoiled";
     DrainTrail();
     // What has been closed by the peer takes a new session.
     if (spoiling.then < 0 || !manager_.IsConnected()) OpenIn(operation.mode);
@@ -233,7 +233,7 @@ TEST_F(HostileTest, MeasuringSurvivesEveryFaultOfABlock) {
     SCOPED_TRACE(fault.name);
     Open();
     StartMeasuring();
-    visa_.control().SpoilAnswer(fault.spoiling);
+    visa_.SpoilAnswer(fault.spoiling);
     visa_.CompleteData(Block(kSpoiledPoints));
     const bool lost = fault.spoiling.then < 0;
     if (lost) {
@@ -241,7 +241,7 @@ TEST_F(HostileTest, MeasuringSurvivesEveryFaultOfABlock) {
       EXPECT_EQ(manager_.SetDwell(1.0), fault.spoiling.then) << "callers are told";
       EXPECT_EQ(manager_.Close(), 0);
     }
-    EXPECT_TRUE(visa_.control().LinkIsBack());
+    EXPECT_TRUE(visa_.LinkIsBack());
     DrainTrail();
     if (lost) {
       Open();
@@ -270,16 +270,16 @@ TEST_F(HostileTest, SingleReadSurvivesEveryFaultOfABlock) {
       spoiling.silences = 3;
       spoiling.then = scripted::kConnectionLost;
     }
-    visa_.control().SpoilAnswer(spoiling);
+    visa_.SpoilAnswer(spoiling);
     visa_.CompleteData(Block(kSpoiledPoints), '@');
     const Status result = manager_.FetchData(trace_);
-    EXPECT_LT(visa_.control().CallCount(), 1000U) << "the fetch ends soon";
+    EXPECT_EQ(visa_.CallAt(1000), nullptr) << "the fetch ends soon";
     const auto trail = DrainTrail();
     if (!Succeeded(result) && result != Status::kVisaTimeout) {  // that may stand for a notice
       EXPECT_EQ(std::ranges::count(trail, ErrorRecord{result, Site::kSingleRead}), 1)
           << testing::PrintToString(result) << ' ' << testing::PrintToString(trail);
     }
-    EXPECT_TRUE(visa_.control().LinkIsBack()) << "nothing was spoiled";
+    EXPECT_TRUE(visa_.LinkIsBack()) << "nothing was spoiled";
     if (spoiling.then < 0 || !manager_.IsConnected()) OpenUnarmed();
     EXPECT_TRUE(FetchesBlocks()) << "the next read works";
     ExpectMemberWorks();
@@ -293,13 +293,13 @@ TEST_F(HostileTest, SingleReadSurvivesEveryFaultOfABlock) {
 TEST_F(HostileTest, CloseEndsTheWaitForTheRestOfABody) {
   Open();
   visa_.ClearRecord();
-  visa_.control().SpoilAnswer(
+  visa_.SpoilAnswer(
       {.change = CutInTheMiddle, .silences = Spoiling::kAlways, .then = scripted::kConnectionLost});
   std::jthread caller([this] { EXPECT_EQ(manager_.SetDwell(1.0), Status::kVisaTimeout); });
   constexpr std::size_t kManyTimeouts = 20;
   EXPECT_TRUE(WaitUntil([this] { return visa_.Calls(Function::kRead).size() > kManyTimeouts; }));
   EXPECT_EQ(manager_.Close(), 0);
-  EXPECT_EQ(visa_.control().OpenSessions(), 0U);
+  EXPECT_EQ(visa_.OpenSessions(), 0U);
 }
 
 }  // namespace

@@ -74,7 +74,7 @@ TEST_F(LinkTest, RefusalsAtConnection) {
   };
   for (const Case& row : rows) {
     SCOPED_TRACE(row.name);
-    visa_.control().Reset();
+    visa_.Reset();
     visa_.Rule(row.command, row.identifier, row.code);
     EXPECT_EQ(model_.Initialize(), row.result);
     // The connection counts nevertheless: trains carry their polarity.

@@ -13,17 +13,16 @@ TEST(DeviceTest, OpensUnderTheGivenNameAndClosesTheSessionOnly) {
   {
     const Interface device("tcpip::Odd Name::5025::SOCKET");
     EXPECT_EQ(device.last_status(), 0);
-    EXPECT_EQ(visa.control().OpenSessions(), 1U);
+    EXPECT_EQ(visa.OpenSessions(), 1U);
   }
   std::vector<Function> order;
-  scripted::CallView call{};
-  for (std::size_t i = 0; visa.control().GetCall(i, call); ++i) order.push_back(call.function);
+  for (std::size_t i = 0; const auto* call = visa.CallAt(i); ++i) order.push_back(call->function);
   EXPECT_THAT(order, testing::ElementsAre(Function::kOpenDefaultRM, Function::kOpen,
                                           Function::kSetAttribute, Function::kClose));
-  const auto open = visa.Calls(Function::kOpen).at(0);
-  EXPECT_EQ(std::string(open.bytes.begin(), open.bytes.end()), "tcpip::Odd Name::5025::SOCKET");
-  EXPECT_EQ(visa.Calls(Function::kSetAttribute).at(0).value, 2000U);
-  EXPECT_EQ(visa.control().OpenSessions(), 0U);
+  const Bytes& opened = visa.Calls(Function::kOpen).at(0)->bytes;
+  EXPECT_EQ(std::string(opened.begin(), opened.end()), "tcpip::Odd Name::5025::SOCKET");
+  EXPECT_EQ(visa.Calls(Function::kSetAttribute).at(0)->value, 2000U);
+  EXPECT_EQ(visa.OpenSessions(), 0U);
 }
 
 TEST(DeviceTest, ReadsCountCompletionCodesAsZeroAndReportPartialCounts) {
@@ -31,7 +30,7 @@ TEST(DeviceTest, ReadsCountCompletionCodesAsZeroAndReportPartialCounts) {
   Interface device(kResource);
   const Bytes request(16);
   std::uint32_t count = 99;
-  visa.control().QueueRaw("01 02 03"_hex);
+  visa.AnswerRaw("01 02 03"_hex);
   EXPECT_EQ(device.Write(request, count), 0);
   EXPECT_EQ(count, 16U);
   std::array<std::uint8_t, 2> buffer{};

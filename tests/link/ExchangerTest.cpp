@@ -56,7 +56,7 @@ class FailureTest : public ExchangerTest, public testing::WithParamInterface<Fai
 
 TEST_P(FailureTest, OfABlockingExchangeAndOfAPoll) {
   for (const bool polls : {false, true}) {
-    visa_.control().QueueRaw(GetParam().answer);
+    visa_.AnswerRaw(GetParam().answer);
     EXPECT_EQ(polls ? Poll() : Exchange(), GetParam().result);
     // A silence between the two is what lets the next answer begin at its beginning.
     exchanger_.device().Clear();
@@ -94,7 +94,7 @@ TEST_F(ExchangerTest, BlockLongerThanTheCallersBufferIsDropped) {
 TEST_F(ExchangerTest, BodyIsAssembledFromPiecesAndTheTimeoutRestored) {
   const auto timeouts = [this] {
     std::vector<std::uint64_t> values;
-    for (const auto& call : visa_.Calls(Function::kSetAttribute)) values.push_back(call.value);
+    for (const auto* call : visa_.Calls(Function::kSetAttribute)) values.push_back(call->value);
     visa_.ClearRecord();
     return values;
   };
@@ -102,7 +102,7 @@ TEST_F(ExchangerTest, BodyIsAssembledFromPiecesAndTheTimeoutRestored) {
   EXPECT_THAT(timeouts(), ElementsAre(1000, 2000));
   const Bytes body(24, 7);
   visa_.Answer(0, body);
-  visa_.control().SpoilAnswer({.piece = 17});
+  visa_.SpoilAnswer({.piece = 17});
   EXPECT_EQ(Exchange(), 0);
   EXPECT_EQ(ToHex(message_.payload()), ToHex(body));
   // Set for each part, restored to what the first failure had left.
@@ -141,7 +141,7 @@ TEST_F(ExchangerTest, PollContinuesWhereItStoppedWithoutANewRequest) {
 
 TEST_F(ExchangerTest, PollTakesABodyInPieces) {
   visa_.Answer(0, "01 02 03 04"_hex);
-  visa_.control().SpoilAnswer({.piece = 17});
+  visa_.SpoilAnswer({.piece = 17});
   EXPECT_EQ(Poll(), scripted::kTimeout);
   EXPECT_EQ(Poll(), 0);
   EXPECT_EQ(ToHex(payload_), "01 02 03 04");
@@ -160,7 +160,7 @@ TEST_F(ExchangerTest, CommandDropsAPendingReadByClearing) {
 }
 
 TEST_F(ExchangerTest, CommandDropsAReadWhoseHeaderIsIn) {
-  visa_.control().QueueRaw("AA 55 06 00 00 00 04 00 00 41 00 00 01 00 00 00 01"_hex);
+  visa_.AnswerRaw("AA 55 06 00 00 00 04 00 00 41 00 00 01 00 00 00 01"_hex);
   EXPECT_EQ(Poll(), scripted::kTimeout);
   EXPECT_EQ(Exchange(), 0);
   visa_.CompleteData("07 08"_hex);
@@ -180,7 +180,7 @@ TEST_F(ExchangerTest, FailedClearIsTheResultAndNothingIsSent) {
 TEST_F(ExchangerTest, FailedExchangeIsClearedBeforeTheNextRequestUntilAClearWorks) {
   for (const bool polls : {false, true}) {
     visa_.ClearRecord();
-    visa_.control().QueueRaw({});
+    visa_.AnswerRaw({});
     EXPECT_EQ(Exchange(), scripted::kTimeout);
     visa_.SetResult(Function::kClear, 0xBFFF003E, 2);
     // Whether the link is gone shows in the exchange.

@@ -14,7 +14,7 @@ struct Instrument : Row {
 class NumberingTest : public LinkTest, public testing::WithParamInterface<Instrument> {
  protected:
   NumberingTest() {
-    visa_.control().SetNumbering(GetParam().numbering);
+    visa_.SetNumbering(GetParam().numbering);
     for (const double dwell : {1, 2, 3}) EXPECT_EQ(Set(dwell), dwell);
   }
 
@@ -67,20 +67,20 @@ TEST_P(NumberingTest, SettingAbortsASweepReadAndAllIsInStep) {
 /// Without numbers the late answer cannot be told from the next one to the same parameter; the one
 /// after it must be right again.
 TEST_P(NumberingTest, LateAnswerIsPassedOverOrTakenOnce) {
-  visa_.control().DelayAnswer();
+  visa_.SpoilAnswer({.is_late = true});
   EXPECT_EQ(Set(10), scripted::kTimeout);
   EXPECT_EQ(Set(20), GetParam().is_known_by_numbers ? 20 : 10);
   EXPECT_EQ(Set(30), 30);
   ExpectBlock(1);
 
-  visa_.control().DelayAnswer();
+  visa_.SpoilAnswer({.is_late = true});
   EXPECT_EQ(Set(40), scripted::kTimeout);
   EXPECT_EQ(SetOther(), GetParam().is_known_by_numbers ? Status::kOk : kViolation);
   EXPECT_EQ(Set(50), 50);
 }
 
 TEST_P(NumberingTest, LateAnswerMayBeOlderThanTheLastRequest) {
-  visa_.control().DelayAnswer();
+  visa_.SpoilAnswer({.is_late = true});
   EXPECT_EQ(Set(10), scripted::kTimeout);
   visa_.SetResult(scripted::Function::kWrite, 0xBFFF0015, 2);  // header and body
   EXPECT_EQ(Set(20), scripted::kTimeout) << "never sent";
@@ -94,7 +94,7 @@ TEST_P(NumberingTest, LateAnswerMayBeOlderThanTheLastRequest) {
 TEST_P(NumberingTest, LateAnswerIsNoBlock) {
   InitializeModel();
   StepSettings sweep{1e9, 2e9, 5e8};
-  visa_.control().DelayAnswer();
+  visa_.SpoilAnswer({.is_late = true});
   EXPECT_EQ(model_.SetFrequencySweep(sweep), scripted::kTimeout);
   visa_.ClearRecord();
   visa_.CompleteData(Bytes(14, 7));
@@ -116,7 +116,7 @@ TEST_P(NumberingTest, LateAnswerIsNoBlock) {
 /// Without numbers the copy is taken for the next answer, until another parameter tells.
 TEST_P(NumberingTest, AnswerThatComesTwiceIsPassedOverOrToldByTheParameter) {
   const bool is_known = GetParam().is_known_by_numbers;
-  visa_.control().SpoilAnswer({.change = [](std::uint8_t* answer, std::size_t size, std::size_t) {
+  visa_.SpoilAnswer({.change = [](std::uint8_t* answer, std::size_t size) {
     std::copy_n(answer, size, answer + size);
     return 2 * size;
   }});
@@ -131,7 +131,7 @@ TEST_P(NumberingTest, AnswerThatComesTwiceIsPassedOverOrToldByTheParameter) {
 
 /// An instrument that says the same thing again and again is not waited for without end.
 TEST_P(NumberingTest, CopiesWithoutEndAreTakenForTheAnswer) {
-  visa_.control().SpoilAnswer({.change = [](std::uint8_t* answer, std::size_t size, std::size_t) {
+  visa_.SpoilAnswer({.change = [](std::uint8_t* answer, std::size_t size) {
     for (std::size_t copy = 1; copy < 20; ++copy) std::copy_n(answer, size, answer + copy * size);
     return 20 * size;
   }});
@@ -144,7 +144,7 @@ TEST_P(NumberingTest, CopiesWithoutEndAreTakenForTheAnswer) {
 TEST_P(NumberingTest, OldAnswersWithoutEndAreTakenForTheAnswer) {
   visa_.SetResult(scripted::Function::kWrite, 0xBFFF0015, 2);  // header and body
   EXPECT_EQ(Set(10), scripted::kTimeout) << "never sent";
-  visa_.control().SpoilAnswer({.change = [](std::uint8_t* answer, std::size_t size, std::size_t) {
+  visa_.SpoilAnswer({.change = [](std::uint8_t* answer, std::size_t size) {
     std::copy_n(answer, size, answer + 2 * size);
     answer[12] = static_cast<std::uint8_t>(answer[12] - 5);  // its number
     answer[size - 4] = 99;

@@ -273,7 +273,7 @@ TEST_F(LinkTest, FileIsAskedForInWordsAndStripped) {
 /// Makes the answer to a serial number query of the query sent back: words that its key turns back
 /// into the characters.
 template <std::uint16_t checksum>
-std::size_t ScrambleSerial(std::uint8_t* answer, std::size_t, std::size_t) {
+std::size_t ScrambleSerial(std::uint8_t* answer, std::size_t) {
   const std::uint64_t key = answer[18] + 256ULL * answer[19];
   std::size_t size = 18;
   const auto put = [&](std::uint32_t word) {
@@ -302,11 +302,11 @@ TEST_F(LinkTest, SerialNumberQueryCarriesKeyOfAtLeastTwo) {
 
 TEST_F(LinkTest, SerialNumberIsUnscrambledAndChecked) {
   std::string serial = "old";
-  visa_.control().SpoilAnswer({.change = ScrambleSerial<0xBB3C>});
+  visa_.SpoilAnswer({.change = ScrambleSerial<0xBB3C>});
   EXPECT_EQ(model_.QuerySerialNumber(serial), -1);
   EXPECT_EQ(serial, "old");
   // The published check value of this CRC-16 ("ARC").
-  visa_.control().SpoilAnswer({.change = ScrambleSerial<0xBB3D>});
+  visa_.SpoilAnswer({.change = ScrambleSerial<0xBB3D>});
   EXPECT_EQ(model_.QuerySerialNumber(serial), 0);
   EXPECT_EQ(serial, "123456789");
   visa_.Answer(0, "53 00 00"_hex);

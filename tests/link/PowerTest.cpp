@@ -112,7 +112,7 @@ TEST_F(LinkTest, LostLinkEndsTheProbeWhichIsMadeAgain) {
   double level = 0;
   EXPECT_EQ(model_.SetOutputLevel(settings, level), scripted::kConnectionLost);
   EXPECT_EQ(visa_.Requests().size(), 1U);
-  visa_.control().Reset();
+  visa_.Reset();
   EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
   EXPECT_EQ(visa_.Requests().size(), 3U);
 }

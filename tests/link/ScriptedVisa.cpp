@@ -1,4 +1,4 @@
-// The scripted VISA library: see ScriptedVisa.h.
+#define ZK_VISA_LIBRARY
 #include "tests/link/ScriptedVisa.h"
 
 #include <algorithm>
@@ -10,211 +10,112 @@
 #include <mutex>
 #include <optional>
 #include <set>
+#include <thread>
 #include <utility>
-
-#include "platform/os/Sync.h"
-#define ZK_VISA_LIBRARY
-#include "visa/Visa.h"
 
 namespace scripted {
 namespace {
 
 constexpr std::size_t kHeaderSize = 16;
-constexpr std::size_t kSpoiltCapacity = 7000;  // of a body
+constexpr std::size_t kSpoiltSize = 7016;
 constexpr std::uint16_t kDataCommand = 6;
-constexpr ViSession kManagerSession = 1;
 
-using View = std::span<const std::uint8_t>;
-Bytes ToBytes(View bytes) { return {bytes.begin(), bytes.end()}; }
-
-struct Call {
-  Function function;
-  std::uint32_t session = 0;
-  std::uint64_t value = 0;
-  std::int32_t result = 0;
-  Bytes bytes = {};
-};
-
-struct Answer {
-  std::uint16_t status = 0;
-  Bytes bytes;
-  bool is_raw = false;
-  std::optional<char> format = {};
-};
-
-struct KeptRule : Rule {
-  Answer answer;
-};
-
-/// Bytes on their way to the reader; after `pause` a read stops at their end with one time-out.
-struct Part {
-  Bytes bytes;
-  bool pause = false;
-};
+Bytes ToBytes(Visa::View bytes) { return {bytes.begin(), bytes.end()}; }
 
 struct ForcedResult {
   std::int32_t result = 0;
   std::int32_t times = 0;
 };
 
-/// What a reset forgets.
-struct State {
+struct PlannedAnswer {
+  std::uint16_t status = 0;
+  std::optional<Bytes> body = {};  // none: the request's own
+  bool is_raw = false;             // the body is all
+  std::optional<char> format = {};
+};
+
+struct StandingAnswer {
+  std::uint16_t command;
+  std::uint8_t id;
+  std::uint8_t type;
+  std::int32_t times;
+  PlannedAnswer answer;
+};
+
+/// The script as it stands, and what has come of it.
+struct Script {
   std::array<ForcedResult, static_cast<std::size_t>(Function::kCount)> forced{};
-  std::deque<Answer> answers;
-  std::deque<Answer> blocks;
-  std::deque<KeptRule> rules;  // the newest first
+  std::deque<PlannedAnswer> answers;
+  std::deque<PlannedAnswer> blocks;
+  std::deque<StandingAnswer> rules;  // the newest first
   std::deque<Call> record;
-  std::set<std::uint32_t> sessions;
-  std::uint32_t timeout = 2000;
-  Bytes written;  // of the request that is not complete
-  std::deque<Part> to_read;
-  std::optional<Bytes> data_request;  // that waits for its block
-  Numbering* numbering = nullptr;     // none: as its request
+  std::set<ViSession> sessions;
+  ViUInt32 timeout = 2000;
+  Bytes written;                              // of the request that is not complete
+  std::deque<std::optional<ViByte>> to_read;  // none: a pause, at which a read ends in a time-out
+  std::optional<Bytes> data_request;          // that waits for its block
+  Numbering* numbering = [](std::uint32_t request, std::uint32_t) { return request; };
   std::uint32_t answer_count = 0;
-  bool delays_answer = false;
-  Bytes delayed;
+  Bytes late;                        // the answer that is held back
   std::optional<Spoiling> spoiling;  // of an answer to come
   std::optional<Spoiling> spoilt;    // what the last one left
-};
 
-class Script final : public Control, public State {
- public:
-  void Reset() override {
-    const std::lock_guard lock(mutex_);
-    State::operator=({});
-  }
-  void SetResult(Function function, std::int32_t result, std::int32_t times) override {
-    const std::lock_guard lock(mutex_);
-    forced[static_cast<std::size_t>(function)] = {result, times};
-  }
-  void QueueAnswer(std::uint16_t status, View body) override {
-    const std::lock_guard lock(mutex_);
-    answers.push_back({status, ToBytes(body)});
-  }
-  void QueueRaw(View bytes) override {
-    const std::lock_guard lock(mutex_);
-    answers.push_back({.bytes = ToBytes(bytes), .is_raw = true});
-  }
-  void SetRule(const Rule& rule) override {
-    const std::lock_guard lock(mutex_);
-    rules.push_front({rule, {rule.status, ToBytes(rule.body)}});
-  }
-  void CompleteData(View body, char format, std::uint16_t status) override {
-    const std::lock_guard lock(mutex_);
-    blocks.push_back({.status = status, .bytes = ToBytes(body), .format = format});
-    if (data_request) SendBlock(*std::exchange(data_request, std::nullopt));
-  }
-  void SetNumbering(Numbering* of_answers) override {
-    const std::lock_guard lock(mutex_);
-    numbering = of_answers;
-  }
-  void DelayAnswer() override {
-    const std::lock_guard lock(mutex_);
-    delays_answer = true;
-  }
-  void SpoilAnswer(const Spoiling& how) override {
-    const std::lock_guard lock(mutex_);
-    spoiling = how;
-  }
-  bool LinkIsBack() override {
-    const std::lock_guard lock(mutex_);
-    spoilt.reset();
-    return !std::exchange(spoiling, std::nullopt);
-  }
-  std::size_t CallCount() const override {
-    const std::lock_guard lock(mutex_);
-    return record.size();
-  }
-  bool GetCall(std::size_t index, CallView& view) const override {
-    const std::lock_guard lock(mutex_);
-    if (index >= record.size()) return false;
-    const Call& call = record[index];
-    view = {call.function, call.session, call.value, call.result, call.bytes};
-    return true;
-  }
-  void ClearRecord() override {
-    const std::lock_guard lock(mutex_);
-    record.clear();
-  }
-  std::size_t OpenSessions() const override {
-    const std::lock_guard lock(mutex_);
-    return sessions.size();
-  }
-
-  /// One call of a VISA function: it does what the test forces, or else `act`, and is recorded.
-  template <typename Act>
-  ViStatus Run(Call call, Act act) {
-    const std::lock_guard lock(mutex_);
-    const auto forced_result = TakeForced(call.function);
-    const ViStatus result = forced_result ? *forced_result : act(call);
-    call.result = result;
-    record.push_back(std::move(call));
-    return result;
-  }
-
-  ViStatus Open(ViSession& session);
-  ViStatus Read(ViByte* buffer, ViUInt32 count, ViUInt32& returned);
+  std::optional<ViStatus> TakeForced(Function function);
+  ViStatus Read(std::span<ViByte> buffer, ViUInt32& returned);
+  ViStatus ReadNothing(std::span<ViByte> buffer, ViUInt32& returned);
   ViStatus Clear();
-  void TakeRequests(const Bytes& bytes);
-
- private:
-  std::optional<std::int32_t> TakeForced(Function function);
+  void TakeRequests(Visa::View bytes);
   void HandleRequest(const Bytes& request);
-  KeptRule* FindRule(const Bytes& request);
-  void Send(const Bytes& request, const Answer& answer);
-  void Number(Bytes& answer);
-  void SendBlock(const Bytes& request);
-  void SendSpoiled(Bytes bytes);
+  StandingAnswer* FindRule(const Bytes& request);
+  void SendBlock();
+  void Send(const Bytes& request, const PlannedAnswer& answer);
+  Bytes Frame(const Bytes& request, const PlannedAnswer& answer);
   [[nodiscard]] bool IsLost() const { return spoilt && spoilt->silences == 0 && spoilt->then < 0; }
-  ViStatus ReadNothing(ViByte* buffer, ViUInt32 count, ViUInt32& returned);
-
-  mutable std::mutex mutex_;
-  std::uint32_t last_session_ = kManagerSession;
 };
 
-std::optional<std::int32_t> Script::TakeForced(Function function) {
-  ForcedResult& result = forced[static_cast<std::size_t>(function)];
-  if (result.times == 0) return std::nullopt;
-  if (result.times > 0) --result.times;
-  if (result.result == kThrow) throw std::runtime_error("scripted");
-  return result.result;
+std::mutex mutex;
+Script script;
+
+/// One call of a VISA function: it does what the test forces, or else `act`, and is recorded.
+template <typename Act>
+ViStatus Play(Call call, Act act) {
+  const std::lock_guard lock(mutex);
+  const auto forced = script.TakeForced(call.function);
+  const ViStatus result = forced ? *forced : act();
+  script.record.push_back(std::move(call));
+  return result;
 }
 
-ViStatus Script::Open(ViSession& session) {
-  session = ++last_session_;
-  spoilt.reset();
-  to_read.clear();
-  sessions.insert(session);
-  return VI_SUCCESS;
+std::optional<ViStatus> Script::TakeForced(Function function) {
+  ForcedResult& next = forced[static_cast<std::size_t>(function)];
+  if (next.times == 0) return std::nullopt;
+  if (next.times > 0) --next.times;
+  if (next.result == kThrow) throw std::runtime_error("scripted");
+  return next.result;
 }
 
-ViStatus Script::Read(ViByte* buffer, ViUInt32 count, ViUInt32& returned) {
-  while (returned < count) {
-    if (to_read.empty()) return ReadNothing(buffer, count, returned);
-    Part& part = to_read.front();
-    const auto size =
-        static_cast<ViUInt32>(std::min<std::size_t>(part.bytes.size(), count - returned));
-    std::copy_n(part.bytes.begin(), size, buffer + returned);
-    part.bytes.erase(part.bytes.begin(), part.bytes.begin() + size);
-    returned += size;
-    if (!part.bytes.empty()) continue;
-    const bool pause = part.pause;
+ViStatus Script::Read(std::span<ViByte> buffer, ViUInt32& returned) {
+  for (; returned < buffer.size(); ++returned) {
+    if (to_read.empty()) return ReadNothing(buffer, returned);
+    const auto next = to_read.front();
     to_read.pop_front();
-    if (pause && returned < count) return VI_ERROR_TMO;
+    if (!next) return VI_ERROR_TMO;
+    buffer[returned] = *next;
   }
+  if (!to_read.empty() && !to_read.front()) to_read.pop_front();  // nobody waits for that long
   return VI_SUCCESS_MAX_CNT;
 }
 
-ViStatus Script::ReadNothing(ViByte* buffer, ViUInt32 count, ViUInt32& returned) {
+ViStatus Script::ReadNothing(std::span<ViByte> buffer, ViUInt32& returned) {
   if (!spoilt || spoilt->then == Spoiling::kGoesOn) return VI_ERROR_TMO;
   if (spoilt->silences != 0) {
     if (spoilt->silences != Spoiling::kAlways) --spoilt->silences;
-    os::Sleep(std::chrono::milliseconds(1));  // lest the record grow without end
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));  // lest the record grow without end
     return VI_ERROR_TMO;
   }
   if (spoilt->then != Spoiling::kEndless) return spoilt->then;
-  std::fill(buffer + returned, buffer + count, ViByte{0x5A});
-  returned = count;
+  std::ranges::fill(buffer.subspan(returned), ViByte{0x5A});
+  returned = static_cast<ViUInt32>(buffer.size());
   return VI_SUCCESS_MAX_CNT;
 }
 
@@ -225,7 +126,7 @@ ViStatus Script::Clear() {
   return VI_SUCCESS;
 }
 
-void Script::TakeRequests(const Bytes& bytes) {
+void Script::TakeRequests(Visa::View bytes) {
   if (IsLost()) return;
   written.insert(written.end(), bytes.begin(), bytes.end());
   while (written.size() >= kHeaderSize) {
@@ -242,27 +143,19 @@ void Script::HandleRequest(const Bytes& request) {
   if (!answers.empty()) {
     Send(request, answers.front());
     answers.pop_front();
-    return;
+  } else if (const StandingAnswer* const rule = FindRule(request)) {
+    Send(request, rule->answer);
+  } else if (request[2] != kDataCommand) {
+    Send(request, {});
+  } else {
+    data_request = request;
+    SendBlock();
   }
-  KeptRule* const rule = FindRule(request);
-  if (rule == nullptr && request[2] == kDataCommand) {
-    if (blocks.empty()) {
-      data_request = request;
-    } else {
-      SendBlock(request);
-    }
-    return;
-  }
-  Answer answer = rule != nullptr ? rule->answer : Answer{};
-  if (rule == nullptr || rule->echo) {
-    answer.bytes.assign(request.begin() + kHeaderSize, request.end());
-  }
-  Send(request, answer);
 }
 
-KeptRule* Script::FindRule(const Bytes& request) {
+StandingAnswer* Script::FindRule(const Bytes& request) {
   const std::uint8_t id = request.size() > kHeaderSize ? request[kHeaderSize] : 0;
-  const auto rule = std::ranges::find_if(rules, [&](const Rule& item) {
+  const auto rule = std::ranges::find_if(rules, [&](const StandingAnswer& item) {
     return item.times != 0 && item.command == request[2] && item.id == id &&
            (item.type == 0 || item.type == request[9]);
   });
@@ -271,135 +164,177 @@ KeptRule* Script::FindRule(const Bytes& request) {
   return &*rule;
 }
 
-void Script::SendBlock(const Bytes& request) {
-  Send(request, blocks.front());
+/// Once there are both: a block, and a request that waits for it.
+void Script::SendBlock() {
+  if (blocks.empty() || !data_request) return;
+  Send(*std::exchange(data_request, std::nullopt), blocks.front());
   blocks.pop_front();
 }
 
-void Script::Send(const Bytes& request, const Answer& answer) {
-  Bytes bytes;
-  if (!answer.is_raw) {
-    bytes.assign(request.begin(), request.begin() + kHeaderSize);
-    bytes[4] = static_cast<std::uint8_t>(answer.status);
-    bytes[5] = static_cast<std::uint8_t>(answer.status >> 8);
-    bytes[6] = static_cast<std::uint8_t>(answer.bytes.size());
-    bytes[7] = static_cast<std::uint8_t>(answer.bytes.size() >> 8);
-    if (answer.format) bytes[9] = static_cast<std::uint8_t>(*answer.format);
-    Number(bytes);
+void Script::Send(const Bytes& request, const PlannedAnswer& answer) {
+  Bytes bytes = Frame(request, answer);
+  Spoiling how;
+  if (spoiling && spoiling->after-- == 0) {
+    spoilt = std::exchange(spoiling, std::nullopt);
+    how = *spoilt;
   }
-  bytes.insert(bytes.end(), answer.bytes.begin(), answer.bytes.end());
-  if (std::exchange(delays_answer, false)) {
-    delayed = std::move(bytes);
+  if (how.change != nullptr) {
+    const std::size_t size = bytes.size();
+    bytes.resize(kSpoiltSize);
+    bytes.resize(how.change(bytes.data(), size));
+  }
+  if (how.is_late) {
+    late = std::move(bytes);
     return;
   }
-  if (!delayed.empty()) to_read.push_back({std::exchange(delayed, {})});
-  if (spoiling && spoiling->after-- == 0) {
-    SendSpoiled(std::move(bytes));
-  } else {
-    to_read.push_back({std::move(bytes)});
+  to_read.insert(to_read.end(), late.begin(), late.end());
+  late.clear();
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    if (how.piece != 0 && i != 0 && i % how.piece == 0) to_read.emplace_back(std::nullopt);
+    to_read.emplace_back(bytes[i]);
   }
 }
 
-/// Puts the answer's number in the place of its request's.
-void Script::Number(Bytes& answer) {
-  constexpr std::size_t kNumber = 12;
-  ++answer_count;
-  if (numbering == nullptr) return;
+/// The bytes of an answer, in little-endian words as they are here.
+Bytes Script::Frame(const Bytes& request, const PlannedAnswer& answer) {
+  const auto body_begin = request.begin() + kHeaderSize;
+  const Bytes body = answer.body.value_or(Bytes(body_begin, request.end()));
+  if (answer.is_raw) return body;
+  Bytes bytes(request.begin(), body_begin);
+  const auto size = static_cast<std::uint16_t>(body.size());
   std::uint32_t number = 0;
-  std::memcpy(&number, &answer[kNumber], sizeof number);
-  number = numbering(number, answer_count);
-  std::memcpy(&answer[kNumber], &number, sizeof number);
-}
-
-void Script::SendSpoiled(Bytes bytes) {
-  spoilt = std::exchange(spoiling, std::nullopt);
-  if (spoilt->change != nullptr) {
-    const std::size_t size = bytes.size();
-    bytes.resize(kHeaderSize + kSpoiltCapacity);
-    bytes.resize(spoilt->change(bytes.data(), size, bytes.size()));
-  }
-  const std::size_t piece = spoilt->piece != 0 ? spoilt->piece : bytes.size();
-  for (std::size_t at = 0; at < bytes.size(); at += piece) {
-    const std::size_t size = std::min(piece, bytes.size() - at);
-    to_read.push_back({ToBytes(View(bytes).subspan(at, size)), at + size < bytes.size()});
-  }
-}
-
-Script& TheScript() {
-  static Script script;
-  return script;
+  std::memcpy(&number, &bytes[12], sizeof number);
+  number = numbering(number, ++answer_count);
+  std::memcpy(&bytes[4], &answer.status, sizeof answer.status);
+  std::memcpy(&bytes[6], &size, sizeof size);
+  if (answer.format) bytes[9] = static_cast<std::uint8_t>(*answer.format);
+  std::memcpy(&bytes[12], &number, sizeof number);
+  bytes.insert(bytes.end(), body.begin(), body.end());
+  return bytes;
 }
 
 }  // namespace
+
+void Visa::Reset() {
+  const std::lock_guard lock(mutex);
+  script = {};
+}
+void Visa::SetResult(Function function, std::uint32_t result, std::int32_t times) {
+  const std::lock_guard lock(mutex);
+  script.forced[static_cast<std::size_t>(function)] = {static_cast<ViStatus>(result), times};
+}
+void Visa::Answer(std::uint16_t status, View body) {
+  const std::lock_guard lock(mutex);
+  script.answers.push_back({status, ToBytes(body)});
+}
+void Visa::AnswerRaw(View bytes) {
+  const std::lock_guard lock(mutex);
+  script.answers.push_back({.body = ToBytes(bytes), .is_raw = true});
+}
+void Visa::Rule(std::uint16_t command, std::uint8_t id, std::uint16_t status, std::uint8_t type,
+                std::int32_t times) {
+  const std::lock_guard lock(mutex);
+  script.rules.push_front({command, id, type, times, {.status = status}});
+}
+void Visa::RuleBody(std::uint16_t command, std::uint8_t id, View body, std::uint8_t type,
+                    std::int32_t times) {
+  const std::lock_guard lock(mutex);
+  script.rules.push_front({command, id, type, times, {.body = ToBytes(body)}});
+}
+void Visa::CompleteData(View body, char format, std::uint16_t status) {
+  const std::lock_guard lock(mutex);
+  script.blocks.push_back({.status = status, .body = ToBytes(body), .format = format});
+  script.SendBlock();
+}
+void Visa::SetNumbering(Numbering* numbering) {
+  const std::lock_guard lock(mutex);
+  script.numbering = numbering;
+}
+void Visa::SpoilAnswer(const Spoiling& spoiling) {
+  const std::lock_guard lock(mutex);
+  script.spoiling = spoiling;
+}
+bool Visa::LinkIsBack() {
+  const std::lock_guard lock(mutex);
+  script.spoilt.reset();
+  return !std::exchange(script.spoiling, std::nullopt);
+}
+std::size_t Visa::OpenSessions() const {
+  const std::lock_guard lock(mutex);
+  return script.sessions.size();
+}
+const Call* Visa::CallAt(std::size_t index) const {
+  const std::lock_guard lock(mutex);
+  return index < script.record.size() ? &script.record[index] : nullptr;
+}
+void Visa::ClearRecord() {
+  const std::lock_guard lock(mutex);
+  script.record.clear();
+}
+
 }  // namespace scripted
 
-using scripted::Call;
 using scripted::Function;
-using scripted::TheScript;
+using scripted::Play;
+using scripted::script;
 
 extern "C" {
 
-ZK_VISA_EXPORT scripted::Control* ScriptedVisaControl() { return &TheScript(); }
-
 ViStatus viOpenDefaultRM(ViSession* manager) {
-  return TheScript().Run({Function::kOpenDefaultRM}, [&](Call&) {
-    *manager = scripted::kManagerSession;
+  return Play({Function::kOpenDefaultRM}, [&] {
+    *manager = 0;
     return VI_SUCCESS;
   });
 }
 ViStatus viOpen(ViSession, const char* name, ViAccessMode mode, ViUInt32 timeout,
                 ViSession* session) {
+  static ViSession last_session = 0;  // one that was forgotten may still be closed
   const Bytes bytes(name, name + std::strlen(name));
-  return TheScript().Run({Function::kOpen, 0, std::uint64_t{mode} << 16 | timeout, 0, bytes},
-                         [&](Call& call) {
-                           const ViStatus result = TheScript().Open(*session);
-                           call.session = *session;
-                           return result;
-                         });
+  return Play({Function::kOpen, std::uint64_t{mode} << 16 | timeout, bytes}, [&] {
+    script.spoilt.reset();
+    script.to_read.clear();
+    script.sessions.insert(*session = ++last_session);
+    return VI_SUCCESS;
+  });
 }
 ViStatus viClose(ViObject object) {
-  return TheScript().Run({Function::kClose, object}, [&](Call&) {
-    TheScript().sessions.erase(object);
+  return Play({Function::kClose}, [&] {
+    script.sessions.erase(object);
     return VI_SUCCESS;
   });
 }
-ViStatus viSetAttribute(ViObject object, ViAttr attribute, ViAttrState value) {
-  return TheScript().Run({Function::kSetAttribute, object, value}, [&](Call&) {
+ViStatus viSetAttribute(ViObject, ViAttr attribute, ViAttrState value) {
+  return Play({Function::kSetAttribute, value}, [&] {
     if (attribute != VI_ATTR_TMO_VALUE) return VI_ERROR_NSUP_ATTR;
-    TheScript().timeout = static_cast<std::uint32_t>(value);
+    script.timeout = static_cast<ViUInt32>(value);
     return VI_SUCCESS;
   });
 }
-ViStatus viGetAttribute(ViObject object, ViAttr attribute, void* value) {
-  return TheScript().Run({Function::kGetAttribute, object}, [&](Call&) {
+ViStatus viGetAttribute(ViObject, ViAttr attribute, void* value) {
+  return Play({Function::kGetAttribute}, [&] {
     if (attribute != VI_ATTR_TMO_VALUE) return VI_ERROR_NSUP_ATTR;
-    *static_cast<ViUInt32*>(value) = TheScript().timeout;
+    *static_cast<ViUInt32*>(value) = script.timeout;
     return VI_SUCCESS;
   });
 }
-ViStatus viRead(ViSession session, ViByte* buffer, ViUInt32 count, ViUInt32* returned) {
+ViStatus viRead(ViSession, ViByte* buffer, ViUInt32 count, ViUInt32* returned) {
   *returned = 0;
-  return TheScript().Run({Function::kRead, session, count}, [&](Call& call) {
-    const ViStatus result = TheScript().Read(buffer, count, *returned);
-    call.bytes.assign(buffer, buffer + *returned);
-    return result;
+  return Play({Function::kRead}, [&] { return script.Read({buffer, count}, *returned); });
+}
+ViStatus viWrite(ViSession, const ViByte* buffer, ViUInt32 count, ViUInt32* returned) {
+  *returned = 0;
+  return Play({Function::kWrite, 0, Bytes(buffer, buffer + count)}, [&] {
+    *returned = count;
+    script.TakeRequests({buffer, count});
+    return VI_SUCCESS;
   });
 }
-ViStatus viWrite(ViSession session, const ViByte* buffer, ViUInt32 count, ViUInt32* returned) {
-  *returned = 0;
-  return TheScript().Run({Function::kWrite, session, count, 0, scripted::ToBytes({buffer, count})},
-                         [&](Call& call) {
-                           *returned = count;
-                           TheScript().TakeRequests(call.bytes);
-                           return VI_SUCCESS;
-                         });
+ViStatus viClear(ViSession) {
+  return Play({Function::kClear}, [] { return script.Clear(); });
 }
-ViStatus viClear(ViSession session) {
-  return TheScript().Run({Function::kClear, session}, [](Call&) { return TheScript().Clear(); });
-}
-ViStatus viStatusDesc(ViObject object, ViStatus status, char* description) {
-  const auto bits = static_cast<std::uint32_t>(status);
-  return TheScript().Run({Function::kStatusDesc, object, bits}, [&](Call&) {
+ViStatus viStatusDesc(ViObject, ViStatus status, char* description) {
+  return Play({Function::kStatusDesc}, [&] {
+    const auto bits = static_cast<std::uint32_t>(status);
     std::snprintf(description, 256, "text of %02X %02X %02X %02X", bits >> 24, bits >> 16 & 0xFF,
                   bits >> 8 & 0xFF, bits & 0xFF);
     return VI_SUCCESS;

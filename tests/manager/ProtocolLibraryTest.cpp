@@ -54,7 +54,7 @@ TEST_F(ProtocolLibraryTest, RefusalEndsTheSession) {
   Load(ZK_PROTOCOL_REFUSES);
   EXPECT_EQ(Initialize(), 5) << "everything but 0";
   EXPECT_FALSE(manager_.IsConnected());
-  EXPECT_EQ(visa_.control().OpenSessions(), 0U);
+  EXPECT_EQ(visa_.OpenSessions(), 0U);
   EXPECT_EQ(Calls(), "Open(0) Load(4711Protocol.xml) Close(4711) ");
 }
 

@@ -31,13 +31,13 @@ TEST_F(ManagerTest, ConnectionByteForByte) {
                                           "AA 55 03 00 00 80 04 00 01 20 00 00 02 00 00 00",
                                           "17 00 FB FF",
                                           "AA 55 04 00 00 80 66 00 64 10 0F 00 03 00 00 00"};
-  for (std::size_t i = 0; i < first.size(); ++i) EXPECT_EQ(ToHex(writes[i].bytes), first[i]);
+  for (std::size_t i = 0; i < first.size(); ++i) EXPECT_EQ(ToHex(writes[i]->bytes), first[i]);
   for (std::size_t i = 0; i < writes.size(); i += 2) {
-    EXPECT_EQ(writes[i].bytes[12], i / 2 + 1) << "number of the message";
+    EXPECT_EQ(writes[i]->bytes[12], i / 2 + 1) << "number of the message";
   }
   const auto opened = visa_.Calls(Function::kOpen);
   ASSERT_EQ(opened.size(), 1U);
-  EXPECT_EQ(opened[0].value, (std::uint64_t{5} << 16) + 1000) << "locked, within a second";
+  EXPECT_EQ(opened[0]->value, (std::uint64_t{5} << 16) + 1000) << "locked, within a second";
   EXPECT_TRUE(manager_.IsConnected());
   EXPECT_TRUE(ErrorRecords().empty());
 }
@@ -46,7 +46,7 @@ TEST_F(ManagerTest, CloseSwitchesTheOutputOffThenClosesTheSession) {
   Open();
   EXPECT_EQ(manager_.Close(), 0);
   EXPECT_THAT(visa_.Requests(), ElementsAre(kSwitchOff));
-  EXPECT_EQ(visa_.control().OpenSessions(), 0U);
+  EXPECT_EQ(visa_.OpenSessions(), 0U);
   EXPECT_FALSE(manager_.IsConnected());
   EXPECT_EQ(manager_.Close(), Status::kNoSession);
   EXPECT_EQ(manager_.SetFrequency(1e9), Status::kNoSession);
@@ -62,7 +62,7 @@ TEST_F(ManagerTest, SecondInitializeEndsTheFirstSessionAndStartsFromDefaults) {
   StartMeasuring();
   ASSERT_EQ(Initialize("", "TCPIP0::hostB::5025::SOCKET"), 0);
   EXPECT_EQ(visa_.Requests()[1], kSwitchOff) << "the old output goes off first";
-  EXPECT_EQ(visa_.control().OpenSessions(), 1U);
+  EXPECT_EQ(visa_.OpenSessions(), 1U);
   EXPECT_EQ(manager_.GetFrequency(), 1e7);
   EXPECT_EQ(manager_.GetChannel(1).offset, 0.0);
   EXPECT_FALSE(HasList(kFrequencyListId));
@@ -114,7 +114,7 @@ TEST_F(ManagerTest, DestructionSwitchesTheOutputOff) {
     visa_.ClearRecord();
   }
   EXPECT_THAT(visa_.Requests(), ElementsAre(kSwitchOff));
-  EXPECT_EQ(visa_.control().OpenSessions(), 0U);
+  EXPECT_EQ(visa_.OpenSessions(), 0U);
 }
 
 TEST_F(ManagerTest, FirmwareIsNewerForEveryDatedProgram) {
@@ -161,7 +161,7 @@ TEST_P(InitializeTest, EndsAsItMust) {
     EXPECT_THAT(order, testing::Not(testing::Contains(request)));
   }
   EXPECT_EQ(manager_.IsConnected(), connected);
-  EXPECT_EQ(visa_.control().OpenSessions(), connected ? 1U : 0U);
+  EXPECT_EQ(visa_.OpenSessions(), connected ? 1U : 0U);
   EXPECT_EQ(manager_.Close(), connected ? Status::kOk : Status::kNoSession);
 }
 
