@@ -1,82 +1,49 @@
 // Answers on the wire: any operation of the model against any bytes.
-#include <numeric>
-
 #include "fuzz/Model.h"
+#include "tests/link/Operations.h"
 
-using namespace k4n;
-using namespace measurement;
+using namespace operations;
+using measurement::ReadingFormat;
 
 namespace {
 
-/// What operations read and write.
-struct Arguments {
-  std::array<double, 200> v{};
-  std::array<double, 200> gaps{};
-  LevelSettings level;
-  StepSettings sweep;
-  TriggerElements trigger;
-  PulseSource source{};
-  bool flag = true;
-  std::int32_t factor = 3;
-  std::uint32_t number = 1;
-  std::string text;
-  std::array<std::uint32_t, 3> elements{};
-  std::vector<std::uint8_t> buffer = std::vector<std::uint8_t>(65535);
-};
+std::vector<std::uint8_t> buffer(65535);
 
-/// Every operation, each with arguments of its own.
-constexpr void (*kOperations[])(D3THardWare& model, Arguments& a) = {
-    [](D3THardWare& m, Arguments&) { m.Initialize(); },
-    [](D3THardWare& m, Arguments&) { m.Recover(); },
-    [](D3THardWare& m, Arguments& a) { m.QueryInstrumentKind(a.number = 18); },
-    [](D3THardWare& m, Arguments& a) { m.ReadOutputState(a.level, a.v[0]); },
-    [](D3THardWare& m, Arguments& a) { m.SetCwFrequency(a.v[0]); },
-    [](D3THardWare& m, Arguments& a) { m.SetFrequencySweep(a.sweep); },
-    [](D3THardWare& m, Arguments& a) {
-      m.SetOutputLevel(a.level, a.v[0]);
-      m.SetPowerSweep(a.level, a.sweep);
+/// Beside those that are one transaction: what takes several of them, or has no arguments of
+/// numbers alone.
+const std::vector<decltype(Operation::run)> kOthers = {
+    Calling(&D::Initialize),
+    Calling(&D::Recover),
+    Calling(&D::SetCwFrequency, 1.0),
+    Calling(&D::SetFrequencySweep, StepSettings{0, 1, 2}),
+    [](D& model, Values& values) {
+      Calling(&D::SetOutputLevel, LevelSettings{}, 1.0)(model, values);
+      return Calling(&D::SetPowerSweep, LevelSettings{}, StepSettings{0, 1, 2})(model, values);
     },
-    [](D3THardWare& m, Arguments& a) { m.TransferList(ListAxis::kFrequency, a.v, {}); },
-    [](D3THardWare& m, Arguments& a) { m.TransferList(ListAxis::kPower, a.v, {}); },
-    [](D3THardWare& m, Arguments& a) { m.SetDwell(a.v[0]); },
-    [](D3THardWare& m, Arguments& a) { m.SetDwellThousands(a.v[0]); },
-    [](D3THardWare& m, Arguments& a) { m.SetAveraging(a.factor); },
-    [](D3THardWare& m, Arguments& a) {
-      m.SetTriggerInput(1, a.trigger);
-      m.SetTriggerOutput(0, a.trigger);
+    Calling(&D::TransferList, ListAxis::kFrequency, Values(200, 1), LevelSettings{}),
+    Calling(&D::TransferList, ListAxis::kPower, Values(200, 1), LevelSettings{}),
+    Calling(&D::TransferPulseTrain, 2U, PulseSource{}, Values(200, 1), Values(200, 2), false),
+    Calling(&D::TransferFrequencyTable, Values(200, 1)),
+    Calling(&D::ReadPllState, true),
+    Calling(&D::ReadErgState, true),
+    Calling(&D::ReadLevelState, true),
+    [](D& model, Values&) {
+      std::string text;
+      model.ReadInstrumentFile("\\FRAM\\TYPE.TXT", text);
+      return model.QuerySerialNumber(text);
     },
-    [](D3THardWare& m, Arguments& a) { m.TransferPulseTrain(2, a.source, a.v, a.gaps, false); },
-    [](D3THardWare& m, Arguments& a) { m.SetSyncGenerator(a.v[0], a.v[1], a.v[2]); },
-    [](D3THardWare& m, Arguments& a) { m.SetExternalReference(a.flag, a.v[0]); },
-    [](D3THardWare& m, Arguments& a) { m.SetPhaseDelay(a.v[0]); },
-    [](D3THardWare& m, Arguments& a) { m.SetCompensationMode(a.number); },
-    [](D3THardWare& m, Arguments& a) {
-      m.ReadRfButton(a.flag);
-      m.ReadPllState(a.flag);
-      m.ReadErgState(a.flag);
-      m.ReadLevelState(a.flag);
+    [](D& model, Values&) {
+      const auto [status, block] = model.ReadDataBlock(buffer, ReadingFormat::kFractional);
+      fuzz::Require(block.body.size() <= buffer.size());
+      return status;
     },
-    [](D3THardWare& m, Arguments& a) {
-      m.ReadInstrumentFile("\\FRAM\\TYPE.TXT", a.text);
-      m.QuerySerialNumber(a.text);
-    },
-    [](D3THardWare& m, Arguments& a) {
-      fuzz::Require(m.ReadDataBlock(a.buffer, ReadingFormat::kFractional).value.body.size() <=
-                    a.buffer.size());
-    },
-    [](D3THardWare& m, Arguments& a) {
-      const auto buffer = std::span(a.buffer).first(1202);
-      for (int poll = 0; poll < 8; ++poll) {
-        fuzz::Require(m.PollDataBlock(buffer, ReadingFormat::kInteger).value.body.size() <=
-                      buffer.size());
+    [](D& model, Values&) {
+      const auto part = std::span(buffer).first(1202);
+      for (int poll = 0; poll < 7; ++poll) {
+        fuzz::Require(model.PollDataBlock(part, ReadingFormat::kInteger).value.body.size() <=
+                      part.size());
       }
-    },
-    [](D3THardWare& m, Arguments& a) { m.TransferFrequencyTable(a.v); },
-    [](D3THardWare& m, Arguments& a) {
-      m.WritePulseTrainFixed(a.elements);
-      m.WriteSwitchSetting(a.flag, a.elements[0]);
-      m.WriteScaledSetting(a.v[0], a.elements[1], a.v[1]);
-      m.WriteFixedConfiguration(true);
+      return model.Recover();
     },
 };
 
@@ -101,11 +68,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     model.script().AnswerRaw(input.rest());
     model.EndSilence();
   }
-  Arguments arguments;
-  std::iota(arguments.v.begin(), arguments.v.end(), 0.0);
-  arguments.gaps = arguments.v;
-  arguments.sweep = {0.0, 1.0, 2.0};
-  kOperations[(selector & 0x7F) % std::size(kOperations)](*model, arguments);
+  const std::size_t operation = (selector & 0x7F) % (kOthers.size() + kOperations.size());
+  const bool is_other = operation < kOthers.size();
+  auto run = is_other ? kOthers[operation] : kOperations[operation - kOthers.size()].run;
+  Values values;
+  run(*model, values);
   model.RequireThatItWorks();
   return 0;
 }

@@ -1,148 +1,14 @@
 // Every operation of the model: its exact request, what it makes of the answer, a refusal, a lost
 // link.
-#include <functional>
+#include "tests/link/Operations.h"
 
 #include "tests/link/LinkFixture.h"
 
 namespace {
 
+using operations::Operation;
+using operations::Values;
 using testing::ElementsAre;
-using Values = std::vector<double>;
-
-struct Operation : Row {
-  /// Runs it; the values afterwards go to the vector.
-  std::function<Status(D3THardWare&, Values&)> run;
-  std::vector<Request> requests;
-  std::vector<Values> answers;  // the elements, status 0; none: the request's own
-  Values values;
-};
-
-/// Calls an operation of these arguments, which are the values afterwards.
-template <typename... Args, typename... Given>
-auto Calling(Status (D3THardWare::*operation)(Args&...), Given... given) {
-  return [operation, arguments = std::tuple<Args...>(given...)](D3THardWare& model,
-                                                                Values& values) mutable {
-    return std::apply(
-        [&](Args&... argument) {
-          const Status result = (model.*operation)(argument...);
-          values = {static_cast<double>(argument)...};
-          return result;
-        },
-        arguments);
-  };
-}
-auto Averaging(std::int32_t factor, AveragingFeatures features) {
-  return [=](D3THardWare& model, Values& values) mutable {
-    const Status result = model.SetAveraging(factor, features);
-    values = {static_cast<double>(factor)};
-    return result;
-  };
-}
-auto Trigger(Status (D3THardWare::*operation)(unsigned, TriggerElements&), unsigned group,
-             TriggerElements elements) {
-  return [=](D3THardWare& model, Values& values) mutable {
-    const Status result = (model.*operation)(group, elements);
-    values = {double(elements.code), double(elements.edge), double(elements.value),
-              double(elements.flag), double(elements.last)};
-    return result;
-  };
-}
-auto List(ListAxis axis, const Values& list, LevelSettings settings = {}) {
-  return [=](D3THardWare& model, Values& values) {
-    values = list;
-    return model.TransferList(axis, values, settings);
-  };
-}
-
-Status ReadOutputState(D3THardWare& model, Values& values) {
-  LevelSettings settings;
-  double level = 0;
-  const Status result = model.ReadOutputState(settings, level);
-  values = {double(settings.level_control), double(settings.atten_mode), double(settings.further_1),
-            double(settings.further_2), level};
-  return result;
-}
-Status WritePulseTrainFixed(D3THardWare& model, Values& values) {
-  std::array<std::uint32_t, 3> elements = {1, 2, 0xFFFFFFFF};
-  const Status result = model.WritePulseTrainFixed(elements);
-  values.assign(elements.begin(), elements.end());
-  return result;
-}
-template <bool flag>
-Status WriteFixedConfiguration(D3THardWare& model, Values&) {
-  return model.WriteFixedConfiguration(flag);
-}
-Status TransferFrequencyTable(D3THardWare& model, Values& values) {
-  values = {1.5, -0.25};
-  return model.TransferFrequencyTable(values);
-}
-Status TransferPulseTrain(D3THardWare& model, Values& values) {
-  PulseSource source{};
-  std::array<double, 1> width = {100};
-  std::array<double, 1> gap = {200};
-  const Status result = model.TransferPulseTrain(2, source, width, gap, true);
-  values = {double(source), width[0], gap[0]};
-  return result;
-}
-
-// clang-format off
-using D = D3THardWare;
-const std::vector<Operation> kOperations = {
-    {"DwellIsNanosecondsWithSelectorZero", Calling(&D::SetDwell, 5e8),
-     {Write(5, 0x40, 2, "00 00 00 00 | 00 65 CD 1D"_hex)}, {{0, 1000}}, {1000}},
-    {"DwellThousandsScalesBothWays", Calling(&D::SetDwellThousands, 2.5),
-     {Write(5, 0x40, 2, "00 00 00 00 | C4 09 00 00"_hex)}, {{0, 3000}}, {3}},
-    {"AveragingClampsAbove14AndSendsMaskFirst", Averaging(20, {}),
-     {Write(23, 0x20, 1, "FF FF"_hex), Write(4, 0x10, 1, "0E 00"_hex)}, {{0xFFFF}, {12}}, {12}},
-    {"AveragingClampsBelow1AndClearsEachMaskBit", Averaging(0, {true, false, false, false}),
-     {Write(23, 0x20, 1, "C3 FF"_hex), Write(4, 0x10, 1, "01 00"_hex)}, {}, {1}},
-    {"TriggerInputKeepsTheOtherGroup", Trigger(&D::SetTriggerInput, 1, {3, true, 255, 1, 2}),
-     {Read(7, 0x10, 10), Write(7, 0x10, 10, "01 02 03 04 05 | 03 01 FF 01 02"_hex)},
-     {{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, {1, 2, 3, 4, 5, 2, 0, 128, 4, 5}}, {2, 0, 128, 4, 5}},
-    {"TriggerOutputFirstGroup", Trigger(&D::SetTriggerOutput, 0, {5, true, 3, 0, 0}),
-     {Read(8, 0x10, 10), Write(8, 0x10, 10, "05 01 03 00 00 | 06 07 08 09 0A"_hex)},
-     {{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, {4, 2, 2, 0, 0, 6, 7, 8, 9, 10}}, {4, 1, 2, 0, 0}},
-    {"SyncGeneratorCarriesOffTime", Calling(&D::SetSyncGenerator, 1000, 2000, 3000),
-     {Write(37, 0x40, 3, "E8 03 00 00 | D0 07 00 00 | B8 0B 00 00"_hex)},
-     {{1001, 2001, 3001}}, {1001, 2001, 3001}},
-    {"ExternalReference", Calling(&D::SetExternalReference, true, 1e7),
-     {Write(17, 0x40, 2, "01 00 00 00 | 80 96 98 00"_hex)}, {{0, 5e6}}, {0, 5e6}},
-    {"PhaseDelayIsSignedFixedPoint", Calling(&D::SetPhaseDelay, -1.5),
-     {Write(92, 0x42, 1, "00 80 FE FF"_hex)}, {{0.25}}, {0.25}},
-    {"CompensationModeIsNotChecked", Calling(&D::SetCompensationMode, 9U),
-     {Write(11, 0x20, 1, "09 00"_hex)}, {{4}}, {4}},
-    {"KindIsTheInstrumentsOwn", Calling(&D::QueryInstrumentKind, 18U),
-     {Write(3, 0x20, 1, "12 00"_hex)}, {{2}}, {2}},
-    {"RfButtonCarriesIdentifierInHeader", Calling(&D::ReadRfButton, false),
-     {Read(34, 0x20, 1)}, {{256}}, {1}},
-    {"OutputStateOfWideForm", ReadOutputState, {Read(79, 0x62, 5)}, {{1, 2, 3, 4, -10.5}},
-     {1, 2, 3, 4, -10.5}},
-    {"FixedPulseTrain", WritePulseTrainFixed,
-     {Write(31, 0x40, 3, "01 00 00 00 | 02 00 00 00 | FF FF FF FF"_hex)}, {{4, 5, 6}}, {4, 5, 6}},
-    {"SwitchSettingHasZeroInTheMiddle", Calling(&D::WriteSwitchSetting, true, 0x1234U),
-     {Write(9, 0x20, 3, "01 00 | 00 00 | 34 12"_hex)}, {{0, 0, 0x1235}}, {0, 0x1235}},
-    {"ScaledSettingIsHertzAndSixteenBits", Calling(&D::WriteScaledSetting, 10, 7U, -1.5),
-     {Write(27, 0x40, 3, "80 96 98 00 | 07 00 00 00 | 80 FE 00 00"_hex)},
-     {{1e6, 8, 0xFF00}}, {1, 8, -1}},
-    {"FixedConfiguration", WriteFixedConfiguration<true>,
-     {Write(28, 0x10, 4, "03 00 05 03"_hex)}, {}, {}},
-    {"FixedConfigurationWithoutFlag", WriteFixedConfiguration<false>,
-     {Write(28, 0x10, 4, "02 00 05 03"_hex)}, {}, {}},
-    {"FrequencyTableHasOneFractionalByte", TransferFrequencyTable,
-     {Write(26, 0x21, 2, "80 01 | C0 FF"_hex)}, {{2, 1}}, {2, 1}},
-    {"FrequencyListOfTwo", List(ListAxis::kFrequency, {1e9, 2e10}),
-     {Write(2, 0x60, 0, "00 00 00 00 00 00 | 02 00 00 00 00 00 | 00 CA 9A 3B 00 00 |"
-                        "00 C8 17 A8 04 00"_hex)},
-     {{0, 2, 1e9 + 1, 2e10 + 1}}, {1e9 + 1, 2e10 + 1}},
-    {"PowerListCarriesLevelSettings",
-     List(ListAxis::kPower, {-60.5}, {1, AttenMode::kOptimumSwr, 7}),
-     {Write(76, 0x42, 4, "00 00 01 00 | 00 00 03 00 | 00 00 00 00 | 00 00 00 00 | 00 00 00 00 |"
-                         "00 00 01 00 | 00 80 C3 FF"_hex)}, {{1, 3, 0, 0, 0, 1, -60}}, {-60}},
-    {"PulseTrainBeforeConnectionHasNoPolarity", TransferPulseTrain,
-     {Write(31, 0x40, 2, "02 00 00 00 | 03 00 00 00 | 00 00 00 00 | 01 00 00 00 | 64 00 00 00 |"
-                         "C8 00 00 00"_hex)}, {{2, 2, 0, 1, 101, 201}}, {1, 101, 201}},
-};
-// clang-format on
 
 class OperationTest : public LinkTest, public testing::WithParamInterface<Operation> {
  protected:
@@ -171,7 +37,8 @@ TEST_P(OperationTest, ReturnsRefusalAfterRecoveringButLostLinkWithout) {
   EXPECT_EQ(visa_.Requests().size(), 1U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Settings, OperationTest, testing::ValuesIn(kOperations), RowName());
+INSTANTIATE_TEST_SUITE_P(Settings, OperationTest, testing::ValuesIn(operations::kOperations),
+                         RowName());
 
 TEST_F(LinkTest, NoticeOfAWriteIsZeroAndStaysInTheParameter) {
   HardWareParametr parameter({.identifier = 4, .element_count = 1, .element_size = 1});
