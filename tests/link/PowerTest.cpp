@@ -8,39 +8,56 @@ using testing::ElementsAre;
 constexpr std::uint16_t kNo = 0x8003;  // the form is not known
 const LevelSettings kLevelSettings{1, AttenMode::kMinHarmonics, 3, 4};
 
+class PowerTest : public LinkTest {
+ protected:
+  Status SetLevel() { return model_.SetOutputLevel(settings_, level_); }
+
+  LevelSettings settings_ = kLevelSettings;
+  double level_ = -10.5;
+};
+
 struct VariantCase : Row {
   /// Of the probe's writes in their order; a negative one is followed by a recovery.
   std::vector<std::uint16_t> statuses;
   const char* writes;  // probe, then the level itself; of parameter 79 unless said otherwise
   std::uint32_t variant;
+  bool is_settled =
+      true;  // else an answer told nothing of the form, and the next level probes again
 };
 
-class VariantTest : public LinkTest, public testing::WithParamInterface<VariantCase> {};
+class VariantTest : public PowerTest, public testing::WithParamInterface<VariantCase> {};
 
-TEST_P(VariantTest, ProbesOnceAndThenSpeaksTheVariant) {
+TEST_P(VariantTest, ProbesUntilTheInstrumentHasToldAndThenSpeaksTheVariant) {
   Answer(GetParam().statuses);
-  LevelSettings settings = kLevelSettings;
-  double level = -10.5;
-  EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
+  EXPECT_EQ(SetLevel(), 0);
   std::string writes;
   for (const std::string& name : visa_.RequestOrder()) {
     if (name != "1") writes += ' ' + name.substr(name.starts_with("3:79/") ? 5 : 0);
   }
   EXPECT_EQ(writes.substr(1), GetParam().writes);
   EXPECT_EQ(model_.power_variant(), GetParam().variant);
-  EXPECT_EQ(level, -10.5);
+  EXPECT_EQ(level_, -10.5);
 
   const Request last = visa_.Requests().back();
   visa_.ClearRecord();
-  EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
-  EXPECT_THAT(visa_.Requests(), ElementsAre(last));
+  EXPECT_EQ(SetLevel(), 0);
+  if (GetParam().is_settled) {
+    EXPECT_THAT(visa_.Requests(), ElementsAre(last));
+  } else {
+    EXPECT_THAT(visa_.RequestOrder(), ElementsAre("3:79/62x5", "3:79/62x8", "3:79/62x5"));
+    EXPECT_EQ(model_.power_variant(), 5U);
+  }
 }
 
+constexpr std::uint16_t kPll = 0x8007;
+constexpr std::uint16_t kErg = 0x801C;
+constexpr std::uint16_t kOther = 0x8002;
 const std::vector<VariantCase> kVariantCases = {
     {"Five", {0, 0}, "62x5 62x8 62x5", 5},
     {"FiveUnusableStaysThree", {0, 2}, "62x5 62x8 62x5", 3},
     {"NoticeIsAccepted", {1, 3}, "62x5 62x8 62x5", 5},
     {"Three", {0, kNo}, "62x5 62x8 62x5", 3},
+    {"ThreeByAnyFailure", {0, kPll}, "62x5 62x8 62x5", 3},
     {"Four", {kNo, 0, 0}, "62x5 42x5 42x8 42x5", 4},
     {"FourUnusableIsTwo", {kNo, 0, 2}, "62x5 42x5 42x8 42x5", 2},
     {"TwoByLongForm", {kNo, 0, kNo, 0}, "62x5 42x5 42x8 42x7 42x5", 2},
@@ -50,71 +67,42 @@ const std::vector<VariantCase> kVariantCases = {
     {"One", {kNo, kNo, 0}, "62x5 42x5 3:12/21x2 3:12/42x2", 1},
     {"ZeroOnlyAtTheSecondTry", {kNo, kNo, kNo, 0}, "62x5 42x5 3:12/21x2 3:12/21x2 3:12/21x2", 0},
     {"NothingAcceptedStaysThree", {kNo, kNo, kNo, kNo}, "62x5 42x5 3:12/21x2 3:12/21x2 62x5", 3},
+    {"NothingKnownStaysThree", {kOther, kNo, kOther, kNo}, "62x5 42x5 3:12/21x2 3:12/21x2 62x5", 3},
+    {"Unlocked", {kPll, kPll, kPll, kPll}, "62x5 42x5 3:12/21x2 3:12/21x2 62x5", 3, false},
+    {"UnlockedAtFirst", {kPll, 0, 0}, "62x5 42x5 42x8 42x5", 4, false},
+    {"UnlockedAtLast", {kNo, kOther, kNo, kPll}, "62x5 42x5 3:12/21x2 3:12/21x2 62x5", 3, false},
+    {"UnlockedInTheMiddle",
+     {kOther, kNo, kPll, 0},
+     "62x5 42x5 3:12/21x2 3:12/21x2 3:12/21x2",
+     0,
+     false},
+    {"FaultAtFirst", {kErg, kNo, kNo, kNo}, "62x5 42x5 3:12/21x2 3:12/21x2 62x5", 3, false},
 };
 INSTANTIATE_TEST_SUITE_P(Variants, VariantTest, testing::ValuesIn(kVariantCases), RowName());
 
-TEST_F(LinkTest, LongFormIsProbedWithOnePoint) {
+TEST_F(PowerTest, LongFormIsProbedWithOnePoint) {
   Answer({kNo, 0, kNo, 0});
-  LevelSettings settings;
-  double level = -10.5;
-  EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
-  EXPECT_EQ(visa_.Requests()[5], Write(79, 0x42, {0, 0, 0, 0, -10.5, 1, 0}));
+  EXPECT_EQ(SetLevel(), 0);
+  EXPECT_EQ(visa_.Requests()[5], Write(79, 0x42, {1, 2, 3, 4, -10.5, 1, 0}));
 }
 
-/// An answer that tells nothing of the form does not settle the variant.
-TEST_F(LinkTest, ProbeIsRepeatedUntilTheInstrumentHasTold) {
-  constexpr std::uint16_t kPllUnlocked = 0x8007;
-  constexpr std::uint16_t kErgFault = 0x801C;
-  struct Case {
-    std::vector<std::uint16_t> statuses;  // of the first level's probe
-    std::uint32_t variant;
-    bool is_settled;
-  };
-  const Case rows[] = {
-      {{kPllUnlocked, kPllUnlocked, kPllUnlocked, kPllUnlocked}, 3, false},
-      {{kErgFault, kNo, kNo, kNo}, 3, false},
-      {{kNo, 0x8002, kNo, kPllUnlocked}, 3, false},
-      {{kPllUnlocked, 0, 0}, 4, false},
-      {{0x8002, kNo, kPllUnlocked, 0}, 0, false},
-      {{0x8002, kNo, 0x8002, kNo}, 3, true},
-      {{0, kPllUnlocked}, 3, true},
-  };
-  for (const Case& row : rows) {
-    D3THardWare model(exchanger_);
-    LevelSettings settings;
-    double level = 0;
-    Answer(row.statuses);
-    EXPECT_EQ(model.SetOutputLevel(settings, level), 0);
-    EXPECT_EQ(model.power_variant(), row.variant);
-    visa_.ClearRecord();
-    EXPECT_EQ(model.SetOutputLevel(settings, level), 0);
-    EXPECT_EQ(visa_.RequestOrder().size(), row.is_settled ? 1U : 3U);
-    EXPECT_EQ(model.power_variant(), row.is_settled ? row.variant : 5U);
-  }
-}
-
-TEST_F(LinkTest, LevelAndItsSettingsAreTakenFromTheAnswerBehindTheProbe) {
-  LevelSettings settings = kLevelSettings;
-  double level = -10.5;
+TEST_F(PowerTest, LevelAndItsSettingsAreTakenFromTheAnswerBehindTheProbe) {
   Answer({0, 0});
   visa_.Answer(0, Body(79, 0x62, {0, 5, 6, 7, -10}));
-  EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
-  EXPECT_EQ(level, -10.0);
-  EXPECT_EQ(settings.level_control, 0U);
-  EXPECT_EQ(settings.atten_mode, AttenMode::kCare);
-  EXPECT_EQ(settings.further_1, 6U);
-  EXPECT_EQ(settings.further_2, 7U);
+  EXPECT_EQ(SetLevel(), 0);
+  EXPECT_EQ(level_, -10.0);
+  EXPECT_EQ(settings_.level_control, 0U);
+  EXPECT_EQ(settings_.atten_mode, AttenMode::kCare);
+  EXPECT_EQ(settings_.further_1, 6U);
+  EXPECT_EQ(settings_.further_2, 7U);
 }
 
-TEST_F(LinkTest, LostLinkEndsTheProbeWhichIsMadeAgain) {
+TEST_F(PowerTest, LostLinkEndsTheProbeWhichIsMadeAgain) {
   visa_.SetResult(scripted::Function::kRead, 0xBFFF00A6, 1);
-  LevelSettings settings;
-  double level = 0;
-  EXPECT_EQ(model_.SetOutputLevel(settings, level), scripted::kConnectionLost);
+  EXPECT_EQ(SetLevel(), scripted::kConnectionLost);
   EXPECT_EQ(visa_.Requests().size(), 1U);
-  visa_.Reset();
-  EXPECT_EQ(model_.SetOutputLevel(settings, level), 0);
-  EXPECT_EQ(visa_.Requests().size(), 3U);
+  EXPECT_EQ(SetLevel(), 0);
+  EXPECT_EQ(visa_.Requests().size(), 4U);
 }
 
 // --- Levels and sweeps by variant
@@ -127,7 +115,7 @@ struct SweepCase {
   std::size_t count;  // of its elements
 };
 
-TEST_F(LinkTest, LevelStateAndSweepHaveTheirVariantsForms) {
+TEST_F(PowerTest, LevelStateAndSweepHaveTheirVariantsForms) {
   const SweepCase rows[] = {
       {0, {kNo, kNo, kNo, 0}, "4:12/21x2", 0, 0, 0},   {1, {kNo, kNo, 0}, "4:12/21x2", 12, 0x42, 4},
       {2, {kNo, 0, 0x8005}, "4:79/42x5", 79, 0x42, 7}, {3, {0, kNo}, "4:79/62x5", 79, 0x62, 7},
@@ -165,7 +153,7 @@ TEST_F(LinkTest, LevelStateAndSweepHaveTheirVariantsForms) {
   }
 }
 
-TEST_F(LinkTest, DownwardPowerSweepTakesNegativeStepAndCountIsBounded) {
+TEST_F(PowerTest, DownwardPowerSweepTakesNegativeStepAndCountIsBounded) {
   struct Case {
     StepSettings sweep;
     double points;
@@ -174,16 +162,15 @@ TEST_F(LinkTest, DownwardPowerSweepTakesNegativeStepAndCountIsBounded) {
   for (Case row : {Case{{-50, -60, 1}, 11, -1}, Case{{-50, -60, -1}, 11, -1},
                    Case{{-60, -50, 0}, 1, 0}, Case{{-60, -50, 1e-9}, 32767, 0}}) {
     visa_.ClearRecord();
-    LevelSettings settings;
-    const Request sent = Write(79, 0x62, {0, 0, 0, 0, row.sweep.start, row.points, row.step});
-    EXPECT_EQ(model_.SetPowerSweep(settings, row.sweep), 0);
+    const Request sent = Write(79, 0x62, {1, 2, 3, 4, row.sweep.start, row.points, row.step});
+    EXPECT_EQ(model_.SetPowerSweep(settings_, row.sweep), 0);
     EXPECT_THAT(visa_.Requests(), ElementsAre(sent));
   }
 }
 
 // --- The state at connection
 
-TEST_F(LinkTest, OutputStateTriesOlderFormsUntilOneIsKnown) {
+TEST_F(PowerTest, OutputStateTriesOlderFormsUntilOneIsKnown) {
   struct Case {
     std::vector<std::uint16_t> statuses;
     Bytes body;
