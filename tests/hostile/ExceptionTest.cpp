@@ -1,6 +1,5 @@
 // Exceptions in the worker's thread, from the heap and from VISA libraries: none ends the program,
 // each is told, and the worker goes on and makes way as ever.
-#include "tests/hostile/Heap.h"
 #include "tests/manager/ManagerFixture.h"
 
 namespace {
@@ -26,8 +25,7 @@ TEST_F(ManagerTest, ThrowingSendIsAFailedReadAndEndsTheTriggeredSweep) {
 /// The exception flies when the stop request has been taken: a setting waits for its
 /// acknowledgement.
 TEST_F(ManagerTest, StopRequestIsAcknowledgedThoughClearingThrows) {
-  Open();
-  StartMeasuring();
+  OpenAndMeasure();
   visa_.SetResult(Function::kClear, scripted::kThrow, 1);
   EXPECT_EQ(manager_.SetDwell(1.0), 0);
   EXPECT_THAT(ErrorRecords(), ElementsAre(kThrown));
@@ -36,8 +34,7 @@ TEST_F(ManagerTest, StopRequestIsAcknowledgedThoughClearingThrows) {
 }
 
 TEST_F(ManagerTest, WorkerOfALibraryThatAlwaysThrowsDoesNotSpin) {
-  Open();
-  StartMeasuring();
+  OpenAndMeasure();
   visa_.SetResult(Function::kClear, scripted::kThrow);
   visa_.SetResult(Function::kRead, 0xBFFF00A6);
   ASSERT_TRUE(WaitUntil([this] { return ErrorRecords().size() >= 2; }));

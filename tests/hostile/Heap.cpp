@@ -6,21 +6,16 @@
 
 namespace {
 std::atomic<long> live = 0;
-std::atomic<std::size_t> least_refused = SIZE_MAX;
-std::atomic<std::size_t> most_refused = 0;
+std::atomic<bool> is_short = false;
 }  // namespace
 
 long LiveAllocations() { return live; }
 
-Shortage::Shortage(std::size_t least, std::size_t most) {
-  most_refused = most;
-  least_refused = least;
-}
-Shortage::~Shortage() { least_refused = SIZE_MAX; }
+Shortage::Shortage() { is_short = true; }
+Shortage::~Shortage() { is_short = false; }
 
 void* operator new(std::size_t size) {
-  const bool is_refused = size >= least_refused && size <= most_refused;
-  void* const memory = is_refused ? nullptr : std::malloc(size != 0 ? size : 1);
+  void* const memory = is_short ? nullptr : std::malloc(size != 0 ? size : 1);
   if (memory == nullptr) throw std::bad_alloc();
   ++live;
   return memory;

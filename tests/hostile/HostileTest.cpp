@@ -231,8 +231,7 @@ TEST_F(HostileTest, EveryOperationSurvivesEveryFaultOfEveryAnswer) {
 TEST_F(HostileTest, MeasuringSurvivesEveryFaultOfABlock) {
   for (const Fault& fault : Faults()) {
     SCOPED_TRACE(fault.name);
-    Open();
-    StartMeasuring();
+    OpenAndMeasure();
     visa_.SpoilAnswer(fault.spoiling);
     visa_.CompleteData(Block(kSpoiledPoints));
     const bool lost = fault.spoiling.then < 0;
@@ -244,8 +243,7 @@ TEST_F(HostileTest, MeasuringSurvivesEveryFaultOfABlock) {
     EXPECT_TRUE(visa_.LinkIsBack());
     DrainTrail();
     if (lost) {
-      Open();
-      StartMeasuring();
+      OpenAndMeasure();
     }
     // A block that never ends is a sweep that runs on, until a setting starts it again.
     if (fault.spoiling.change == Misannounce<65535> || fault.spoiling.then == Spoiling::kEndless) {

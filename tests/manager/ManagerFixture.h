@@ -118,6 +118,10 @@ class ManagerTest : public testing::Test {
     ASSERT_TRUE(WaitUntilRequested("6", 1));
     visa_.ClearRecord();
   }
+  void OpenAndMeasure() {
+    Open();
+    StartMeasuring();
+  }
 
   [[nodiscard]] std::size_t Requested(std::string_view request) const {
     const auto order = visa_.RequestOrder();

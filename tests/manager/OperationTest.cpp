@@ -46,8 +46,7 @@ TEST_P(OperationTest, DiscardsABlockOrNot) {
 /// The worker is paused, the refused or accepted setting sent, and the worker resumed.
 TEST_P(SettingTest, ComesBetweenTwoReads) {
   for (const std::uint16_t answer : {std::uint16_t{0}, kRefusal}) {
-    Open();
-    StartMeasuring();
+    OpenAndMeasure();
     RunAnswered(answer);
     EXPECT_TRUE(WaitUntilRequested("6", 1)) << "answer " << answer;
     EXPECT_EQ(visa_.RequestOrder().front(), "1") << "the read in progress is given up first";

@@ -30,8 +30,7 @@ struct TriggerCase : Row {
 class TriggerTest : public ManagerTest, public testing::WithParamInterface<TriggerCase> {};
 
 TEST_P(TriggerTest, MapsBothWays) {
-  Open();
-  StartMeasuring();
+  OpenAndMeasure();
   const TriggerCase& row = GetParam();
   if (!row.answer.empty()) {
     const Bytes answer = Body(kTriggerInputId, 0x10, Group(row.answer));
@@ -92,8 +91,7 @@ class PowerControlTest : public ManagerTest,
                          public testing::WithParamInterface<PowerControlCase> {};
 
 TEST_P(PowerControlTest, SwitchesTriggerAndOutput) {
-  Open();
-  StartMeasuring();
+  OpenAndMeasure();
   const PowerControlCase& row = GetParam();
   if (row.refused != 0) {
     visa_.Rule(kWrite, row.refused, kRefusal, 0, 1);

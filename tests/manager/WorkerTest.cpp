@@ -64,92 +64,68 @@ const std::vector<ResumeCase> kResumeCases = {
 };
 INSTANTIATE_TEST_SUITE_P(Resume, ResumeTest, testing::ValuesIn(kResumeCases), RowName());
 
-TEST_F(ManagerTest, WorkerStoresBlockAfterBlock) {
-  Open();
-  StartMeasuring();
-  EXPECT_EQ(manager_.FetchData(trace_), Status::kVisaTimeout) << "the sweep runs";
-  for (const int points : {3, 5}) {
-    visa_.CompleteData(Block(points));
-    ASSERT_TRUE(WaitForBlock());
-    EXPECT_EQ(trace_.RowCount(), 3);
-    EXPECT_EQ(trace_.ColumnCount(), points);
-    EXPECT_EQ(manager_.FetchData(trace_), Status::kVisaTimeout) << "each block once";
-  }
-  EXPECT_EQ(Requested("1"), 0U);
-  EXPECT_TRUE(ErrorRecords().empty());
-}
-
-TEST_F(ManagerTest, WorkerDropsOddBlocks) {
-  Open();
-  StartMeasuring();
-  Bytes odd = Block(3);
-  odd.insert(odd.begin(), 0);
-  visa_.CompleteData(odd);
-  visa_.CompleteData({});
-  EXPECT_TRUE(WaitUntilRequested("6", 2));
-  EXPECT_EQ(manager_.FetchData(trace_), Status::kVisaTimeout);
-  EXPECT_TRUE(ErrorRecords().empty());
-  EXPECT_EQ(Requested("1"), 0U);
-}
-
 TEST_F(ManagerTest, WorkerStandsStillDuringALoad) {
   EXPECT_EQ(manager_.LoadDetectorData(0, "none.det"), Status::kNoSession);
-  Open();
-  StartMeasuring();
+  OpenAndMeasure();
   EXPECT_EQ(manager_.LoadDetectorData(0, "none.det"), Status::kCannotOpenFile);
   EXPECT_THAT(visa_.RequestOrder(), testing::Contains("1")) << "the read in progress is given up";
 }
 
-struct ReadFailureCase : Row {
-  std::uint16_t header_status;
-  std::uint16_t status_word;
-  bool at_once;  // with the worker's first read, not after time-outs
-  std::vector<ErrorRecord> trail;
-  bool recovers;  // else the block is kept
+enum class Outcome { kKept, kDropped, kRecovered };
+
+struct ReadCase : Row {
+  Bytes block;
+  Outcome outcome;
+  std::vector<ErrorRecord> trail = {};
+  std::uint16_t header_status = 0;
+  bool at_once = false;  // with the worker's first read, not after time-outs
 };
 
-class ReadFailureTest : public ManagerTest, public testing::WithParamInterface<ReadFailureCase> {};
+class ReadTest : public ManagerTest, public testing::WithParamInterface<ReadCase> {};
 
-TEST_P(ReadFailureTest, IsRecordedAndReadingGoesOn) {
-  const ReadFailureCase& row = GetParam();
+TEST_P(ReadTest, IsRecordedAndReadingGoesOn) {
+  const ReadCase& row = GetParam();
+  const auto complete = [&] { visa_.CompleteData(row.block, 'A', row.header_status); };
   Open();
-  const auto block = Block(1, row.status_word);
-  const auto complete = [&] { visa_.CompleteData(block, 'A', row.header_status); };
   if (row.at_once) complete();
   StartMeasuring();
   if (!row.at_once) complete();
-  const std::size_t reads = row.at_once ? 0 : 1;
-  if (row.recovers) {
-    ASSERT_TRUE(WaitUntil([&] { return Requested("6") >= reads; }));
-    EXPECT_EQ(manager_.FetchData(trace_), Status::kVisaTimeout);
-  } else {
+  if (row.outcome == Outcome::kKept) {
     EXPECT_TRUE(WaitForBlock());
+    EXPECT_EQ(trace_.ColumnCount(), 1);
+  } else {
+    ASSERT_TRUE(WaitUntilRequested("6", row.at_once ? 0 : 1));
   }
+  EXPECT_EQ(manager_.FetchData(trace_), Status::kVisaTimeout) << "each block once";
   visa_.CompleteData(Block(7));
   EXPECT_TRUE(WaitForBlock()) << "reading goes on";
   EXPECT_EQ(trace_.ColumnCount(), 7);
   EXPECT_THAT(ErrorRecords(), testing::ElementsAreArray(row.trail));
   if (!row.at_once) {
-    EXPECT_EQ(Requested("1"), row.recovers ? 1U : 0U);
-    EXPECT_EQ(visa_.Calls(Function::kClear).size(), row.recovers ? 1U : 0U);
+    const std::size_t recoveries = row.outcome == Outcome::kRecovered ? 1 : 0;
+    EXPECT_EQ(Requested("1"), recoveries);
+    EXPECT_EQ(visa_.Calls(Function::kClear).size(), recoveries);
   }
 }
 
-const std::vector<ReadFailureCase> kReadFailureCases = {
-    {"RefusedAtOnce", kRefusal, 0, true, {{kRefusalStatus, Site{445}}}, true},
-    {"RefusedLater", kRefusal, 0, false, {{kRefusalStatus, Site{452}}}, true},
-    {"NegativeWordOfTheBlock", 0, kRefusal, false, {{kRefusalStatus, Site{452}}}, true},
-    {"NoticeInsteadOfABlock", 6, 0, false, {}, true},
-    {"NoticeWithABlock", 0, 6, false, {}, false},
-    {"BlockWithAnUnknownWord", 0, 7, false, {{Status{7}, Site{467}}}, false},
+using enum Outcome;
+const std::vector<ReadCase> kReadCases = {
+    {"Block", Block(1), kKept},
+    {"Empty", {}, kDropped},
+    {"OneByteTooMany", Bytes(15), kDropped},
+    {"RefusedAtOnce", Block(1), kRecovered, {{kRefusalStatus, Site{445}}}, kRefusal, true},
+    {"RefusedLater", Block(1), kRecovered, {{kRefusalStatus, Site{452}}}, kRefusal},
+    {"NegativeWordOfTheBlock", Block(1, kRefusal), kRecovered, {{kRefusalStatus, Site{452}}}},
+    {"NoticeInsteadOfABlock", Block(1), kRecovered, {}, 6},
+    {"NoticeWithABlock", Block(1, 6), kKept},
+    {"BlockWithAnUnknownWord", Block(1, 7), kKept, {{Status{7}, Site{467}}}},
 };
-INSTANTIATE_TEST_SUITE_P(Reads, ReadFailureTest, testing::ValuesIn(kReadFailureCases), RowName());
+INSTANTIATE_TEST_SUITE_P(Reads, ReadTest, testing::ValuesIn(kReadCases), RowName());
 
 /// While the worker measures, the state comes from what it reads. A level that is not settled shows
 /// until the next read that says otherwise, so blocks that say so keep coming.
 TEST_F(ManagerTest, StateFollowsTheBlocks) {
-  Open();
-  StartMeasuring();
+  OpenAndMeasure();
   const auto shows = [this](std::uint16_t word, StatusAnd<bool> (M::*get)(), bool wanted) {
     return WaitUntil([&, blocks = 0]() mutable {
       if (blocks++ % 8 == 0) visa_.CompleteData(Block(1, word));
@@ -167,8 +143,7 @@ TEST_F(ManagerTest, StateFollowsTheBlocks) {
 /// However often it is asked for meanwhile.
 TEST_F(ManagerTest, EachErgFaultIsToldOnceToCallersOnManyThreads) {
   constexpr int kFaults = 100;
-  Open();
-  StartMeasuring();
+  OpenAndMeasure();
   std::atomic<int> told = 0;
   std::atomic<bool> done = false;
   const auto call = [&] {
@@ -252,12 +227,10 @@ TEST_F(ManagerTest, SoftwareTriggerReadsOneSweep) {
 
 TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
   constexpr int kRounds = 40;
-  Open();
-  StartMeasuring();
+  OpenAndMeasure();
   std::atomic<int> traces = 0;
   std::atomic<bool> done = false;
-  std::vector<std::thread> threads;
-  threads.emplace_back([&] {
+  const auto set = [&] {
     for (int i = 0; i < kRounds; ++i) {
       EXPECT_EQ(manager_.SetFrequency(1e9 + i), 0);
       EXPECT_EQ(manager_.SetDwell(i), 0);
@@ -265,32 +238,32 @@ TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
       EXPECT_EQ(manager_.SetChannelOffset(0, i), 0);
     }
     done = true;
-  });
-  threads.emplace_back([&] {
+  };
+  const auto trigger = [&] {
     for (int i = 0; i < kRounds; ++i) EXPECT_EQ(TriggerImmediately(manager_), 0);
-  });
-  threads.emplace_back([&] {
+  };
+  const auto ask = [&] {
     while (!done) {
       EXPECT_EQ(manager_.GetLevelState().status, 0);
       EXPECT_GE(manager_.GetFrequency(), 1e7);
       EXPECT_EQ(TakeError().first, 0);
       std::this_thread::yield();
     }
-  });
-  for (int reader = 0; reader < 2; ++reader) {
-    threads.emplace_back([&] {
-      TraceMatrix trace;
-      while (!done) {
-        visa_.CompleteData(Block(4));
-        const Status result = manager_.FetchData(trace);
-        if (result == Status::kOk) ++traces;
-        EXPECT_TRUE(result == Status::kOk ? trace.ColumnCount() == 4
-                                          : result == Status::kVisaTimeout);
-        os::Sleep(std::chrono::milliseconds(1));
-      }
-    });
+  };
+  const auto fetch = [&] {
+    for (TraceMatrix trace; !done; os::Sleep(std::chrono::milliseconds(1))) {
+      visa_.CompleteData(Block(4));
+      const Status result = manager_.FetchData(trace);
+      EXPECT_TRUE(result == Status::kOk ? trace.ColumnCount() == 4
+                                        : result == Status::kVisaTimeout);
+      if (result == Status::kOk) ++traces;
+    }
+  };
+  {
+    const std::array<std::jthread, 5> callers{std::jthread(set), std::jthread(trigger),
+                                              std::jthread(ask), std::jthread(fetch),
+                                              std::jthread(fetch)};
   }
-  for (std::thread& thread : threads) thread.join();
   visa_.CompleteData(Block(4));
   EXPECT_TRUE(traces > 0 || WaitForBlock());
   EXPECT_EQ(manager_.GetFrequency(), 1e9 + kRounds - 1);
@@ -298,8 +271,7 @@ TEST_F(ManagerTest, CallersOnManyThreadsWhileTheWorkerMeasures) {
 }
 
 TEST_F(ManagerTest, ErrorTextsWhileTheWorkerReads) {
-  Open();
-  StartMeasuring();
+  OpenAndMeasure();
   visa_.SetResult(Function::kRead, 0xBFFF00A6, 20);
   int texts = 0;
   ASSERT_TRUE(WaitUntil([&] {
