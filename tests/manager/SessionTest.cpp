@@ -107,16 +107,6 @@ TEST_F(ManagerTest, IsTheTopOfTheChainOfEvents) {
   EXPECT_EQ(manager_.GetProcessor(), nullptr);
 }
 
-TEST_F(ManagerTest, DestructionSwitchesTheOutputOff) {
-  {
-    CK4NManager manager;
-    ASSERT_EQ(manager.Initialize(kResource, ""), 0);
-    visa_.ClearRecord();
-  }
-  EXPECT_THAT(visa_.Requests(), ElementsAre(kSwitchOff));
-  EXPECT_EQ(visa_.OpenSessions(), 0U);
-}
-
 TEST_F(ManagerTest, FirmwareIsNewerForEveryDatedProgram) {
   EXPECT_FALSE(manager_.IsFirmwareNewer());
   // "Программа DSP от 1.02.1999" in Windows-1251.

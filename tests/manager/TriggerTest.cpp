@@ -13,16 +13,23 @@ auto Fields(const SweepTriggerSettings& trigger) {
   return std::tuple(trigger.source, trigger.action, trigger.falling_edge, trigger.single_step);
 }
 
-/// The first group of a trigger parameter, the other one all zeros.
-Values Group(Values group) {
-  group.resize(10);
-  return group;
+/// What was written to trigger parameters: the identifier and the elements of one line.
+std::vector<Values> Written(const scripted::Visa& visa, std::ptrdiff_t line) {
+  std::vector<Values> written;
+  for (const Request& request : visa.Requests()) {
+    if (request.command != kWrite) continue;
+    Values elements = request.Elements();
+    elements = Values(elements.begin() + 5 * line, elements.begin() + 5 * (line + 1));
+    elements.insert(elements.begin(), request.id);
+    written.push_back(elements);
+  }
+  return written;
 }
 
 struct TriggerCase : Row {
   SweepTriggerSettings trigger;
-  Values sent;                                    // none: nothing is sent
-  Values answer;                                  // none: as sent
+  std::vector<Values> sent;                       // identifier and first line
+  Values answer;                                  // of the first line; none: as sent
   std::optional<SweepTriggerSettings> kept = {};  // none: as set
   ResultCode result = 0;
 };
@@ -33,15 +40,10 @@ TEST_P(TriggerTest, MapsBothWays) {
   OpenAndMeasure();
   const TriggerCase& row = GetParam();
   if (!row.answer.empty()) {
-    const Bytes answer = Body(kTriggerInputId, 0x10, Group(row.answer));
-    visa_.RuleBody(kWrite, kTriggerInputId, answer, 0, 1);
+    visa_.RuleBody(kWrite, kTriggerInputId, Body(kTriggerInputId, 0x10, row.answer), 0, 1);
   }
   EXPECT_EQ(manager_.SetSweepTrigger(row.trigger), row.result);
-  std::vector<Request> writes = visa_.Requests();
-  std::erase_if(writes, [](const Request& request) { return request.command != kWrite; });
-  std::vector<Request> sent = {Write(kTriggerInputId, 0x10, Group(row.sent))};
-  if (row.sent.empty()) sent.clear();
-  EXPECT_EQ(writes, sent);
+  EXPECT_EQ(Written(visa_, 0), row.sent);
   const SweepTriggerSettings kept = row.kept.value_or(row.trigger);
   EXPECT_EQ(Fields(manager_.GetSweepTrigger()), Fields(kept));
   EXPECT_TRUE(ErrorRecords().empty());
@@ -60,25 +62,25 @@ constexpr SweepTriggerSettings kLine{kSoftware, kSwitch, false, false};
 constexpr SweepTriggerSettings kFreeStep{kImmediate, kSwitch, true, true};
 constexpr SweepTriggerSettings kFree{kImmediate, kSwitch, false, false};
 const std::vector<TriggerCase> kTriggerCases = {
-    {"Immediate", {kImmediate, kMeasure, true, false}, {0, 1, 0, 0, 2}, {}},
-    {"External", {kExternal, kSwitch, false, false}, {1, 0, 0, 0, 2}, {}},
-    {"Step", {kExternal, kSwitch, true, true}, {2, 1, 0, 0, 2}, {}},
-    {"Measure", kPoint, {3, 0, 0, 0, 2}, {}},
-    {"SoftwareRunsFreely", kLine, {0, 0, 0, 0, 2}, {}},
-    {"AnswersFreeRun", kStep, {2, 0, 0, 0, 2}, {0, 1, 0, 0, 2}, kFreeStep},
-    {"AnswersSweep", kPoint, {3, 0, 0, 0, 2}, {1, 0, 0, 0, 2}, {{kExternal, kMeasure}}},
-    {"AnswersStep", kPoint, {3, 0, 0, 0, 2}, {2, 0, 0, 0, 2}, kStep},
-    {"AnswersPoint", kFree, {0, 0, 0, 0, 2}, {3, 0, 0, 0, 2}, kPoint},
-    {"AnswersLine", kFree, {0, 0, 0, 0, 2}, {4, 0, 0, 0, 2}, kLine},
+    {"Immediate", {kImmediate, kMeasure, true, false}, {{7, 0, 1, 0, 0, 2}}, {}},
+    {"External", {kExternal, kSwitch, false, false}, {{7, 1, 0, 0, 0, 2}}, {}},
+    {"Step", {kExternal, kSwitch, true, true}, {{7, 2, 1, 0, 0, 2}}, {}},
+    {"Measure", kPoint, {{7, 3, 0, 0, 0, 2}}, {}},
+    {"SoftwareRunsFreely", kLine, {{7, 0, 0, 0, 0, 2}}, {}},
+    {"AnswersFreeRun", kStep, {{7, 2, 0, 0, 0, 2}}, {0, 1, 0, 0, 2}, kFreeStep},
+    {"AnswersSweep", kPoint, {{7, 3, 0, 0, 0, 2}}, {1, 0, 0, 0, 2}, {{kExternal, kMeasure}}},
+    {"AnswersStep", kPoint, {{7, 3, 0, 0, 0, 2}}, {2, 0, 0, 0, 2}, kStep},
+    {"AnswersPoint", kFree, {{7, 0, 0, 0, 0, 2}}, {3, 0, 0, 0, 2}, kPoint},
+    {"AnswersLine", kFree, {{7, 0, 0, 0, 0, 2}}, {4, 0, 0, 0, 2}, kLine},
     {"NoSuchSource", {kUnknown, kMeasure, true, true}, {}, {}, kFree, -1},
-    {"NoSuchAnswer", kPoint, {3, 0, 0, 0, 2}, {5, 0, 0, 0, 2}, kFree, -1},
+    {"NoSuchAnswer", kPoint, {{7, 3, 0, 0, 0, 2}}, {5, 0, 0, 0, 2}, kFree, -1},
 };
 INSTANTIATE_TEST_SUITE_P(Sources, TriggerTest, testing::ValuesIn(kTriggerCases), RowName());
 
 /// External power control, switched while the worker measures.
 struct PowerControlCase : Row {
   bool enabled;
-  std::vector<Values> sent;  // identifier and first group
+  std::vector<Values> sent;  // identifier and first line
   bool is_switching;         // afterwards
   TriggerSource source;
   Mode mode;
@@ -96,18 +98,10 @@ TEST_P(PowerControlTest, SwitchesTriggerAndOutput) {
   if (row.refused != 0) {
     visa_.Rule(kWrite, row.refused, kRefusal, 0, 1);
   } else if (Status::kOk != row.result) {
-    visa_.RuleBody(kWrite, kTriggerInputId, Body(kTriggerInputId, 0x10, Group({5, 0, 1, 0, 3})));
+    visa_.RuleBody(kWrite, kTriggerInputId, Body(kTriggerInputId, 0x10, {5, 0, 1, 0, 3}));
   }
   EXPECT_EQ(manager_.SetExtPwrCtrl(row.enabled), row.result);
-  std::vector<Values> sent;
-  for (const Request& request : visa_.Requests()) {
-    if (request.command != kWrite) continue;
-    Values group = request.Elements();
-    group.resize(5);
-    group.insert(group.begin(), request.id);
-    sent.push_back(group);
-  }
-  EXPECT_EQ(sent, row.sent);
+  EXPECT_EQ(Written(visa_, 0), row.sent);
   EXPECT_EQ(manager_.GetExtPwrCtrl(), row.is_switching);
   EXPECT_EQ(manager_.GetSweepTrigger().source, row.source);
   EXPECT_EQ(manager_.GetTriggerOutput().mode, row.mode);
@@ -139,49 +133,38 @@ TEST_F(ManagerTest, TriggerOutputWidthIsCutToMicroseconds) {
     EXPECT_EQ(manager_.SetTriggerOutput({.width = width, .enabled = true}), 0);
     EXPECT_EQ(manager_.GetTriggerOutput().width, sent);
     EXPECT_FALSE(manager_.GetTriggerOutput().inverse);
-    Values written = visa_.Requests()[1].Elements();
-    written.resize(5);
-    EXPECT_EQ(written, (Values{1, 0, sent, 0, 0}));
+    EXPECT_EQ(Written(visa_, 0).front(), (Values{8, 1, 0, sent, 0, 0}));
   }
 }
 
+TriggerOutputSettings On(Mode mode) { return {.mode = mode, .enabled = true}; }
+TriggerOutputSettings Off(Mode mode) { return {.mode = mode}; }
+
 TEST_F(ManagerTest, SecondLineIsTheSyncGenerators) {
-  struct Setting {
-    Mode mode;
-    bool enabled;
-  };
   struct Case {
     const char* name;
-    Setting before;
-    Setting after;
+    TriggerOutputSettings before, after;
     std::optional<double> code;  // that the second line is given; none: it is left alone
   };
   const Case rows[] = {
-      {"sync generator", {Mode::kSweep, false}, {Mode::kSyncGenerator, true}, 5},
-      {"sync generator, disabled", {Mode::kSweep, false}, {Mode::kSyncGenerator, false}, {}},
-      {"back", {Mode::kSyncGenerator, true}, {Mode::kSweep, true}, 5},
-      {"back and off", {Mode::kSyncGenerator, true}, {Mode::kSweep, false}, 0},
-      {"switched on", {Mode::kSweep, false}, {Mode::kSweep, true}, 0},
-      {"another mode", {Mode::kSweep, true}, {Mode::kNextStep, true}, {}},
-  };
-  const auto put = [this](const Setting& setting) {
-    visa_.ClearRecord();
-    EXPECT_EQ(manager_.SetTriggerOutput({.mode = setting.mode, .enabled = setting.enabled}), 0);
+      {"sync generator", Off(Mode::kSweep), On(Mode::kSyncGenerator), 5},
+      {"sync generator, disabled", Off(Mode::kSweep), Off(Mode::kSyncGenerator), {}},
+      {"back", On(Mode::kSyncGenerator), On(Mode::kSweep), 5},
+      {"back and off", On(Mode::kSyncGenerator), Off(Mode::kSweep), 0},
+      {"switched on", Off(Mode::kSweep), On(Mode::kSweep), 0},
+      {"another mode", On(Mode::kSweep), On(Mode::kNextStep), {}},
   };
   Open();
   for (const Case& row : rows) {
     SCOPED_TRACE(row.name);
-    put(row.before);
-    put(row.after);
-    const auto requests = visa_.Requests();
-    ASSERT_EQ(requests.size(), row.code ? 6U : 2U) << "reads and writes";
-    if (!row.code) continue;
-    const auto second_group = [](const Request& request) {
-      const Values elements = request.Elements();
-      return Values(elements.begin() + 5, elements.end());
-    };
-    EXPECT_EQ(second_group(requests[3]), (Values{*row.code, 0, 1, 1, 0}));
-    EXPECT_EQ(second_group(requests[5]), (Values{*row.code, 1, 1, 1, 0}));
+    EXPECT_EQ(manager_.SetTriggerOutput(row.before), 0);
+    visa_.ClearRecord();
+    EXPECT_EQ(manager_.SetTriggerOutput(row.after), 0);
+    std::vector<Values> second_line = Written(visa_, 1);
+    second_line.erase(second_line.begin());  // the first line was written, which leaves this one
+    std::vector<Values> sent;
+    if (row.code) sent = {{7, *row.code, 0, 1, 1, 0}, {8, *row.code, 1, 1, 1, 0}};
+    EXPECT_EQ(second_line, sent);
   }
 }
 
@@ -205,9 +188,9 @@ TEST_F(ManagerTest, RefusedTriggerOutputReadsDisabled) {
   };
   for (const Case& row : rows) {
     Open();
-    ASSERT_EQ(manager_.SetTriggerOutput({.mode = Mode::kNextStep, .enabled = true}), 0);
+    ASSERT_EQ(manager_.SetTriggerOutput(On(Mode::kNextStep)), 0);
     visa_.Rule(kWrite, row.refused, kRefusal, 0, row.times);
-    EXPECT_EQ(manager_.SetTriggerOutput({.mode = row.asked, .enabled = true}), row.result);
+    EXPECT_EQ(manager_.SetTriggerOutput(On(row.asked)), row.result);
     EXPECT_EQ(manager_.GetTriggerOutput().mode, row.mode);
     EXPECT_EQ(manager_.GetTriggerOutput().enabled, row.enabled);
     EXPECT_EQ(ErrorRecords(), Refusals(row.trail));
