@@ -211,38 +211,18 @@ TEST_F(ExchangerTest, LostLinkOrExceptionOfTheLibraryEndsThePendingRead) {
   }
 }
 
-class BlockTest : public LinkTest {
- protected:
-  /// The body's length and its format mark, of an answer that brought one.
-  using Received = std::pair<std::size_t, char>;
-
-  Status Take(const StatusAnd<ReceivedBlock>& answer) {
-    received_ = {answer.value.body.size(), static_cast<char>(answer.value.format)};
-    return answer.status;
-  }
-  Status Read(ReadingFormat wanted = ReadingFormat::kFractional) {
-    return Take(model_.ReadDataBlock(buffer_, wanted));
-  }
-  Status Poll(ReadingFormat wanted = ReadingFormat::kFractional) {
-    return Take(model_.PollDataBlock(buffer_, wanted));
-  }
-
-  std::array<std::uint8_t, 65536> buffer_{};
-  Received received_;
-};
-
 TEST_F(BlockTest, FormatIsAskedForAndHandedBack) {
   visa_.CompleteData("01 00 00 00 02 00 00 00 03 00 00 00 | 00 00"_hex, '@');
-  EXPECT_EQ(Read(), 0);
+  EXPECT_EQ(ReadBlock(), 0);
   EXPECT_EQ(received_, Received(14, '@'));
   EXPECT_EQ(buffer_[4], 2);
   visa_.CompleteData("00 00"_hex);
-  EXPECT_EQ(Poll(ReadingFormat::kInteger), 0);
+  EXPECT_EQ(PollBlock(ReadingFormat::kInteger), 0);
   EXPECT_EQ(received_, Received(2, 'A'));
   EXPECT_THAT(visa_.Requests(),
               ElementsAre(Request{.command = 6, .type = 'A'}, Request{.command = 6, .type = '@'}));
   visa_.CompleteData("00 00"_hex, 'B');
-  EXPECT_EQ(Read(), kViolation);
+  EXPECT_EQ(ReadBlock(), kViolation);
   EXPECT_EQ(model_.Recover(), 0);
   EXPECT_EQ(visa_.Calls(Function::kClear).size(), 1U) << "the awaited answer may come still";
 }
@@ -250,7 +230,7 @@ TEST_F(BlockTest, FormatIsAskedForAndHandedBack) {
 TEST_F(BlockTest, StatusInTheHeaderIsNoBlock) {
   for (const std::uint16_t code : {std::uint16_t{6}, std::uint16_t{0x8007}}) {
     visa_.CompleteData("01 02 03 04"_hex, '@', code);
-    EXPECT_EQ(Read(), static_cast<std::int16_t>(code));
+    EXPECT_EQ(ReadBlock(), static_cast<std::int16_t>(code));
     EXPECT_EQ(received_, Received(0, 0));
   }
   EXPECT_TRUE(keeper_.events.empty());
@@ -259,10 +239,10 @@ TEST_F(BlockTest, StatusInTheHeaderIsNoBlock) {
 
 TEST_F(BlockTest, NegativeStatusWordRaisesOneEventAndIsReturned) {
   visa_.CompleteData("01 00 00 00 02 00 00 00 03 00 00 00 | 1C 80"_hex);
-  EXPECT_EQ(Poll(), -32740);
+  EXPECT_EQ(PollBlock(), -32740);
   EXPECT_EQ(received_, Received(14, 'A'));
   visa_.CompleteData("07 80"_hex);
-  EXPECT_EQ(Read(), -32761);
+  EXPECT_EQ(ReadBlock(), -32761);
   ASSERT_EQ(keeper_.events.size(), 2U);
   const uIEvent::Event& event = *keeper_.events[0];
   EXPECT_EQ(event.name(), "Data processing error");
@@ -277,10 +257,10 @@ TEST_F(BlockTest, LengthsFromNothingToTheLargest) {
        {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{65535}}) {
     const Bytes block(size, 1);
     visa_.CompleteData(block);
-    EXPECT_EQ(Read(), 0);
+    EXPECT_EQ(ReadBlock(), 0);
     EXPECT_EQ(received_, Received(size, 'A'));
     visa_.CompleteData(block);
-    EXPECT_EQ(Poll(), 0);
+    EXPECT_EQ(PollBlock(), 0);
     EXPECT_EQ(received_, Received(size, 'A'));
   }
 }

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <concepts>
 #include <exception>
 #include <memory>
@@ -100,4 +101,24 @@ class LinkTest : public testing::Test {
   EventKeeper keeper_;
   CommandExchanger exchanger_{std::make_unique<uDevice::Interface>(kResource)};
   D3THardWare model_{exchanger_};
+};
+
+class BlockTest : public LinkTest {
+ protected:
+  /// The body's length and its format mark, of an answer that brought one.
+  using Received = std::pair<std::size_t, char>;
+
+  Status Take(const StatusAnd<ReceivedBlock>& answer) {
+    received_ = {answer.value.body.size(), static_cast<char>(answer.value.format)};
+    return answer.status;
+  }
+  Status ReadBlock(ReadingFormat wanted = ReadingFormat::kFractional) {
+    return Take(model_.ReadDataBlock(buffer_, wanted));
+  }
+  Status PollBlock(ReadingFormat wanted = ReadingFormat::kFractional) {
+    return Take(model_.PollDataBlock(buffer_, wanted));
+  }
+
+  std::array<std::uint8_t, 65536> buffer_{};
+  Received received_;
 };

@@ -11,7 +11,7 @@ struct Instrument : Row {
   std::int32_t after_first_abort;  ///< of the setting that aborts a sweep read
 };
 
-class NumberingTest : public LinkTest, public testing::WithParamInterface<Instrument> {
+class NumberingTest : public BlockTest, public testing::WithParamInterface<Instrument> {
  protected:
   NumberingTest() {
     visa_.SetNumbering(GetParam().numbering);
@@ -27,21 +27,13 @@ class NumberingTest : public LinkTest, public testing::WithParamInterface<Instru
     double delay = 7;
     return model_.SetPhaseDelay(delay);
   }
-  Status Poll() {
-    const auto [status, block] = model_.PollDataBlock(buffer_, ReadingFormat::kFractional);
-    length_ = block.body.size();
-    return status;
-  }
   /// A sweep is read as the worker reads it, and its block is the expected one.
   void ExpectBlock(std::uint8_t content) {
     visa_.CompleteData(Bytes(14, content));
-    EXPECT_EQ(Poll(), 0);
-    EXPECT_EQ(length_, 14U);
+    EXPECT_EQ(PollBlock(), 0);
+    EXPECT_EQ(received_.first, 14U);
     EXPECT_EQ(buffer_[0], content);
   }
-
-  std::array<std::uint8_t, 64> buffer_{};
-  std::size_t length_ = 0;
 };
 
 TEST_P(NumberingTest, SettingsGoOnPastTheWrap) {
@@ -53,13 +45,13 @@ TEST_P(NumberingTest, SettingsGoOnPastTheWrap) {
 }
 
 TEST_P(NumberingTest, SettingAbortsASweepReadAndAllIsInStep) {
-  EXPECT_EQ(Poll(), scripted::kTimeout);
+  EXPECT_EQ(PollBlock(), scripted::kTimeout);
   const std::int32_t first = GetParam().after_first_abort;
   EXPECT_EQ(Set(10), first == 0 ? 10 : first);
   for (std::uint8_t sweep = 1; sweep < 4; ++sweep) {
     EXPECT_EQ(Set(sweep), sweep);
     ExpectBlock(sweep);
-    EXPECT_EQ(Poll(), scripted::kTimeout);
+    EXPECT_EQ(PollBlock(), scripted::kTimeout);
     EXPECT_EQ(Set(100 + sweep), 100 + sweep);
   }
 }
@@ -98,11 +90,11 @@ TEST_P(NumberingTest, LateAnswerIsNoBlock) {
   EXPECT_EQ(model_.SetFrequencySweep(sweep), scripted::kTimeout);
   visa_.ClearRecord();
   visa_.CompleteData(Bytes(14, 7));
-  const Status polled = Poll();
+  const Status polled = PollBlock();
   EXPECT_EQ(visa_.Calls(scripted::Function::kClear).size(), 1U);
   if (GetParam().is_known_by_numbers) {
     EXPECT_EQ(polled, scripted::kTimeout);
-    EXPECT_EQ(Poll(), 0);
+    EXPECT_EQ(PollBlock(), 0);
     EXPECT_EQ(buffer_[0], 7);
   } else {
     EXPECT_EQ(polled, kViolation);
