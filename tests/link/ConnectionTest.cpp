@@ -141,11 +141,7 @@ TEST_F(LinkTest, IdentityThatIsMissingOrMakesNoSenseCostsTheDatesAlone) {
 }
 
 TEST(IdentityDateTest, Texts) {
-  struct Case {
-    const char* text;
-    IdentityDate date;
-  };
-  const Case rows[] = {
+  const std::pair<const char*, IdentityDate> rows[] = {
       {"28.11.2005", {2005, 11, 28}},
       {"28.12.2005", {}},  // kept: never December
       {"Dec 28 2005", {}},
@@ -167,8 +163,8 @@ TEST(IdentityDateTest, Texts) {
       {" 1.1.2005", {}},
       {"", {}},
   };
-  for (const Case& row : rows) {
-    EXPECT_EQ(ParseIdentityDate(row.text).Ordinal(), row.date.Ordinal()) << row.text;
+  for (const auto& [text, date] : rows) {
+    EXPECT_EQ(ParseIdentityDate(text).Ordinal(), date.Ordinal()) << text;
   }
 }
 

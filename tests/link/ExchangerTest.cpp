@@ -253,8 +253,7 @@ TEST_F(BlockTest, NegativeStatusWordRaisesOneEventAndIsReturned) {
 }
 
 TEST_F(BlockTest, LengthsFromNothingToTheLargest) {
-  for (const std::size_t size :
-       {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{65535}}) {
+  for (const std::size_t size : std::vector<std::size_t>{0, 1, 2, 65535}) {
     const Bytes block(size, 1);
     visa_.CompleteData(block);
     EXPECT_EQ(ReadBlock(), 0);

@@ -84,18 +84,17 @@ TEST(ProtocolMessageTest, FullBodyThrows) {
 }
 
 TEST(ErrorTextTest, Texts) {
-  struct Case {
-    std::uint32_t code;
-    const char* text;
-  };
-  for (const Case& row :
-       {Case{10053, "Connection aborted"}, Case{10054, "Connection closed"},
-        Case{10038, "Invalid socket handle"}, Case{10057, "Instrument not connected"},
-        Case{10065, "Host unreachable"}, Case{0x12342749, "Instrument not connected"},
-        Case{0xFFFF8000, "Unknown error: 32768(8000)"}, Case{0xBFFF0037, "Unknown error: 55(37)"},
-        Case{0, "Unknown error: 0(0)"}, Case{0x80047060, "Unknown error: 28768(7060)"}}) {
-    EXPECT_EQ(ErrorText(static_cast<Status>(row.code)), row.text);
-  }
+  const std::pair<std::uint32_t, const char*> rows[] = {{10053, "Connection aborted"},
+                                                        {10054, "Connection closed"},
+                                                        {10038, "Invalid socket handle"},
+                                                        {10057, "Instrument not connected"},
+                                                        {10065, "Host unreachable"},
+                                                        {0x12342749, "Instrument not connected"},
+                                                        {0xFFFF8000, "Unknown error: 32768(8000)"},
+                                                        {0xBFFF0037, "Unknown error: 55(37)"},
+                                                        {0, "Unknown error: 0(0)"},
+                                                        {0x80047060, "Unknown error: 28768(7060)"}};
+  for (const auto& [code, text] : rows) EXPECT_EQ(ErrorText(static_cast<Status>(code)), text);
 }
 
 TEST(ResourceNameTest, Pieces) {
