@@ -281,8 +281,9 @@ TEST_F(LinkTest, EventOfTheExchangerReachesTheTopUnchanged) {
 TEST_F(ExchangerTest, EventWithoutManagerThrows) {
   const auto event =
       std::unique_ptr<uIEvent::Event>(uIEvent::MakeErrorEvent(this, "name", nullptr));
-  EXPECT_EQ(Thrown([&] { exchanger_.ProcessEvent(event.get()); }),
-            "Debug: Manager doesn't set. uIEvent::EventProcessor::ProcessEvent");
+  EXPECT_THAT([&] { exchanger_.ProcessEvent(event.get()); },
+              testing::ThrowsMessage<std::exception>(
+                  "Debug: Manager doesn't set. uIEvent::EventProcessor::ProcessEvent"));
 }
 
 TEST(EventTest, FactoriesSetTypeAndKind) {

@@ -9,7 +9,6 @@
 #include <exception>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -44,23 +43,7 @@ struct Row {
 template <typename Case>
 requires std::same_as<decltype(Case::name), const char*>
 void PrintTo(const Case& row, std::ostream* stream) { *stream << row.name; }
-struct RowName {
-  template <typename Case>
-  std::string operator()(const testing::TestParamInfo<Case>& info) const {
-    return info.param.name;
-  }
-};
-
-/// What a call throws, as text.
-template <typename Call>
-std::string Thrown(Call&& call) {
-  try {
-    std::forward<Call>(call)();
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-  return "nothing";
-}
+using RowName = testing::PrintToStringParamName;
 
 /// The top of the chain: keeps what it is given.
 class EventKeeper final : public uIEvent::IEventProcessor {

@@ -13,23 +13,22 @@
 #include "K4NHardWare/D3THardWare.h"
 #include "tests/link/Request.h"
 
+struct Operation {
+  const char* name;
+  /// Runs it; the values afterwards go to the vector.
+  std::function<Status(D3THardWare&, std::vector<double>&)> run;
+  std::vector<scripted::Request> requests;
+  std::vector<std::vector<double>> answers;  ///< the elements, status 0; none: the request's own
+  std::vector<double> values;
+};
+
 namespace operations {
 
 using namespace k4n;
 using scripted::Read;
-using scripted::Request;
 using scripted::Write;
 using D = D3THardWare;
 using Values = std::vector<double>;
-
-struct Operation {
-  const char* name;
-  /// Runs it; the values afterwards go to the vector.
-  std::function<Status(D&, Values&)> run;
-  std::vector<Request> requests;
-  std::vector<Values> answers;  ///< the elements, status 0; none: the request's own
-  Values values;
-};
 
 // --- The values of an argument
 

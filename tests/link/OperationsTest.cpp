@@ -6,7 +6,6 @@
 
 namespace {
 
-using operations::Operation;
 using operations::Values;
 using testing::ElementsAre;
 
