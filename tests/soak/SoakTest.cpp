@@ -200,7 +200,7 @@ class Soak : public SessionTest {
   // The round's fault.
   bool felt_ = false, cut_ = false;
   std::uint64_t struck_before_ = 0;
-  std::uint64_t sweeps_ = 0, points_ = 0, faults_ = 0, failures_ = 0, reconnections_ = 0;
+  std::size_t sweeps_ = 0, points_ = 0, faults_ = 0, failures_ = 0, reconnections_ = 0;
 };
 
 /// What a panel on the side shows: it asks for the state all the while.
@@ -233,11 +233,9 @@ TEST_F(Soak, MeasuresOnThroughAllFaultsAndLeavesNothingBehind) {
   const ProcessResources after = CountResources();
 
   std::printf(
-      "%llu sweeps (%llu points checked), %llu faults, %llu sweeps failed and repeated, "
-      "%llu new sessions\n",
-      static_cast<unsigned long long>(sweeps_), static_cast<unsigned long long>(points_),
-      static_cast<unsigned long long>(faults_), static_cast<unsigned long long>(failures_),
-      static_cast<unsigned long long>(reconnections_));
+      "%zu sweeps (%zu points checked), %zu faults, %zu sweeps failed and repeated, "
+      "%zu new sessions\n",
+      sweeps_, points_, faults_, failures_, reconnections_);
   std::printf("threads %zu -> %zu, handles %zu -> %zu, heap %zu -> %zu, resident %zu -> %zu\n",
               before.threads, after.threads, before.handles, after.handles, before.memory,
               after.memory, before.resident, after.resident);
