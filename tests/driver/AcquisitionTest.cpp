@@ -42,7 +42,6 @@ class Acquisition : public SessionTest {
     return trace;
   }
   static constexpr std::uint16_t kLevelParameter = 79;
-  static constexpr std::uint16_t kDataCommand = 6;
 };
 
 TEST_F(Acquisition, GoesFromInitiateToCompleteWhenTheSweepHasEnded) {
@@ -119,7 +118,10 @@ TEST_F(Acquisition, ASoftwareTriggerProgramsTheModeAgainAndReadsOneSweep) {
     EXPECT_EQ(surface_.root->SendSoftwareTrigger(), S_OK);
     EXPECT_TRUE(WaitUntil([&] { return instrument_.State().sweeps > sweeps; })) << refused;
     EXPECT_EQ(TakeErrors(), std::vector<LONG>(refused, kRefusal)) << "heard of here only";
-    EXPECT_EQ(Writes(), refused == 0 ? 3U : 1U) << "of the mode, which are told by the console";
+    EXPECT_EQ(std::ranges::count(instrument_.Requests(), kWriteCommand,
+                                 &simulator::RequestRecord::command),
+              refused == 0 ? 3 : 1)
+        << "of the mode, which are told by the console";
     instrument_.InjectFault(simulator::Fault::Refuse(kLevelParameter, kRefusal));
   }
   instrument_.ClearFaults();
@@ -131,21 +133,14 @@ TEST_F(Acquisition, ASoftwareTriggerProgramsTheModeAgainAndReadsOneSweep) {
   }
 }
 
-// What a session with these settings of the VISA library measures.
-class AcquisitionWithSettings : public Acquisition {
- protected:
-  void SetUp() override {
-    const TemporaryFolder folder;
-    const fs::path file = folder.path() / "zevisa.ini";
-    std::ofstream(file) << "[*]\nread-ceiling = 200\n";
-    const EnvironmentVariable variable("ZEVISA_CONFIG", file);
-    OpenToMeasure();
-  }
-};
-
 // A setting waits for the read that the worker has begun, nearly two seconds for a sweep that has
 // not ended. The bound is far from both: the fastest of some settings tells.
-TEST_F(AcquisitionWithSettings, ASettingPassesASlowSweepWithinTheReadCeiling) {
+TEST_F(Acquisition, ASettingPassesASlowSweepWithinTheReadCeiling) {
+  const TemporaryFolder folder;
+  const fs::path file = folder.path() / "zevisa.ini";
+  std::ofstream(file) << "[*]\nread-ceiling = 200\n";
+  const EnvironmentVariable variable("ZEVISA_CONFIG", file);
+  OpenToMeasure();
   StartSweep(2e9, 2.8e9, 8e6);
   auto fastest = std::chrono::steady_clock::duration::max();
   for (int i = 0; i < 5; ++i) {
@@ -167,20 +162,14 @@ TEST_F(AcquisitionWithSettings, ASettingPassesASlowSweepWithinTheReadCeiling) {
 // Detector files where clients name them, each with its own content.
 class DetectorFiles : public Acquisition {
  protected:
-  ~DetectorFiles() override { RemoveFiles(); }
-  void RemoveFiles() {
-    std::error_code error;
-    for (const auto& file : files_) fs::remove(file, error);
-  }
   /// A copy of the good file, or a file that holds no table.
-  void PlaceFile(const fs::path& file, bool good) {
+  static void PlaceFile(const fs::path& file, bool good) {
     fs::create_directories(file.parent_path());
     if (good) {
       fs::copy_file(ZK_DETECTOR_FILE, file, fs::copy_options::overwrite_existing);
     } else {
       std::ofstream(file) << "no table\n";
     }
-    files_.push_back(file);
   }
   HRESULT Load(std::string_view name) {
     return surface_.channel->LoadDetectorDataFromFile(Text(name).Get());
@@ -190,10 +179,8 @@ class DetectorFiles : public Acquisition {
     return {text.begin(), text.end()};
   }
 
-  const std::string stamp_ =
-      std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
-  const fs::path here_ = fs::current_path() / "driver_test_detectors";
-  std::vector<fs::path> files_;
+  const TemporaryFolder folder_;
+  const fs::path here_ = folder_.path();
 };
 
 enum class Place { kHere, kShared };
@@ -220,11 +207,12 @@ constexpr FileCase kFileCases[] = {
 TEST_F(DetectorFiles, AreLookedForInThreeWays) {
   const fs::path shared = GetDetectorFolders().front();
   for (const FileCase& row : kFileCases) {
-    const std::string name = row.name + stamp_ + ".det";
-    const std::u8string name_of_file(name.begin(), name.end());
+    const std::string name = row.name + Utf8(here_.filename()) + ".det";  // its own in each run
     const bool is_here = row.place == Place::kHere;
-    PlaceFile((is_here ? here_ : os::NativePath(shared)) / name_of_file, row.good);
-    const std::string client_name = is_here ? Utf8(here_ / name_of_file) : name;
+    const fs::path file =
+        (is_here ? here_ : os::NativePath(shared)) / std::u8string(name.begin(), name.end());
+    PlaceFile(file, row.good);
+    const std::string client_name = is_here ? Utf8(file) : name;
     const std::string found = is_here ? client_name : Utf8(shared) + client_name;
     const std::string text = row.result == 0 ? ""
                              : row.result == 0x80047002
@@ -232,7 +220,7 @@ TEST_F(DetectorFiles, AreLookedForInThreeWays) {
                                  : "ZentrelK4NLib: Error reading file " + found + ".";
     SCOPED_TRACE(client_name + (row.good ? "" : ", no table"));
     ExpectReported(Load(client_name), Code(row.result), text, __uuidof(IZentrelK4NChannel));
-    RemoveFiles();
+    fs::remove(file);
   }
   RunSweep(1e9, 1.1e9, 1e7);
   ExpectResponse(kLevel, 11);  // failed loads have left the tables alone

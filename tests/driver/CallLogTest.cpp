@@ -24,6 +24,7 @@
 #include "simulator/Simulator.h"
 #include "tests/driver/DriverModule.h"
 #include "tests/platform/Arrays.h"
+#include "tests/platform/EnvironmentVariable.h"
 
 using namespace server;
 
@@ -34,14 +35,6 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-void SetLogName(const std::string& name) {
-#ifdef _WIN32
-  SetEnvironmentVariableA("ZENTREL_LOG", name.empty() ? nullptr : name.c_str());
-#else
-  setenv("ZENTREL_LOG", name.c_str(), 1);
-#endif
-}
-
 /// The logs of one test, in the documents folder.
 class CallLogTest : public testing::Test {
  protected:
@@ -51,7 +44,6 @@ class CallLogTest : public testing::Test {
     for (const auto& file : Files()) fs::remove(file, ignored_);
     before_ = Files();
   }
-  ~CallLogTest() override { SetLogName({}); }
 
   [[nodiscard]] std::string Content(const std::string& name) const {
     std::ifstream file(folder_ / name, std::ios::binary);
@@ -93,9 +85,8 @@ class CallLogTest : public testing::Test {
 class LoggedModule : public DriverModule {
  public:
   explicit LoggedModule(const std::string& name) : DriverModule(Company::kVisaLibrary) {
-    SetLogName(name);
+    const EnvironmentVariable variable("ZENTREL_LOG", name);
     Create(__uuidof(ZentrelK4N));
-    SetLogName({});
   }
 };
 
@@ -282,7 +273,7 @@ TEST_F(CallLogTest, OneThatCannotBeOpenedWarnsOnceAndTheDriverWorks) {
     notices.push_back(caption + ": " + text);
     create();  // as a client's timer may while the box waits
   });
-  SetLogName("no such folder\\calls.log");
+  const EnvironmentVariable variable("ZENTREL_LOG", "no such folder\\calls.log");
   create();
   create();
   os::SetNoticeHook({});

@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <filesystem>
+#include <utility>
 
 #include "platform/os/Text.h"
 
@@ -17,47 +18,27 @@ using CanUnloadNowFunction = HRESULT STDAPICALLTYPE();
 // A name under which the module layer finds the file on every system.
 void CopyModule(const fs::path& built, const fs::path& folder, const std::string& name) {
   const bool is_dll = built.extension() == ".dll";
-  fs::copy_file(built, folder / (is_dll ? name + ".dll" : "lib" + name + ".so"),
-                fs::copy_options::overwrite_existing);
-}
-
-fs::path NewFolder(const std::u16string& letters) {
-  static std::atomic<int> count = 0;
-  const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-  fs::path folder = fs::current_path() / "driver_test_modules" /
-                    (std::to_string(stamp) + "_" + std::to_string(++count));
-  folder += letters;
-  fs::create_directories(folder);
-  return folder;
+  fs::copy_file(built, folder / (is_dll ? name + ".dll" : "lib" + name + ".so"));
 }
 
 std::string ToUtf8(os::WideView text) { return os::ToNarrow(text, os::kUtf8CodePage); }
 
 }  // namespace
 
-DriverModule::DriverModule(Company company, const std::u16string& letters)
-    : folder_(NewFolder(letters)) {
-  CopyModule(ZK_DRIVER_MODULE, folder_, "zentrelk4nlib");
-  if (company == Company::kVisaLibrary) CopyModule(ZK_VISA_MODULE, folder_, "zevisa");
-  if (!module_.Load(folder_ / "zentrelk4nlib.dll")) {
-    ADD_FAILURE() << "The driver module cannot be loaded";
-  }
-}
-
-DriverModule::~DriverModule() {
-  module_.Unload();
-  std::error_code error;
-  fs::remove_all(folder_, error);
+DriverModule::DriverModule(Company company) {
+  const fs::path folder = folder_.path() / u"\u00FC\u0434\u6E2C";
+  fs::create_directory(folder);
+  CopyModule(ZK_DRIVER_MODULE, folder, "zentrelk4nlib");
+  if (company == Company::kVisaLibrary) CopyModule(ZK_VISA_MODULE, folder, "zevisa");
+  EXPECT_TRUE(module_.Load(folder / "zentrelk4nlib.dll"));
 }
 
 HRESULT DriverModule::GetClassObject(const CLSID& class_id, const IID& iid, void** out) const {
-  auto* const function = module_.FunctionOf<GetClassObjectFunction>("DllGetClassObject");
-  return function == nullptr ? E_FAIL : function(class_id, iid, out);
+  return module_.FunctionOf<GetClassObjectFunction>("DllGetClassObject")(class_id, iid, out);
 }
 
 HRESULT DriverModule::CanUnloadNow() const {
-  auto* const function = module_.FunctionOf<CanUnloadNowFunction>("DllCanUnloadNow");
-  return function == nullptr ? E_FAIL : function();
+  return module_.FunctionOf<CanUnloadNowFunction>("DllCanUnloadNow")();
 }
 
 ComPtr<IClassFactory> DriverModule::Factory(const CLSID& class_id) const {
@@ -83,8 +64,10 @@ DriverModule& ModuleWithVisa() {
   return driver;
 }
 
-Surface::Surface(DriverModule& driver) {
-  root = driver.Create(__uuidof(ZentrelK4N)).As<IZentrelK4N>();
+Surface::Surface(DriverModule& driver)
+    : Surface(driver.Create(__uuidof(ZentrelK4N)).As<IZentrelK4N>()) {}
+
+Surface::Surface(ComPtr<IZentrelK4N> object) : root(std::move(object)) {
   identity = root.As<IIviDriverIdentity>();
   operation = root.As<IIviDriverOperation>();
   EXPECT_EQ(root->get_Utility(utility.Put()), S_OK);

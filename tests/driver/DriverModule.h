@@ -2,7 +2,6 @@
 // behind the root.
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -11,6 +10,7 @@
 #include "platform/os/Module.h"
 #include "server/interface/IviInherent.h"
 #include "server/interface/ZentrelK4NLib.h"
+#include "tests/platform/TemporaryFolder.h"
 
 namespace driver_test {
 
@@ -18,20 +18,18 @@ namespace driver_test {
 enum class Company { kNone, kVisaLibrary };
 
 /// A copy of the module in a folder of its own, loaded; with or without our VISA library beside it.
+/// No code page has all letters of the folder's name.
 class DriverModule {
  public:
-  /// `letters` end the folder's name.
-  explicit DriverModule(Company company = Company::kNone, const std::u16string& letters = {});
-  ~DriverModule();
+  explicit DriverModule(Company company = Company::kNone);
 
   ComPtr<IClassFactory> Factory(const CLSID& class_id) const;
   ComPtr<IUnknown> Create(const CLSID& class_id, IUnknown* outer = nullptr) const;
   HRESULT GetClassObject(const CLSID& class_id, const IID& iid, void** out) const;
   HRESULT CanUnloadNow() const;
-  const os::Module& module() const { return module_; }
 
  private:
-  std::filesystem::path folder_;
+  TemporaryFolder folder_;
   os::Module module_;
 };
 
@@ -60,6 +58,8 @@ class Outer final : public IUnknown {
 /// members write.
 struct Surface {
   explicit Surface(DriverModule& driver = SharedModule());
+  /// Of this object, or of a proxy of it.
+  explicit Surface(ComPtr<IZentrelK4N> object);
 
   ComPtr<IZentrelK4N> root;
   ComPtr<IIviDriverIdentity> identity;

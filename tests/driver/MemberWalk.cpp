@@ -16,38 +16,6 @@ namespace {
 
 using members::Type;
 
-const IID& kComponent = __uuidof(IIviComponentIdentity);
-const IID& kUtility = __uuidof(IIviDriverUtility);
-
-/// Members of an interface, or all that no row before it names.
-struct UnsupportedRow {
-  std::string_view beginning;
-  std::vector<std::string_view> names;  // none: all
-  Unsupported answer = {};
-};
-
-const UnsupportedRow kUnsupported[] = {
-    {"IIviDriverIdentity.", {"get Description", "get Revision", "get Vendor"}, {"", &kComponent}},
-    {"IIviDriverIdentity.", {}},
-    {"IIviDriverOperation.", {}},
-    {"IIviDriverUtility.",
-     {"Reset", "ResetWithDefaults", "Disable", "SelfTest", "LockObject", "UnlockObject"}},
-    {"RF.", {"IsSettled", "WaitUntilSettled"}},
-    {"FrequencyStep.", {"put Size", "ConfigureDwell"}},
-    {"FrequencyStep.", {"Reset"}, {"", &kUtility}},
-    {"List.", {"get SelectedName", "put SelectedName"}},
-    {"List.", {"ConfigureDwell"}, {"", &__uuidof(IZentrelK4NFrequencyStep)}},
-    {"List.", {"Reset"}, {"", &kUtility}},
-    {"PowerStep.", {"ConfigureDwell", "Reset"}},
-    {"PulseGenerator.",
-     {"ConfigureExternalTrigger", "put GatingEnabled", "get GatingEnabled",
-      "put ExternalTriggerSlope", "get ExternalTriggerSlope", "put ExternalTriggerDelay",
-      "get ExternalTriggerDelay"}},
-    {"PulseGenerator.", {"put TriggerSource", "get TriggerSource"}, {"_PGenerator"}},
-    {"PulseGeneratorOutput.", {}, {"_PGeneratorOutput"}},
-    {"Channel.", {"put Enabled", "get Enabled"}},
-};
-
 std::string NameOf(const members::Interface& entry, const members::Member& member) {
   constexpr std::string_view kPrefix = "IZentrelK4N";
   std::string name(entry.name == kPrefix             ? "Root"
@@ -90,14 +58,10 @@ bool Walked::IsWay() const {
   return !member->parameters.empty() && member->parameters.back().type == Type::kInterface;
 }
 
-const Unsupported* Walked::FindUnsupported() const {
-  const auto* const row = std::ranges::find_if(kUnsupported, [this](const auto& entry) {
-    if (!name.starts_with(entry.beginning)) return false;
-    return entry.names.empty() ||
-           std::ranges::count(entry.names, std::string_view(name).substr(entry.beginning.size())) !=
-               0;
-  });
-  return row == std::end(kUnsupported) ? nullptr : &row->answer;
+bool Walked::IsSupported() const {
+  const HRESULT result = Call(Surface(), *this).result;
+  TakeErrorInfo();
+  return result != kMethodCode && result != kPropertyCode;
 }
 
 const std::vector<Walked>& AllMembers() {
@@ -110,14 +74,6 @@ const std::vector<Walked>& AllMembers() {
     }
     return list;
   }();
-  return all;
-}
-
-std::vector<std::string> UnsupportedNames() {
-  std::vector<std::string> all;
-  for (const auto& row : kUnsupported) {
-    for (const auto name : row.names) all.push_back(std::string(row.beginning).append(name));
-  }
   return all;
 }
 

@@ -12,21 +12,14 @@
 
 namespace driver_test {
 
-/// How a member says that it is not supported: under its name with something behind it, against its
-/// own interface or another one.
-struct Unsupported {
-  std::string_view behind = "";
-  const IID* iid = nullptr;
-};
-
 /// A member as the walk meets it.
 struct Walked {
   std::string name;
   const members::Interface* interface_entry;
   const members::Member* member;
 
-  /// Null when it is supported.
-  [[nodiscard]] const Unsupported* FindUnsupported() const;
+  /// False when it answers that it is not supported. How each says so is the console's script.
+  [[nodiscard]] bool IsSupported() const;
   /// Whether it hands out an interface.
   [[nodiscard]] bool IsWay() const;
 };
@@ -34,8 +27,6 @@ struct Walked {
 /// All members, interface by interface. IZentrelK4N is called Root, and the others lose this
 /// beginning of their names.
 const std::vector<Walked>& AllMembers();
-/// Those that the list of the unsupported names.
-std::vector<std::string> UnsupportedNames();
 /// Throws std::out_of_range when there is none of this name.
 const Walked& MemberOf(std::string_view name);
 

@@ -20,7 +20,11 @@ namespace driver_test {
 /// An answer that the failure tests look for: a code that no layer gives a meaning.
 inline constexpr std::int16_t kRefusal = -321;
 
-/// Commands: 1 recovery, 4 read, 6 data.
+// The instrument's commands.
+constexpr std::uint16_t kWriteCommand = 3;
+constexpr std::uint16_t kReadCommand = 4;
+constexpr std::uint16_t kDataCommand = 6;
+
 inline simulator::Fault RefuseCommand(std::uint16_t command, std::int16_t status) {
   simulator::Fault fault = simulator::Fault::Refuse(0, status);
   fault.parameter.reset();
@@ -111,13 +115,6 @@ class Bench {
     EXPECT_EQ(surface_.sweep->Configure(ZentrelK4NSweepModeFrequencyStep, trigger), S_OK);
     EXPECT_EQ(surface_.rf->put_OutputEnabled(VARIANT_TRUE), S_OK);
     EXPECT_EQ(surface_.acquisition->Initiate(), S_OK);
-  }
-  /// How many writes the instrument got since ClearRequests().
-  std::size_t Writes() {
-    constexpr std::uint16_t kWriteCommand = 3;
-    const auto requests = instrument_.Requests();
-    return static_cast<std::size_t>(
-        std::ranges::count(requests, kWriteCommand, &simulator::RequestRecord::command));
   }
   /// One measurement from its start to its end.
   void Measure() {

@@ -50,7 +50,6 @@ constexpr Mishap kMishaps[] = {
     {"body:bytes=7,command=6"},
     {"length:bytes=-5,command=6"},
 };
-constexpr std::uint16_t kDataCommand = 6;
 
 simulator::Options SmallLog() {
   simulator::Options options;
