@@ -2,15 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "platform/com/Raii.h"
 #include "platform/com/RegKey.h"
-#include "platform/os/Module.h"
 #include "server/interface/ZentrelK4NLib.h"
 #include "tests/server/ClassesDump.h"
+#include "tests/server/ModuleFixture.h"
 
 // After windows.h, which declares what it uses.
 #include <sddl.h>
@@ -19,7 +20,6 @@ using namespace server;
 
 namespace {
 
-using Install = HRESULT STDAPICALLTYPE(BOOL, LPCWSTR);
 using std::literals::operator""sv;
 
 const std::wstring kInterfaces = L"Software\\Classes\\Interface";
@@ -46,7 +46,6 @@ class Interfaces : public RegKey {
  public:
   explicit Interfaces(const Place& place) {
     HKEY const root = ClassesOf(place.scope).root;
-    if (Open(root, kInterfaces, KEY_READ | place.width) == ERROR_SUCCESS) return;
     HKEY key = nullptr;
     RegCreateKeyExW(root, kInterfaces.c_str(), 0, nullptr, 0, KEY_READ | place.width, nullptr, &key,
                     nullptr);
@@ -93,10 +92,9 @@ class ClassesRoot {
   RegKey key_;
 };
 
-class LibraryRegistrationTest : public testing::Test {
+class LibraryRegistrationTest : public ModuleTest {
  protected:
   LibraryRegistrationTest() {
-    EXPECT_TRUE(module_.Load(ZK_DRIVER_MODULE));
     // Wine tells the widths apart where there is a part for 32-bit programs; the user's may lack.
     RegKey part;
     EXPECT_EQ(part.Create(HKEY_CURRENT_USER, L"Software\\Classes\\Wow6432Node"), ERROR_SUCCESS);
@@ -114,11 +112,10 @@ class LibraryRegistrationTest : public testing::Test {
   }
 
   HRESULT Call(RegistrationScope scope, bool install) const {
-    auto* const entry = module_.FunctionOf<Install>("DllInstall");
-    if (scope == RegistrationScope::kMachine) return entry(install ? TRUE : FALSE, L"");
     // The functions for one user write to that user's part on Windows; Wine's to the machine's.
-    const ClassesRoot root(L"Software\\Classes");
-    return entry(install ? TRUE : FALSE, L"user");
+    std::optional<ClassesRoot> root;
+    if (scope == RegistrationScope::kUser) root.emplace(L"Software\\Classes");
+    return ModuleTest::Call(scope, install);
   }
 
   /// What an interface's key has at a place.
@@ -173,8 +170,6 @@ class LibraryRegistrationTest : public testing::Test {
     LocalFree(shown);
     return text;
   }
-
-  os::Module module_;
 };
 
 class TypeLibraryRegistration : public LibraryRegistrationTest,
