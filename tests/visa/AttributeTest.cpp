@@ -81,21 +81,16 @@ TEST_F(VisaTest, TextAttributesNameTheInstrument) {
       {VI_ATTR_INTF_INST_NAME, "TCPIP3"},
   };
   for (const auto& row : rows) {
-    std::array<char, 256> text{};
-    EXPECT_STATUS(visa.viGetAttribute(session, row.id, text.data()), VI_SUCCESS);
-    EXPECT_EQ(text.data(), row.text);
+    EXPECT_EQ(Text(session, row.id), row.text);
     EXPECT_STATUS(visa.viSetAttribute(session, row.id, 1), VI_ERROR_ATTR_READONLY);
   }
 }
 
 TEST_F(VisaTest, ManagersAndUnknownAttributesAnswerToo) {
   std::uint64_t value = 0;
-  EXPECT_STATUS(visa.viGetAttribute(manager, VI_ATTR_RSRC_SPEC_VERSION, &value), VI_SUCCESS);
-  std::array<char, 256> text{};
-  EXPECT_STATUS(visa.viGetAttribute(manager, VI_ATTR_RSRC_CLASS, text.data()), VI_SUCCESS);
-  EXPECT_STREQ(text.data(), "RM");
-  EXPECT_STATUS(visa.viGetAttribute(manager, VI_ATTR_RSRC_LOCK_STATE, &value), VI_SUCCESS);
-  EXPECT_EQ(value, 0U) << "nobody locks a manager";
+  EXPECT_EQ(Number(manager, VI_ATTR_RSRC_SPEC_VERSION), 0x00500800U);
+  EXPECT_EQ(Text(manager, VI_ATTR_RSRC_CLASS), "RM");
+  EXPECT_EQ(Number(manager, VI_ATTR_RSRC_LOCK_STATE), 0U) << "nobody locks a manager";
   EXPECT_STATUS(visa.viGetAttribute(manager, VI_ATTR_TMO_VALUE, &value), VI_ERROR_NSUP_ATTR);
   EXPECT_STATUS(visa.viSetAttribute(manager, 0x3FFF0FFF, 1), VI_ERROR_NSUP_ATTR);
   EXPECT_STATUS(visa.viGetAttribute(manager, VI_ATTR_USER_DATA, nullptr), VI_ERROR_USER_BUF);

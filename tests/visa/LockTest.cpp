@@ -8,17 +8,8 @@ namespace {
 
 class VisaLock : public VisaTest {
  protected:
-  ViUInt32 State(ViSession session) {
-    ViUInt32 state = 99;
-    EXPECT_STATUS(visa.viGetAttribute(session, VI_ATTR_RSRC_LOCK_STATE, &state), VI_SUCCESS);
-    return state;
-  }
-  std::string Owner(ViSession session) {
-    std::array<char, 256> text{'?'};
-    EXPECT_STATUS(visa.viGetAttribute(session, VI_ATTR_ZENTREL_LOCK_OWNER, text.data()),
-                  VI_SUCCESS);
-    return text.data();
-  }
+  ViUInt32 State(ViSession session) { return Number(session, VI_ATTR_RSRC_LOCK_STATE); }
+  std::string Owner(ViSession session) { return Text(session, VI_ATTR_ZENTREL_LOCK_OWNER); }
   ViStatus Exclusive(ViSession session, ViUInt32 timeout = 0) {
     return visa.viLock(session, VI_EXCLUSIVE_LOCK, timeout, nullptr, nullptr);
   }

@@ -22,16 +22,6 @@ class VisaSettings : public VisaTest {
         << text;
     return session;
   }
-  std::string Text(ViObject object, ViAttr attribute) {
-    std::array<char, 256> text{};
-    const ViStatus status = visa.viGetAttribute(object, attribute, text.data());
-    return status == VI_SUCCESS ? text.data() : Hex(status);
-  }
-  ViUInt16 Flag(ViSession session, ViAttr attribute) {
-    ViUInt16 flag = 99;
-    EXPECT_STATUS(visa.viGetAttribute(session, attribute, &flag), VI_SUCCESS);
-    return flag;
-  }
   std::vector<std::string> Problems() {
     std::vector<std::string> problems;
     for (ViAttr i = VI_ATTR_ZENTREL_SETTINGS_PROBLEM;; ++i) {

@@ -35,13 +35,13 @@ TEST_F(VisaSettings, TheFirstSectionThatMatchesTheNameIsInForceAlone) {
     const ViSession session = OpenWith(row.text);
     EXPECT_EQ(Text(session, VI_ATTR_ZENTREL_SETTINGS_SECTION), row.section);
     EXPECT_EQ(Text(session, VI_ATTR_ZENTREL_SETTINGS_FILE), file_.string());
-    EXPECT_EQ(Flag(session, VI_ATTR_TCPIP_KEEPALIVE), row.keeps_alive ? 1 : 0);
+    EXPECT_EQ(Number<ViUInt16>(session, VI_ATTR_TCPIP_KEEPALIVE), row.keeps_alive ? 1 : 0);
     EXPECT_STATUS(visa.viClose(session), VI_SUCCESS);
   }
   ViSession session = 0;
   WriteFile(file_, "[*]\nkeep-alive = on");
   EXPECT_STATUS(Open(peer.Name(), 0, session), VI_SUCCESS);
-  EXPECT_EQ(Flag(session, VI_ATTR_TCPIP_KEEPALIVE), 0) << "not asked to load settings";
+  EXPECT_EQ(Number<ViUInt16>(session, VI_ATTR_TCPIP_KEEPALIVE), 0) << "not asked to load settings";
 }
 
 TEST_F(VisaSettings, LinesThatMakeNoSenseAreToldAndChangeNothing) {
@@ -67,7 +67,7 @@ TEST_F(VisaSettings, LinesThatMakeNoSenseAreToldAndChangeNothing) {
       "keep-alive-interval = 32768\n"
       "connect-ceiling = 19\n" +
       std::string(56, 'x') + "\xE2\x82\xAC\xE2\x82\xAC\n");
-  EXPECT_EQ(Flag(session, VI_ATTR_TCPIP_NODELAY), 0);
+  EXPECT_EQ(Number<ViUInt16>(session, VI_ATTR_TCPIP_NODELAY), 0);
   const std::vector<std::string> problems = {
       "line 3: no [section] before it: keep-alive = on",
       "line 7: neither on nor off: maybe?",

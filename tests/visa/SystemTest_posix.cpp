@@ -54,9 +54,7 @@ TEST_F(VisaSession, LockIsANameOfTheSystemWhoeverHasIt) {
   const asio::local::datagram_protocol::endpoint lock(name);
   std::optional<asio::local::datagram_protocol::socket> stranger(std::in_place, io, lock);
   stranger->connect(lock);  // who is connected cannot be called
-  ViUInt32 state = 0;
-  EXPECT_STATUS(visa.viGetAttribute(session, VI_ATTR_RSRC_LOCK_STATE, &state), VI_SUCCESS);
-  EXPECT_EQ(state, VI_EXCLUSIVE_LOCK);
+  EXPECT_EQ(Number(session, VI_ATTR_RSRC_LOCK_STATE), VI_EXCLUSIVE_LOCK);
   EXPECT_STATUS(Write(session, "x"), VI_ERROR_RSRC_LOCKED);
   stranger.reset();
   EXPECT_STATUS(Write(session, "x"), VI_SUCCESS);

@@ -19,8 +19,7 @@ class VisaThread : public VisaSession {
       ended = true;
     });
     // The attributes and the texts do not wait for the read meanwhile.
-    ViUInt32 timeout = 0;
-    EXPECT_STATUS(visa.viGetAttribute(session, VI_ATTR_TMO_VALUE, &timeout), VI_SUCCESS);
+    EXPECT_EQ(Number(session, VI_ATTR_TMO_VALUE), VI_TMO_INFINITE);
     std::array<char, 256> text{};
     EXPECT_STATUS(visa.viStatusDesc(session, VI_ERROR_TMO, text.data()), VI_SUCCESS);
     while (!ended) {

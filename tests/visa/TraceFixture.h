@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <regex>
+#include <set>
 
 #include "tests/visa/SettingsFixture.h"
 
@@ -48,6 +49,12 @@ class VisaTrace : public VisaSettings {
       }
     }
     return numbers;
+  }
+  /// How many numbers there are; none stands there twice.
+  [[nodiscard]] std::size_t CountDifferent() const {
+    const std::vector<int> numbers = Numbers();
+    EXPECT_EQ(std::set<int>(numbers.begin(), numbers.end()).size(), numbers.size());
+    return numbers.size();
   }
   void Count(int from, int to) {
     for (int i = from; i < to; ++i) {

@@ -34,12 +34,6 @@ class VisaTraceProcesses : public VisaTrace {
       children.pop_back();
     }
   }
-  /// How many numbers there are; none stands there twice.
-  std::size_t CountDifferent() {
-    const std::vector<int> numbers = Numbers();
-    EXPECT_EQ(std::set<int>(numbers.begin(), numbers.end()).size(), numbers.size());
-    return numbers.size();
-  }
 };
 
 TEST_F(VisaTraceProcesses, WriteWholeLinesIntoOneFile) {

@@ -98,6 +98,13 @@ class FullListener {
   std::vector<asio::ip::tcp::socket> fillers_;
 };
 
+inline std::string Hex(ViStatus status) {
+  std::array<char, 11> text{};
+  std::snprintf(text.data(), text.size(), "0x%08X", static_cast<unsigned>(status));
+  return text.data();
+}
+#define EXPECT_STATUS(actual, expected) EXPECT_EQ(Hex(actual), Hex(expected))
+
 /// A manager, and a session to a peer when a test opens one.
 class VisaTest : public testing::Test {
  protected:
@@ -117,6 +124,19 @@ class VisaTest : public testing::Test {
     EXPECT_EQ(Open(name, 0, opened), VI_SUCCESS) << name;
     EXPECT_EQ(visa.viSetAttribute(opened, VI_ATTR_TMO_VALUE, timeout), VI_SUCCESS);
     return opened;
+  }
+  /// A number among the attributes; it has the size of T.
+  template <typename T = ViUInt32>
+  T Number(ViObject object, ViAttr attribute) {
+    T value = 99;
+    EXPECT_EQ(visa.viGetAttribute(object, attribute, &value), VI_SUCCESS);
+    return value;
+  }
+  /// A text among them, or the failure.
+  std::string Text(ViObject object, ViAttr attribute) {
+    std::array<char, 256> text{'?'};
+    const ViStatus status = visa.viGetAttribute(object, attribute, text.data());
+    return status == VI_SUCCESS ? text.data() : Hex(status);
   }
   ViStatus Read(ViSession session, ViUInt32 count, std::string& text) {
     std::vector<ViByte> buffer(count + 1);
@@ -159,10 +179,3 @@ class VisaSession : public VisaTest {
  private:
   ViUInt32 timeout_;
 };
-
-inline std::string Hex(ViStatus status) {
-  std::array<char, 11> text{};
-  std::snprintf(text.data(), text.size(), "0x%08X", static_cast<unsigned>(status));
-  return text.data();
-}
-#define EXPECT_STATUS(actual, expected) EXPECT_EQ(Hex(actual), Hex(expected))
