@@ -12,36 +12,19 @@ namespace {
 
 constexpr GUID kGuid = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
 
-HRESULT SetDescription(const OLECHAR* description) {
-  ComPtr<ICreateErrorInfo> info;
-  os::WideString text = description;
-  if (FAILED(CreateErrorInfo(info.Put()))) return E_FAIL;
-  info->SetGUID(kGuid);
-  info->SetDescription(text.data());
-  return SetErrorInfo(0, info.As<IErrorInfo>().Get());
-}
-
-/// The thread's description, which goes with it; "none" when it has none.
-os::WideString TakeDescription() {
-  ComPtr<IErrorInfo> info;
-  if (GetErrorInfo(0, info.Put()) != S_OK) return OLESTR("none");
-  Bstr text;
-  info->GetDescription(text.Put());
-  return os::WideString(text.View());
-}
-
 TEST(ErrorInfo, EachThreadHasItsOwn) {
-  ASSERT_EQ(SetDescription(OLESTR("here")), S_OK);
-  os::WideString there;
-  os::WideString there_after;
+  Counted here;
+  Counted there;
+  IErrorInfo* taken = nullptr;
+  SetErrorInfo(0, &here);
   std::thread([&] {
-    there = TakeDescription();
-    SetDescription(OLESTR("there"));
-    there_after = TakeDescription();
+    EXPECT_EQ(GetErrorInfo(0, &taken), S_FALSE);
+    SetErrorInfo(0, &there);
+    EXPECT_EQ(GetErrorInfo(0, &taken), S_OK);
+    EXPECT_EQ(taken, &there);
   }).join();
-  EXPECT_EQ(there, OLESTR("none"));
-  EXPECT_EQ(there_after, OLESTR("there"));
-  EXPECT_EQ(TakeDescription(), OLESTR("here"));
+  EXPECT_EQ(GetErrorInfo(0, &taken), S_OK);
+  EXPECT_EQ(taken, &here);
 }
 
 TEST(ErrorInfo, LaterOneReplacesEarlierAndItsReferenceGoesToTheTaker) {
@@ -66,23 +49,23 @@ TEST(ErrorInfo, LaterOneReplacesEarlierAndItsReferenceGoesToTheTaker) {
 TEST(ErrorInfo, KeepsWhatWasSet) {
   ComPtr<ICreateErrorInfo> creator;
   ASSERT_EQ(CreateErrorInfo(creator.Put()), S_OK);
-  OLECHAR source[] = OLESTR("Library.Class.1");
+  OLECHAR text[] = OLESTR("description");
   creator->SetGUID(kGuid);
-  EXPECT_EQ(creator->SetDescription(nullptr), S_OK);
-  EXPECT_EQ(creator->SetSource(source), S_OK);
+  EXPECT_EQ(creator->SetSource(nullptr), S_OK);
+  EXPECT_EQ(creator->SetDescription(text), S_OK);
   creator->SetHelpContext(7);
   const auto info = creator.As<IErrorInfo>();
   ASSERT_TRUE(info);
   GUID guid = {};
   DWORD help_context = 0;
-  Bstr text;
+  Bstr source;
   Bstr description;
   EXPECT_EQ(info->GetGUID(&guid), S_OK);
   EXPECT_TRUE(IsEqualGUID(guid, kGuid));
-  EXPECT_EQ(info->GetSource(text.Put()), S_OK);
-  EXPECT_EQ(text.View(), source);
+  EXPECT_EQ(info->GetSource(source.Put()), S_OK);
+  EXPECT_EQ(source.Get(), nullptr);
   EXPECT_EQ(info->GetDescription(description.Put()), S_OK);
-  EXPECT_EQ(description.Get(), nullptr);
+  EXPECT_EQ(description.View(), text);
   EXPECT_EQ(info->GetHelpContext(&help_context), S_OK);
   EXPECT_EQ(help_context, 7U);
 }

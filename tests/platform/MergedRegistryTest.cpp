@@ -10,8 +10,7 @@
 
 namespace {
 
-const std::u16string kUser = u"Software\\Classes\\";
-const std::u16string kMachine = u"Software\\Classes\\";
+const std::u16string kClasses = u"Software\\Classes\\";
 
 class MergedRegistry : public RegistryTest {
  protected:
@@ -72,35 +71,26 @@ TEST_F(MergedRegistry, ChangesOfOthersAreSeenAtOnce) {
 /// The registry in two files, as where the driver is installed for all users.
 class TwoFiles : public testing::Test {
  protected:
-  TwoFiles() {
-    unsetenv("ZENTREL_REGISTRY");
-    setenv("XDG_DATA_HOME", folder_.path().c_str(), 1);
-    setenv("ZENTREL_MACHINE_REGISTRY", machine_.c_str(), 1);
-  }
-  ~TwoFiles() override {
-    unsetenv("XDG_DATA_HOME");
-    unsetenv("ZENTREL_MACHINE_REGISTRY");
-  }
   static bool MayAllRead(const std::filesystem::path& file) {
     using std::filesystem::perms;
     return (status(file).permissions() & perms::others_read) != perms::none;
   }
 
- private:
-  TemporaryFolder folder_;
-
- protected:
-  std::filesystem::path user_ = folder_.path() / "zentrel" / "registry";
-  std::filesystem::path machine_ = folder_.path() / "machine" / "registry";
+  const TemporaryFolder folder_;
+  const std::filesystem::path user_ = folder_.path() / "zentrel" / "registry";
+  const std::filesystem::path machine_ = folder_.path() / "machine" / "registry";
+  const EnvironmentVariable no_single_file_{"ZENTREL_REGISTRY", ""};
+  const EnvironmentVariable data_home_{"XDG_DATA_HOME", folder_.path()};
+  const EnvironmentVariable machine_registry_{"ZENTREL_MACHINE_REGISTRY", machine_};
 };
 
 TEST_F(TwoFiles, EachHoldsItsRoot) {
-  const Key machine(HKEY_LOCAL_MACHINE, kMachine + u"Lib.Class");
+  const Key machine(HKEY_LOCAL_MACHINE, kClasses + u"Lib.Class");
   SetText(machine.Get(), nullptr, u"machine");
   EXPECT_TRUE(MayAllRead(machine_));
   EXPECT_FALSE(exists(user_.parent_path())) << "nothing of the user's is made";
   EXPECT_EQ(TextOf(Key(HKEY_CLASSES_ROOT, u"Lib.Class").Get(), nullptr), u"machine");
-  const Key user(HKEY_CURRENT_USER, kUser + u"Lib.Class");
+  const Key user(HKEY_CURRENT_USER, kClasses + u"Lib.Class");
   SetText(user.Get(), nullptr, u"user");
   EXPECT_FALSE(MayAllRead(user_));
   EXPECT_EQ(std::filesystem::status(user_.string() + ".lock").permissions(),
@@ -112,8 +102,8 @@ TEST_F(TwoFiles, EachHoldsItsRoot) {
 
 TEST_F(TwoFiles, TheMachinesIsForAdministrators) {
   setenv("ZENTREL_MACHINE_REGISTRY", "/sys/zentrel/registry", 1);
-  EXPECT_EQ(Key(HKEY_LOCAL_MACHINE, kMachine + u"A").Result(), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(Key(HKEY_CURRENT_USER, kUser + u"A").Result(), ERROR_SUCCESS);
+  EXPECT_EQ(Key(HKEY_LOCAL_MACHINE, kClasses + u"A").Result(), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Key(HKEY_CURRENT_USER, kClasses + u"A").Result(), ERROR_SUCCESS);
   EXPECT_EQ(Key(HKEY_CLASSES_ROOT, u"A\\B").Result(), ERROR_SUCCESS) << "below the user's key";
   EXPECT_EQ(Key(HKEY_CLASSES_ROOT, u"C").Result(), ERROR_ACCESS_DENIED);
 }
@@ -123,7 +113,7 @@ TEST_F(TwoFiles, ADeviceStaysOne) {
   create_directories(device.parent_path());
   create_symlink("/dev/null", device);
   setenv("ZENTREL_MACHINE_REGISTRY", device.c_str(), 1);
-  EXPECT_EQ(Key(HKEY_LOCAL_MACHINE, kMachine + u"A").Result(), ERROR_WRITE_FAULT);
+  EXPECT_EQ(Key(HKEY_LOCAL_MACHINE, kClasses + u"A").Result(), ERROR_WRITE_FAULT);
   EXPECT_TRUE(is_symlink(device));
 }
 
@@ -132,10 +122,10 @@ TEST_F(MergedRegistry, KeyNameWithALineBreakIsRefused) {
 }
 
 TEST_F(MergedRegistry, UsersClassesComeBeforeTheMachines) {
-  const Key machine(HKEY_LOCAL_MACHINE, kMachine + u"Lib.Class");
+  const Key machine(HKEY_LOCAL_MACHINE, kClasses + u"Lib.Class");
   SetText(machine.Get(), nullptr, u"machine");
   SetText(machine.Get(), u"Only", u"machine only");
-  const Key user(HKEY_CURRENT_USER, kUser + u"LIB.class");
+  const Key user(HKEY_CURRENT_USER, kClasses + u"LIB.class");
   SetText(user.Get(), nullptr, u"user");
   const Key merged(HKEY_CLASSES_ROOT, u"Lib.Class");
   EXPECT_EQ(merged.Disposition(), REG_OPENED_EXISTING_KEY);
@@ -144,18 +134,18 @@ TEST_F(MergedRegistry, UsersClassesComeBeforeTheMachines) {
 }
 
 TEST_F(MergedRegistry, NewClassesAreTheMachinesUnlessBelowAUsersKey) {
-  const Key user(HKEY_CURRENT_USER, kUser + u"Users");
+  const Key user(HKEY_CURRENT_USER, kClasses + u"Users");
   const Key fresh(HKEY_CLASSES_ROOT, u"Fresh\\CLSID");
   const Key below(HKEY_CLASSES_ROOT, u"Users\\CLSID");
-  EXPECT_TRUE(KeyExists(HKEY_LOCAL_MACHINE, (kMachine + u"Fresh\\CLSID").c_str()));
-  EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, (kUser + u"Fresh").c_str()));
-  EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, (kUser + u"Users\\CLSID").c_str()));
+  EXPECT_TRUE(KeyExists(HKEY_LOCAL_MACHINE, (kClasses + u"Fresh\\CLSID").c_str()));
+  EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, (kClasses + u"Fresh").c_str()));
+  EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, (kClasses + u"Users\\CLSID").c_str()));
 }
 
 TEST_F(MergedRegistry, ViewListsEachNameOnce) {
-  const Key machine(HKEY_LOCAL_MACHINE, kMachine + u"Both");
-  const Key other(HKEY_LOCAL_MACHINE, kMachine + u"Other");
-  const Key user(HKEY_CURRENT_USER, kUser + u"BOTH");
+  const Key machine(HKEY_LOCAL_MACHINE, kClasses + u"Both");
+  const Key other(HKEY_LOCAL_MACHINE, kClasses + u"Other");
+  const Key user(HKEY_CURRENT_USER, kClasses + u"BOTH");
   EXPECT_EQ(NamesIn(HKEY_CLASSES_ROOT).first, (std::vector<os::WideString>{u"BOTH", u"Other"}));
 }
 

@@ -15,10 +15,7 @@ namespace fs = std::filesystem;
 
 fs::path ProbePath() { return os::ThisModuleFolder() / "PlatformProbe.DLL"; }
 
-int AnswerOf(const os::Module& module) {
-  auto* const answer = module.FunctionOf<int()>("ProbeAnswer");
-  return answer == nullptr ? -1 : answer();
-}
+int AnswerOf(const os::Module& module) { return module.FunctionOf<int()>("ProbeAnswer")(); }
 
 fs::path FolderOf(const os::Module& module) {
   return module.FunctionOf<const fs::path::value_type*()>("ProbeFolder")();

@@ -3,13 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "platform/com/Com.h"
+#include "platform/com/RegKey.h"
 #include "platform/os/Text.h"
+#include "tests/platform/EnvironmentVariable.h"
 #include "tests/platform/TemporaryFolder.h"
 
 /// Creates or opens a key, and closes it.
@@ -53,10 +54,7 @@ inline os::WideString TextOf(HKEY key, const OLECHAR* name) {
 }
 
 inline bool KeyExists(HKEY parent, const OLECHAR* name) {
-  HKEY key = nullptr;
-  if (RegOpenKeyExW(parent, name, 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
-  RegCloseKey(key);
-  return true;
+  return RegKey().Open(parent, name, KEY_READ) == ERROR_SUCCESS;
 }
 
 /// The names of its subkeys, and the result that ends them.
@@ -75,12 +73,10 @@ inline std::pair<std::vector<os::WideString>, LSTATUS> NamesIn(HKEY key) {
 class RegistryTest : public testing::Test {
 #ifndef _WIN32
  protected:
-  RegistryTest() { setenv("ZENTREL_REGISTRY", File().c_str(), 1); }
-  ~RegistryTest() override { unsetenv("ZENTREL_REGISTRY"); }
-
   [[nodiscard]] std::filesystem::path File() const { return folder_.path() / "new" / "registry"; }
 
  private:
-  TemporaryFolder folder_;
+  const TemporaryFolder folder_;
+  const EnvironmentVariable variable_{"ZENTREL_REGISTRY", File()};
 #endif
 };
