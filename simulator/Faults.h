@@ -24,8 +24,8 @@ enum class FaultKind {
 /// them pass, then strikes `times` times (0: always).
 struct Fault {
   FaultKind kind = FaultKind::kDelay;
-  std::optional<std::uint16_t> command;    ///< 1 recovery, 3 write, 4 read, 6 data
-  std::optional<std::uint16_t> parameter;  ///< identifier of a write or read
+  std::optional<std::uint16_t> command = {};    ///< 1 recovery, 3 write, 4 read, 6 data
+  std::optional<std::uint16_t> parameter = {};  ///< identifier of a write or read
   std::uint32_t after = 0;
   std::uint32_t times = 0;
 

@@ -45,8 +45,8 @@ struct Options {
   std::string fpga_firmware = "04.06.2018";  ///< the same
   /// Files beside \FRAM\SERIAL.TXT and \FRAM\TYPE.TXT, which follow from the above: content by
   /// path, in Windows-1251. An entry with one of the two names replaces that file; see missing.
-  std::map<std::string, std::string> files;
-  std::vector<std::string> missing_files;  ///< paths of files that are not there
+  std::map<std::string, std::string> files = {};
+  std::vector<std::string> missing_files = {};  ///< paths of files that are not there
 
   // Frequency.
   double min_frequency = 10e6;  ///< Hz
@@ -78,12 +78,12 @@ struct Options {
   std::chrono::milliseconds response_delay{0};
 
   // What it measures.
-  DeviceUnderTest device;
+  DeviceUnderTest device = {};
   double noise = 0.0;      ///< dB, standard deviation at each detector with averaging 1
   std::uint32_t seed = 1;  ///< of the noise
 
   // Faults from the start.
-  std::vector<Fault> faults;
+  std::vector<Fault> faults = {};
 
   std::size_t log_capacity = 4096;  ///< requests that are remembered
 };

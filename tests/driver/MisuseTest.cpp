@@ -193,12 +193,10 @@ TEST(MisuseOfMany, SessionsOfManyInstrumentsKeepApart) {
   threads.reserve(kInstruments);
   for (std::size_t i = 0; i < kInstruments; ++i) {
     threads.emplace_back([i] {
-      simulator::Options options;
-      options.device.centre = 1e9 + static_cast<double>(i) * 4e7;
-      Bench bench(options);
+      const double centre = 1e9 + static_cast<double>(i) * 4e7;
+      Bench bench({.device = {.centre = centre}});
       bench.OpenToMeasure();
-      const double start = options.device.centre - 2e8;
-      bench.RunSweep(start, start + 4e8, 1e7);
+      bench.RunSweep(centre - 2e8, centre + 2e8, 1e7);
       bench.ExpectResponse(Bench::kLevel, 41);
       EXPECT_EQ(bench.surface_.root->Close(), S_OK);
       TakeErrorInfo();

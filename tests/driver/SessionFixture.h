@@ -26,10 +26,7 @@ constexpr std::uint16_t kReadCommand = 4;
 constexpr std::uint16_t kDataCommand = 6;
 
 inline simulator::Fault RefuseCommand(std::uint16_t command, std::int16_t status) {
-  simulator::Fault fault = simulator::Fault::Refuse(0, status);
-  fault.parameter.reset();
-  fault.command = command;
-  return fault;
+  return {.kind = simulator::FaultKind::kRefuse, .command = command, .status = status};
 }
 
 /// A text or array that a member must neither read nor free: either would trap.

@@ -61,8 +61,7 @@ constexpr std::pair<std::string_view, double> kLaterCalls[] = {{"RF.put Frequenc
                                                                {"Sweep.put Mode", 4}};
 
 TEST_F(Session, EndsAndBeginsAgainAfterALossInTheMiddleOfASweep) {
-  simulator::Fault silence;
-  silence.kind = simulator::FaultKind::kSilence;
+  const simulator::Fault silence{.kind = simulator::FaultKind::kSilence};
   for (const bool is_cut : {true, false}) {
     SCOPED_TRACE(is_cut ? "The link is cut" : "The instrument falls silent");
     Open();
@@ -91,12 +90,7 @@ TEST_F(Session, EndsAndBeginsAgainAfterALossInTheMiddleOfASweep) {
 
 class ManySessions : public SessionTest {
  protected:
-  static simulator::Options ShortMemory() {
-    simulator::Options options;
-    options.log_capacity = 1;
-    return options;
-  }
-  ManySessions() : SessionTest(ShortMemory()) {}
+  ManySessions() : SessionTest({.log_capacity = 1}) {}
 
   void OpenAndClose(std::size_t times) {
     for (std::size_t i = 0; i < times; ++i) {

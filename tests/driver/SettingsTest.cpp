@@ -22,7 +22,6 @@ class Settings : public SessionTest {
 using Sweep = IZentrelK4NSweep;
 constexpr const char* kInstrumentError =
     "Instrument error detected.  Use ErrorQuery() to determine the error(s).";
-constexpr std::uint16_t kFrequencyId = 0;
 constexpr std::uint16_t kFrequencyListId = 2;
 constexpr HRESULT kError = Code(0x80047001);
 
@@ -177,12 +176,6 @@ TEST_F(Settings, AFailedReadIsToldButForThreeStates) {
   }
 }
 
-TEST_F(Settings, NoticesAreNoFailures) {
-  instrument_.InjectFault(Fault::Refuse(kFrequencyId, 3));
-  EXPECT_EQ(surface_.rf->put_Frequency(3e9), S_OK);
-  EXPECT_THAT(TakeErrors(), ElementsAre());
-}
-
 TEST_F(Settings, ARefusalOfBothListsIsHeardOfInTheTrailOnly) {
   const auto values = Doubles({1e9, 20e9});
   SAFEARRAY* list = values.Get();
@@ -195,22 +188,16 @@ TEST_F(Settings, ARefusalOfBothListsIsHeardOfInTheTrailOnly) {
 
 class Bare : public SessionTest {
  protected:
-  static simulator::Options Instrument() {
-    simulator::Options options;
-    options.kind = simulator::InstrumentKind::kGenerator;
-    options.serial_number_query = false;
-    options.missing_files = {"\\FRAM\\TYPE.TXT"};
-    options.attenuator_mode = 0;
-    options.pulse_modulator = false;
-    return options;
-  }
-  Bare() : SessionTest(Instrument()) {}
+  Bare()
+      : SessionTest({.kind = simulator::InstrumentKind::kGenerator,
+                     .serial_number_query = false,
+                     .missing_files = {"\\FRAM\\TYPE.TXT"},
+                     .attenuator_mode = 0,
+                     .pulse_modulator = false}) {}
 };
 
 TEST(Identity, SerialNumberEndsAtItsPadding) {
-  simulator::Options options;
-  options.serial_number = std::string("1101\0\0\0", 7);
-  Bench bench(options);
+  Bench bench({.serial_number = {"1101\0\0\0", 7}});
   bench.Open();
   EXPECT_EQ(bench.surface_.system->get_SerialNum(&bench.surface_.text), S_OK);
   EXPECT_EQ(TakeText(bench.surface_.text), "1101");
