@@ -68,8 +68,6 @@ Surface::Surface(DriverModule& driver)
     : Surface(driver.Create(__uuidof(ZentrelK4N)).As<IZentrelK4N>()) {}
 
 Surface::Surface(ComPtr<IZentrelK4N> object) : root(std::move(object)) {
-  identity = root.As<IIviDriverIdentity>();
-  operation = root.As<IIviDriverOperation>();
   EXPECT_EQ(root->get_Utility(utility.Put()), S_OK);
   EXPECT_EQ(root->get_RF(rf.Put()), S_OK);
   EXPECT_EQ(root->get_Sweep(sweep.Put()), S_OK);

@@ -62,8 +62,6 @@ struct Surface {
   explicit Surface(ComPtr<IZentrelK4N> object);
 
   ComPtr<IZentrelK4N> root;
-  ComPtr<IIviDriverIdentity> identity;
-  ComPtr<IIviDriverOperation> operation;
   ComPtr<IIviDriverUtility> utility;
   ComPtr<IZentrelK4NRF> rf;
   ComPtr<IZentrelK4NSweep> sweep;

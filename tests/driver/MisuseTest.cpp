@@ -133,8 +133,7 @@ TEST_F(Misuse, ManyThreadsMayCallAnythingAtOnce) {
   constexpr int kThreads = 16;
   constexpr int kCalls = 40;
   Open();
-  std::vector<std::thread> threads;
-  threads.reserve(kThreads);
+  std::vector<std::jthread> threads;
   for (int thread = 0; thread < kThreads; ++thread) {
     threads.emplace_back([&, thread] {
       std::mt19937 random(static_cast<unsigned>(thread));
@@ -151,7 +150,7 @@ TEST_F(Misuse, ManyThreadsMayCallAnythingAtOnce) {
       TakeErrorInfo();
     });
   }
-  for (auto& thread : threads) thread.join();
+  threads.clear();
   ExpectStillMeasures();
 }
 
@@ -189,8 +188,7 @@ TEST_F(Misuse, SessionsMayEndAndBeginUnderAFetch) {
 
 TEST(MisuseOfMany, SessionsOfManyInstrumentsKeepApart) {
   constexpr std::size_t kInstruments = 64;
-  std::vector<std::thread> threads;
-  threads.reserve(kInstruments);
+  std::vector<std::jthread> threads;
   for (std::size_t i = 0; i < kInstruments; ++i) {
     threads.emplace_back([i] {
       const double centre = 1e9 + static_cast<double>(i) * 4e7;
@@ -202,7 +200,6 @@ TEST(MisuseOfMany, SessionsOfManyInstrumentsKeepApart) {
       TakeErrorInfo();
     });
   }
-  for (auto& thread : threads) thread.join();
 }
 
 TEST(MisuseOfChildren, EveryMemberOfOneWithoutARootFailsCleanly) {

@@ -87,8 +87,7 @@ TEST(Semaphore, EachSignalReachesExactlyOneOfManyThreads) {
   os::Semaphore taken;
   os::Semaphore stop;
   std::atomic<int> received = 0;
-  std::vector<std::thread> threads;
-  threads.reserve(kThreads);
+  std::vector<std::jthread> threads;
   for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&] {
       const std::array<os::Semaphore*, 2> both = {&signal, &stop};
@@ -104,7 +103,7 @@ TEST(Semaphore, EachSignalReachesExactlyOneOfManyThreads) {
     EXPECT_TRUE(taken.AcquireFor(milliseconds(5000)));
   }
   stop.Release();
-  for (std::thread& thread : threads) thread.join();
+  threads.clear();
   EXPECT_EQ(received, kSignals);
 }
 

@@ -1,8 +1,7 @@
 #include "tests/server/ClassesDump.h"
 
-#include <span>
-
 #include "platform/com/RegKey.h"
+#include "tests/link/Hex.h"
 
 const std::set<server::RegistrationScope> kScopesFoundByProgId = {
     server::RegistrationScope::kMachine};
@@ -26,12 +25,7 @@ std::string TopKey(const std::wstring& name) {
 std::string Shown(DWORD type, std::wstring_view data, DWORD size) {
   const std::size_t end = data.find(L'\0');
   if (type == REG_SZ && (end + 1) * sizeof(wchar_t) == size) return Utf8(data.substr(0, end));
-  std::string shown = std::to_string(type) + ":";
-  for (const BYTE byte : std::span(reinterpret_cast<const BYTE*>(data.data()), size)) {
-    shown += "0123456789ABCDEF"[byte / 16];
-    shown += "0123456789ABCDEF"[byte % 16];
-  }
-  return shown;
+  return std::to_string(type) + ":" + ToHex({reinterpret_cast<const BYTE*>(data.data()), size});
 }
 
 }  // namespace

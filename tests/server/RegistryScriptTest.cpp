@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/os/Text.h"
+#include "tests/link/Hex.h"
 
 using namespace server;
 
@@ -19,13 +20,7 @@ std::string ShownValue(const ScriptValue& value) {
     const auto* const text = reinterpret_cast<const os::WideChar*>(value.data.data());
     return ShownText({text, value.data.size() / sizeof(os::WideChar) - 1});
   }
-  std::string shown = std::to_string(static_cast<unsigned>(value.type)) + ":";
-  for (const unsigned byte : value.data) {
-    char digits[4];
-    std::snprintf(digits, sizeof digits, "%02X", byte);
-    shown += digits;
-  }
-  return shown;
+  return std::to_string(static_cast<unsigned>(value.type)) + ":" + ToHex(value.data);
 }
 
 /// Keys as one line: "name[removal](value=text)...{keys};".
@@ -64,9 +59,9 @@ constexpr ScriptCase kScripts[] = {
     {"LongRoots", "HKEY_CLASSES_ROOT { } HKEY_CURRENT_USER { } HKEY_LOCAL_MACHINE { }",
      "HKCR[no];HKCU[no];HKLM[no];"},
     {"NumbersAndBytes", "HKCR { K = d '258' { val H = d '0xFFFFFFFF' val B = b '01aF' } }",
-     "HKCR[no]{K(=4:02010000)(H=4:FFFFFFFF)(B=3:01AF);};"},
+     "HKCR[no]{K(=4:02 01 00 00)(H=4:FF FF FF FF)(B=3:01 AF);};"},
     {"Texts", "HKCR { K = m 'a\\0b' L = m '\\0b' }",
-     "HKCR[no]{K(=7:61000000620000000000);L(=7:0000620000000000);};"},
+     "HKCR[no]{K(=7:61 00 00 00 62 00 00 00 00 00);L(=7:00 00 62 00 00 00 00 00);};"},
     {"NamedValues", "HKCR { K = s 'd' { val One = s '1' val 'The Two' = s '' } }",
      "HKCR[no]{K(=d)(One=1)(The Two=);};"},
     {"BracesInNames", "HKCR { {0-1} = s '{2-3}' }", "HKCR[no]{{0-1}(={2-3});};"},

@@ -130,12 +130,15 @@ TEST_F(VisaSettings, TheReadCeilingBoundsEachReadWhateverTheTimeOut) {
 
 TEST_F(VisaSettings, TheConnectCeilingBoundsTheAttemptAsTheTimeOutDoes) {
   const FullListener listener;
-  for (const auto& [ceiling, timeout] : {std::pair("50", 60000U), {"60000", 50U}}) {
-    WriteFile(file_, "[*]\nconnect-ceiling = " + std::string(ceiling));
+  for (const auto& [settings, timeout] : {std::pair("[*]\nconnect-ceiling = 50", 60000U),
+                                          {"[*]\nconnect-ceiling = 60000", 50U},
+                                          {"", 50U}}) {
+    WriteFile(file_, settings);
     const auto before = steady_clock::now();
     ViSession session = 9;
     EXPECT_STATUS(Open(listener.Name(), VI_LOAD_CONFIG, session, timeout), VI_ERROR_TMO);
-    EXPECT_LT(steady_clock::now() - before, std::chrono::seconds(20)) << ceiling;
+    EXPECT_LT(steady_clock::now() - before, std::chrono::seconds(20)) << settings;
+    EXPECT_EQ(session, 0U);
   }
 }
 
