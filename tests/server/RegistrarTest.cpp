@@ -74,13 +74,7 @@ TEST_F(RegistrarTest, NumbersNeedARegistryThatHoldsThem) {
   const HRESULT result = registrar_.Register("HKCR { Zk { val N = d '7' } }");
 #ifdef _WIN32
   EXPECT_EQ(result, S_OK);
-  const Key key(HKEY_CURRENT_USER, OLESTR("Software\\Classes\\Zk"));
-  DWORD type = 0;
-  DWORD number = 0;
-  DWORD size = sizeof number;
-  RegQueryValueExW(key.Get(), L"N", nullptr, &type, reinterpret_cast<BYTE*>(&number), &size);
-  EXPECT_EQ(type, REG_DWORD);
-  EXPECT_EQ(number, 7U);
+  EXPECT_EQ(ZkLines(), (Lines{"Zk", "Zk N=4:07 00 00 00"}));
 #else
   EXPECT_EQ(result, HRESULT_FROM_WIN32(ERROR_INVALID_PARAMETER));
 #endif
