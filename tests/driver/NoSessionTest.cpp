@@ -2,7 +2,6 @@
 // one as well.
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <array>
 #include <stdexcept>
 
@@ -90,21 +89,12 @@ TEST(NoSession, NoMemberWritesThroughANullPointer) {
     for (std::size_t i = 0; i < walked.member->parameters.size(); ++i) {
       if (!walked.member->parameters[i].IsOut()) continue;
       SCOPED_TRACE(walked.name + ", argument " + std::to_string(i));
-      const HRESULT expected = walked.IsSupported() ? E_POINTER : Call(surface, walked).result;
+      const bool is_supported = walked.IsSupported();
       const Answer answer = Call(surface, walked, {}, i);
-      EXPECT_EQ(answer.result, expected);
-      EXPECT_EQ(TakeErrorInfo().present, expected != E_POINTER);
+      EXPECT_EQ(TakeErrorInfo().present, !is_supported);
+      EXPECT_EQ(answer.result, is_supported ? E_POINTER : Call(surface, walked).result);
       EXPECT_THAT(answer.written, testing::IsEmpty());
     }
-  }
-}
-
-/// A typing error in the table must not turn a row into one of nothing.
-TEST(NoSession, EveryExceptionIsOneOfAMember) {
-  for (const Exception& row : kExceptions) {
-    EXPECT_TRUE(std::ranges::any_of(AllMembers(), [&](const Walked& walked) {
-      return walked.name.starts_with(row.beginning);
-    })) << row.beginning;
   }
 }
 
