@@ -1,6 +1,7 @@
 // Measurements: their life cycle, the traces of the channels, the detector files.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <thread>
@@ -36,7 +37,7 @@ class Acquisition : public SessionTest {
     EXPECT_EQ(surface_.array, nullptr) << "not the trace of the measurement before";
   }
   Trace ExpectAxis(const char* channel, double initial_x, double x_increment) {
-    const Trace trace = Fetch(channel);
+    Trace trace = Fetch(channel);
     EXPECT_EQ(trace.initial_x, initial_x);
     EXPECT_EQ(trace.x_increment, x_increment);
     return trace;
@@ -237,6 +238,7 @@ TEST_F(DetectorFiles, LoadsOfManyObjectsDoNotDisturbEachOther) {
   }
   constexpr int kThreads = 4;
   std::vector<std::jthread> threads;
+  threads.reserve(kThreads);
   for (int thread = 0; thread < kThreads; ++thread) {
     threads.emplace_back([name = Text(Utf8(files[thread % 2]))] {
       Bench bench;

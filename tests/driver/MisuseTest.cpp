@@ -134,6 +134,7 @@ TEST_F(Misuse, ManyThreadsMayCallAnythingAtOnce) {
   constexpr int kCalls = 40;
   Open();
   std::vector<std::jthread> threads;
+  threads.reserve(kThreads);
   for (int thread = 0; thread < kThreads; ++thread) {
     threads.emplace_back([&, thread] {
       std::mt19937 random(static_cast<unsigned>(thread));
@@ -189,6 +190,7 @@ TEST_F(Misuse, SessionsMayEndAndBeginUnderAFetch) {
 TEST(MisuseOfMany, SessionsOfManyInstrumentsKeepApart) {
   constexpr std::size_t kInstruments = 64;
   std::vector<std::jthread> threads;
+  threads.reserve(kInstruments);
   for (std::size_t i = 0; i < kInstruments; ++i) {
     threads.emplace_back([i] {
       const double centre = 1e9 + static_cast<double>(i) * 4e7;

@@ -1,7 +1,6 @@
 // Error information: the same on every system.
 #include <gtest/gtest.h>
 
-#include <string>
 #include <thread>
 
 #include "platform/com/Com.h"

@@ -88,6 +88,7 @@ TEST(Semaphore, EachSignalReachesExactlyOneOfManyThreads) {
   os::Semaphore stop;
   std::atomic<int> received = 0;
   std::vector<std::jthread> threads;
+  threads.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&] {
       const std::array<os::Semaphore*, 2> both = {&signal, &stop};
