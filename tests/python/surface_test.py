@@ -15,6 +15,7 @@ from zentrelk4n._members import Choice
 
 sys.path.insert(0, str(TREE / "server/interface"))
 import surface  # noqa: E402
+from emit_python import snake  # noqa: E402
 
 LIBRARY = surface.published()
 INTERFACES = {interface.name: interface for interface in LIBRARY.interfaces + surface.inherent()}
@@ -72,53 +73,38 @@ def script():
 
 
 def snake_path(line):
-    """The command with the members' Python names; texts, numbers and arguments stay."""
-    head, equals, tail = line.partition(" = ")
-    parts = head.split("(", 1)
-    names = ".".join(map(surface_snake, parts[0].split(".")))
-    rest = "".join(f"({part}" for part in parts[1:])
-    if ")." in rest:
-        arguments, dot, below = rest.partition(").")
-        rest = arguments + dot + snake_path(below)
-    return names + rest + equals + tail
-
-
-def surface_snake(name):
-    return re.sub(r"(?<!^)(?<![A-Z])(?=[A-Z])|(?<!^)(?=[A-Z][a-z])", "_", name).lower()
+    """The command with the members' Python names; texts and numbers stay."""
+    return re.sub(r'"[^"]*"|\w+', lambda m: m[0] if '"' in m[0] else snake(m[0]), line)
 
 
 def outcome_of(gen, line):
     """(result, value, arrays, error text) as the console would tell them."""
-    found = {"true": True, "false": False, "gen": gen, "arrays": []}
+    arrays = []
     target, equals, value = line.partition(" = ")
     target = target.replace("[1e9, -3, 40]", "array()")
 
     def array():
-        found["arrays"].append([1e9, -3, 40])
-        return found["arrays"][-1]
+        arrays.append([1e9, -3, 40])
+        return arrays[-1]
 
-    found["array"] = array
+    names = {"true": True, "false": False, "gen": gen, "array": array}
     with warnings.catch_warnings(record=True) as caught:
         warnings.simplefilter("always")
         try:
             run = exec if equals else eval
-            result, code, text = run(f"gen.{target}{equals}{value}", found), 0, None
+            result, code, text = run(f"gen.{target}{equals}{value}", names), 0, None
         except k4n.DriverError as error:
             result, code, text = None, error.code, error.description or None
     assert len(caught) <= 1 and all(w.category is k4n.DriverWarning for w in caught)
-    return caught[0].message.code if caught else code, result, found["arrays"], text
-
-
-def as_told(value):
-    """A value of the console's JSON as Python has it."""
-    return "" if value is None else value
+    return caught[0].message.code if caught else code, result, arrays, text
 
 
 def same(python, told):
+    """Whether a value is that of the console's JSON."""
     if isinstance(python, bool):
         return python == bool(told)
     if isinstance(python, (int, float, str, enum.Enum)):
-        return python == as_told(told)
+        return python == ("" if told is None else told)
     if python is None:
         return told is None
     return told == "object" if hasattr(python, "_pointer") else [float(v) for v in python] == told
@@ -171,17 +157,11 @@ def test_each_member_tells_what_it_is():
         python = getattr(k4n, interface.name[1:])
         for member in interface.members:
             described = python.__dict__[member.name]
-            assert described is python.__dict__[surface_snake(member.name)]
+            assert described is python.__dict__[snake(member.name)]
             units = [f" in {p.unit}" for p in member.parameters if p.unit]
             told = [member.help or member.name, *units]
             text = " ".join(described.__doc__.split())
             assert all(" ".join(words.split()) in text for words in told), member
-
-
-def test_enumerations_have_the_library_s_values():
-    for enumeration in LIBRARY.enumerations:
-        python = getattr(k4n, enumeration.name.removeprefix("ZentrelK4N").removesuffix("Enum"))
-        assert [int(value) for value in python] == [number for _, number in enumeration.values]
 
 
 def test_settings_are_of_their_kind(gen):
