@@ -2,9 +2,10 @@
 """The manual against what it describes: manual_test.py TREE CLIENT [unittest's arguments].
 
 Each member, parameter and enumeration value of the surface, each result that has a name, each
-command of the client with its options has its entry, and there is no other; links lead somewhere;
-the examples answer and the pictures are drawn as they stand; and members return without a session,
-with one, from a generator and from an instrument that refuses what their entries say.
+command of the client with its options has its entry, and there is no other; the examples answer and
+the pictures are drawn as they stand; and members return without a session, with one, from a
+generator and from an instrument that refuses what their entries say. Where links lead is seen in
+the manual as built.
 """
 
 import collections
@@ -18,11 +19,12 @@ import unittest
 
 sys.dont_write_bytecode = True
 TREE, CLIENT = pathlib.Path(sys.argv[1]).resolve(), sys.argv[2]
-sys.path.insert(0, str(TREE / "tools" / "manual"))
+sys.path[:0] = [str(TREE / "tools" / "manual"), str(TREE / "python")]
 import book as source  # noqa: E402
 import calls  # noqa: E402
 import examples  # noqa: E402
 import pictures  # noqa: E402
+import zentrelk4n  # noqa: E402
 
 BOOK = source.Book()
 MEMBER_PAGES = [page for page in BOOK.pages if page.interface]
@@ -81,12 +83,10 @@ class Entries(unittest.TestCase):
 
     def test_each_named_result_has_its_row(self):
         text = (TREE / "status/ResultNames.inc").read_text()
-        names = dict(re.findall(r'\{(0x[0-9A-F]{8}), "([^"]+)"\}', text))
+        names = re.findall(r'\{(0x[0-9A-F]{8}), "([^"]+)"\}', text)
         row = re.compile(r"^\| `(0x[0-9A-F]{8})` \| ([^|]+?) \|", re.MULTILINE)
-        rows = row.findall(page_text("reference/results"))
         self.assertGreater(len(names), 30)
-        self.assertEqual(dict(rows), names)
-        self.assertEqual(len(rows), len(names))
+        self.assertEqual(sorted(row.findall(page_text("reference/results"))), sorted(names))
 
     def test_each_text_of_the_driver_stands_with_its_result(self):
         written = page_text("reference/results")
@@ -111,16 +111,9 @@ def page_text(name):
 class Python(unittest.TestCase):
     """What the manual says of a call in Python is how the package has it."""
 
-    @classmethod
-    def setUpClass(cls):
-        sys.path.insert(0, str(TREE / "python"))
-        import zentrelk4n
-
-        cls.package = zentrelk4n
-
     def test_members(self):
         for interface in source.INTERFACES:
-            group = getattr(self.package, interface.name[1:])
+            group = getattr(zentrelk4n, interface.name[1:])
             for member in interface.members:
                 with self.subTest(f"{interface.name}.{member.name}"):
                     attribute = getattr(group, calls.snake(member.name))
@@ -131,17 +124,17 @@ class Python(unittest.TestCase):
                     else:
                         self.assertEqual(len(member.parameters), 1)
         for name in calls.QUERIED:
-            self.assertTrue(hasattr(self.package.Session, calls.snake(name)))
+            self.assertTrue(hasattr(zentrelk4n.Session, calls.snake(name)))
 
     def test_enumerations(self):
         for enumeration in source.LIBRARY.enumerations:
-            values = getattr(self.package, calls.enum_name(enumeration))
+            values = getattr(zentrelk4n, calls.enum_name(enumeration))
             for name, number in enumeration.values:
                 self.assertEqual(values[calls.python_value(enumeration, name)], number)
 
 
-class Links(unittest.TestCase):
-    def test_each_page_is_in_the_contents(self):
+class Pages(unittest.TestCase):
+    def test_are_those_of_the_contents(self):
         files = {str(file.relative_to(BOOK.folder))[:-3] for file in BOOK.folder.rglob("[!_]*.md")}
         self.assertEqual(files, {page.name for page in BOOK.pages})
 
@@ -152,24 +145,6 @@ class Links(unittest.TestCase):
                 text = re.sub(r"^```.*?^```$", "", "\n".join(part), flags=re.MULTILINE | re.DOTALL)
                 for line in text.split("\n"):
                     self.assertEqual(line.count("`") % 2, 0, f"{page.name}: {line}")
-
-    def test_each_link_leads_somewhere(self):
-        anchors = {page.name: {s.anchor for s in page.sections} for page in BOOK.pages}
-        anchors["reference/results"].update(source.result_codes(BOOK.page("reference/results")))
-        count = 0
-        for page in BOOK.pages:
-            made = source.markdown(BOOK, page)
-            for target in re.findall(r"\]\(([^)\s]+)\)", made):
-                count += 1
-                with self.subTest(f"{page.name}: {target}"):
-                    way, _, anchor = target.partition("#")
-                    here = BOOK.folder / f"{page.name}.md"
-                    file = here.parent / way if way else here
-                    self.assertTrue(file.is_file())
-                    if anchor:
-                        name = str(file.resolve().relative_to(BOOK.folder))[:-3]
-                        self.assertIn(anchor, anchors[name])
-        self.assertGreater(count, 300)
 
 
 class Diagnosis(unittest.TestCase):
@@ -204,12 +179,9 @@ class Pictures(unittest.TestCase):
 class Client(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory()
-        cls.client = examples.Client(CLIENT, cls.folder.name)
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.folder.cleanup()
+        folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(folder.cleanup)
+        cls.client = examples.Client(CLIENT, folder.name)
 
     def test_examples(self):
         differences, count = examples.check(CLIENT)
@@ -317,12 +289,8 @@ class Commands(unittest.TestCase):
             command = page.name.removeprefix("commands/").split("-")[1:]
             parts = {(): [section for section in page.sections if section.level == 2]}
             if command and (names := self.subcommands(*command)):
-                titles = {(name,): f"zk4n {command[0]} {name}" for name in names}
-                parts = {
-                    words: [section for section in page.sections if section.title == title]
-                    for words, title in titles.items()
-                }
-                self.assertTrue(all(parts.values()))
+                titled = {section.title: section for section in page.sections}
+                parts = {(name,): [titled[f"zk4n {command[0]} {name}"]] for name in names}
             for words, sections in parts.items():
                 with self.subTest(" ".join([page.name, *words])):
                     told = dict(option.findall(self.help(*command, *words)))
