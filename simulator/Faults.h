@@ -35,20 +35,13 @@ struct Fault {
   std::chrono::milliseconds pause{0};  ///< kDelay, kPieces
 
   static Fault Refuse(std::uint16_t parameter, std::int16_t status, std::uint32_t times = 0) {
-    Fault fault;
-    fault.kind = FaultKind::kRefuse;
-    fault.parameter = parameter;
-    fault.status = status;
-    fault.times = times;
-    return fault;
+    return {.kind = FaultKind::kRefuse, .parameter = parameter, .times = times, .status = status};
   }
   static Fault DropAfter(std::uint32_t messages) {
-    Fault fault;
-    fault.kind = FaultKind::kDrop;
-    fault.after = messages;
-    fault.times = 1;
-    return fault;
+    return {.kind = FaultKind::kDrop, .after = messages, .times = 1};
   }
+
+  friend bool operator==(const Fault&, const Fault&) = default;
 };
 
 }  // namespace simulator

@@ -13,11 +13,7 @@ namespace simulator {
 namespace {
 
 TEST(DeviceUnderTest, BandPassHasItsLossItsEdgesAndItsIsolation) {
-  DeviceUnderTest device;
-  device.centre = 2.4e9;
-  device.width = 4e8;
-  device.loss = 1.5;
-  device.isolation = 50.0;
+  const DeviceUnderTest device{.centre = 2.4e9, .width = 4e8, .loss = 1.5, .isolation = 50.0};
   EXPECT_DOUBLE_EQ(device.Through(2.4e9), -1.5);
   // The edges lie geometrically around the centre, the width apart.
   const double lower = -2e8 + std::hypot(2e8, 2.4e9);
@@ -32,10 +28,8 @@ TEST(DeviceUnderTest, BandPassHasItsLossItsEdgesAndItsIsolation) {
 }
 
 TEST(DeviceUnderTest, FlatAndOpenDoNotDependOnTheFrequency) {
-  DeviceUnderTest flat;
-  flat.kind = DeviceKind::kFlat;
-  DeviceUnderTest open;
-  open.kind = DeviceKind::kOpen;
+  const DeviceUnderTest flat{.kind = DeviceKind::kFlat};
+  const DeviceUnderTest open{.kind = DeviceKind::kOpen};
   for (const double frequency : {1e7, 2.4e9, 2e10}) {
     EXPECT_EQ(flat.Through(frequency), -1.5);
     EXPECT_EQ(flat.Reflected(frequency), -30.0);
@@ -44,17 +38,12 @@ TEST(DeviceUnderTest, FlatAndOpenDoNotDependOnTheFrequency) {
   }
 }
 
-template <auto kMember>
-auto& Member(Options& options) {
-  return options.*kMember;
-}
-template <auto kMember>
-requires requires(Options& options) { options.device.*kMember; }
-auto& Member(Options& options) { return options.device.*kMember; }
+auto& Member(Options& options, auto Options::*member) { return options.*member; }
+auto& Member(Options& options, auto DeviceUnderTest::*member) { return options.device.*member; }
 /// Sets an option, or one of its device, from a number: a text's length, a time's nanoseconds.
 template <auto kMember>
 void Set(Options& options, double value) {
-  auto& member = Member<kMember>(options);
+  auto& member = Member(options, kMember);
   using Type = std::remove_cvref_t<decltype(member)>;
   if constexpr (std::is_same_v<Type, std::string>) {
     member.assign(static_cast<std::size_t>(value), '7');
@@ -125,15 +114,11 @@ TEST(Options, ThoseThatDescribeNoInstrumentAreRefused) {
       EXPECT_EQ(Refused(options), is_good ? "taken" : row.told) << value;
     }
   }
-  Options options;
-  options.attenuator_mode = 0;
-  EXPECT_EQ(Refused(options), "taken") << "none";
-  options.initial_level = options.device.centre = std::nan("");
-  EXPECT_EQ(Refused(options), "initial level: a number");
-  options.initial_level = 0.0;
-  EXPECT_EQ(Refused(options), "device centre: 1 Hz to 1 THz");
-  options.address = "localhost";
-  EXPECT_EQ(Refused(options), "address: an IP address in numbers, such as 127.0.0.1 or ::1");
+  EXPECT_EQ(Refused({.attenuator_mode = 0}), "taken") << "none";
+  EXPECT_EQ(Refused({.initial_level = std::nan("")}), "initial level: a number");
+  EXPECT_EQ(Refused({.device = {.centre = std::nan("")}}), "device centre: 1 Hz to 1 THz");
+  EXPECT_EQ(Refused({.address = "localhost"}),
+            "address: an IP address in numbers, such as 127.0.0.1 or ::1");
 }
 
 }  // namespace

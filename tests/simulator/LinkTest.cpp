@@ -137,9 +137,7 @@ TEST_F(LinkTest, KeepsItsPortAndItsSettingsOverAPowerCut) {
 }
 
 TEST_F(LinkTest, ATakenPortIsAnError) {
-  Options options;
-  options.port = simulator_.Port();
-  Simulator second(options);
+  Simulator second({.port = simulator_.Port()});
   EXPECT_THROW(second.Start(), std::system_error);
 }
 
@@ -148,16 +146,13 @@ TEST(SmallInstrument, IsNamedByAnAddressThatReachesIt) {
                                       {"127.0.0.2", "127.0.0.2"},
                                       {"::", "[::1]"},
                                       {"fe80::1", "[fe80::1]"}}) {
-    Options options;
-    options.address = address;
-    EXPECT_EQ(Simulator(options).ResourceName(), "TCPIP0::" + std::string(host) + "::0::SOCKET");
+    EXPECT_EQ(Simulator({.address = address}).ResourceName(),
+              "TCPIP0::" + std::string(host) + "::0::SOCKET");
   }
 }
 
 TEST(SmallInstrument, ClosesTooManyConnections) {
-  Options options;
-  options.max_connections = 1;
-  Simulator simulator(options);
+  Simulator simulator({.max_connections = 1});
   simulator.Start();
   WireClient first(simulator.Port());
   EXPECT_EQ(first.Exchange(kRecovery).status, 0);
@@ -187,10 +182,8 @@ TEST_F(LinkTest, AClientThatNeverReadsDoesNotFillTheMemory) {
   simulator_.Stop();
 }
 
-TEST_F(LinkTest, RequestsAreRememberedAndShown) {
-  Options options;
-  options.log_capacity = 3;
-  Simulator simulator(options);
+TEST(SmallInstrument, RemembersAndShowsItsRequests) {
+  Simulator simulator({.log_capacity = 3});
   std::vector<std::string> shown;
   simulator.Observe([&](const RequestRecord& record, const InstrumentState& state) {
     shown.push_back(record.text + " | " + std::to_string(state.averaging));

@@ -52,18 +52,16 @@ void Check(const Options& options, std::initializer_list<WriteCase> writes) {
 const Values kProbe{0, 2, 1e11, 1e11};
 
 TEST(Settings, FrequencyFormsTellTheirLimitsAndOlderInstrumentsRefuseNewerOnes) {
-  Options wide;
-  wide.frequency_form = FrequencyForm::kWide;
-  Options narrow;
-  narrow.frequency_form = FrequencyForm::kNarrow;
   const Values three{0, 2, 1e11};
   const Values three_answer{10e6, 2, 19.99e9};
   Check(Options{}, {{"four elements", 0, 0x60, kProbe, {10e6, 2, 19.99e9, 20e9}}});
-  Check(wide, {{"four elements", 0, 0x60, kProbe, {}, status::kUnknownForm},
-               {"three wide", 0, 0x60, three, three_answer}});
-  Check(narrow, {{"four elements", 0, 0x60, kProbe, {}, status::kUnknownForm},
-                 {"three wide", 0, 0x60, three, {}, status::kUnknownForm},
-                 {"narrow", 0, 0x40, {0, 2, 4001e6}, {10e6, 2, 3991e6}}});
+  Check(Options{.frequency_form = FrequencyForm::kWide},
+        {{"four elements", 0, 0x60, kProbe, {}, status::kUnknownForm},
+         {"three wide", 0, 0x60, three, three_answer}});
+  Check(Options{.frequency_form = FrequencyForm::kNarrow},
+        {{"four elements", 0, 0x60, kProbe, {}, status::kUnknownForm},
+         {"three wide", 0, 0x60, three, {}, status::kUnknownForm},
+         {"narrow", 0, 0x40, {0, 2, 4001e6}, {10e6, 2, 3991e6}}});
 }
 
 TEST(Settings, AFrequencySweepIsCutToTheLimitsAndToOneBlock) {
@@ -100,9 +98,7 @@ std::string PowerCommands(int variant) {
   constexpr std::array<std::uint8_t, 3> forms[] = {
       {79, 5, 0x62}, {79, 8, 0x62}, {79, 7, 0x62}, {79, 5, 0x42}, {79, 8, 0x42},
       {79, 7, 0x42}, {12, 2, 0x21}, {12, 2, 0x21}, {12, 2, 0x42}, {12, 4, 0x42}};
-  Options options;
-  options.power_variant = variant;
-  Settings settings(options);
+  Settings settings({.power_variant = variant});
   settings.BeginConnection();
   std::string answers;
   for (const auto& [id, count, type] : forms) {
@@ -160,20 +156,17 @@ TEST(Settings, PulseTrainsComeInChunks) {
 }
 
 TEST(Settings, TriggerGroups) {
-  Options one;
-  one.trigger_groups = 1;
   const Values two_groups{1, 1, 5, 0, 0, 6, 0, 7, 1, 0};
   Check(Options{},
         {{"two groups", 8, 0x10, two_groups},
          {"the first alone", 8, 0x10, {9, 0, 8, 0, 0}, {1, 0, 8, 0, 0}},
          {"the second is kept; sync code on the input", 7, 0x10, {4, 1, 1, 0, 3, 5, 0, 1, 1, 0}}});
-  Check(one, {{"two groups", 8, 0x10, two_groups, {}, status::kUnknownForm},
-              {"one", 7, 0x10, {3, 1, 0, 0, 2}}});
+  Check(Options{.trigger_groups = 1},
+        {{"two groups", 8, 0x10, two_groups, {}, status::kUnknownForm},
+         {"one", 7, 0x10, {3, 1, 0, 0, 2}}});
 }
 
 TEST(Settings, SmallSettingsAnswerWithWhatWasSet) {
-  Options no_frequency;
-  no_frequency.reference_frequency = false;
   Check(Options{}, {{"its kind", 3, 0x20, {18}},
                     {"another kind", 3, 0x20, {2}, {}, status::kUnknownForm},
                     {"averaging too high, odd body filled up", 4, 0x10, {15, 0x99}, {14}, 0, 1},
@@ -191,7 +184,7 @@ TEST(Settings, SmallSettingsAnswerWithWhatWasSet) {
                     {"nameless, too", 27, 0x40, {1, 2, 3}},
                     {"identity is read only", 15, 0x10, {}, {}, status::kUnknownForm, 100},
                     {"unknown parameter", 200, 0x10, {0}, {}, status::kUnknownParameter}});
-  Check(no_frequency,
+  Check(Options{.reference_frequency = false},
         {{"reference without frequency", 17, 0x40, {1, 1}, {}, status::kUnknownForm}});
   Bytes answer;
   EXPECT_EQ(Settings(Options{}).Write({command::kWrite, 0, 1, 0x10, 0, {4}}, answer),
