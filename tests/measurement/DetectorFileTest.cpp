@@ -31,37 +31,34 @@ struct VersionCase {
   std::uint32_t columns;  // 0: 0x8004705C
 };
 
-class DetectorVersion : public testing::TestWithParam<VersionCase> {};
+const VersionCase kVersions[] = {{"NoneIsZero", "1 2\n3 4\n", 3},
+                                 {"EmptyIsZero", "#VERSION\n1 2\n3 4\n", 3},
+                                 {"WordIsZero", "#VERSION three\n1 2\n3 4\n", 3},
+                                 {"ZeroNeedsNoDigest", "#VERSION 0\n1 2\n3 4\n#CRC 12\n", 3},
+                                 {"Three", Signed("#VERSION 3\n1 2\n3 4\n"), 2},
+                                 {"TabsAreContent", Signed("#VERSION\t3\t\n\t1 2\t\n3 4\t\n"), 2},
+                                 {"PlusThree", Signed("#VERSION +3\n1 2\n3 4\n"), 2},
+                                 {"TwoSignsAreZero", "#VERSION +-3\n1 2\n3 4\n", 3},
+                                 {"ThreePointOne", Signed("#VERSION 3.1\n1 2\n3 4\n"), 2},
+                                 {"FirstCounts", Signed("#VERSION 3\n#VERSION 2\n1 2\n3 4\n"), 2},
+                                 {"ThreeUnsigned", "#VERSION 3\n1 2\n3 4\n", 0},
+                                 {"ThreeWithMoreData", Signed("#VERSION 3\n1 2\n") + "3 4\n", 0},
+                                 {"Two", Signed("#VERSION 2\n1 2\n3 4\n"), 0},
+                                 {"Thirty", Signed("#VERSION 30\n1 2\n3 4\n"), 0},
+                                 {"NoWrapAround", Signed("#VERSION 4294967299\n1 2\n3 4\n"), 0},
+                                 {"RaggedRows", "1 2\n3\n", 0}};
 
-TEST_P(DetectorVersion, DecidesTheLayout) {
-  const TempFile file(GetParam().content);
-  CSimpleMatrix matrix;
-  std::string header = "before";
-  const Status result = LoadDetectorFile(matrix, file.Path(), &header);
-  EXPECT_EQ(result, GetParam().columns == 0 ? Status::kInvalidFileFormat : Status::kOk);
-  EXPECT_EQ(matrix.GetCols(), GetParam().columns);
-  EXPECT_EQ(header == "before", GetParam().columns == 0) << header;
+TEST(DetectorFile, VersionDecidesTheLayout) {
+  for (const auto& [fault, content, columns] : kVersions) {
+    CSimpleMatrix matrix;
+    std::string header = "before";
+    EXPECT_EQ(LoadDetectorFile(matrix, TempFile(content).Path(), &header),
+              columns == 0 ? Status::kInvalidFileFormat : Status::kOk)
+        << fault;
+    EXPECT_EQ(matrix.GetCols(), columns) << fault;
+    EXPECT_EQ(header == "before", columns == 0) << fault << header;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Headers, DetectorVersion,
-    testing::Values(VersionCase{"NoneIsZero", "1 2\n3 4\n", 3},
-                    VersionCase{"EmptyIsZero", "#VERSION\n1 2\n3 4\n", 3},
-                    VersionCase{"WordIsZero", "#VERSION three\n1 2\n3 4\n", 3},
-                    VersionCase{"ZeroNeedsNoDigest", "#VERSION 0\n1 2\n3 4\n#CRC 12\n", 3},
-                    VersionCase{"Three", Signed("#VERSION 3\n1 2\n3 4\n"), 2},
-                    VersionCase{"TabsAreContent", Signed("#VERSION\t3\t\n\t1 2\t\n3 4\t\n"), 2},
-                    VersionCase{"PlusThree", Signed("#VERSION +3\n1 2\n3 4\n"), 2},
-                    VersionCase{"TwoSignsAreZero", "#VERSION +-3\n1 2\n3 4\n", 3},
-                    VersionCase{"ThreePointOne", Signed("#VERSION 3.1\n1 2\n3 4\n"), 2},
-                    VersionCase{"FirstCounts", Signed("#VERSION 3\n#VERSION 2\n1 2\n3 4\n"), 2},
-                    VersionCase{"ThreeUnsigned", "#VERSION 3\n1 2\n3 4\n", 0},
-                    VersionCase{"ThreeWithMoreData", Signed("#VERSION 3\n1 2\n") + "3 4\n", 0},
-                    VersionCase{"Two", Signed("#VERSION 2\n1 2\n3 4\n"), 0},
-                    VersionCase{"Thirty", Signed("#VERSION 30\n1 2\n3 4\n"), 0},
-                    VersionCase{"NoWrapAround", Signed("#VERSION 4294967299\n1 2\n3 4\n"), 0},
-                    VersionCase{"RaggedRows", "1 2\n3\n", 0}),
-    [](const auto& tested) { return tested.param.fault; });
 
 TEST(DetectorFile, VersionZeroGetsALevelColumn) {
   constexpr std::uint32_t kRows = 50;

@@ -2,12 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cmath>
 #include <limits>
 #include <random>
 #include <string>
 #include <vector>
+
+#include "tests/measurement/Rows.h"
 
 using namespace measurement;
 
@@ -40,50 +41,42 @@ struct LookUp {
   double value;
 };
 
-class DetectorLookUp : public testing::TestWithParam<LookUp> {};
-
-TEST_P(DetectorLookUp, GivesTheValue) {
-  const CSimpleMatrix matrix = Table(GetParam().frequencies, GetParam().levels);
-  const double plain = InterpolateDetector(matrix, GetParam().frequency, GetParam().level);
-  const double fast = DetectorTable(matrix).Interpolate(GetParam().frequency, GetParam().level);
-  if (std::isnan(GetParam().value)) {
-    EXPECT_TRUE(std::isnan(plain)) << plain;
-    EXPECT_TRUE(std::isnan(fast)) << fast;
-  } else {
-    EXPECT_EQ(plain, GetParam().value);
-    EXPECT_EQ(fast, GetParam().value);
-  }
-}
-
 const std::vector<double> kUp = {100, 200, 400};
 const std::vector<double> kDown = {400, 200, 100};
 const std::vector<double> kLevels = {-2, -1};
 const std::vector<double> kLevelsDown = {-1, -2};
 
-INSTANTIATE_TEST_SUITE_P(
-    Places, DetectorLookUp,
-    testing::Values(
-        LookUp{"Corner", kUp, kLevels, 100, -2, 0}, LookUp{"OnAPoint", kUp, kLevels, 200, -1, 11},
-        LookUp{"Between", kUp, kLevels, 250, -1.75, 12.75},
-        LookUp{"BelowBoth", kUp, kLevels, 50, -9, 0},
-        LookUp{"AboveBoth", kUp, kLevels, 5000, 9, 21},
-        LookUp{"BelowOneOnly", kUp, kLevels, 50, -1.5, 0.5},
-        LookUp{"Descending", kDown, kLevelsDown, 250, -1.75, 8.25},
-        LookUp{"DescendingBelow", kDown, kLevelsDown, 50, -9, 21},
-        LookUp{"DescendingAbove", kDown, kLevelsDown, 5000, 9, 0},
-        LookUp{"OneDescends", kUp, kLevelsDown, 250, -1.75, 13.25},
-        LookUp{"OneFrequency", {7}, kLevels, 3, -1.5, 0.5}, LookUp{"OnePoint", {7}, {-1}, 8, -3, 0},
-        LookUp{"EqualFrequencies", {5, 5}, {-1}, 5, -1, 10},
-        LookUp{"EqualFrequenciesBelow", {5, 5}, {-1}, 4, -1, 0},
-        LookUp{"StepInTheAxis", {1, 2, 2, 3}, {-1}, 2, -1, 20},
-        LookUp{"NoFrequency", {}, kLevels, 1, 1, kNan}, LookUp{"NoLevel", kUp, {}, 1, 1, kNan},
-        LookUp{"InfiniteFrequency", kUp, kLevels, kInfinity, -2, 20},
-        LookUp{"MinusInfiniteLevel", kUp, kLevels, 200, -kInfinity, 10},
-        LookUp{"NanFrequency", kUp, kLevels, kNan, -2, kNan},
-        LookUp{"NanLevelOfOneRow", kUp, {-1}, 200, kNan, kNan},
-        LookUp{"LevelAxisFromZero", kUp, {-kInfinity, -1, 0}, 100, -1.5, 1},
-        LookUp{"NanInTheAxisStaysInside", {1, kNan, kNan}, kLevels, 7, -2, 0}),
-    [](const auto& tested) { return tested.param.fault; });
+const LookUp kLookUps[] = {{"Corner", kUp, kLevels, 100, -2, 0},
+                           {"OnAPoint", kUp, kLevels, 200, -1, 11},
+                           {"Between", kUp, kLevels, 250, -1.75, 12.75},
+                           {"BelowBoth", kUp, kLevels, 50, -9, 0},
+                           {"AboveBoth", kUp, kLevels, 5000, 9, 21},
+                           {"BelowOneOnly", kUp, kLevels, 50, -1.5, 0.5},
+                           {"Descending", kDown, kLevelsDown, 250, -1.75, 8.25},
+                           {"DescendingBelow", kDown, kLevelsDown, 50, -9, 21},
+                           {"DescendingAbove", kDown, kLevelsDown, 5000, 9, 0},
+                           {"OneDescends", kUp, kLevelsDown, 250, -1.75, 13.25},
+                           {"OneFrequency", {7}, kLevels, 3, -1.5, 0.5},
+                           {"OnePoint", {7}, {-1}, 8, -3, 0},
+                           {"EqualFrequencies", {5, 5}, {-1}, 5, -1, 10},
+                           {"EqualFrequenciesBelow", {5, 5}, {-1}, 4, -1, 0},
+                           {"StepInTheAxis", {1, 2, 2, 3}, {-1}, 2, -1, 20},
+                           {"NoFrequency", {}, kLevels, 1, 1, kNan},
+                           {"NoLevel", kUp, {}, 1, 1, kNan},
+                           {"InfiniteFrequency", kUp, kLevels, kInfinity, -2, 20},
+                           {"MinusInfiniteLevel", kUp, kLevels, 200, -kInfinity, 10},
+                           {"NanFrequency", kUp, kLevels, kNan, -2, kNan},
+                           {"NanLevelOfOneRow", kUp, {-1}, 200, kNan, kNan},
+                           {"LevelAxisFromZero", kUp, {-kInfinity, -1, 0}, 100, -1.5, 1},
+                           {"NanInTheAxisStaysInside", {1, kNan, kNan}, kLevels, 7, -2, 0}};
+
+TEST(DetectorTable, GivesTheValueAtEachPlace) {
+  for (const auto& [fault, frequencies, levels, frequency, level, value] : kLookUps) {
+    const CSimpleMatrix matrix = Table(frequencies, levels);
+    EXPECT_PRED2(IsSame, InterpolateDetector(matrix, frequency, level), value) << fault;
+    EXPECT_PRED2(IsSame, DetectorTable(matrix).Interpolate(frequency, level), value) << fault;
+  }
+}
 
 TEST(DetectorTable, NeverLoadedGivesNan) {
   EXPECT_TRUE(std::isnan(DetectorTable().Interpolate(1, 1)));
@@ -127,12 +120,9 @@ TEST(DetectorTable, EqualsThePlainLookUpBitForBit) {
     table.Interpolate(x, y, values);
     for (std::size_t i = 0; i < x.size(); ++i) {
       const double plain = InterpolateDetector(matrix, x[i], y[i]);
-      ASSERT_TRUE(std::isnan(plain) ? std::isnan(values[i])
-                                    : std::bit_cast<std::uint64_t>(plain) ==
-                                          std::bit_cast<std::uint64_t>(values[i]))
-          << "at " << x[i] << ", " << y[i] << ": " << plain << " against " << values[i]
-          << "\nfrequencies " << testing::PrintToString(frequencies) << "\nlevels "
-          << testing::PrintToString(levels);
+      ASSERT_PRED2(IsSame, plain, values[i])
+          << "at " << x[i] << ", " << y[i] << "\nfrequencies "
+          << testing::PrintToString(frequencies) << "\nlevels " << testing::PrintToString(levels);
     }
   }
 }

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <bit>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -13,6 +12,7 @@
 
 #include "measurement/DataBlock.h"
 #include "measurement/DetectorLevel.h"
+#include "tests/measurement/Rows.h"
 #include "tests/platform/ResultCode.h"
 
 using namespace measurement;
@@ -22,7 +22,12 @@ namespace {
 using enum InstrumentKind;
 using enum ReadingFormat;
 
-std::vector<std::uint8_t> Block(const std::vector<std::array<std::int32_t, 3>>& points) {
+using Points = std::vector<std::array<std::int32_t, 3>>;
+using Calibrations = std::array<ChannelCalibration, kTraceChannels>;
+
+/// The trace of readings that come in a block.
+TraceMatrix Converted(const Points& points, const FrequencyPlan& plan, const Calibrations& channels,
+                      ReadingFormat format = kFractional, InstrumentKind kind = kAnalyser) {
   std::vector<std::uint8_t> bytes;
   for (const auto& point : points) {
     for (const std::int32_t reading : point) {
@@ -32,29 +37,19 @@ std::vector<std::uint8_t> Block(const std::vector<std::array<std::int32_t, 3>>& 
     }
   }
   bytes.insert(bytes.end(), {0xff, 0x7f});  // status word
-  return bytes;
+  TraceMatrix trace;
+  trace.Resize(5, 7);  // of another sweep
+  ConvertBlock({bytes, format, kind}, plan, channels, trace);
+  return trace;
 }
 
-/// A table whose values are the frequency (1 to 1e6 MHz) or the level (-5 to 10).
-std::shared_ptr<const DetectorTable> TableOf(bool frequency) {
-  CSimpleMatrix matrix;
-  matrix.Resize(3, 3);
-  const double axis_f[] = {1, 1e6};
-  const double axis_p[] = {-5, 10};
-  for (std::uint32_t i = 0; i < 2; ++i) {
-    matrix.SetItem(i + 1, 0, axis_f[i]);
-    matrix.SetItem(0, i + 1, axis_p[i]);
-    for (std::uint32_t j = 0; j < 2; ++j) {
-      matrix.SetItem(i + 1, j + 1, frequency ? axis_f[i] : axis_p[j]);
-    }
-  }
-  return std::make_shared<const DetectorTable>(matrix);
-}
-
-std::array<ChannelCalibration, kTraceChannels> Channels(bool frequency) {
-  const ChannelCalibration channel{{}, TableOf(frequency)};
+Calibrations WithTable(const Rows& rows) {
+  const ChannelCalibration channel{{}, std::make_shared<const DetectorTable>(MatrixOf(rows))};
   return {channel, channel, channel};
 }
+/// What a table gives back: the frequency (1 to 1e6 MHz), or the level (-5 to 10).
+const Calibrations kFrequency = WithTable({{0, 1, 1e6}, {-5, 1, 1e6}, {10, 1, 1e6}});
+const Calibrations kLevel = WithTable({{0, 1, 1e6}, {-5, -5, -5}, {10, 10, 10}});
 
 struct LevelCase {
   const char* fault;
@@ -64,30 +59,24 @@ struct LevelCase {
   double level;
 };
 
-class ReadingLevel : public testing::TestWithParam<LevelCase> {};
+const LevelCase kReadings[] = {
+    {"Zero", 0, kFractional, kAnalyser, -3},
+    {"Negative", -2147483647 - 1, kFractional, kAnalyser, -3},
+    {"EightFractionalBits", 256, kFractional, kAnalyser, 0},
+    {"Integer", 256, kInteger, kAnalyser, 2.408239965311849},
+    {"SmallestFraction", 1, kFractional, kAnalyser, -2.408239965311849},
+    {"LargestReading", 2147483647, kInteger, kAnalyser, 9.331929865381182},
+    {"OwnUnit", 16777216, kInteger, kDetectors, 6.698970004336019},
+    {"OwnUnitWithFraction", 1, kFractional, kDetectors, -2.9339898569113805},
+    {"OtherKindsAreNotScaled", 16777216, kInteger, InstrumentKind{3}, 7.224719895935548}};
 
-TEST_P(ReadingLevel, IsTheLogarithm) {
-  const auto bytes = Block({{0, GetParam().reading, 0}});
-  TraceMatrix trace;
-  ConvertBlock({bytes, GetParam().format, GetParam().kind}, {.cw = 1e9}, Channels(false), trace);
-  ASSERT_EQ(trace.ColumnCount(), 1);
-  EXPECT_NEAR(trace.Item(1, 0), GetParam().level, 1e-12);
+TEST(TraceConversion, LevelIsTheLogarithmOfTheReading) {
+  for (const auto& [fault, reading, format, kind, level] : kReadings) {
+    const TraceMatrix trace = Converted({{0, reading, 0}}, {.cw = 1e9}, kLevel, format, kind);
+    ASSERT_EQ(trace.ColumnCount(), 1);
+    EXPECT_NEAR(trace.Item(1, 0), level, 1e-12) << fault;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Readings, ReadingLevel,
-    testing::Values(LevelCase{"Zero", 0, kFractional, kAnalyser, -3},
-                    LevelCase{"Negative", -2147483647 - 1, kFractional, kAnalyser, -3},
-                    LevelCase{"EightFractionalBits", 256, kFractional, kAnalyser, 0},
-                    LevelCase{"Integer", 256, kInteger, kAnalyser, 2.408239965311849},
-                    LevelCase{"SmallestFraction", 1, kFractional, kAnalyser, -2.408239965311849},
-                    LevelCase{"LargestReading", 2147483647, kInteger, kAnalyser, 9.331929865381182},
-                    LevelCase{"OwnUnit", 16777216, kInteger, kDetectors, 6.698970004336019},
-                    LevelCase{"OwnUnitWithFraction", 1, kFractional, kDetectors,
-                              -2.9339898569113805},
-                    LevelCase{"OtherKindsAreNotScaled", 16777216, kInteger, InstrumentKind{3},
-                              7.224719895935548}),
-    [](const auto& tested) { return tested.param.fault; });
 
 struct PlanCase {
   const char* fault;
@@ -96,39 +85,30 @@ struct PlanCase {
   std::array<double, 3> mhz;
 };
 
-class PointFrequency : public testing::TestWithParam<PlanCase> {};
-
-TEST_P(PointFrequency, ReachesTheTable) {
-  const auto bytes = Block({{1, 1, 1}, {1, 1, 1}, {1, 1, 1}});
-  auto channels = Channels(true);
-  channels[2].transform = GetParam().transform;
-  TraceMatrix trace;
-  ConvertBlock({bytes, kFractional, kAnalyser}, GetParam().plan, channels, trace);
-  ASSERT_EQ(trace.ColumnCount(), 3);
-  for (std::int32_t i = 0; i < 3; ++i) {
-    const double expected = GetParam().mhz[static_cast<std::size_t>(i)];
-    EXPECT_NEAR(trace.Item(2, i), expected, 1e-9 * expected) << "point " << i;
-  }
-}
-
 using Mode = FrequencyPlan::Mode;
 const std::vector<double> kList = {5e7, 3e7, 9e9, 1e8};
 
-INSTANTIATE_TEST_SUITE_P(
-    Plans, PointFrequency,
-    testing::Values(PlanCase{"Fixed", {Mode::kFixed, 1e9, 2e9, 1e6, kList}, {}, {1000, 1000, 1000}},
-                    PlanCase{"Step", {Mode::kStep, 1e9, 2e9, 1e6, kList}, {}, {2000, 2001, 2002}},
-                    PlanCase{"List", {Mode::kList, 1e9, 2e9, 1e6, kList}, {}, {50, 30, 9000}},
-                    PlanCase{"ShortList",
-                             {Mode::kList, 1e9, 2e9, 1e6, std::span(kList).first(2)},
-                             {},
-                             {50, 30, 1000}},
-                    PlanCase{
-                        "OffsetInHertzAfterTheRatio", {.cw = 1e9}, {1e6, 2, 1}, {2001, 2001, 2001}},
-                    PlanCase{"Divider", {.cw = 1e9}, {-5e5, 3, 4}, {749.5, 749.5, 749.5}},
-                    PlanCase{"MultiplierZero", {.cw = 1e9}, {7e6, 0, 1}, {7, 7, 7}},
-                    PlanCase{"NegativeIsClamped", {.cw = 1e9}, {0, -1, 1}, {1, 1, 1}}),
-    [](const auto& tested) { return tested.param.fault; });
+const PlanCase kPlans[] = {
+    {"Fixed", {Mode::kFixed, 1e9, 2e9, 1e6, kList}, {}, {1000, 1000, 1000}},
+    {"Step", {Mode::kStep, 1e9, 2e9, 1e6, kList}, {}, {2000, 2001, 2002}},
+    {"List", {Mode::kList, 1e9, 2e9, 1e6, kList}, {}, {50, 30, 9000}},
+    {"ShortList", {Mode::kList, 1e9, 2e9, 1e6, std::span(kList).first(2)}, {}, {50, 30, 1000}},
+    {"OffsetInHertzAfterTheRatio", {.cw = 1e9}, {1e6, 2, 1}, {2001, 2001, 2001}},
+    {"Divider", {.cw = 1e9}, {-5e5, 3, 4}, {749.5, 749.5, 749.5}},
+    {"MultiplierZero", {.cw = 1e9}, {7e6, 0, 1}, {7, 7, 7}},
+    {"NegativeIsClamped", {.cw = 1e9}, {0, -1, 1}, {1, 1, 1}}};
+
+TEST(TraceConversion, FrequencyOfEachPointReachesTheTable) {
+  for (const auto& [fault, plan, transform, mhz] : kPlans) {
+    Calibrations channels = kFrequency;
+    channels[2].transform = transform;
+    const TraceMatrix trace = Converted(Points(3, {1, 1, 1}), plan, channels);
+    ASSERT_EQ(trace.ColumnCount(), 3);
+    for (std::size_t i = 0; i < 3; ++i) {
+      EXPECT_NEAR(trace.Row(2)[i], mhz[i], 1e-9 * mhz[i]) << fault << ", point " << i;
+    }
+  }
+}
 
 TEST(DataBlock, EndsInItsStatusWord) {
   const std::array<std::uint8_t, 3> body = {1, 0x07, 0x80};
@@ -144,12 +124,10 @@ TEST(DataBlock, EndsInItsStatusWord) {
 }
 
 TEST(TraceConversion, OverflowingFrequencyStaysInTheTable) {
-  const auto bytes = Block({{1, 1, 1}});
-  auto channels = Channels(true);
+  Calibrations channels = kFrequency;
   channels[0].transform.multiplier = std::numeric_limits<double>::max();
   channels[1].transform.offset = std::nan("");
-  TraceMatrix trace;
-  ConvertBlock({bytes, kFractional, kAnalyser}, {.cw = 1e9}, channels, trace);
+  const TraceMatrix trace = Converted({{1, 1, 1}}, {.cw = 1e9}, channels);
   EXPECT_EQ(trace.Item(0, 0), 1e6);
   EXPECT_TRUE(std::isnan(trace.Item(1, 0)));
   EXPECT_NEAR(trace.Item(2, 0), 1000, 1e-6);
@@ -175,7 +153,7 @@ TEST(TraceConversion, EqualsTheStraightFormulaBitForBit) {
   const std::int32_t kOddReadings[] = {0, 1, -1, 256, 2147483647, -2147483647 - 1};
   for (int round = 0; round < 60; ++round) {
     std::array<CSimpleMatrix, 3> matrices;
-    std::array<ChannelCalibration, 3> channels;
+    Calibrations channels;
     for (std::size_t c = 0; c < 3; ++c) {
       CSimpleMatrix& matrix = matrices[c];
       matrix.Resize(2 + static_cast<std::uint32_t>(random() % 30),
@@ -193,7 +171,7 @@ TEST(TraceConversion, EqualsTheStraightFormulaBitForBit) {
         channels[c].transform = {pick(kOffsets), pick(kFactors), pick(kFactors)};
       if (random() % 4 != 0) channels[c].table = std::make_shared<const DetectorTable>(matrix);
     }
-    std::vector<std::array<std::int32_t, 3>> points(1 + random() % 1500);
+    Points points(1 + random() % 1500);
     for (auto& point : points) {
       for (std::int32_t& reading : point) {
         const auto any = static_cast<std::int32_t>(random());
@@ -203,9 +181,7 @@ TEST(TraceConversion, EqualsTheStraightFormulaBitForBit) {
     const FrequencyPlan plan{Mode::kStep, 0, 1e6, pick(kSteps), {}};
     const ReadingFormat format = random() % 2 == 0 ? kFractional : kInteger;
     const InstrumentKind kind = random() % 2 == 0 ? kDetectors : kAnalyser;
-    const auto bytes = Block(points);
-    TraceMatrix trace;
-    ConvertBlock({bytes, format, kind}, plan, channels, trace);
+    const TraceMatrix trace = Converted(points, plan, channels, format, kind);
     ASSERT_EQ(trace.ColumnCount(), static_cast<std::int32_t>(points.size()));
     for (std::size_t c = 0; c < 3; ++c) {
       for (std::size_t i = 0; i < points.size(); ++i) {
@@ -215,33 +191,25 @@ TEST(TraceConversion, EqualsTheStraightFormulaBitForBit) {
                                     : Straight(points[i][c], format, kind,
                                                plan.start + plan.step * static_cast<double>(i),
                                                channels[c].transform, matrices[c]);
-        ASSERT_TRUE(std::isnan(straight) ? std::isnan(value)
-                                         : std::bit_cast<std::uint64_t>(value) ==
-                                               std::bit_cast<std::uint64_t>(straight))
-            << "round " << round << ", channel " << c << ", point " << i << ", reading "
-            << points[i][c] << ": " << value << " instead of " << straight;
+        ASSERT_PRED2(IsSame, value, straight) << "round " << round << ", channel " << c
+                                              << ", point " << i << ", reading " << points[i][c];
       }
     }
   }
 }
 
 TEST(TraceConversion, ChannelWithoutTableGivesNan) {
-  const auto bytes = Block({{1, 1, 1}, {2, 2, 2}});
-  auto channels = Channels(false);
+  Calibrations channels = kLevel;
   channels[1].table = nullptr;
   channels[2].table = std::make_shared<const DetectorTable>();
-  TraceMatrix trace;
-  ConvertBlock({bytes, kFractional, kAnalyser}, {}, channels, trace);
+  const TraceMatrix trace = Converted({{1, 1, 1}, {2, 2, 2}}, {}, channels);
   EXPECT_FALSE(std::isnan(trace.Item(0, 1)));
   EXPECT_TRUE(std::isnan(trace.Item(1, 1)));
   EXPECT_TRUE(std::isnan(trace.Item(2, 1)));
 }
 
 TEST(TraceConversion, StatusWordAloneEmptiesTheTrace) {
-  TraceMatrix trace;
-  trace.Resize(3, 4);
-  const auto bytes = Block({});
-  ConvertBlock({bytes, kFractional, kAnalyser}, {}, Channels(false), trace);
+  const TraceMatrix trace = Converted({}, {}, kLevel);
   EXPECT_EQ(trace.RowCount(), 0);
   EXPECT_EQ(trace.ColumnCount(), 0);
 }
