@@ -1,9 +1,8 @@
 #include "tests/typelib/TypeLibraryText.h"
 
-#include <algorithm>
 #include <array>
-#include <cstdarg>
 #include <cstdio>
+#include <source_location>
 #include <span>
 #include <stdexcept>
 #include <string_view>
@@ -20,8 +19,8 @@ std::string Format(const char* format, auto... values) {
   return text.data();
 }
 
-void Require(HRESULT result, const char* what) {
-  if (FAILED(result)) throw std::runtime_error(std::string(what) + Format(": 0x%08lX", result));
+void Require(HRESULT result, std::source_location at = std::source_location::current()) {
+  if (FAILED(result)) throw std::runtime_error(Format("line %u: 0x%08lX", at.line(), result));
 }
 
 struct ValueName {
@@ -87,20 +86,16 @@ class Reader {
 
   std::vector<std::string> Read() {
     DescribeLibrary();
-    for (const auto& kind : kTypeKinds)
-      DescribeTypes([&](unsigned its) { return its == kind.value; });
-    DescribeTypes(
-        [](unsigned its) { return std::ranges::count(kTypeKinds, its, &ValueName::value) == 0; });
+    for (int kind = 0; kind < TKIND_MAX; ++kind) DescribeTypes(static_cast<TYPEKIND>(kind));
     return std::move(lines_);
   }
 
  private:
   void DescribeLibrary() {
     TLIBATTR* attributes = nullptr;
-    Require(library_.GetLibAttr(&attributes), "library attributes");
+    Require(library_.GetLibAttr(&attributes));
     Bstr name, help, help_file;
-    Require(library_.GetDocumentation(-1, name.Put(), help.Put(), nullptr, help_file.Put()),
-            "library documentation");
+    Require(library_.GetDocumentation(-1, name.Put(), help.Put(), nullptr, help_file.Put()));
     lines_.push_back("library " + Utf8(name.View()) + " " + Identifier(attributes->guid));
     lines_.push_back(Format("  version %u.%u", attributes->wMajorVerNum, attributes->wMinorVerNum));
     lines_.push_back(Format("  locale 0x%lX", attributes->lcid));
@@ -110,29 +105,27 @@ class Reader {
     library_.ReleaseTLibAttr(attributes);
   }
 
-  void DescribeTypes(auto wanted) {
+  void DescribeTypes(TYPEKIND wanted) {
     for (UINT i = 0; i < library_.GetTypeInfoCount(); ++i) {
       TYPEKIND kind = TKIND_MAX;
-      Require(library_.GetTypeInfoType(i, &kind), "kind of a type");
-      if (!wanted(static_cast<unsigned>(kind))) continue;
+      Require(library_.GetTypeInfoType(i, &kind));
+      if (kind != wanted) continue;
       ComPtr<ITypeInfo> type;
       TYPEATTR* attributes = nullptr;
-      Require(library_.GetTypeInfo(i, type.Put()), "type");
-      Require(type->GetTypeAttr(&attributes), "attributes of a type");
+      Require(library_.GetTypeInfo(i, type.Put()));
+      Require(type->GetTypeAttr(&attributes));
       DescribeType(*type, *attributes);
       type->ReleaseTypeAttr(attributes);
     }
   }
 
   void DescribeType(ITypeInfo& type, const TYPEATTR& attributes) {
-    Bstr name, help;
-    Require(type.GetDocumentation(MEMBERID_NIL, name.Put(), help.Put(), nullptr, nullptr),
-            "documentation of a type");
-    std::string line = NameOf(kTypeKinds, attributes.typekind) + " " + Utf8(name.View());
+    const auto [name, help] = WordsOf(type, MEMBERID_NIL);
+    std::string line = NameOf(kTypeKinds, attributes.typekind) + " " + name;
     if (attributes.typekind != TKIND_ENUM) {
       line += " " + Identifier(attributes.guid) + " " + Bits(attributes.wTypeFlags, kTypeFlags);
     }
-    lines_.push_back(line + Help(help));
+    lines_.push_back(line + help);
     for (UINT i = 0; i < attributes.cImplTypes; ++i) {
       DescribeImplemented(type, i, attributes.typekind);
     }
@@ -144,29 +137,27 @@ class Reader {
   void DescribeImplemented(ITypeInfo& type, UINT index, TYPEKIND kind) {
     HREFTYPE reference = 0;
     INT flags = 0;
-    Require(type.GetRefTypeOfImplType(index, &reference), "implemented type");
-    if (kind == TKIND_COCLASS) {
-      Require(type.GetImplTypeFlags(index, &flags), "flags of an implemented type");
-      lines_.push_back((flags & IMPLTYPEFLAG_FDEFAULT ? "  default " : "  lists ") +
-                       TypeName(type, reference));
-    } else {
-      lines_.push_back("  derives from " + TypeName(type, reference));
-    }
+    Require(type.GetRefTypeOfImplType(index, &reference));
+    Require(type.GetImplTypeFlags(index, &flags));
+    const char* const relation = kind != TKIND_COCLASS                  ? "  derives from "
+                                 : (flags & IMPLTYPEFLAG_FDEFAULT) != 0 ? "  default "
+                                                                        : "  lists ";
+    lines_.push_back(relation + TypeName(type, reference));
   }
 
   void DescribeConstant(ITypeInfo& type, UINT index) {
     VARDESC* constant = nullptr;
-    Require(type.GetVarDesc(index, &constant), "constant");
+    Require(type.GetVarDesc(index, &constant));
     const VARIANT& value = *constant->lpvarValue;
     lines_.push_back(
-        "  " + MemberName(type, constant->memid) + " = " +
+        "  " + WordsOf(type, constant->memid).name + " = " +
         (value.vt == VT_I4 ? Format("%ld", value.lVal) : Format("value of kind %d", value.vt)));
     type.ReleaseVarDesc(constant);
   }
 
   void DescribeMember(ITypeInfo& type, UINT index) {
     FUNCDESC* member = nullptr;
-    Require(type.GetFuncDesc(index, &member), "member");
+    Require(type.GetFuncDesc(index, &member));
     const std::vector<std::string> names = Names(type, *member);
     std::string line =
         Format("  slot %d id 0x%lX ", member->oVft / int{sizeof(void*)}, member->memid);
@@ -176,10 +167,7 @@ class Reader {
       line += i > 0 ? ", " : "";
       line += Parameter(type, member->lprgelemdescParam[i], names[static_cast<std::size_t>(i) + 1]);
     }
-    Bstr help;
-    Require(type.GetDocumentation(member->memid, nullptr, help.Put(), nullptr, nullptr),
-            "documentation of a member");
-    lines_.push_back(line + ")" + Help(help));
+    lines_.push_back(line + ")" + WordsOf(type, member->memid).help);
     if (member->elemdescFunc.tdesc.vt != VT_HRESULT || member->callconv != CC_STDCALL ||
         member->funckind != FUNC_PUREVIRTUAL || member->wFuncFlags != 0) {
       lines_.push_back(Format("  ... returns %d, convention %d, kind %d, flags 0x%X",
@@ -195,7 +183,7 @@ class Reader {
   std::vector<std::string> Names(ITypeInfo& type, const FUNCDESC& member) {
     std::array<BSTR, 16> texts{};
     UINT named = 0;
-    Require(type.GetNames(member.memid, texts.data(), texts.size(), &named), "names");
+    Require(type.GetNames(member.memid, texts.data(), texts.size(), &named));
     std::vector<std::string> names;
     for (BSTR text : std::span(texts).first(named)) {
       names.push_back(text == nullptr ? "" : Utf8(text));
@@ -206,8 +194,7 @@ class Reader {
     return names;
   }
 
-  static std::string Parameter(ITypeInfo& type, const ELEMDESC& parameter,
-                               const std::string& name) {
+  std::string Parameter(ITypeInfo& type, const ELEMDESC& parameter, const std::string& name) const {
     std::string text;
     if (const unsigned flags = parameter.paramdesc.wParamFlags; flags != 0) {
       text.append("[").append(Bits(flags, kParameterFlags)).append("] ");
@@ -216,22 +203,23 @@ class Reader {
     return name.empty() ? text : text + " " + name;
   }
 
-  std::string MemberName(ITypeInfo& type, MEMBERID id) {
-    Bstr name;
-    Require(type.GetDocumentation(id, name.Put(), nullptr, nullptr, nullptr), "name of a member");
-    return Utf8(name.View());
+  /// Name and help string of a type or its member.
+  struct Words {
+    std::string name, help;
+  };
+  Words WordsOf(ITypeInfo& type, MEMBERID id) const {
+    Bstr name, help;
+    Require(type.GetDocumentation(id, name.Put(), help.Put(), nullptr, nullptr));
+    return {Utf8(name.View()), Help(help)};
   }
 
-  static std::string TypeName(ITypeInfo& type, HREFTYPE reference) {
+  std::string TypeName(ITypeInfo& type, HREFTYPE reference) const {
     ComPtr<ITypeInfo> referred;
-    Bstr name;
-    Require(type.GetRefTypeInfo(reference, referred.Put()), "type referred to");
-    Require(referred->GetDocumentation(MEMBERID_NIL, name.Put(), nullptr, nullptr, nullptr),
-            "name of a type");
-    return Utf8(name.View());
+    Require(type.GetRefTypeInfo(reference, referred.Put()));
+    return WordsOf(*referred, MEMBERID_NIL).name;
   }
 
-  static std::string TypeText(ITypeInfo& type, const TYPEDESC& description) {
+  std::string TypeText(ITypeInfo& type, const TYPEDESC& description) const {
     switch (description.vt) {
       case VT_PTR:
         return TypeText(type, *description.lptdesc) + "*";
