@@ -186,8 +186,7 @@ class Emitter:
         return text + "\n"
 
     def method(self, method):
-        given = [p for p in method.parameters if p.direction in ("in", "unstated")]
-        results = [p for p in method.parameters if p.direction in ("inout", "retval")]
+        given, results = method.given, method.results
         arrays = [p for p in given if p.type.startswith("SAFEARRAY")]
         signature = ["self"]
         for p in given:

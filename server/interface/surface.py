@@ -40,6 +40,16 @@ class Member:
         """Its name in C++."""
         return self.name if self.kind == "method" else f"{self.kind}_{self.name}"
 
+    @property
+    def given(self):
+        """The parameters that only the caller gives."""
+        return [p for p in self.parameters if p.direction in ("in", "unstated")]
+
+    @property
+    def results(self):
+        """The parameters that come back."""
+        return [p for p in self.parameters if p.direction in ("inout", "retval")]
+
 
 @dataclasses.dataclass(frozen=True)
 class Interface:

@@ -10,6 +10,7 @@
 #include "measurement/MatrixFile.h"
 #include "measurement/NewDetectorMatrixConvertor.h"
 #include "platform/os/Files.h"
+#include "tests/measurement/Rows.h"
 #include "tests/measurement/TempFile.h"
 #include "tests/platform/ResultCode.h"
 
@@ -95,15 +96,11 @@ TEST(DetectorFile, LevelColumnIsNotTheReaders) {
   EXPECT_EQ(rest.EndLoad(2, 0), Status::kOk) << "no rows, no levels";
   EXPECT_EQ(rest.Resize(2, 3), Status::kOk);
   EXPECT_EQ(rest.SetItem(1, 2, 7.0), Status::kOk);
-  EXPECT_EQ(matrix.GetCols(), 3U);
-  EXPECT_EQ(rest.GetCols(), 2U);
-  EXPECT_EQ(rest.GetRows(), 3U);
-  EXPECT_EQ(rest.Resize(2, 3), Status::kOk) << "the same size keeps the values";
-  EXPECT_EQ(rest.GetItem(1, 2), 7.0);
-  EXPECT_EQ(matrix.GetItem(2, 2), 7.0);
+  EXPECT_EQ(RowsOf(matrix), (Rows{{0, 0, 0}, {0, 0, 0}, {0, 0, 7}}));
+  EXPECT_EQ(rest.Resize(2, 3), Status::kOk);
+  EXPECT_EQ(RowsOf(rest), (Rows{{0, 0}, {0, 0}, {0, 7}})) << "the same size keeps the values";
   EXPECT_EQ(rest.Resize(2, 4), Status::kOk);
-  EXPECT_EQ(rest.GetRows(), 4U);
-  EXPECT_EQ(rest.GetItem(1, 2), 0.0) << "another size starts from zero";
+  EXPECT_EQ(RowsOf(rest), Rows(4, {0, 0})) << "another size starts from zero";
 }
 
 /// Such a file's digest is worked out while its numbers are read.

@@ -10,7 +10,7 @@
 
 using Rows = std::vector<std::vector<double>>;
 
-inline Rows RowsOf(const CSimpleMatrix& matrix) {
+inline Rows RowsOf(const ICustomMatrix<double>& matrix) {
   Rows rows(matrix.GetRows(), std::vector<double>(matrix.GetCols()));
   for (std::uint32_t row = 0; row < matrix.GetRows(); ++row) {
     for (std::uint32_t column = 0; column < matrix.GetCols(); ++column) {

@@ -2,6 +2,7 @@
 
 import ctypes
 import enum
+import inspect
 import json
 import re
 import sys
@@ -50,15 +51,14 @@ def commands(interface, path):
         if member.name in LEFT_OUT:
             continue
         name = path + member.name
-        given = [p for p in member.parameters if p.direction in ("in", "unstated")]
         child = member.parameters and INTERFACES.get(member.parameters[-1].type)
         if member.kind == "put":
-            yield from (f"{name} = {sample}" for sample in samples(given[0]))
+            yield from (f"{name} = {sample}" for sample in samples(member.given[0]))
         else:
             rows = [()]
-            for parameter in given:
+            for parameter in member.given:
                 rows = [(*row, sample) for row in rows for sample in samples(parameter)]
-            called = bool(given) or member.kind == "method"
+            called = bool(member.given) or member.kind == "method"
             calls = [name + f"({', '.join(row)})" * called for row in rows]
             yield from calls
             if child:
@@ -158,6 +158,11 @@ def test_each_member_tells_what_it_is():
         for member in interface.members:
             described = python.__dict__[member.name]
             assert described is python.__dict__[snake(member.name)]
+            if inspect.isfunction(described):
+                taken = ["self", *(snake(p.name) for p in member.given)]
+                assert list(inspect.signature(described).parameters) == taken
+            else:
+                assert len(member.parameters) == 1, member
             units = [f" in {p.unit}" for p in member.parameters if p.unit]
             told = [member.help or member.name, *units]
             text = " ".join(described.__doc__.split())

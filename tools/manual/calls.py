@@ -62,12 +62,8 @@ def com_call(member):
 
 def python_call(member, path):
     place = f"{python_path(path)}.{snake(member.name)}"
-    given = [
-        snake(p.name) + ("=None" if p.optional else "")
-        for p in member.parameters
-        if p.direction in ("in", "unstated")
-    ]
-    results = [snake(p.name) for p in member.parameters if p.direction in ("inout", "retval")]
+    given = [snake(p.name) + ("=None" if p.optional else "") for p in member.given]
+    results = [snake(p.name) for p in member.results]
     if member.kind == "put":
         return f"{place} = value"
     if member.kind == "get" and len(member.parameters) == 1:
