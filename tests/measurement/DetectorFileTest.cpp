@@ -96,7 +96,8 @@ TEST(DetectorFile, LevelColumnIsNotTheReaders) {
   EXPECT_EQ(rest.EndLoad(2, 0), Status::kOk) << "no rows, no levels";
   EXPECT_EQ(rest.Resize(2, 3), Status::kOk);
   EXPECT_EQ(rest.SetItem(1, 2, 7.0), Status::kOk);
-  EXPECT_EQ(RowsOf(matrix), (Rows{{0, 0, 0}, {0, 0, 0}, {0, 0, 7}}));
+  EXPECT_EQ(rest.EndLoad(2, 2), Status::kOk) << "levels of two rows alone";
+  EXPECT_EQ(RowsOf(matrix), (Rows{{0, 0, 0}, {5e6 / 16777216, 0, 0}, {0, 0, 7}}));
   EXPECT_EQ(rest.Resize(2, 3), Status::kOk);
   EXPECT_EQ(RowsOf(rest), (Rows{{0, 0}, {0, 0}, {0, 7}})) << "the same size keeps the values";
   EXPECT_EQ(rest.Resize(2, 4), Status::kOk);
