@@ -124,7 +124,7 @@ expect 1 'FAILED +lock +held by process [0-9]+ \([^\n]*lock_hold[^\n]*\), which'
 kill "${children[@]}"
 wait
 children=()
-expect 1 'FAILED +connection +[^\n]*0xBFFF0011' check --resource "$resource"
+expect 1 'FAILED +connection +TCPIP\S*SOCKET: [^\n]*0xBFFF0011' check --resource "$resource"
 expect 1 'FAILED +connection +[^\n]*0xBFFF0012' check --resource 'no resource'
 expect 0 'Registration removed for all users: ' register --remove
 expect 1 'FAILED +registration' check

@@ -41,7 +41,7 @@ TEST_F(ClientTest, FailuresOfDriverAndInstrumentTellResultNameAndDescription) {
   ExpectFailures("failures", 1, " --json --csv @/t.csv --svg @/t.svg");
 }
 
-TEST_F(ClientTest, WithoutAVisaLibrary) {
+TEST_F(ClientTest, FindsTheVisaLibraryBesideTheDriverAlone) {
   // Away from the folder where the library lies.
   const fs::path program = folder_ / "program" / fs::path(ZK_CLIENT).filename();
   fs::copy_file(ZK_CLIENT, program);
@@ -54,6 +54,12 @@ TEST_F(ClientTest, WithoutAVisaLibrary) {
   EXPECT_EQ(result.errors,
             "zk4n: Initialize: 0x8004705B (file not found): ZentrelK4NLib: File not found "
             "ZeVisa64.dll\n");
+  const std::string driver = (folder_ / "program" / fs::path(ZK_DRIVER).filename()).string();
+  const auto check = [&] { return Run({"check", "--module", driver}, program).output; };
+  EXPECT_THAT(check(), HasSubstr("FAILED     VISA library  neither zevisa64 nor zevisa is found"));
+  const fs::path library = folder_ / "program" / fs::path(ZK_VISA_LIBRARY).filename();
+  fs::copy_file(ZK_VISA_LIBRARY, library);
+  EXPECT_THAT(check(), HasSubstr("ok         VISA library  " + library.string()));
 }
 
 /// A sweep of the simulated instrument: the one of no arguments, if they tell no other.
@@ -121,11 +127,12 @@ TEST_F(ClientTest, MeasuresTheResponseOfTheDevice) {
 
 TEST_F(ClientTest, PrintsTheTableAndWritesTheFiles) {
   const Result result =
-      Run({"measure", "--simulate", "--serial", "77", "--detector",
+      Run({"measure", "--simulate", "--serial", "77", "--dwell", "1us", "--detector",
            std::string("A=") + ZK_DETECTOR_FILE, "--csv", "@/t.csv", "--svg", "@/t.svg"});
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.output, HasSubstr("Instrument K4N-20, serial 77*, TCPIP0::127.0.0.1::"));
-  EXPECT_THAT(result.output, HasSubstr("Points 401, 1 GHz to 3 GHz, level 0 dBm, averaging 3\n"));
+  EXPECT_THAT(result.output,
+              HasSubstr("Points 401, 1 GHz to 3 GHz, level 0 dBm, dwell 1 us, averaging 3\n"));
   EXPECT_THAT(result.output, HasSubstr("\n  A-R        -49.99"));
   EXPECT_THAT(result.output, HasSubstr("    -1.500 ")) << "the loss of the device";
   EXPECT_EQ(result.errors.find_first_not_of("Measuring 01257%\n"), std::string::npos)
@@ -182,7 +189,7 @@ TEST_F(ClientTest, TraceFollowsAFileThatIsReplacedAndEndsWithItsSummary) {
   program.Interrupt();
   EXPECT_EQ(program.Wait(), 0);
   const std::string told = program.Output();
-  EXPECT_LT(told.find("viLock"), told.find("t.log: a new file from here on\n"));
+  EXPECT_THAT(told.substr(told.find("viLock")), HasSubstr("t.log: a new file from here on\n"));
   EXPECT_THAT(told, HasSubstr("failures        3: 1 connection, 2 call\n"));
   EXPECT_THAT(told, HasSubstr("damaged lines   0\n"));
 }

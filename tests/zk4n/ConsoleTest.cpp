@@ -173,9 +173,10 @@ TEST_F(ConsoleTest, GoesOnAfterLinesThatAreNoCommands) {
 }
 
 TEST_F(ConsoleTest, ShowsPeopleWhatTheFileHas) {
-  auto loss = simulator::Fault::DropAfter(0);
-  loss.parameter = kSyncGenerator;
-  instrument_->InjectFault(loss);
+  instrument_->InjectFault({.kind = simulator::FaultKind::kHeaderWord,
+                            .parameter = kSyncGenerator,
+                            .times = 1,
+                            .word = 0x1234});
   std::string input;
   std::string shown;
   for (const std::string& line : LinesOfFile(ZK_REPORTS "/console.txt")) {

@@ -53,6 +53,12 @@ TEST_F(DetectorTest, CheckTellsWhatAFileHolds) {
       {"empty", ""},
       {"unordered", "5 7 6\n1 2 3\n"},
       {"no level", "5 7 6\n"},
+      {"level of zero",
+       "#VERSION 3\n0\t100\n0\t-70\n\n"
+       "#CRC F90147A06BA6F53F05A02FDE97A418F8561C08C68B4EBDB49F33D811AC32309B"},
+      {"level below zero",
+       "#VERSION 3\n0\t100\n-1\t-70\n\n"
+       "#CRC 1366412DDE70A319B9BF5A0648B868CB135B3096525315AB6E54027F66F2EA7A"},
   };
   std::string told = DetectorCheck("none.det").AsText() + DetectorCheck("none.det").AsJson();
   for (const auto& [name, content] : files) {
@@ -163,7 +169,10 @@ TEST(DetectorSvg, HasACurveForEachLevelButNotForThousands) {
 
   CSimpleMatrix of_one_level;
   of_one_level.Resize(2, 2);
-  EXPECT_THAT(DetectorAsSvg(of_one_level, ""), HasSubstr("height=\"404.00\" fill=\"#35186e\"/>"));
+  of_one_level.SetItem(0, 1, 1000.0);
+  EXPECT_THAT(
+      DetectorAsSvg(of_one_level, ""),
+      testing::AllOf(HasSubstr("height=\"404.00\" fill=\"#35186e\"/>"), HasSubstr(">1 k<")));
 
   CSimpleMatrix odd;
   odd.Resize(3, 5001);

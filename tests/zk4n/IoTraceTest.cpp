@@ -143,21 +143,21 @@ TEST(IoTraceReportTest, LinesWithoutAnEndAreToldByTheirPlaceAndPassedOver) {
 
 TEST(IoTraceReportTest, SummaryCountsAndNamesTheSlowest) {
   EXPECT_THAT(Told(Cases().at("mixed").trace),
-              HasSubstr("exchanges       3: 2 write, 1 data\n"
+              HasSubstr("exchanges       4: 2 write, 2 data\n"
                         "failures        1: 1 time-out\n"
                         "passed over     0\n"
                         "left open       0\n"
                         "clears          1\n"
                         "damaged lines   0\n"
                         "slowest setting 400 us, write averaging #4, line 1, \n"
-                        "slowest block   400 us, data, line 9, \n"));
+                        "slowest block   900 us, data, line 13, \n"));
 }
 
 TEST(IoTraceReportTest, JsonHoldsTheSame) {
   std::istringstream told(Told("x\n" + Cases().at("mixed").trace, true));
   std::vector<nlohmann::json> objects;
   for (std::string line; std::getline(told, line);) objects.push_back(nlohmann::json::parse(line));
-  ASSERT_EQ(objects.size(), 6U);
+  ASSERT_EQ(objects.size(), 7U);
   EXPECT_EQ(objects[0], nlohmann::json::parse(R"({"type": "damaged", "file": "t.log", "line": 1,
       "why": "not a line of an I/O trace"})"));
   EXPECT_EQ(objects[1], nlohmann::json::parse(R"({"type": "exchange", "line": 2, "time": "",
@@ -170,9 +170,9 @@ TEST(IoTraceReportTest, JsonHoldsTheSame) {
   EXPECT_EQ(objects[3]["call"], "viClear");
   EXPECT_EQ(objects[4]["points"], 1);
   EXPECT_EQ(objects[4]["block_status"], 6);
-  EXPECT_EQ(objects[5]["problems"]["time-out"], 1);
-  EXPECT_EQ(objects[5]["commands"], nlohmann::json::parse(R"({"write": 2, "data": 1})"));
-  EXPECT_EQ(objects[5]["slowest_block"]["seconds"], 0.0004);
+  EXPECT_EQ(objects[6]["problems"]["time-out"], 1);
+  EXPECT_EQ(objects[6]["commands"], nlohmann::json::parse(R"({"write": 2, "data": 2})"));
+  EXPECT_EQ(objects[6]["slowest_block"]["seconds"], 0.0009);
 }
 
 }  // namespace

@@ -35,6 +35,7 @@ TEST(Ticks, StandAtRoundValuesInsideTheRange) {
   EXPECT_THAT(TicksFor(-61.0, 4.0, 9).values,
               testing::ElementsAre(-60, -50, -40, -30, -20, -10, 0));
   EXPECT_THAT(TicksFor(1.0, 1.0, 9).values, testing::IsEmpty());
+  EXPECT_EQ(TicksFor(1.0, 1.0, 9).step, 1.0);
   EXPECT_THAT(TicksFor(kNan, 1.0, 9).values, testing::IsEmpty());
 }
 
@@ -61,11 +62,14 @@ TEST(Reports, AreTheFilesOfTheFolder) {
   const TraceOrigin origin{"<K4N & \">", "7*", "TCPIP0::h::1::SOCKET", "today", "level 0 dBm"};
   Trace empty;
   empty.axis = SweptAxis::kPower;
+  Trace point = empty;
+  point.x = {0.0};
+  for (auto& channel : point.channels) channel = {-10.0};
   const std::pair<const char*, std::string> reports[] = {
-      {"trace.csv", TraceAsCsv(trace, origin)},    {"trace.json", TraceAsJson(trace, origin)},
-      {"trace.svg", TraceAsSvg(trace, origin)},    {"trace.txt", TraceSummaryTable(trace, origin)},
-      {"empty.csv", TraceAsCsv(empty, {})},        {"empty.svg", TraceAsSvg(empty, {})},
-      {"empty.txt", TraceSummaryTable(empty, {})},
+      {"trace.csv", TraceAsCsv(trace, origin)}, {"trace.json", TraceAsJson(trace, origin)},
+      {"trace.svg", TraceAsSvg(trace, origin)}, {"trace.txt", TraceSummaryTable(trace, origin)},
+      {"empty.csv", TraceAsCsv(empty, {})},     {"empty.svg", TraceAsSvg(empty, {})},
+      {"point.svg", TraceAsSvg(point, {})},     {"empty.txt", TraceSummaryTable(empty, {})},
   };
   for (const auto& [name, text] : reports) {
     EXPECT_EQ(text, ContentOf(std::string(ZK_REPORTS "/") + name)) << name;
@@ -82,6 +86,18 @@ TEST(Svg, TextsHaveRoomHoweverNarrowTheRangeAndLongTheName) {
   const std::string svg = TraceAsSvg(trace, {std::string(300, 'W'), "1", "r", "d"});
   EXPECT_THAT(svg, testing::HasSubstr(">1.0000002</text>"));
   EXPECT_THAT(svg, testing::HasSubstr(">" + std::string(58, 'W') + "...</text>"));
+}
+
+TEST(Svg, ManyPointsKeepTheirExtremes) {
+  Trace trace;
+  for (int i = 0; i < 50000; ++i) trace.x.push_back(i);
+  trace.channels.fill(std::vector<double>(trace.x.size(), -15.0));
+  trace.channels[0][12345] = 0.0;
+  trace.channels[0][43210] = -30.0;
+  const std::string svg = TraceAsSvg(trace, {});
+  EXPECT_LT(svg.size(), 200000U);
+  EXPECT_THAT(svg, testing::AllOf(testing::HasSubstr("L290.91 107.64"),
+                                  testing::HasSubstr("L808.21 468.36")));
 }
 
 TEST(OutputFile, IsWrittenWholeOrNotAtAll) {
