@@ -88,6 +88,7 @@ other MZ%058d\100\000\000\000PE\000\000\114\001
 good MZ%058d\100\000\000\000PE\000\000\144\206
 good MZ%058d\372\017\000\000%04026dPE\000\000\144\206
 none MZ%058d\373\017\000\000%04027dPE\000\000\144\206
+none MZ%058d\001\020\000\000
 END
 
 start "$folder/resource" "$zk4n" simulate --port 0 --serial 12345 --show

@@ -186,6 +186,7 @@ TEST(DetectorSvg, HasACurveForEachLevelButNotForThousands) {
   const std::string of_odd = DetectorAsSvg(odd, "");
   EXPECT_EQ(CountOf(of_odd, curve), 80U);
   EXPECT_EQ(CountOf(of_odd, "nan") + CountOf(of_odd, "inf"), 0U);
+  EXPECT_EQ(CountOf(of_odd, ">-5 k<") + CountOf(of_odd, ">-1<"), 2U) << "from end to end";
 }
 
 }  // namespace

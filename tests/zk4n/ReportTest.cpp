@@ -56,6 +56,7 @@ TEST(Summary, TakesExtremesAndMeanWithTheirPlaces) {
 /// A trace with what an instrument may send, and one without points.
 TEST(Reports, AreTheFilesOfTheFolder) {
   Trace trace = ThreePoints();
+  trace.x[2] = 2000000000.12;
   trace.channels[0] = {0.1, kNan, -1e-4};
   trace.channels[1][1] = -1e-4;
   trace.channels[2] = {kNan, kNan, kNan};
