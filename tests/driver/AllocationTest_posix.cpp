@@ -1,5 +1,5 @@
-// A client's memory runs out. The linker leads the program's calls of SysAllocStringLen and of
-// operator new through here.
+// A client's memory runs out. The linker leads the program's calls of SysAllocStringLen, of
+// CreateErrorInfo and of operator new through here.
 #include <gtest/gtest.h>
 
 #include <new>
@@ -15,13 +15,19 @@ using namespace driver;
 
 namespace {
 bool out_of_memory = false;
-}
+bool out_of_error_information = false;
+}  // namespace
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker's names
 extern "C" BSTR __real_SysAllocStringLen(const OLECHAR* text, UINT length);
 extern "C" BSTR __wrap_SysAllocStringLen(const OLECHAR* text, UINT length);
 BSTR __wrap_SysAllocStringLen(const OLECHAR* text, UINT length) {
   return out_of_memory ? nullptr : __real_SysAllocStringLen(text, length);
+}
+extern "C" HRESULT __real_CreateErrorInfo(ICreateErrorInfo** info);
+extern "C" HRESULT __wrap_CreateErrorInfo(ICreateErrorInfo** info);
+HRESULT __wrap_CreateErrorInfo(ICreateErrorInfo** info) {
+  return out_of_error_information ? E_OUTOFMEMORY : __real_CreateErrorInfo(info);
 }
 extern "C" void* __real__Znwm(std::size_t size);
 // A sanitizer's run time asks for it, too.
@@ -44,6 +50,10 @@ TEST(Allocation, WithoutMemoryForAChannelsNameTheClientKeepsItsText) {
   out_of_memory = false;
   EXPECT_EQ(result, E_OUTOFMEMORY);
   EXPECT_EQ(name, before);
+  out_of_error_information = true;
+  EXPECT_EQ(root->get_Name(9, &name), Code(0x80047010)) << "the words are lost, not the result";
+  out_of_error_information = false;
+  EXPECT_FALSE(TakeErrorInfo().present);
   EXPECT_EQ(root->get_Name(2, &name), S_OK);
   EXPECT_EQ(TakeText(name), "ChannelB");
 }
