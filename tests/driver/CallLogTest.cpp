@@ -206,6 +206,7 @@ TEST_F(CallLogTest, SixteenThreadsOfTwoDriversWriteWholeLines) {
   const Surface surfaces[] = {Surface(driver), Surface(driver)};
   NewLines("calls.log");
   std::vector<std::jthread> threads;
+  threads.reserve(kThreads);
   for (int thread = 0; thread < kThreads; ++thread) {
     threads.emplace_back([rf = surfaces[thread % 2].rf.Get(), thread] {
       for (int call = 0; call < kCalls; ++call) rf->put_Level(thread * kCalls + call);
@@ -220,7 +221,7 @@ TEST_F(CallLogTest, SixteenThreadsOfTwoDriversWriteWholeLines) {
               1)
         << value;
   }
-  EXPECT_EQ(counts.size(), std::size_t{kThreads * kCalls});
+  EXPECT_EQ(counts.size(), std::size_t{kThreads} * kCalls);
 }
 
 TEST_F(CallLogTest, GoesOnWhenTheModuleWasUnloadedAndWhenItIsOpenedAgain) {
