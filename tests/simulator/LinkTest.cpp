@@ -30,10 +30,10 @@ const Bytes kRecovery = Request(1, 0, 0, {}, 7);
 
 class LinkTest : public ::testing::Test {
  protected:
-  // A sweep that takes 10 points of 20 ms.
-  void SetSlowSweep() {
+  /// A sweep of 10 points, that long each.
+  void SetSweep(std::uint32_t microseconds) {
     EXPECT_EQ(client_.Exchange(Request(3, 4, 0x60, kSweepElements)).status, 0);
-    EXPECT_EQ(client_.Exchange(Dwell(20000)).status, 0);
+    EXPECT_EQ(client_.Exchange(Dwell(microseconds)).status, 0);
   }
   std::uint16_t StartedPort() {
     simulator_.Start();
@@ -54,7 +54,7 @@ TEST_F(LinkTest, AnswersToTheByte) {
 }
 
 TEST_F(LinkTest, ACommandDuringTheSweepDropsItsBlock) {
-  SetSlowSweep();
+  SetSweep(20000);
   client_.Send(kDataRequest);
   EXPECT_TRUE(client_.StaysQuiet(milliseconds(20)));
   EXPECT_EQ(client_.Exchange(kRecovery).sequence, 7U);
@@ -64,8 +64,7 @@ TEST_F(LinkTest, ACommandDuringTheSweepDropsItsBlock) {
 
 TEST_F(LinkTest, AnotherClientsSettingRestartsTheSweep) {
   WireClient other(simulator_.Port());
-  SetSlowSweep();
-  EXPECT_EQ(client_.Exchange(Dwell(500000)).status, 0);  // long beside the quiet below
+  SetSweep(500000);  // long beside the quiet below
   client_.Send(kDataRequest);
   EXPECT_TRUE(client_.StaysQuiet(milliseconds(150)));
   const auto start = steady_clock::now();
@@ -77,8 +76,7 @@ TEST_F(LinkTest, AnotherClientsSettingRestartsTheSweep) {
 }
 
 TEST_F(LinkTest, ASweepWhoseReaderIsGoneIsGivenUp) {
-  SetSlowSweep();
-  EXPECT_EQ(client_.Exchange(Dwell(50000)).status, 0);
+  SetSweep(50000);
   {
     WireClient gone(simulator_.Port());
     gone.Send(kDataRequest);
@@ -124,7 +122,7 @@ TEST_F(LinkTest, Faults) {
 TEST_F(LinkTest, KeepsItsPortAndItsSettingsOverAPowerCut) {
   const std::uint16_t port = simulator_.Port();
   EXPECT_EQ(client_.Exchange(Request(3, 1, 0x10, {4, 0, 8})).status, 0);
-  SetSlowSweep();
+  SetSweep(20000);
   client_.Send(kDataRequest);
   EXPECT_TRUE(client_.StaysQuiet(milliseconds(20)));
   simulator_.Stop();
