@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <limits>
 #include <map>
@@ -23,6 +22,7 @@
 #include "simulator/Simulator.h"
 #include "tests/driver/DriverModule.h"
 #include "tests/platform/Arrays.h"
+#include "tests/platform/Content.h"
 #include "tests/platform/EnvironmentVariable.h"
 
 using namespace server;
@@ -45,8 +45,7 @@ class CallLogTest : public testing::Test {
   }
 
   [[nodiscard]] std::string Content(const std::string& name) const {
-    std::ifstream file(folder_ / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return ContentOf(folder_ / name);
   }
   /// The lines since the last look, each "[date and time] thread what", without what is another
   /// each time: of this thread no number, for identities "@", and no microseconds.

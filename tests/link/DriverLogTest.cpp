@@ -9,13 +9,12 @@
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "platform/os/Files.h"
 #include "platform/os/Notice.h"
+#include "tests/platform/Content.h"
 
 namespace {
 
@@ -33,10 +32,7 @@ class DriverLogTest : public testing::Test {
     std::filesystem::remove_all(folder_);
   }
 
-  [[nodiscard]] std::string Content() const {
-    std::ifstream file(folder_ / "test.log", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  [[nodiscard]] std::string Content() const { return ContentOf(folder_ / "test.log"); }
 
   std::filesystem::path folder_;
   std::vector<std::string> notices_;

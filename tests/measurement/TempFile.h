@@ -2,10 +2,10 @@
 #pragma once
 
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 
+#include "tests/platform/Content.h"
 #include "tests/platform/TemporaryFolder.h"
 
 class TempFile {
@@ -15,10 +15,7 @@ class TempFile {
   }
 
   [[nodiscard]] std::string Path() const { return (folder_.path() / "test.det").string(); }
-  [[nodiscard]] std::string Content() const {
-    std::ifstream file(Path(), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  [[nodiscard]] std::string Content() const { return ContentOf(Path()); }
 
  private:
   TemporaryFolder folder_;

@@ -4,8 +4,8 @@
 
 #include <chrono>
 #include <fstream>
-#include <iterator>
 
+#include "tests/platform/Content.h"
 #include "tests/platform/RegistryFixture.h"
 
 namespace {
@@ -14,10 +14,7 @@ const std::u16string kClasses = u"Software\\Classes\\";
 
 class MergedRegistry : public RegistryTest {
  protected:
-  [[nodiscard]] std::string FileText() const {
-    std::ifstream file(File(), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  [[nodiscard]] std::string FileText() const { return ContentOf(File()); }
   void WriteFile(const std::string& text) const {
     std::filesystem::create_directories(File().parent_path());
     std::ofstream(File(), std::ios::binary) << text;

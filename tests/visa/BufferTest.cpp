@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "tests/platform/Content.h"
 #include "tests/visa/VisaModule.h"
 
 namespace {
@@ -106,9 +107,7 @@ TEST_F(VisaBuffer, FilesOfAnyLengthGoBothWays) {
   visa.viSetAttribute(session, VI_ATTR_TMO_VALUE, 30);
   EXPECT_STATUS(visa.viReadToFile(session, file.c_str(), 9, &count), VI_ERROR_TMO);
   EXPECT_EQ(count, 4U);
-  std::ifstream stream(file, std::ios::binary);
-  EXPECT_TRUE(std::string(std::istreambuf_iterator<char>(stream), {}) == block + "more");
-  stream.close();
+  EXPECT_TRUE(ContentOf(file) == block + "more");
   std::filesystem::remove(file);
   EXPECT_STATUS(visa.viWriteFromFile(session, file.c_str(), 1, &count), VI_ERROR_FILE_ACCESS);
   EXPECT_STATUS(visa.viReadToFile(session, (file + "/none").c_str(), 1, &count),

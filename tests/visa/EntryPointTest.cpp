@@ -1,6 +1,7 @@
 #include <fstream>
 #include <set>
 
+#include "tests/platform/Content.h"
 #include "tests/visa/VisaModule.h"
 
 namespace {
@@ -52,8 +53,7 @@ TEST_F(VisaTest, EveryStatusHasItsTextAndNoOtherNumberHasOne) {
       }
     }
   }
-  std::ifstream expected(ZK_STATUS_TEXTS);
-  EXPECT_EQ(told, std::string(std::istreambuf_iterator<char>(expected), {}));
+  EXPECT_EQ(told, ContentOf(ZK_STATUS_TEXTS));
 }
 
 TEST_F(VisaTest, ClosingClientsGetTheAnswersTheyNeed) {

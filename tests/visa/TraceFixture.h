@@ -6,6 +6,7 @@
 #include <regex>
 #include <set>
 
+#include "tests/platform/Content.h"
 #include "tests/visa/SettingsFixture.h"
 
 /// The trace of a whole process, in a folder of the test's own.
@@ -16,8 +17,7 @@ class VisaTrace : public VisaSettings {
     static const std::regex whole(
         R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}Z \d+ \d+ (-|\d+) (vi\w+|note) (-|\d+/\d+) \d+ )"
         R"((-|VI_\w+|0x[0-9A-F]{8})( [a-z]+=("([^"\\]|\\["\\]|\\x[0-9a-f]{2})*"|[\w.-]*))*)");
-    std::ifstream stream(file, std::ios::binary);
-    const std::string text(std::istreambuf_iterator<char>(stream), {});
+    const std::string text = ContentOf(file);
     EXPECT_TRUE(text.empty() || text.back() == '\n') << "the last line is not whole";
     std::vector<std::string> lines;
     std::istringstream pieces(text);
