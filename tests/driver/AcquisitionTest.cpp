@@ -256,6 +256,7 @@ TEST_F(DetectorFiles, TheDefaultOneIsLoadedByInitialize) {
   const fs::path previous = fs::current_path();
   PlaceFile(here_ / "calibr20.det", true);
   surface_.root->Close();
+  surface_ = Surface(ModuleWithVisa());  // without the tables that have been loaded before
   fs::current_path(here_);
   EXPECT_EQ(Initialize(), S_OK);
   fs::current_path(previous);
