@@ -103,7 +103,8 @@ TEST(FaultText, RefusesWhatIsNoFaultInOneLine) {
       {"pieces:pause=1", "fault: bytes= is missing: pieces:pause=1"},
   };
   for (const auto& [text, expected] : cases) {
-    EXPECT_THAT([&] { ParseFault(text); }, testing::ThrowsMessage<std::invalid_argument>(expected));
+    const auto parse = [&text = text] { ParseFault(text); };
+    EXPECT_THAT(parse, testing::ThrowsMessage<std::invalid_argument>(expected)) << text;
   }
 }
 
