@@ -97,12 +97,18 @@ TEST_F(PowerTest, LevelAndItsSettingsAreTakenFromTheAnswerBehindTheProbe) {
   EXPECT_EQ(settings_.further_2, 7U);
 }
 
+std::size_t Lost(std::uint8_t* /*answer*/, std::size_t /*size*/) { return 0; }
+
 TEST_F(PowerTest, LostLinkEndsTheProbeWhichIsMadeAgain) {
-  visa_.SetResult(scripted::Function::kRead, 0xBFFF00A6, 1);
-  EXPECT_EQ(SetLevel(), scripted::kConnectionLost);
-  EXPECT_EQ(visa_.Requests().size(), 1U);
-  EXPECT_EQ(SetLevel(), 0);
-  EXPECT_EQ(visa_.Requests().size(), 4U);
+  for (const std::uint32_t answered : {0U, 1U}) {  // none, or that of the level's form
+    D3THardWare model(exchanger_);
+    visa_.SpoilAnswer({.after = answered, .change = Lost, .then = scripted::kConnectionLost});
+    EXPECT_EQ(model.SetOutputLevel(settings_, level_), scripted::kConnectionLost);
+    EXPECT_TRUE(visa_.LinkIsBack());
+    visa_.ClearRecord();
+    EXPECT_EQ(model.SetOutputLevel(settings_, level_), 0);
+    EXPECT_THAT(visa_.RequestOrder(), ElementsAre("3:79/62x5", "3:79/62x8", "3:79/62x5"));
+  }
 }
 
 // --- Levels and sweeps by variant
