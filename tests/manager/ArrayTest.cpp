@@ -196,6 +196,14 @@ const std::vector<PacketCase> kPacketCases = {
 };
 INSTANTIATE_TEST_SUITE_P(Packets, PacketTest, testing::ValuesIn(kPacketCases), RowName());
 
+TEST_F(PulseTest, ARefusedPacketIsToldAndKept) {
+  SwitchOn();
+  visa_.Rule(kWrite, kPulseId, kRefusal);
+  const auto packet = Doubles({1e-6});
+  EXPECT_EQ(manager_.ConfigurePacket(true, packet.Get(), packet.Get()), kRefusalStatus);
+  EXPECT_TRUE(manager_.GetPulseSettings().packet_enabled);
+}
+
 TEST_F(PulseTest, PulsesLongerThanThePeriod) {
   SwitchOn();
   EXPECT_EQ(manager_.SetDoublePulseDelay(1'000.0), 0);
