@@ -7,7 +7,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 
 struct FormCase : Row {
   std::vector<std::uint16_t> probe_statuses;  // of the frequency probes, in their order
