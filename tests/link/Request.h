@@ -58,8 +58,9 @@ struct Request {
   /// The numbers in the body; with a sign where they have a fraction.
   [[nodiscard]] std::vector<double> Elements() const {
     const std::size_t size = type >> 4;
-    const unsigned unused = 64 - 8 * static_cast<unsigned>(size);
     std::vector<double> elements;
+    if (size == 0 || size > sizeof(std::uint64_t)) return elements;
+    const unsigned unused = 64 - 8 * static_cast<unsigned>(size);
     for (std::size_t at = 0; at + size <= body.size(); at += size) {
       std::uint64_t bits = 0;
       for (std::size_t i = size; i-- > 0;) bits = bits << 8 | body[at + i];

@@ -198,7 +198,7 @@ void Script::Send(const Bytes& request, const PlannedAnswer& answer) {
 /// The bytes of an answer, in little-endian words as they are here.
 Bytes Script::Frame(const Bytes& request, const PlannedAnswer& answer) {
   const auto body_begin = request.begin() + kHeaderSize;
-  const Bytes body = answer.body.value_or(Bytes(body_begin, request.end()));
+  Bytes body = answer.body.value_or(Bytes(body_begin, request.end()));
   if (answer.is_raw) return body;
   Bytes bytes(request.begin(), body_begin);
   const auto size = static_cast<std::uint16_t>(body.size());

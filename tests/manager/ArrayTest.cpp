@@ -56,20 +56,20 @@ TEST_F(ManagerTest, ArrayWithoutATypeMarkIsTakenByTheSizeOfItsElements) {
   struct Case {
     const char* name;
     USHORT features;
-    ULONG element_size = 8;
     bool has_elements = true;
+    ULONG element_size = 8;
   };
   const Case rows[] = {
       {"doubles", 0},
-      {"too short", 0, 4},
-      {"too long", 0, 16},
+      {"too short", 0, true, 4},
+      {"too long", 0, true, 16},
       {"texts", FADF_BSTR},
       {"objects", FADF_UNKNOWN},
       {"objects with an identifier", FADF_UNKNOWN | FADF_HAVEIID},
       {"automation objects", FADF_DISPATCH},
       {"variants", FADF_VARIANT},
       {"records", FADF_RECORD},
-      {"nothing behind the descriptor", 0, 8, false},
+      {"nothing behind the descriptor", 0, false},
   };
   Open();
   for (const Case& row : rows) {
